@@ -1,0 +1,38 @@
+// A selection request and its result.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "store/record.h"
+
+namespace velanor::store {
+
+// A request record: attribute 1 the statement, 2 the file name, 3 the numbers of the attributes
+// to return, separated by single blanks (0 is the id).
+class DbQuery : public DbRecord {
+ public:
+  DbQuery() = default;
+  DbQuery(std::string_view statement, std::string_view file, std::string_view attributes);
+};
+
+// The selected records in order. Element (i, k) is attribute k of the request's list for record
+// i, both from 1; its values come as subvalues, (i, k, v). (i) alone is the whole entry. A
+// default-made result is empty. Cheap to copy: copies share the rows, which do not change when
+// the store does.
+class DbResult {
+ public:
+  DbResult();
+  explicit DbResult(std::shared_ptr<const DbRecord> rows) : rows_(std::move(rows)) {}
+
+  int DCount() const { return rows_->DCount(); }
+  std::string_view operator()(int record, int field = kWhole, int value = kWhole) const {
+    return (*rows_)(record, field, value);
+  }
+
+ private:
+  std::shared_ptr<const DbRecord> rows_;
+};
+
+}  // namespace velanor::store
