@@ -1,0 +1,33 @@
+// Calendar dates as whole day numbers.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace velanor::entry {
+
+// A day of the Gregorian calendar; years 1 to 9999.
+struct Date {
+  int day = 0;
+  int month = 0;
+  int year = 0;
+  friend bool operator==(const Date&, const Date&) = default;
+};
+
+// Where "today" comes from: the system's calendar for a program, a fixed day for a test.
+using Clock = std::function<Date()>;
+Clock system_clock();
+
+// Days since 31/12/1967, which is 0; earlier days are negative. Nothing for a date that does
+// not exist.
+std::optional<int> day_number(const Date& date);
+Date date_of(int day_number);
+// Ten characters, dd/mm/yyyy.
+std::string date_text(const Date& date);
+// d/m/y with one- or two-digit day and month and a two- or four-digit year (00-49 are 20xx,
+// 50-99 19xx); nothing for any other text or a date that does not exist.
+std::optional<Date> parse_date(std::string_view text);
+
+}  // namespace velanor::entry

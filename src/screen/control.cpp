@@ -1,0 +1,201 @@
+#include "screen/control.h"
+
+#include <algorithm>
+
+#include "screen/form.h"
+#include "text/utf8.h"
+
+namespace velanor::screen {
+
+Control::Control(Form& form, const Spec& spec)
+    : form_(form),
+      name_(spec.name),
+      caption_(spec.caption),
+      label_(spec.label),
+      frame_(spec.frame),
+      page_(spec.page >= 0 || !spec.frame ? spec.page : spec.frame->page()) {
+  form_.controls_.push_back(this);
+}
+
+void Control::set_caption(std::string_view caption) {
+  if (caption_ == caption) return;
+  caption_ = caption;
+  touch();
+}
+
+void Control::set_enabled(bool on) {
+  if (label_) label_->set_enabled(on);
+  if (enabled_ == on) return;
+  enabled_ = on;
+  touch();
+}
+
+void Control::set_visible(bool on) {
+  if (visible_ == on) return;
+  visible_ = on;
+  touch();
+}
+
+bool Control::usable() const { return enabled_ && visible_ && (!frame_ || frame_->usable()); }
+
+void OptionButton::set_value(bool on) {
+  if (value_ == on) return;
+  value_ = on;
+  touch();
+  if (!on) return;
+  for (Control* other : form().controls()) {
+    auto* option = dynamic_cast<OptionButton*>(other);
+    if (option && option != this && option->frame() == frame()) option->set_value(false);
+  }
+  clicked.raise();
+}
+
+void TextControl::set_text(std::string_view text) {
+  if (max_length_ > 0) text = text::left(text, max_length_);
+  if (text_ == text) return;
+  text_ = text;
+  touch();
+  text_was_set();
+  changed.raise();
+}
+
+void TextControl::edit(std::string_view text) {
+  if (text_ != text) edited_ = true;
+  set_text(text);
+}
+
+std::string TextControl::admitted(std::string_view value) {
+  // The filters judge a key against the text so far, so the value grows in the control itself.
+  std::string before;
+  before.swap(text_);
+  for (std::size_t at = 0; at < value.size();) {
+    Key key{text::next(value, at)};
+    if (key.code < U' ' || key.code == Key::kDelete) continue;
+    filter(key);
+    const bool full = max_length_ > 0 && text::length(text_) >= max_length_;
+    if (key.code >= U' ' && !full) text::append(text_, key.code);
+  }
+  before.swap(text_);
+  return before;
+}
+
+std::string_view Lines::line(int position) const {
+  return position < 0 || position >= count() ? std::string_view{}
+                                             : items_[static_cast<std::size_t>(position)];
+}
+
+int Lines::find(std::string_view text) const {
+  const auto at = std::find(items_.begin(), items_.end(), text);
+  return at == items_.end() ? -1 : static_cast<int>(at - items_.begin());
+}
+
+void ComboBox::set_index(int index) {
+  if (index < -1 || index >= count()) return;
+  const bool differs = index != index_;
+  index_ = index;
+  touch();
+  set_text(std::string(line(index)));
+  if (differs) clicked.raise();
+}
+
+void ComboBox::add(std::string_view item) {
+  items_.emplace_back(item);
+  touch();
+}
+
+void ComboBox::clear() {
+  items_.clear();
+  index_ = -1;
+  touch();
+  set_text({});
+}
+
+void ComboBox::refill(std::vector<std::string> items) {
+  items_ = std::move(items);
+  index_ = is_empty() ? -1 : find(text());
+  touch();
+}
+
+void ComboBox::text_was_set() {
+  if (line(index_) != text()) index_ = -1;
+}
+
+void ListBox::set_index(int index) {
+  if (index < -1 || index >= count() || index == index_) return;
+  index_ = index;
+  touch();
+  clicked.raise();
+}
+
+void ListBox::insert(int position, std::string_view item) {
+  position = std::clamp(position, 0, count());
+  items_.emplace(items_.begin() + position, item);
+  if (index_ >= position) ++index_;
+  touch();
+}
+
+void ListBox::replace(int position, std::string_view item) {
+  if (position < 0 || position >= count()) return;
+  items_[static_cast<std::size_t>(position)] = item;
+  touch();
+}
+
+void ListBox::remove(int position) {
+  if (position < 0 || position >= count()) return;
+  items_.erase(items_.begin() + position);
+  if (index_ == position) index_ = -1;
+  if (index_ > position) --index_;
+  touch();
+}
+
+void ListBox::clear() {
+  items_.clear();
+  index_ = -1;
+  touch();
+}
+
+void ScrollBar::set_value(int value) {
+  value = std::clamp(value, 0, max_);
+  if (value == value_) return;
+  value_ = value;
+  touch();
+  changed.raise();
+}
+
+void ScrollBar::set_max(int max) {
+  max_ = std::max(max, 0);
+  touch();
+  set_value(value_);
+}
+
+Tabs::Tabs(Form& form, const Spec& spec, std::vector<std::string> captions)
+    : Control(form, spec), captions_(std::move(captions)), page_enabled_(captions_.size(), true) {
+  form.tabs_ = this;
+}
+
+void Tabs::show(int page) {
+  if (page < 0 || page >= count() || page == page_) return;
+  page_ = page;
+  touch();
+  switched.raise();
+}
+
+bool Tabs::page_enabled(int page) const {
+  return page >= 0 && page < count() && page_enabled_[static_cast<std::size_t>(page)];
+}
+
+void Tabs::enable_page(int page, bool on) {
+  if (page < 0 || page >= count()) return;
+  page_enabled_[static_cast<std::size_t>(page)] = on;
+  touch();
+}
+
+void Tabs::enable_all() {
+  for (int page = 0; page < count(); ++page) enable_page(page, true);
+}
+
+void Tabs::disable_others() {
+  for (int page = 0; page < count(); ++page) enable_page(page, page == page_);
+}
+
+}  // namespace velanor::screen

@@ -1,0 +1,71 @@
+// A form: its controls by name and in tab order, and which of them has the focus.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "screen/control.h"
+
+namespace velanor::screen {
+
+// Holds no control itself: they are members of what derives from it, and register in the order
+// in which they are declared, which is the tab order.
+class Form {
+ public:
+  Form(std::string_view name, std::string_view caption) : name_(name), caption_(caption) {}
+  virtual ~Form() = default;
+  Form(const Form&) = delete;
+  Form& operator=(const Form&) = delete;
+
+  const std::string& name() const { return name_; }
+  const std::string& caption() const { return caption_; }
+  const std::vector<Control*>& controls() const { return controls_; }
+  // The control of that name, or null.
+  Control* find(std::string_view name) const;
+  Tabs* tabs() const { return tabs_; }
+
+  // The control that has the focus, or null.
+  Control* focus() const { return focus_; }
+  // The program moves the focus: shows the control's page, then raises `lost_focus` of the
+  // control left and `got_focus` of this one. A control that cannot be used is passed over.
+  // Called from a lost_focus handler it sends the focus elsewhere than the user wanted, and
+  // the control that the user wanted gets no event.
+  void set_focus(Control& control);
+  // The user moves the focus (null: away, to none). False when a lost_focus handler sent it
+  // elsewhere. The control must be usable and in sight.
+  bool move_focus(Control* control);
+  // A focused control that has become unusable hands the focus to the next usable one in tab
+  // order, without events of the one left.
+  void settle_focus();
+  // The next (or previous) control that takes the focus, in tab order; null when there is none.
+  Control* neighbour(const Control* from, bool forward) const;
+  // Usable, takes the focus and stands on the page in sight.
+  bool can_focus(const Control& control) const;
+  bool in_sight(const Control& control) const;
+
+  // Buttons that Enter and Escape press; null where the form expects neither.
+  CommandButton* default_button = nullptr;
+  CommandButton* cancel_button = nullptr;
+  // Asked when the close box is used: false keeps the form open.
+  std::function<bool()> may_close;
+  // A right mouse button press on the background.
+  Event right_pressed;
+
+ private:
+  friend class Control;
+  friend class Tabs;
+  void enter(Control* control);
+
+  std::string name_;
+  std::string caption_;
+  std::vector<Control*> controls_;
+  Tabs* tabs_ = nullptr;
+  Control* focus_ = nullptr;
+  Control* wanted_ = nullptr;  // target of a move under way
+  bool leaving_ = false;
+  bool redirected_ = false;
+};
+
+}  // namespace velanor::screen

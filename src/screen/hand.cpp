@@ -1,0 +1,199 @@
+#include "screen/hand.h"
+
+#include "text/utf8.h"
+
+namespace velanor::screen {
+namespace {
+
+const Refusal kDone;
+
+}  // namespace
+
+Refusal Hand::check(const Control& control) const {
+  const std::string& name = control.name();
+  if (screen_.finished()) return name + " is gone: the component was left";
+  if (&control.form() != &screen_.top()) return name + " stands behind the form " + screen_.top().name();
+  for (const Control* c = &control; c; c = c->frame()) {
+    if (!c->visible()) return c->name() + " is hidden";
+    if (!c->enabled()) return c->name() + " is disabled";
+  }
+  const Tabs* tabs = control.form().tabs();
+  if (tabs && control.page() >= 0 && !tabs->page_enabled(control.page()))
+    return name + " stands on page " + std::to_string(control.page()) + ", which is disabled";
+  return kDone;
+}
+
+Refusal Hand::show_page(int page) {
+  if (screen_.finished()) return "the component was left";
+  Form& form = screen_.top();
+  Tabs* tabs = form.tabs();
+  if (!tabs || page < 0 || page >= tabs->count()) return "there is no page " + std::to_string(page);
+  if (Refusal why = check(*tabs); !why.empty()) return why;
+  if (!tabs->page_enabled(page)) return "page " + std::to_string(page) + " is disabled";
+  const int messages = screen_.messages_shown();
+  if (form.move_focus(tabs) && screen_.messages_shown() == messages) tabs->show(page);
+  settle();
+  return kDone;
+}
+
+// Whether the focus arrived says `reached`; a click on its way that was lost is no refusal.
+Refusal Hand::reach(Control& control) {
+  if (Refusal why = check(control); !why.empty()) return why;
+  Form& form = control.form();
+  if (!form.in_sight(control)) {
+    if (Refusal why = show_page(control.page()); !why.empty()) return why;
+    if (!form.in_sight(control)) return kDone;
+    if (Refusal why = check(control); !why.empty()) return why;
+  }
+  if (control.takes_focus()) form.move_focus(&control);
+  return kDone;
+}
+
+Refusal Hand::focus(Control& control) {
+  if (!control.takes_focus()) return control.name() + " takes no focus";
+  Refusal why = reach(control);
+  settle();
+  return why;
+}
+
+Refusal Hand::leave() {
+  if (screen_.finished()) return "the component was left";
+  screen_.top().move_focus(nullptr);
+  settle();
+  return kDone;
+}
+
+Refusal Hand::press(Control& control, Key key) {
+  if (Refusal why = focus(control); !why.empty()) return why;
+  if (control.form().focus() == &control) key_into_focus(key);
+  settle();
+  return kDone;
+}
+
+Refusal Hand::type(TextControl& control, std::string_view text) {
+  if (Refusal why = focus(control); !why.empty()) return why;
+  if (control.form().focus() != &control) return kDone;
+  for (std::size_t at = 0; at < text.size();) {
+    key_into_focus(Key{text::next(text, at)});
+    settle();
+  }
+  return kDone;
+}
+
+void Hand::key_into_focus(Key key) {
+  Form& form = screen_.top();
+  Control* control = form.focus();
+  if (!control) return;
+  if (key.code == Key::kTab) {
+    form.move_focus(form.neighbour(control, true));
+  } else if (key.code == Key::kEscape) {
+    if (form.cancel_button) click(*form.cancel_button);
+  } else if (auto* text = dynamic_cast<TextControl*>(control)) {
+    edit_key(*text, key);
+  } else if (key.code == Key::kEnter || key.code == U' ') {
+    click(*control);
+  }
+}
+
+void Hand::edit_key(TextControl& control, Key key) {
+  const auto* combo = dynamic_cast<const ComboBox*>(&control);
+  if (key.code == Key::kDelete || (combo && !combo->editable())) return;
+  control.filter(key);
+  std::string text = control.text();
+  if (key.code == Key::kBackspace) {
+    text::remove_last(text);
+  } else if (key.code == Key::kEnter) {
+    if (CommandButton* button = control.form().default_button) click(*button);
+    return;
+  } else if (key.code < U' ' || (control.max_length() > 0 && text::length(text) >= control.max_length())) {
+    return;
+  } else {
+    text::append(text, key.code);
+  }
+  control.edit(text);
+}
+
+Refusal Hand::replace_text(TextControl& control, std::string_view text) {
+  if (Refusal why = focus(control); !why.empty()) return why;
+  const auto* combo = dynamic_cast<const ComboBox*>(&control);
+  if (combo && !combo->editable()) return control.name() + " cannot be typed into";
+  if (control.form().focus() == &control) control.edit(control.admitted(text));
+  settle();
+  return kDone;
+}
+
+// Reaches the control and, unless the click was lost on the way, carries out what it does.
+template <typename Act>
+Refusal Hand::act(Control& control, Act act) {
+  const int messages = screen_.messages_shown();
+  if (Refusal why = reach(control); !why.empty()) {
+    settle();
+    return why;
+  }
+  const bool arrived = !control.takes_focus() || control.form().focus() == &control;
+  Refusal why;
+  if (arrived && screen_.messages_shown() == messages && check(control).empty()) why = act();
+  settle();
+  return why;
+}
+
+Refusal Hand::click(Control& control) {
+  return act(control, [&]() -> Refusal {
+    if (auto* button = dynamic_cast<CommandButton*>(&control)) return button->clicked.raise(), kDone;
+    if (auto* option = dynamic_cast<OptionButton*>(&control)) return option->set_value(true), kDone;
+    if (auto* menu = dynamic_cast<Menu*>(&control)) return menu->clicked.raise(), kDone;
+    return control.name() + " is no button";
+  });
+}
+
+Refusal Hand::drop_down(ComboBox& box) {
+  return act(box, [&] { return box.drop_down.raise(), kDone; });
+}
+
+Refusal Hand::choose(ComboBox& box, int index) {
+  return act(box, [&]() -> Refusal {
+    if (index < 0 || index >= box.count()) return box.name() + " has no line " + std::to_string(index);
+    return box.set_index(index), kDone;
+  });
+}
+
+Refusal Hand::pick(ListBox& list, int index) {
+  return act(list, [&]() -> Refusal {
+    if (index < 0 || index >= list.count()) return list.name() + " has no line " + std::to_string(index);
+    return list.set_index(index), kDone;
+  });
+}
+
+Refusal Hand::double_click(ListBox& list, int index) {
+  return act(list, [&]() -> Refusal {
+    if (index < 0 || index >= list.count()) return list.name() + " has no line " + std::to_string(index);
+    list.set_index(index);
+    return list.double_clicked.raise(), kDone;
+  });
+}
+
+Refusal Hand::scroll(ScrollBar& bar, int value) {
+  return act(bar, [&]() -> Refusal {
+    if (value < 0 || value > bar.max()) return bar.name() + " goes from 0 to " + std::to_string(bar.max());
+    return bar.set_value(value), kDone;
+  });
+}
+
+Refusal Hand::right_press() {
+  if (screen_.finished()) return "the component was left";
+  screen_.top().right_pressed.raise();
+  return kDone;
+}
+
+Refusal Hand::close() {
+  if (screen_.finished()) return "the component was left";
+  screen_.request_close();
+  settle();
+  return kDone;
+}
+
+void Hand::settle() {
+  if (!screen_.finished()) screen_.top().settle_focus();
+}
+
+}  // namespace velanor::screen
