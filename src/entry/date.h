@@ -26,8 +26,10 @@ std::optional<int> day_number(const Date& date);
 Date date_of(int day_number);
 // Ten characters, dd/mm/yyyy.
 std::string date_text(const Date& date);
-// d/m/y with one- or two-digit day and month and a two- or four-digit year (00-49 are 20xx,
-// 50-99 19xx); nothing for any other text or a date that does not exist.
+// The year that one or two digits mean: 00-49 are 20xx, 50-99 19xx.
+int full_year(int two_digits);
+// d/m/y with one- or two-digit day and month and a two- or four-digit year;
+// nothing for any other text or a date that does not exist.
 std::optional<Date> parse_date(std::string_view text);
 
 }  // namespace velanor::entry
