@@ -8,6 +8,12 @@ bool Screen::is_open(const Form& form) const {
   return std::any_of(stack_.begin(), stack_.end(), [&](const Open& open) { return open.form == &form; });
 }
 
+std::vector<Form*> Screen::open_forms() const {
+  std::vector<Form*> forms;
+  for (const Open& open : stack_) forms.push_back(open.form);
+  return forms;
+}
+
 void Screen::open(Form& form, std::function<void()> closed) {
   if (is_open(form)) return;
   stack_.push_back({&form, std::move(closed)});

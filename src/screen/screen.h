@@ -46,6 +46,8 @@ class Screen {
   Form& base() const { return *stack_.front().form; }
   Form& top() const { return *stack_.back().form; }
   bool is_open(const Form& form) const;
+  // From the base to the topmost.
+  std::vector<Form*> open_forms() const;
 
   // Opens a modal form; `closed` runs when it has gone.
   void open(Form& form, std::function<void()> closed);
