@@ -118,8 +118,9 @@ std::string format_decimal(std::int64_t value, int scale, int decimals) {
   std::string digits = std::to_string(magnitude);
   if (decimals > scale) digits.append(static_cast<std::size_t>(decimals - scale), '0');
   digits = text::pad_left(digits, decimals + 1, '0');
-  if (decimals > 0) digits.insert(digits.size() - static_cast<std::size_t>(decimals), ",");
-  return (negative && magnitude != 0 ? "-" : "") + digits;
+  if (decimals > 0) digits.insert(digits.size() - static_cast<std::size_t>(decimals), 1, ',');
+  if (negative && magnitude != 0) digits.insert(0, 1, '-');
+  return digits;
 }
 
 std::string format_pattern(std::string_view text, int decimals) {
