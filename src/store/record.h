@@ -1,6 +1,7 @@
 // A multivalue record: attributes > values > subvalues, each numbered from 1.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -18,6 +19,9 @@ inline constexpr char kSubvalueMark = '\xFC';
 inline constexpr int kWhole = -1;
 inline constexpr int kAppend = -1;
 
+// The highest number that a write may name; beyond it lies a mistake, not a record.
+inline constexpr int kMaxNumber = 1'000'000;
+
 // A value type: the encoded string and an index of its elements. Reading never fails and never
 // parses: an element that is not there reads as "". A view that was read lives until the record
 // is next written or destroyed.
@@ -31,6 +35,8 @@ class DbRecord {
   // The record of an encoded string. Marks are structure; other bytes that are not UTF-8 and
   // NULs are replaced.
   static DbRecord from_encoded(std::string_view encoded);
+  // The same for a string that comes out of a record, whose bytes need no look.
+  static DbRecord from_trusted(std::string encoded);
 
   // The whole record in its encoded form.
   const std::string& encoded() const { return bytes_; }
@@ -46,7 +52,8 @@ class DbRecord {
 
   // Replaces one element; a record too short is extended with empty elements. A value of
   // kAppend adds a new value at the end of the attribute (the first one of an empty attribute),
-  // a subvalue of kAppend likewise. Numbers below 1 otherwise throw std::out_of_range.
+  // a subvalue of kAppend likewise. Numbers otherwise below 1, or above kMaxNumber, throw
+  // std::out_of_range.
   void set(int attribute, std::string_view text);
   void set(int attribute, int value, std::string_view text);
   void set(int attribute, int value, int subvalue, std::string_view text);
@@ -68,6 +75,38 @@ class DbRecord {
   int DCount(int attribute) const { return Count(attribute); }
 
   friend bool operator==(const DbRecord& a, const DbRecord& b) { return a.bytes_ == b.bytes_; }
+
+ private:
+  // Leaves are the texts between two marks of any kind; an element is a run of them, `first` to
+  // before `last`. An element that is not there is an empty run.
+  struct Leaves {
+    std::uint32_t first = 0, last = 0;
+    bool exist() const { return first != last; }
+  };
+  Leaves leaves(int attribute, int value, int subvalue) const;
+  std::size_t begin(Leaves run) const { return leaf_starts_[run.first]; }
+  std::size_t end(Leaves run) const { return leaf_starts_[run.last] - 1; }
+  bool empty(Leaves run) const { return !run.exist() || begin(run) == end(run); }
+  // Elements in the structure, where an empty attribute holds one empty value.
+  int attributes() const;
+  int values(int attribute) const;
+  int subvalues(int attribute, int value) const;
+
+  void replace(int attribute, int value, int subvalue, std::string_view clean);
+  void insert_value(int attribute, int value, std::string_view clean);
+  // Before `next`, or at the end of `parent` when there is no next.
+  void insert_before(int attribute, Leaves next, Leaves parent, char mark, std::string_view clean);
+  // Replaces the bytes `begin` to before `end`, which lie in or behind the attribute.
+  void splice(int attribute, std::size_t begin, std::size_t end, std::string_view bytes);
+  // Indexes the attribute and all behind it; what stands before it has not changed.
+  void index_from(int attribute);
+
+  std::string bytes_;
+  // Where each leaf starts in the bytes, with which leaf each value starts, with which value each
+  // attribute starts; each list closed by one entry more. All are empty for an empty record.
+  std::vector<std::uint32_t> leaf_starts_;
+  std::vector<std::uint32_t> value_leaves_;
+  std::vector<std::uint32_t> attribute_values_;
 };
 
 // Text as it may enter a record: every mark byte, NUL and byte that is not part of valid UTF-8
