@@ -24,15 +24,26 @@ class DbQuery : public DbRecord {
 class DbResult {
  public:
   DbResult();
-  explicit DbResult(std::shared_ptr<const DbRecord> rows) : rows_(std::move(rows)) {}
+  explicit DbResult(std::shared_ptr<const DbRecord> rows) : DbResult(rows, rows->DCount()) {}
+  // With the number of rows said apart: a single row whose only element is empty reads like no row.
+  DbResult(std::shared_ptr<const DbRecord> rows, int count) : rows_(std::move(rows)), count_(count) {}
+  // Moving copies, so that what was moved from still reads.
+  DbResult(const DbResult&) = default;
+  DbResult& operator=(const DbResult&) = default;
 
-  int DCount() const { return rows_->DCount(); }
+  // Whether both are one answer: a list filled from the other need not be filled anew.
+  bool same_rows(const DbResult& other) const { return rows_ == other.rows_; }
+
+  int DCount() const { return count_; }
+  // Size of the rows' encoded form.
+  std::size_t bytes() const { return rows_->encoded().size(); }
   std::string_view operator()(int record, int field = kWhole, int value = kWhole) const {
     return (*rows_)(record, field, value);
   }
 
  private:
   std::shared_ptr<const DbRecord> rows_;
+  int count_ = 0;
 };
 
 }  // namespace velanor::store

@@ -1,0 +1,23 @@
+// Whether a record meets the criteria of a statement.
+#pragma once
+
+#include <string_view>
+
+#include "store/select/tree.h"
+
+namespace velanor::store::select {
+
+// A record as it lies in a store: its id and its encoded form.
+struct Row {
+  std::string_view id;
+  std::string_view encoded;
+};
+
+// The text that a designator stands for; "" where the record has none.
+std::string_view text_of(const Designator& designator, const Row& row);
+
+// A test holds for an attribute if it holds for any of its values or subvalues; an attribute
+// that is not there has the one value "".
+bool matches(const Statement& statement, const Row& row);
+
+}  // namespace velanor::store::select

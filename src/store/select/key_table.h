@@ -1,0 +1,39 @@
+// Numbers the distinct keys of a sort.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velanor::store::select {
+
+class KeyTable {
+ public:
+  // The number of a key, from 0 in the order of their first use.
+  std::uint32_t number_of(std::string_view key);
+  std::size_t size() const { return ends_.size(); }
+  // Key numbers in ascending byte order of the keys.
+  std::vector<std::uint32_t> sorted() const;
+
+ private:
+  struct Slot {
+    std::uint32_t hash = 0;
+    std::uint32_t number_plus_one = 0;
+  };
+
+  std::string_view key(std::uint32_t number) const;
+  std::size_t free_slot(std::uint32_t hash) const;
+  void grow();
+
+  // Open addressing; a power of two, at most half full.
+  std::vector<Slot> slots_ = std::vector<Slot>(64);
+  std::string keys_;
+  std::vector<std::size_t> ends_;
+};
+
+// The first eight bytes of a key as a number of the same order.
+std::uint64_t packed_prefix(std::string_view key);
+
+}  // namespace velanor::store::select
