@@ -1,0 +1,72 @@
+#include "store/memory_database.h"
+
+#include "store/memory_backend.h"
+
+namespace velanor::store {
+
+MemoryFile* MemoryBackend::file(std::string_view name) {
+  const auto found = files_.find(name);
+  return found == files_.end() ? nullptr : &found->second;
+}
+
+void MemoryBackend::open(std::string_view) {}
+
+std::optional<DbRecord> MemoryBackend::find(std::string_view name, std::string_view id) {
+  const MemoryFile* found = file(name);
+  return found == nullptr ? std::nullopt : found->find(id);
+}
+
+void MemoryBackend::put(std::string_view name, std::string_view id, const DbRecord& record) {
+  MemoryFile* known = file(name);
+  if (known == nullptr) known = &files_[std::string(name)];
+  known->put(id, record.encoded());
+}
+
+void MemoryBackend::erase(std::string_view name, std::string_view id) {
+  if (MemoryFile* found = file(name)) found->erase(id);
+}
+
+void MemoryBackend::scan(std::string_view name, const Narrowing& narrowing, Content, const Visit& visit) {
+  if (MemoryFile* found = file(name)) found->scan(narrowing, visit);
+}
+
+std::uint64_t MemoryBackend::revision(std::string_view name) {
+  const MemoryFile* found = file(name);
+  return found == nullptr ? 0 : found->revision();
+}
+
+std::vector<std::string> MemoryBackend::files() const {
+  std::vector<std::string> names;
+  for (const auto& [name, file] : files_) {
+    if (file.size() > 0) names.push_back(name);
+  }
+  return names;
+}
+
+MemoryDatabase::MemoryDatabase(select::Dictionary dictionary)
+    : MemoryDatabase(std::make_unique<MemoryBackend>(), std::move(dictionary)) {}
+
+MemoryDatabase::MemoryDatabase(std::unique_ptr<MemoryBackend> backend, select::Dictionary dictionary)
+    : StoreDatabase(std::move(backend), std::move(dictionary)),
+      backend_(static_cast<MemoryBackend*>(&StoreDatabase::backend())) {}
+
+void MemoryDatabase::put(std::string_view file, std::string_view id, const DbRecord& record) {
+  put_checked(*backend_, file, id, record);
+}
+
+void MemoryDatabase::remove(std::string_view file, std::string_view id) { backend_->erase(file, id); }
+
+std::optional<DbRecord> MemoryDatabase::find(std::string_view file, std::string_view id) {
+  return backend_->find(file, id);
+}
+
+std::vector<std::string> MemoryDatabase::files() { return backend_->files(); }
+
+void MemoryDatabase::for_each(std::string_view file,
+                              const std::function<void(std::string_view id, const DbRecord&)>& fn) {
+  backend_->scan(file, {}, Content::kRecords, [&](const select::Row& row) {
+    fn(row.id, DbRecord::from_trusted(std::string(row.encoded)));
+  });
+}
+
+}  // namespace velanor::store
