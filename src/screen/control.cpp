@@ -110,9 +110,9 @@ void ComboBox::clear() {
   set_text({});
 }
 
-void ComboBox::refill(std::vector<std::string> items) {
+void ComboBox::refill(std::vector<std::string> items, int index) {
   items_ = std::move(items);
-  index_ = is_empty() ? -1 : find(text());
+  index_ = index >= 0 && index < count() && line(index) == text() ? index : -1;
   touch();
 }
 

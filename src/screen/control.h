@@ -178,8 +178,9 @@ class ComboBox : public TextControl, public Lines {
   void add(std::string_view item);
   // Empties list and text.
   void clear();
-  // New lines; the text stays, selected where a line reads the same. Raises nothing.
-  void refill(std::vector<std::string> items);
+  // New lines; the text stays. Line `index` is the selected one if it reads the same as the text.
+  // Raises nothing.
+  void refill(std::vector<std::string> items, int index = -1);
 
   // A list alone: its text cannot be typed.
   bool editable() const { return editable_; }
@@ -232,13 +233,14 @@ class ScrollBar : public Control {
 // An entry of a menu, or a menu (whose entries name it as their parent).
 class Menu : public Control {
  public:
-  Menu(Form& form, const Spec& spec, Menu* parent = nullptr) : Control(form, spec), parent_(parent) {}
-  Menu* parent() const { return parent_; }
+  using Control::Control;
+  const Menu* parent() const { return parent_; }
+  void set_parent(const Menu& menu) { parent_ = &menu; }
   bool takes_focus() const override { return false; }
   Event clicked;
 
  private:
-  Menu* parent_;
+  const Menu* parent_ = nullptr;
 };
 
 // The pages of a form. Showing another page raises `switched`.

@@ -36,6 +36,8 @@ class Form {
   // The user moves the focus (null: away, to none). False when a lost_focus handler sent it
   // elsewhere. The control must be usable and in sight.
   bool move_focus(Control* control);
+  // As when the form is shown anew: nothing has the focus, without events.
+  void forget_focus() { focus_ = nullptr; }
   // A focused control that has become unusable hands the focus to the next usable one in tab
   // order, without events of the one left.
   void settle_focus();

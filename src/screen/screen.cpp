@@ -17,6 +17,7 @@ std::vector<Form*> Screen::open_forms() const {
 void Screen::open(Form& form, std::function<void()> closed) {
   if (is_open(form)) return;
   stack_.push_back({&form, std::move(closed)});
+  form.forget_focus();
   toolkit_.form_opened(form);
 }
 

@@ -1,0 +1,126 @@
+#include "amendments/activities.h"
+
+#include "card/activity_line.h"
+#include "card/record_layout.h"
+#include "entry/decimal.h"
+
+namespace velanor::amendments {
+
+void ActivityLines::bind() {
+  ui_.Cmd_AjAct.clicked += [this] { Cmd_AjAct_Click(); };
+  ui_.Cmd_OkAct.clicked += [this] { Cmd_OkAct_Click(); };
+  ui_.Cmd_AnnulAct.clicked += [this] { Cmd_AnnulAct_Click(); };
+  ui_.Lst_Activites.double_clicked += [this] { Lst_Activites_DblClick(); };
+  ui_.Cbo_Activites.clicked += [this] { Cbo_Activites_Click(); };
+}
+
+void ActivityLines::begin_entry() {
+  states_.disable_commands();
+  ui_.Lst_Activites.set_enabled(false);
+  ui_.Cmd_AjAct.set_enabled(false);
+  ui_.Cmd_OkAct.set_enabled(true);
+  ui_.Cmd_AnnulAct.set_enabled(true);
+  ui_.Txt_Pourc.set_enabled(true);
+  ui_.Ong_FichPers.disable_others();
+  states_.GriserDonnees();
+  states_.GriserDetail();
+}
+
+void ActivityLines::end_entry() {
+  ui_.Ong_FichPers.enable_all();
+  states_.enable_commands();
+  card_.AjoutActivite = false;
+  changed_line_ = -1;
+  ui_.Cbo_Activites.set_index(-1);
+  ui_.Cbo_Activites.set_text({});
+  ui_.Txt_Pourc.set_text({});
+  ui_.Lst_Activites.set_enabled(true);
+  ui_.Cmd_AjAct.set_enabled(true);
+  ui_.Cmd_OkAct.set_enabled(false);
+  ui_.Cmd_AnnulAct.set_enabled(false);
+  ui_.Cbo_Activites.set_enabled(false);
+  ui_.Txt_Pourc.set_enabled(false);
+  states_.DeGriserDonnees();
+  states_.DeGriserDetail();
+}
+
+void ActivityLines::Cmd_AjAct_Click() {
+  card_.AjoutActivite = true;
+  begin_entry();
+  ui_.Cbo_Activites.set_enabled(true);
+  ui_.set_focus(ui_.Cbo_Activites);
+}
+
+void ActivityLines::Lst_Activites_DblClick() {
+  changed_line_ = ui_.Lst_Activites.index();
+  if (changed_line_ < 0) return;
+  const std::string line(ui_.Lst_Activites.line(changed_line_));
+  begin_entry();
+  const card::Kept& activity = card_.activities[static_cast<std::size_t>(changed_line_)].activity;
+  // What stands in the line is what the file called it when the line was made; an activity that
+  // has left the list shows the line's own text.
+  int entry = reference::find_entry(lists_.kept().activities, 1, activity.stored) - 1;
+  for (int i = 0; entry < 0 && i < ui_.Cbo_Activites.count(); ++i) {
+    if (card::is_activity_label(ui_.Cbo_Activites.line(i), line)) entry = i;
+  }
+  ui_.Cbo_Activites.set_index(entry);
+  if (entry < 0) ui_.Cbo_Activites.set_text(card::activity_label(line));
+  ui_.Cbo_Activites.set_enabled(false);
+  ui_.Txt_Pourc.set_text(card::activity_share(line));
+  ui_.set_focus(ui_.Txt_Pourc);
+}
+
+// A new line's activity shows where it stands already.
+void ActivityLines::Cbo_Activites_Click() {
+  if (!card_.AjoutActivite || ui_.Cbo_Activites.index() < 0) return;
+  const auto& lines = ui_.Lst_Activites.items();
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    if (card::is_activity_label(ui_.Cbo_Activites.text(), lines[i]))
+      return ui_.Lst_Activites.set_index(static_cast<int>(i));
+  }
+}
+
+bool ActivityLines::entry_is_valid() {
+  if (ui_.Cbo_Activites.is_empty()) {
+    screen_.refuse("Il est obligatoire de spécifier une activité.");
+    ui_.set_focus(ui_.Cbo_Activites);
+    return false;
+  }
+  const bool nothing = ui_.Txt_Pourc.text() == "," || (card_.AjoutActivite && ui_.Txt_Pourc.is_empty());
+  if (nothing) {
+    screen_.refuse("Il est obligatoire de spécifier une répartition.");
+    ui_.set_focus(ui_.Txt_Pourc);
+  }
+  return !nothing;
+}
+
+void ActivityLines::add_line() {
+  const int entry = ui_.Cbo_Activites.index() + 1;
+  const std::string share = ui_.Txt_Pourc.text();
+  ui_.Lst_Activites.add(card::activity_line(ui_.Cbo_Activites.text(), share));
+  card_.activities.push_back({{ui_.Cbo_Activites.text(), std::string(lists_.kept().activities(entry, 1))},
+                              {share, entry::text_to_stored(share, 2)}});
+}
+
+void ActivityLines::change_line() {
+  const std::string share = ui_.Txt_Pourc.text();
+  const auto memory = card_.activities.begin() + changed_line_;
+  if (share.empty() || share == "0,00") {
+    ui_.Lst_Activites.remove(changed_line_);
+    card_.activities.erase(memory);
+    return;
+  }
+  ui_.Lst_Activites.replace(changed_line_, card::activity_line(ui_.Cbo_Activites.text(), share));
+  if (share != memory->share.shown) memory->share = {share, entry::text_to_stored(share, 2)};
+}
+
+void ActivityLines::Cmd_OkAct_Click() {
+  if (!entry_is_valid()) return;
+  ui_.Lst_Activites.set_enabled(true);
+  card_.AjoutActivite ? add_line() : change_line();
+  end_entry();
+}
+
+void ActivityLines::Cmd_AnnulAct_Click() { end_entry(); }
+
+}  // namespace velanor::amendments

@@ -1,0 +1,41 @@
+// The split of the employee's time between activities, line by line.
+#pragma once
+
+#include <string>
+
+#include "card/states.h"
+#include "reference/lists.h"
+#include "screen/screen.h"
+
+namespace velanor::amendments {
+
+class ActivityLines {
+ public:
+  ActivityLines(card::CardScreen& ui, card::CardState& card, card::CardStates& states,
+                reference::ReferenceLists& lists, screen::Screen& screen)
+      : ui_(ui), card_(card), states_(states), lists_(lists), screen_(screen) {}
+
+  void bind();
+
+ private:
+  void Cmd_AjAct_Click();
+  void Cmd_OkAct_Click();
+  void Cmd_AnnulAct_Click();
+  void Lst_Activites_DblClick();
+  void Cbo_Activites_Click();
+
+  bool entry_is_valid();
+  void add_line();
+  void change_line();
+  void begin_entry();
+  void end_entry();
+
+  card::CardScreen& ui_;
+  card::CardState& card_;
+  card::CardStates& states_;
+  reference::ReferenceLists& lists_;
+  screen::Screen& screen_;
+  int changed_line_ = -1;
+};
+
+}  // namespace velanor::amendments

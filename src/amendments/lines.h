@@ -1,0 +1,87 @@
+// The lines of the amendments frame. Line i (from 0) of every list is value i + 1 of the record's
+// amendment attributes; lines stand in ascending order of effective date.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "amendments/grids.h"
+#include "card/amendment_columns.h"
+#include "card/states.h"
+#include "screen/screen.h"
+
+namespace velanor::amendments {
+
+class AmendmentLines {
+ public:
+  // What the lines stand on. Keeps the references; their owners outlive this.
+  struct Ground {
+    card::CardScreen& ui;
+    card::CardState& card;
+    card::CardStates& states;
+    CareerGrids& grids;
+    reference::ReferenceLists& lists;
+    entry::UtilSaisie& entry;
+    screen::Screen& screen;
+  };
+  // `open_items` opens the payroll items of the current line and runs its argument, with the
+  // monthly time that they make, when the form has gone.
+  using OpenItems = std::function<void(std::function<void(const std::string& monthly_time)>)>;
+  AmendmentLines(const Ground& ground, OpenItems open_items)
+      : on_(ground), open_items_(std::move(open_items)) {}
+
+  void bind();
+
+  // A line at the end, as a record was loaded: what each list shows and what was stored.
+  void append(const card::AmendmentMemory& line);
+  // The scroll bar follows the number of lines.
+  void size_scroll_bar();
+  // The whole line becomes the selected one; -1: none.
+  void select(int index);
+
+ private:
+  void Cmd_AjDetail_Click();
+  void Cmd_OkDetail_Click();
+  void Cmd_AnnulDetail_Click();
+  void Cmd_SuppDetail_Click();
+  void Cmd_Detail_Click();
+  void Lst_DatEffet_Click();
+  void Lst_DatEffet_DblClick();
+  void Lst_DatDepGrille_Click();
+  void Lst_Qualif_Click();
+  void Lst_Grille_Click();
+  void Lst_Categorie_Click();
+  void Lst_NouvMes_Click();
+  void Lst_TxHor_Click();
+  void Lst_DureMens_Click();
+  // A double click on any other column is one on the effective date.
+  void Lst_DatDepGrille_DblClick() { Lst_DatEffet_DblClick(); }
+  void Lst_Qualif_DblClick() { Lst_DatEffet_DblClick(); }
+  void Lst_Grille_DblClick() { Lst_DatEffet_DblClick(); }
+  void Lst_Categorie_DblClick() { Lst_DatEffet_DblClick(); }
+  void Lst_NouvMes_DblClick() { Lst_DatEffet_DblClick(); }
+  void Lst_TxHor_DblClick() { Lst_DatEffet_DblClick(); }
+  void Lst_DureMens_DblClick() { Lst_DatEffet_DblClick(); }
+  void SelListe();
+
+  // The first check that fails speaks, moves the caret and leaves the entry open.
+  bool entry_is_valid();
+  bool date_is_valid();
+  bool grid_or_rate_is_valid();
+  bool category_is_valid();
+  bool refuse(std::string_view message, screen::Control& caret);
+
+  void begin_entry();
+  void end_entry();
+  card::AmendmentMemory entered_line() const;
+  int insertion_position() const;
+  void insert_line(int position, card::AmendmentMemory line);
+  int move_into_order(int position);
+  void show_line(int position, const card::AmendmentMemory& line);
+  long day(std::string_view date) const;
+
+  Ground on_;
+  OpenItems open_items_;
+};
+
+}  // namespace velanor::amendments

@@ -1,0 +1,278 @@
+#include "commands/card_commands.h"
+
+#include "card/record_layout.h"
+#include "entry/decimal.h"
+#include "text/utf8.h"
+
+namespace velanor::commands {
+
+void CardCommands::bind() {
+  on_.ui.Cbo_Periode.clicked += [this] { Cbo_Periode_Click(); };
+  on_.ui.Cmd_OK.clicked += [this] { Cmd_OK_Click(); };
+  on_.ui.Cmd_Ajout.clicked += [this] { Cmd_Ajout_Click(); };
+  on_.ui.Cmd_Annul.clicked += [this] { Cmd_Annul_Click(); };
+  on_.ui.Cmd_Supp.clicked += [this] { Cmd_Supp_Click(); };
+  on_.ui.Cmd_Copier.clicked += [this] { Cmd_Copier_Click(); };
+}
+
+std::string CardCommands::year() const { return std::string(text::trim(on_.ui.Cbo_Periode.text())); }
+
+std::string CardCommands::id_of(const std::string& employee) const {
+  return card::record_id(employee, entity(), year());
+}
+
+// ---- Entity, year, employee.
+
+void CardCommands::RemplirPeriodes() {
+  const auto years = on_.years.years(text::trim(entity()));
+  if (years.empty()) {
+    on_.screen.refuse("Aucune extraction de personnel n'a été réalisée pour cette entité.");
+    on_.ui.Txt_Asso.set_text({});
+    return;
+  }
+  on_.ui.Cbo_Periode.clear();
+  for (const std::string& year : years) on_.ui.Cbo_Periode.add(year);
+}
+
+void CardCommands::entity_accepted() {
+  card::CardScreen& ui = on_.ui;
+  ui.Txt_Aidant.set_enabled(true);
+  ui.Cbo_Aidant.set_enabled(true);
+  ui.Cmd_Ajout.set_enabled(true);
+  constexpr int kMonthlyHours = 2;
+  const auto establishment = on_.procedure.establishments().find(entity() + "001");
+  const auto hours = establishment ? entry::parse_decimal((*establishment)(kMonthlyHours), 0) : std::nullopt;
+  on_.card.default_hours =
+      hours ? text::pad_left(entry::format_decimal(*hours, 2, 2), 6, '0') : std::string();
+  RemplirPeriodes();
+  if (ui.Txt_Asso.is_empty()) return;
+  ui.Cbo_Periode.set_index(0);
+  ui.Cmd_Ajout.set_enabled(true);
+  ui.set_focus(ui.Txt_Aidant);
+}
+
+void CardCommands::entity_incomplete() {
+  on_.ui.Cbo_Periode.clear();
+  on_.ui.Txt_Aidant.set_text({});
+  on_.ui.Cbo_Aidant.clear();
+  on_.ui.Txt_Aidant.set_enabled(false);
+  on_.ui.Cbo_Aidant.set_enabled(false);
+  on_.ui.Cmd_Ajout.set_enabled(false);
+}
+
+void CardCommands::Cbo_Periode_Click() {
+  if (on_.ui.Cbo_Periode.index() < 0 || on_.ui.Txt_Asso.is_empty()) return;
+  on_.lists.RequeteAidant();
+  on_.lists.RemplirAidant();
+  on_.ui.Cmd_Ajout.set_enabled(on_.states.year_is_open());
+}
+
+void CardCommands::start_card(bool creation) {
+  on_.card.Creation = creation;
+  on_.card.open = true;
+  on_.card.AjoutDetail = on_.card.AjoutActivite = false;
+  on_.card.edited_line = -1;
+  on_.card.kept.clear();
+  on_.card.activities.clear();
+  on_.card.amendments.clear();
+  on_.states.empty_fields();
+  on_.lists.ChercheRegroupBudget({});
+  // The lists take a single entry at once; on a card that is loaded the record has the last word.
+  on_.card.loading = !creation;
+  on_.lists.fill_card_lists();
+  on_.card.loading = false;
+  on_.states.enable_entity(false);
+}
+
+void CardCommands::open_employee(const store::DbRecord& record) {
+  card::CardScreen& ui = on_.ui;
+  on_.card.CodeAidant = ui.Txt_Aidant.text();
+  on_.card.working = record;
+  on_.card.file = on_.procedure.file(control::File::kCards).Record(id_of(on_.card.CodeAidant));
+  on_.card.file->assign(record);
+  start_card(false);
+  on_.record.ChargerAidant();
+  on_.states.DeGriserOng();
+  const bool editable = on_.states.year_is_open();
+  if (editable) {
+    on_.states.DeGriserDonnees();
+    ui.Cmd_AjDetail.set_enabled(true);
+    ui.Cmd_SuppDetail.set_enabled(true);
+  } else {
+    ui.Cbo_MotifFin.set_enabled(false);
+    // The lists cannot be clicked in such a year, but the items of a line can be read.
+    ui.Lst_DatEffet.set_index(0);
+  }
+  ui.Cmd_Copier.set_enabled(editable);
+  ui.Txt_Etat.set_text(editable ? "Modification" : "Consultation");
+}
+
+// ---- New card.
+
+void CardCommands::Cmd_Ajout_Click() {
+  card::CardScreen& ui = on_.ui;
+  start_card(true);
+  on_.states.DeGriserOng();
+  ui.Cmd_Copier.set_enabled(false);
+  ui.Opt_CDI.set_value(true);
+  ui.Opt_Prod.set_value(true);
+  ui.Txt_HresExo.set_text("100,00");
+  ui.Txt_HorMensEtab.set_text(on_.card.default_hours);
+  ui.Txt_ConvCol.set_text(default_agreement_());
+  ui.Txt_Etat.set_text("Création");
+  ui.set_focus(ui.Txt_NomAidant);
+  on_.card.CodeAidant.clear();
+  on_.card.working = {};
+  on_.card.file.reset();
+}
+
+// ---- Saving.
+
+bool CardCommands::year_is_locked() {
+  const std::string latest = on_.years.latest(entity());
+  if (latest == year()) return false;
+  on_.screen.refuse("Une extraction du personnel a été réalisée sur l'année " + latest +
+                    ".\r\nVous ne pouvez plus modifier une fiche de personnel sur l'année " + year() + ".");
+  return true;
+}
+
+void CardCommands::Cmd_OK_Click() {
+  if (year_is_locked()) return;
+  on_.card.Erreur = false;
+  on_.validation.VerifZone();
+  if (on_.card.Erreur) return;
+  on_.card.CodeAidant = on_.ui.Txt_Aidant.text();
+  // What the clerk sees stays what is in hand if the store fails.
+  const store::DbRecord in_hand = on_.card.working;
+  try {
+    on_.record.ChargerDonnees();
+    if (on_.card.Creation) {
+      RechCode();
+      on_.card.file = on_.procedure.file(control::File::kCards).Record(id_of(on_.card.CodeAidant));
+    }
+    store::FileRecord file = *on_.card.file;
+    file.assign(on_.card.working);
+    file.DBWrite();
+    on_.card.file = file;
+  } catch (...) {
+    on_.card.working = in_hand;
+    if (on_.card.Creation) on_.card.file.reset();
+    throw;
+  }
+  on_.ui.Cmd_Copier.set_enabled(false);
+  on_.ui.Txt_RegroupBudget.set_text({});
+  on_.ui.Txt_Etat.set_text({});
+  return_to_browsing();
+  on_.ui.Cmd_Ajout.set_enabled(true);
+  allow_browsing();
+}
+
+// Codes are handed out downwards from 99999. Any failure other than a missing record counts as a
+// code in use, so the search has to end somewhere.
+void CardCommands::RechCode() {
+  constexpr int kFirst = 99999;
+  store::DbFile& cards = on_.procedure.file(control::File::kCards);
+  for (int n = kFirst; n >= 0; --n) {
+    const std::string code = text::pad_left(std::to_string(n), card::kEmployeeCodeLength, '0');
+    try {
+      cards.Read(id_of(code));
+    } catch (const store::DbError& error) {
+      if (error.number() != store::kMissingRecord) continue;
+      on_.card.CodeAidant = code;
+      return;
+    }
+  }
+  throw store::DbError(store::kStoreFailure,
+                       "Aucun code de salarié n'est libre pour cette entité et cette année.");
+}
+
+// ---- Back to browsing.
+
+void CardCommands::return_to_browsing() {
+  card::CardScreen& ui = on_.ui;
+  on_.card.Creation = false;
+  on_.card.open = false;
+  ui.Txt_Aidant.set_enabled(true);
+  ui.Txt_Aidant.set_text({});
+  ui.Txt_NomAidant.set_text({});
+  ui.Txt_NomAidant.set_enabled(false);
+  ui.Txt_NomAidant.set_visible(false);
+  ui.Cbo_Aidant.set_visible(true);
+  ui.Cbo_Aidant.set_enabled(true);
+  on_.lists.RequeteAidant();
+  on_.lists.RemplirAidant();
+  on_.states.GriserOng();
+  ui.Ong_FichPers.enable_all();
+  ui.Ong_FichPers.show(card::kIdentityPage);
+  on_.states.enable_entity(true);
+  ui.Cbo_Periode.set_enabled(true);
+}
+
+void CardCommands::allow_browsing() {
+  on_.ui.Cmd_Sortir.set_enabled(true);
+  on_.ui.set_focus(on_.ui.Txt_Aidant);
+}
+
+void CardCommands::Cmd_Annul_Click() {
+  if (!on_.screen.confirm("Voulez-vous quitter cette création ?")) return;
+  on_.ui.Cmd_Copier.set_enabled(false);
+  on_.ui.Txt_RegroupBudget.set_text({});
+  on_.ui.Txt_Etat.set_text({});
+  return_to_browsing();
+  on_.ui.Cmd_Ajout.set_enabled(on_.states.year_is_open());
+  allow_browsing();
+}
+
+void CardCommands::Cmd_Supp_Click() {
+  if (!on_.screen.confirm("Voulez-vous supprimer cette fiche ?")) return;
+  if (!on_.card.Creation) {
+    const std::string id = id_of(on_.card.CodeAidant);
+    on_.procedure.file(control::File::kCards).DeleteRecord(id);
+    SupprimerCalculs(id);
+  }
+  // Budget grouping, state and the duplicate button stay as the deleted card left them.
+  return_to_browsing();
+  on_.ui.Cmd_Ajout.set_enabled(true);
+  allow_browsing();
+}
+
+namespace {
+
+// Runs one step of a clean-up whose failures nobody wants to hear of.
+template <typename Step>
+void ignoring_failures(Step step) {
+  try {
+    step();
+  } catch (const store::DbError&) {
+  }
+}
+
+}  // namespace
+
+void CardCommands::SupprimerCalculs(const std::string& id) {
+  constexpr int kMonths = 12;
+  store::Database& database = on_.procedure.database();
+  ignoring_failures([&] { database.OpenFile("BUDGETHISTORCUMUL")->DeleteRecord(id); });
+  ignoring_failures([&] {
+    const auto months = database.OpenFile("BUDGETDETAILCALCUL");
+    for (int m = 1; m <= kMonths; ++m)
+      ignoring_failures([&] { months->DeleteRecord(id + text::pad_left(std::to_string(m), 2, '0')); });
+  });
+}
+
+// ---- Duplicate.
+
+void CardCommands::Cmd_Copier_Click() {
+  if (!on_.card.file) return;
+  const std::string own_code = on_.card.CodeAidant;
+  RechCode();
+  const std::string code = std::exchange(on_.card.CodeAidant, own_code);
+  store::FileRecord copy = on_.procedure.file(control::File::kCards).Record(id_of(code));
+  copy.assign(*on_.card.file);
+  copy.set(card::kName, code);
+  for (int attribute : card::kResults) copy.set(attribute, {});
+  copy.DBWrite();
+  on_.screen.inform("Cet aidant a été dupliqué sur le code " + code + ".");
+}
+
+}  // namespace velanor::commands

@@ -1,0 +1,69 @@
+// What the clerk does with a card: choose, create, abandon, save, delete, duplicate.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "card/card_screen.h"
+#include "card/card_state.h"
+#include "card/states.h"
+#include "commands/card_record.h"
+#include "commands/validation.h"
+#include "control/session.h"
+#include "reference/lists.h"
+#include "screen/screen.h"
+
+namespace velanor::commands {
+
+class CardCommands {
+ public:
+  // Keeps the references; their owners outlive this.
+  struct Ground {
+    card::CardScreen& ui;
+    card::CardState& card;
+    card::CardStates& states;
+    const card::YearTable& years;
+    const control::Procedure& procedure;
+    reference::ReferenceLists& lists;
+    CardRecord& record;
+    Validation& validation;
+    screen::Screen& screen;
+  };
+  // `default_agreement` is asked for at each new card.
+  CardCommands(const Ground& ground, std::function<std::string()> default_agreement)
+      : on_(ground), default_agreement_(std::move(default_agreement)) {}
+
+  void bind();
+
+  // The years of the entity in Txt_Asso; an entity without personnel records is refused.
+  void RemplirPeriodes();
+  // An entity code was accepted, or is not complete.
+  void entity_accepted();
+  void entity_incomplete();
+  // An employee code was accepted: the card is opened.
+  void open_employee(const store::DbRecord& record);
+
+ private:
+  void Cbo_Periode_Click();
+  void Cmd_OK_Click();
+  void Cmd_Ajout_Click();
+  void Cmd_Annul_Click();
+  void Cmd_Supp_Click();
+  void Cmd_Copier_Click();
+  void RechCode();
+  void SupprimerCalculs(const std::string& id);
+
+  std::string entity() const { return on_.ui.Txt_Asso.text(); }
+  std::string year() const;
+  std::string id_of(const std::string& employee) const;
+  bool year_is_locked();
+  void start_card(bool creation);
+  // The part of the return to browsing that saving, abandoning and deleting have in common.
+  void return_to_browsing();
+  void allow_browsing();
+
+  Ground on_;
+  std::function<std::string()> default_agreement_;
+};
+
+}  // namespace velanor::commands

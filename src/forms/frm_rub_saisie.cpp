@@ -1,0 +1,479 @@
+#include "forms/frm_rub_saisie.h"
+
+#include "card/item_hours.h"
+#include "card/record_compare.h"
+#include "card/record_layout.h"
+#include "entry/amount.h"
+#include "entry/decimal.h"
+#include "forms/item_template.h"
+#include "text/utf8.h"
+
+namespace velanor::forms {
+namespace {
+
+constexpr int kPageOfLines = 15;
+
+// Columns of the catalogue, in the order in which its attributes are asked for.
+constexpr int kCode = 1;
+constexpr int kLabel = 2;
+constexpr int kType = 3;
+constexpr int kBaseAndRateKey = 4;
+constexpr int kTypedRate = 5;
+constexpr int kDefaultRate = 7;
+
+// The figures of a line: which attribute stores a column, and how it is shown.
+struct Figure {
+  std::size_t column;
+  int attribute;
+  int integer_digits;
+  int decimals;
+};
+constexpr std::array<Figure, 3> kFigures{
+    {{2, card::kItemBase, 5, 2}, {3, card::kItemRate, 3, 4}, {4, card::kItemAmount, 5, 2}}};
+
+// A stored number of ten-thousandths without needless decimals: 125000 is "12,5".
+std::string plain_rate(std::string_view stored) {
+  std::string text = entry::stored_to_text(stored, 4, 4);
+  if (text.find(',') == std::string::npos) return text;
+  text.erase(text.find_last_not_of('0') + 1);
+  if (text.back() == ',') text.pop_back();
+  return text;
+}
+
+}  // namespace
+
+Frm_RubSaisie::Frm_RubSaisie(card::CardState& card, const control::Procedure& procedure,
+                             entry::UtilSaisie& entry, Frm_SaisieHres& hours, screen::Screen& screen)
+    : card_(card), procedure_(procedure), entry_(entry), hours_(hours), screen_(screen) {
+  using screen::Key;
+  bind_columns();
+  ui_.Bdv_Detail.changed += [this] { Bdv_Detail_Change(); };
+  ui_.Cbo_LibRub.changed += [this] { Cbo_LibRub_Change(); };
+  ui_.Cbo_LibRub.clicked += [this] { Cbo_LibRub_Click(); };
+  ui_.Txt_Code.changed += [this] { Txt_Code_Change(); };
+  ui_.Txt_Code.key_press = [this](Key& key) { Txt_Code_KeyPress(key); };
+  ui_.Txt_Code.lost_focus += [this] { Txt_Code_LostFocus(); };
+  ui_.Txt_Base.key_press = [this](Key& key) { Txt_Base_KeyPress(key); };
+  ui_.Txt_Taux.key_press = [this](Key& key) { Txt_Taux_KeyPress(key); };
+  ui_.Txt_Montant.key_press = [this](Key& key) { Txt_Montant_KeyPress(key); };
+  ui_.Txt_Base.lost_focus += [this] { Txt_Base_LostFocus(); };
+  ui_.Txt_Taux.lost_focus += [this] { Txt_Taux_LostFocus(); };
+  ui_.Txt_Montant.lost_focus += [this] { Txt_Montant_LostFocus(); };
+  ui_.Cmd_Ajouter.clicked += [this] { Cmd_Ajouter_Click(); };
+  ui_.Cmd_OK.clicked += [this] { Cmd_OK_Click(); };
+  ui_.Cmd_Annuler.clicked += [this] { Cmd_Annuler_Click(); };
+  ui_.Cmd_Supprimer.clicked += [this] { Cmd_Supprimer_Click(); };
+  ui_.Cmd_Retour.clicked += [this] { Cmd_Retour_Click(); };
+  ui_.Cmd_SaisieAuto.clicked += [this] { Cmd_SaisieAuto_Click(); };
+  ui_.may_close = [this] { return Form_Unload(); };
+  ui_.cancel_button = &ui_.Cmd_Annuler;
+}
+
+// A click on one column goes on to the next; the ring closes where the index is already set.
+void Frm_RubSaisie::bind_columns() {
+  const auto columns = ui_.columns();
+  for (std::size_t c = 0; c < columns.size(); ++c) {
+    screen::ListBox* list = columns[c];
+    screen::ListBox* next = columns[(c + 1) % columns.size()];
+    list->clicked += [list, next] { next->set_index(list->index()); };
+    list->double_clicked += [this] { Descendre_Liste(); };
+  }
+}
+
+void Frm_RubSaisie::open(const ItemContext& context, std::function<void()> closed) {
+  context_ = context;
+  Form_Load();
+  ui_.Etq_Aidant.set_caption("Aidant : " + context_.employee);
+  Afficher_Donnees();
+  ui_.set_focus(ui_.Cmd_Retour);
+  ui_.set_focus(ui_.Cmd_Ajouter);
+  if (ui_.Lst_Code.count() > 0) ui_.set_focus(ui_.Lst_Code);
+  screen_.open(ui_, std::move(closed));
+}
+
+// ---- Loading.
+
+void Frm_RubSaisie::Form_Load() {
+  for (screen::ListBox* list : ui_.columns()) list->clear();
+  copy_ = card_.working;
+  FermetureAutorisee = false;
+  TauxParDefaut = false;
+  Remplir_RubSaisie();
+  Vider_Texte();
+  Degriser_Liste();
+  for (screen::CommandButton* button : {&ui_.Cmd_OK, &ui_.Cmd_Annuler, &ui_.Cmd_Ajouter, &ui_.Cmd_Retour})
+    button->set_enabled(true);
+  ui_.Cmd_Supprimer.set_enabled(false);
+}
+
+void Frm_RubSaisie::Remplir_RubSaisie() {
+  std::string statement = "SSELECT RUBSAISIE AVEC 2 >= \"2\" AND AVEC 5 = \"+\"";
+  for (const char* excluded : {"805", "812", "815", "810", "835", "852", "853"})
+    statement += std::string(" AND AVEC 0 # \"") + excluded + "\"";
+  catalogue_ = procedure_.select(statement + " AND AVEC 18 # \"1\" PAR 1", "RUBSAISIE", "0 1 2 10 8 6 9");
+  std::vector<std::string> labels;
+  if (!catalogue_(1, kCode).empty()) {
+    for (int row = 1; row <= catalogue_.DCount(); ++row) labels.emplace_back(catalogue_(row, kLabel));
+  }
+  ui_.Cbo_LibRub.clear();
+  ui_.Cbo_LibRub.refill(std::move(labels));
+}
+
+void Frm_RubSaisie::Afficher_Donnees() {
+  for (screen::ListBox* list : ui_.columns()) list->clear();
+  const int a = context_.amendment;
+  const store::DbRecord& record = card_.working;
+  for (int n = 1; !record(card::kItemCode, a, n).empty(); ++n) {
+    const std::string code(record(card::kItemCode, a, n));
+    const auto item = procedure_.file(control::File::kItems).find(code);
+    std::array<std::string, 5> line{code, item ? std::string((*item)(1)) : std::string()};
+    for (const Figure& figure : kFigures) {
+      const std::string text =
+          entry::stored_to_text(record(figure.attribute, a, n), figure.decimals, figure.decimals);
+      line[figure.column] = column_text(figure.column, text);
+    }
+    add_line(ui_.Lst_Code.count(), line);
+  }
+  ui_.Cmd_SaisieAuto.set_enabled(ui_.Lst_Code.count() == 0 && !context_.SaisieAutoBloquee);
+  control::size_scroll_bar(ui_.Bdv_Detail, ui_.Lst_Code, kPageOfLines);
+  if (context_.ModifAutorisee) return;
+  for (screen::ListBox* list : ui_.columns()) list->set_enabled(false);
+  for (screen::CommandButton* button : {&ui_.Cmd_OK, &ui_.Cmd_Annuler, &ui_.Cmd_Ajouter})
+    button->set_enabled(false);
+}
+
+// ---- The grid and the edit line.
+
+std::string Frm_RubSaisie::column_text(std::size_t column, std::string_view text) const {
+  for (const Figure& figure : kFigures) {
+    if (figure.column == column && !text.empty())
+      return entry_.FormatColumn(text, figure.integer_digits, figure.decimals);
+  }
+  return std::string(text);
+}
+
+std::array<std::string, 5> Frm_RubSaisie::edit_line() const {
+  std::array<std::string, 5> line{ui_.Txt_Code.text(), ui_.Cbo_LibRub.text(), ui_.Txt_Base.text(),
+                                  ui_.Txt_Taux.text(), ui_.Txt_Montant.text()};
+  for (std::size_t c = 0; c < line.size(); ++c) line[c] = column_text(c, line[c]);
+  return line;
+}
+
+void Frm_RubSaisie::add_line(int position, const std::array<std::string, 5>& line) {
+  const auto columns = ui_.columns();
+  for (std::size_t c = 0; c < columns.size(); ++c) columns[c]->insert(position, line[c]);
+}
+
+void Frm_RubSaisie::remove_line(int index) {
+  for (screen::ListBox* list :
+       {&ui_.Lst_LibRub, &ui_.Lst_Base, &ui_.Lst_Taux, &ui_.Lst_Montant, &ui_.Lst_Code})
+    list->remove(index);
+}
+
+void Frm_RubSaisie::Griser_Liste() {
+  for (screen::ListBox* list : ui_.columns()) list->set_enabled(false);
+  for (screen::TextControl* box : std::initializer_list<screen::TextControl*>{
+           &ui_.Txt_Code, &ui_.Cbo_LibRub, &ui_.Txt_Base, &ui_.Txt_Taux, &ui_.Txt_Montant})
+    box->set_enabled(true);
+}
+
+void Frm_RubSaisie::Degriser_Liste() {
+  for (screen::ListBox* list : ui_.columns()) list->set_enabled(true);
+  for (screen::TextControl* box : std::initializer_list<screen::TextControl*>{
+           &ui_.Txt_Code, &ui_.Cbo_LibRub, &ui_.Txt_Base, &ui_.Txt_Taux, &ui_.Txt_Montant})
+    box->set_enabled(false);
+}
+
+void Frm_RubSaisie::Vider_Texte() {
+  ui_.Txt_Code.set_text({});
+  ui_.Cbo_LibRub.set_index(-1);
+  ui_.Cbo_LibRub.set_text({});
+  for (screen::TextBox* box : {&ui_.Txt_Base, &ui_.Txt_Taux, &ui_.Txt_Montant}) box->set_text({});
+}
+
+void Frm_RubSaisie::Descendre_Liste() {
+  const int index = ui_.Lst_Code.index();
+  if (!context_.ModifAutorisee || index < 0) return;
+  // A line whose code may not be entered by hand disappears when the user tries to edit it.
+  if (catalogue_row(ui_.Lst_Code.line(index)) == 0) return remove_line(index);
+  Griser_Liste();
+  ui_.Txt_Code.set_text(ui_.Lst_Code.line(index));
+  ui_.Txt_Base.set_text(entry_.UnformatNumber(ui_.Lst_Base.line(index)));
+  ui_.Txt_Taux.set_text(entry_.UnformatNumber(ui_.Lst_Taux.line(index)));
+  ui_.Txt_Montant.set_text(entry_.UnformatNumber(ui_.Lst_Montant.line(index)));
+  ui_.Txt_Code.set_enabled(false);
+  ui_.Cbo_LibRub.set_enabled(false);
+  ui_.Cmd_Supprimer.set_enabled(true);
+  ui_.Cmd_Ajouter.set_enabled(false);
+  ui_.Cmd_Retour.set_enabled(false);
+  ui_.Cmd_SaisieAuto.set_enabled(false);
+}
+
+void Frm_RubSaisie::Monter_Liste() {
+  const auto columns = ui_.columns();
+  const auto line = edit_line();
+  const int index = ui_.Lst_Code.index();
+  for (std::size_t c = 0; c < columns.size(); ++c) columns[c]->replace(index, line[c]);
+  Degriser_Liste();
+}
+
+// Before the first line whose label is smaller: an ascending grid takes every new line at its
+// head. Labels compare byte by byte, deliberately not as a reader would order them.
+void Frm_RubSaisie::Tri() {
+  const std::string& label = ui_.Cbo_LibRub.text();
+  int i = 0;
+  while (!ui_.Lst_LibRub.line(i).empty() && label <= ui_.Lst_LibRub.line(i)) ++i;
+  PositionInsertion = i;
+}
+
+void Frm_RubSaisie::Bdv_Detail_Change() {
+  if (ui_.Bdv_Detail.value() != ui_.Lst_Code.index()) ui_.Lst_Code.set_index(ui_.Bdv_Detail.value());
+}
+
+// ---- The code and what it allows.
+
+int Frm_RubSaisie::catalogue_row(std::string_view code) const {
+  for (int row = 1; !catalogue_(row, kCode).empty(); ++row) {
+    if (catalogue_(row, kCode) == code) return row;
+  }
+  return 0;
+}
+
+void Frm_RubSaisie::Txt_Code_KeyPress(screen::Key& key) {
+  if (key.code != screen::Key::kEnter) return;
+  Txt_Code_LostFocus();
+  key.swallow();
+}
+
+void Frm_RubSaisie::Txt_Code_LostFocus() {
+  if (!ui_.Txt_Code.is_empty()) ui_.Txt_Code.set_text(text::pad_left(ui_.Txt_Code.text(), 3, '0'));
+}
+
+void Frm_RubSaisie::Cbo_LibRub_Change() {
+  if (ui_.Cbo_LibRub.is_empty()) ui_.Txt_Code.set_text({});
+}
+
+void Frm_RubSaisie::Cbo_LibRub_Click() {
+  const bool none = ui_.Cbo_LibRub.is_empty();
+  ui_.Txt_Code.set_text(none ? std::string_view{} : catalogue_(ui_.Cbo_LibRub.index() + 1, kCode));
+}
+
+void Frm_RubSaisie::Txt_Code_Change() {
+  if (text::length(ui_.Txt_Code.text()) != 3) return ui_.Cbo_LibRub.set_text({});
+  const int row = catalogue_row(ui_.Txt_Code.text());
+  if (row == 0) {
+    screen_.refuse("Cette rubrique de saisie n'existe pas.");
+    ui_.Txt_Code.set_text({});
+    ui_.set_focus(ui_.Txt_Code);
+    return;
+  }
+  ui_.Cbo_LibRub.set_text(catalogue_(row, kLabel));
+  allow_figures(row);
+}
+
+// What a code does not ask for cannot keep a figure of the code before.
+void Frm_RubSaisie::allow(screen::TextBox& box, bool on) {
+  box.set_enabled(on);
+  if (!on) box.set_text({});
+}
+
+void Frm_RubSaisie::allow_figures(int row) {
+  const std::string_view type = catalogue_(row, kType);
+  const bool hours = card::is_hours(type);
+  if (type != "2" && type != "6" && !hours) return;
+  const bool typed_rate = type == "2" && catalogue_(row, kTypedRate) == "1";
+  const bool base_and_rate = typed_rate || (type == "2" && catalogue_(row, kBaseAndRateKey) == "2");
+  allow(ui_.Txt_Base, base_and_rate || hours);
+  allow(ui_.Txt_Taux, base_and_rate);
+  allow(ui_.Txt_Montant, !base_and_rate && !hours);
+  if (typed_rate && TauxParDefaut) ui_.Txt_Taux.set_text(plain_rate(catalogue_(row, kDefaultRate)));
+  if (hours) ui_.Txt_Taux.set_text("  0,0000");
+  ui_.set_focus(ui_.Txt_Base.enabled() ? ui_.Txt_Base : ui_.Txt_Montant);
+}
+
+void Frm_RubSaisie::filter_number(screen::TextBox& box, int integer_digits, screen::Key& key) {
+  key.code = entry_.FilterNumericKey(box.text(), key.code, integer_digits);
+}
+
+void Frm_RubSaisie::format_number(screen::TextBox& box, int decimals, int integer_digits) {
+  if (!box.is_empty()) box.set_text(entry_.FormatAmount(box.text(), decimals, integer_digits));
+}
+
+// ---- The commands of the edit line.
+
+void Frm_RubSaisie::Cmd_Ajouter_Click() {
+  TauxParDefaut = true;
+  Vider_Texte();
+  Griser_Liste();
+  ui_.Cmd_Ajouter.set_enabled(false);
+  ui_.Cmd_Retour.set_enabled(false);
+  ui_.Cmd_SaisieAuto.set_enabled(false);
+  ui_.set_focus(ui_.Txt_Code);
+}
+
+bool Frm_RubSaisie::refuse(std::string_view message, screen::Control& caret) {
+  screen_.refuse(message);
+  ui_.set_focus(caret);
+  return false;
+}
+
+bool Frm_RubSaisie::edit_line_is_valid() {
+  const auto missing = [](const screen::TextBox& box) { return box.enabled() && box.is_empty(); };
+  if (missing(ui_.Txt_Base)) return refuse("La base de la rubrique de saisie est obligatoire.", ui_.Txt_Base);
+  if (missing(ui_.Txt_Taux)) return refuse("Le taux de la rubrique de saisie est obligatoire.", ui_.Txt_Taux);
+  if (!ui_.Txt_Montant.enabled() && !ui_.Txt_Base.is_empty() && !ui_.Txt_Taux.is_empty()) {
+    const std::string amount = entry::amount_of(ui_.Txt_Base.text(), ui_.Txt_Taux.text());
+    // An amount cut to the box would be a wrong one.
+    if (text::length(amount) > ui_.Txt_Montant.max_length())
+      return refuse("Zone numérique trop longue.", ui_.Txt_Base);
+    ui_.Txt_Montant.set_text(amount);
+  }
+  if (missing(ui_.Txt_Montant))
+    return refuse("Le montant de la rubrique de saisie est obligatoire.", ui_.Txt_Montant);
+  if (catalogue_row(ui_.Txt_Code.text()) > 0) return true;
+  screen_.refuse("La rubrique de saisie n'existe pas, veuillez la ressaisir.");
+  ui_.Cbo_LibRub.set_text({});
+  ui_.set_focus(ui_.Cbo_LibRub);
+  return false;
+}
+
+void Frm_RubSaisie::Cmd_OK_Click() {
+  if (!edit_line_is_valid()) return;
+  if (TauxParDefaut) {
+    Tri();
+    add_line(PositionInsertion, edit_line());
+  } else {
+    Monter_Liste();
+  }
+  TauxParDefaut = false;
+  back_to_browsing();
+  control::size_scroll_bar(ui_.Bdv_Detail, ui_.Lst_Code, kPageOfLines);
+  write_grid();
+}
+
+void Frm_RubSaisie::back_to_browsing() {
+  Vider_Texte();
+  Degriser_Liste();
+  ui_.Cmd_Supprimer.set_enabled(false);
+  ui_.Cmd_Ajouter.set_enabled(true);
+  ui_.Cmd_Retour.set_enabled(true);
+  ui_.Cmd_SaisieAuto.set_enabled(ui_.Lst_Code.count() == 0 && !context_.SaisieAutoBloquee);
+}
+
+void Frm_RubSaisie::abandon_edit_line() {
+  TauxParDefaut = false;
+  back_to_browsing();
+}
+
+void Frm_RubSaisie::Cmd_Annuler_Click() {
+  if (TauxParDefaut) {
+    if (screen_.confirm("Etes-vous sûr de vouloir quitter cette création ?", screen::Icon::Exclamation))
+      abandon_edit_line();
+  } else if (!ui_.Txt_Code.is_empty()) {
+    abandon_edit_line();
+  } else {
+    unload();
+  }
+}
+
+void Frm_RubSaisie::Cmd_Supprimer_Click() {
+  if (!screen_.confirm("Etes-vous sûr de vouloir supprimer cette ligne ?", screen::Icon::Exclamation)) return;
+  remove_line(ui_.Lst_Code.index());
+  back_to_browsing();
+  control::size_scroll_bar(ui_.Bdv_Detail, ui_.Lst_Code, kPageOfLines);
+  write_grid();
+}
+
+// ---- Between the grid and the working record.
+
+void Frm_RubSaisie::write_grid() {
+  const int a = context_.amendment;
+  const int count = ui_.Lst_Code.count();
+  store::DbRecord& record = card_.working;
+  const auto columns = ui_.columns();
+  for (int n = 1; n <= count; ++n) {
+    record.set(card::kItemCode, a, n, ui_.Lst_Code.line(n - 1));
+    for (const Figure& figure : kFigures) {
+      const std::string_view text = columns[figure.column]->line(n - 1);
+      record.set(figure.attribute, a, n, entry::text_to_stored(text::trim(text), figure.decimals));
+    }
+  }
+  for (int attribute : card::kItemColumns) {
+    while (record.Count(attribute, a) > count) record.Delete(attribute, a, record.Count(attribute, a));
+  }
+}
+
+bool Frm_RubSaisie::items_changed() const {
+  for (int attribute : card::kItemColumns) {
+    if (!card::same_value(card_.working, copy_, attribute, context_.amendment)) return true;
+  }
+  return false;
+}
+
+bool Frm_RubSaisie::hours_accepted() {
+  const std::string entered =
+      card::item_hours(card_.working, context_.amendment, procedure_.file(control::File::kItems));
+  constexpr int kLegalMonthlyHours = 15167;  // hundredths: 35 hours a week over a year
+  const auto legal = entry::parse_decimal(context_.establishment_hours, 2).value_or(kLegalMonthlyHours);
+  if (entry::parse_decimal(entered, 2).value_or(0) <= legal) return true;
+  return screen_.say("Le nombre d'heure saisi est supérieur à l'horaire légal.", screen::Icon::Exclamation,
+                     screen::Buttons::OkCancel) == screen::Answer::Ok;
+}
+
+void Frm_RubSaisie::Cmd_Retour_Click() {
+  if (items_changed()) {
+    screen_.toolkit().beep();
+    if (screen_.confirm("Voulez-vous enregistrer les modifications apportées à cet article ?",
+                        screen::Icon::Exclamation)) {
+      write_grid();
+      if (!hours_accepted()) return;
+    } else {
+      card_.working = copy_;
+    }
+  }
+  unload();
+}
+
+void Frm_RubSaisie::unload() {
+  FermetureAutorisee = true;
+  for (screen::ListBox* list : ui_.columns()) list->clear();
+  catalogue_ = {};
+  copy_ = {};
+  screen_.close(ui_);
+}
+
+// ---- Filling from an entry template.
+
+void Frm_RubSaisie::Cmd_SaisieAuto_Click() {
+  if (context_.agreement.empty()) {
+    return screen_.refuse(
+        "Vous devez préciser la convention collective de ce salarié pour lancer le calcul automatique.");
+  }
+  const auto record = procedure_.file(control::File::kTemplates).find(context_.agreement + context_.grouping);
+  if (!record) {
+    return screen_.refuse(
+        "Aucune trame de saisie n'a été définie pour cette convention collective et ce regroupement budget.");
+  }
+  hours_.open(context_.employee, [this, record = *record](const Hours& hours) {
+    if (!hours.cancelled()) fill_from(record, hours);
+  });
+}
+
+void Frm_RubSaisie::fill_from(const store::DbRecord& record, const Hours& hours) {
+  screen_.toolkit().set_busy(true);
+  for (const FilledItem& item : fill_template(record, hours, procedure_.file(control::File::kItems))) {
+    std::array<std::string, 5> line{item.code, item.label, item.base, item.rate, item.amount};
+    for (const Figure& figure : kFigures) {
+      std::string& text = line[figure.column];
+      const int width = figure.integer_digits + 1 + figure.decimals;
+      text = text.empty() ? text::pad_left("0,00", width) : column_text(figure.column, text);
+    }
+    add_line(ui_.Lst_Code.count(), line);
+  }
+  control::size_scroll_bar(ui_.Bdv_Detail, ui_.Lst_Code, kPageOfLines);
+  ui_.Cmd_SaisieAuto.set_enabled(false);
+  write_grid();
+  screen_.toolkit().set_busy(false);
+}
+
+}  // namespace velanor::forms

@@ -1,0 +1,137 @@
+// The form that lists and edits the payroll items of one amendment.
+#pragma once
+
+#include <array>
+#include <functional>
+#include <string>
+
+#include "card/card_state.h"
+#include "control/session.h"
+#include "forms/frm_saisie_hres.h"
+
+namespace velanor::forms {
+
+class ItemScreen : public screen::Form {
+ public:
+  ItemScreen() : Form("Frm_RubSaisie", "Détails des rubriques de saisie") {}
+
+  screen::Label Etq_Aidant{*this, {.name = "Etq_Aidant", .caption = "Aidant : "}};
+  screen::Label Etq_Code{*this, {.name = "Etq_Code", .caption = "Code"}};
+  screen::Label Etq_LibRub{*this, {.name = "Etq_LibRub", .caption = "Libellé rubrique"}};
+  screen::Label Etq_Base{*this, {.name = "Etq_Base", .caption = "Base"}};
+  screen::Label Etq_Taux{*this, {.name = "Etq_Taux", .caption = "Taux"}};
+  screen::Label Etq_Montant{*this, {.name = "Etq_Montant", .caption = "Montant"}};
+  screen::ListBox Lst_Code{*this, {.name = "Lst_Code"}};
+  screen::ListBox Lst_LibRub{*this, {.name = "Lst_LibRub"}};
+  screen::ListBox Lst_Base{*this, {.name = "Lst_Base"}};
+  screen::ListBox Lst_Taux{*this, {.name = "Lst_Taux"}};
+  screen::ListBox Lst_Montant{*this, {.name = "Lst_Montant"}};
+  screen::ScrollBar Bdv_Detail{*this, {.name = "Bdv_Detail"}};
+  screen::TextBox Txt_Code{*this, {.name = "Txt_Code", .max_length = 3}};
+  screen::ComboBox Cbo_LibRub{*this, {.name = "Cbo_LibRub"}};
+  screen::TextBox Txt_Base{*this, {.name = "Txt_Base", .max_length = 8}};
+  screen::TextBox Txt_Taux{*this, {.name = "Txt_Taux", .max_length = 8}};
+  screen::TextBox Txt_Montant{*this, {.name = "Txt_Montant", .max_length = 8}};
+  screen::CommandButton Cmd_OK{*this, {.name = "Cmd_OK", .caption = "OK"}};
+  screen::CommandButton Cmd_Annuler{*this, {.name = "Cmd_Annuler", .caption = "Annuler"}};
+  screen::CommandButton Cmd_Ajouter{*this, {.name = "Cmd_Ajouter", .caption = "Ajouter"}};
+  screen::CommandButton Cmd_Supprimer{*this, {.name = "Cmd_Supprimer", .caption = "Supprimer"}};
+  screen::CommandButton Cmd_SaisieAuto{*this, {.name = "Cmd_SaisieAuto", .caption = "Saisie Automatique"}};
+  screen::CommandButton Cmd_Retour{*this, {.name = "Cmd_Retour", .caption = "Retour"}};
+
+  // The parallel columns in the order code, label, base, rate, amount.
+  std::array<screen::ListBox*, 5> columns() {
+    return {&Lst_Code, &Lst_LibRub, &Lst_Base, &Lst_Taux, &Lst_Montant};
+  }
+};
+
+// What the opener hands to the form.
+struct ItemContext {
+  std::string employee;             // code and name
+  std::string period;               // budget year
+  std::string establishment_hours;  // monthly, as shown
+  std::string agreement;            // collective agreement code
+  std::string grouping;             // budget grouping code
+  bool administrative = false;      // staff kind
+  int amendment = 0;                // from 1
+  bool ModifAutorisee = false;
+  bool SaisieAutoBloquee = true;
+};
+
+// Works on the working record of the card; nothing here reaches the database.
+class Frm_RubSaisie {
+ public:
+  Frm_RubSaisie(card::CardState& card, const control::Procedure& procedure, entry::UtilSaisie& entry,
+                Frm_SaisieHres& hours, screen::Screen& screen);
+
+  ItemScreen& ui() { return ui_; }
+  // Opens the form; `closed` runs when it has gone.
+  void open(const ItemContext& context, std::function<void()> closed);
+
+ private:
+  void Form_Load();
+  bool Form_Unload() const { return FermetureAutorisee; }
+  void Remplir_RubSaisie();
+  void Afficher_Donnees();
+  void Descendre_Liste();
+  void Monter_Liste();
+  void Griser_Liste();
+  void Degriser_Liste();
+  void Vider_Texte();
+  void Tri();
+
+  void Cbo_LibRub_Change();
+  void Cbo_LibRub_Click();
+  void Bdv_Detail_Change();
+  void Txt_Code_Change();
+  void Txt_Code_KeyPress(screen::Key& key);
+  void Txt_Code_LostFocus();
+  void Txt_Base_KeyPress(screen::Key& key) { filter_number(ui_.Txt_Base, 5, key); }
+  void Txt_Taux_KeyPress(screen::Key& key) { filter_number(ui_.Txt_Taux, 3, key); }
+  void Txt_Montant_KeyPress(screen::Key& key) { filter_number(ui_.Txt_Montant, 5, key); }
+  void Txt_Base_LostFocus() { format_number(ui_.Txt_Base, 2, 5); }
+  void Txt_Taux_LostFocus() { format_number(ui_.Txt_Taux, 4, 3); }
+  void Txt_Montant_LostFocus() { format_number(ui_.Txt_Montant, 2, 5); }
+  void Cmd_Ajouter_Click();
+  void Cmd_OK_Click();
+  void Cmd_Annuler_Click();
+  void Cmd_Supprimer_Click();
+  void Cmd_Retour_Click();
+  void Cmd_SaisieAuto_Click();
+
+  void bind_columns();
+  void filter_number(screen::TextBox& box, int integer_digits, screen::Key& key);
+  void format_number(screen::TextBox& box, int decimals, int integer_digits);
+  int catalogue_row(std::string_view code) const;
+  void allow_figures(int row);
+  void allow(screen::TextBox& box, bool on);
+  bool edit_line_is_valid();
+  bool refuse(std::string_view message, screen::Control& caret);
+  std::string column_text(std::size_t column, std::string_view text) const;
+  std::array<std::string, 5> edit_line() const;
+  void add_line(int position, const std::array<std::string, 5>& line);
+  void remove_line(int index);
+  void abandon_edit_line();
+  void back_to_browsing();
+  void write_grid();
+  bool items_changed() const;
+  bool hours_accepted();
+  void fill_from(const store::DbRecord& record, const Hours& hours);
+  void unload();
+
+  ItemScreen ui_;
+  card::CardState& card_;
+  const control::Procedure& procedure_;
+  entry::UtilSaisie& entry_;
+  Frm_SaisieHres& hours_;
+  screen::Screen& screen_;
+
+  ItemContext context_;
+  bool TauxParDefaut = false;  // a line is being added
+  bool FermetureAutorisee = false;
+  int PositionInsertion = 0;
+  store::DbResult catalogue_;
+  store::DbRecord copy_;  // the working record as it was when the form opened
+};
+
+}  // namespace velanor::forms

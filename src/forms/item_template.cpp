@@ -1,0 +1,63 @@
+#include "forms/item_template.h"
+
+#include <optional>
+
+#include "entry/amount.h"
+#include "entry/decimal.h"
+
+namespace velanor::forms {
+namespace {
+
+constexpr int kCode = 1;
+constexpr int kSource = 2;
+constexpr int kFixedBase = 3;
+constexpr int kRate = 4;
+constexpr int kFixedAmount = 5;
+constexpr int kPaidForWorked = 6;
+constexpr int kItemDefaultRate = 9;
+
+struct BothHours {
+  std::string worked;
+  std::string paid;
+};
+
+// value * numerator / denominator, rounded half away from zero (all are positive).
+std::int64_t scaled(std::int64_t value, std::int64_t numerator, std::int64_t denominator) {
+  return (value * numerator + denominator / 2) / denominator;
+}
+
+BothHours both_hours(const store::DbRecord& record, const Hours& hours) {
+  constexpr std::int64_t kWhole = 10000;
+  std::int64_t ratio = entry::parse_decimal(record(kPaidForWorked, 1), 0).value_or(kWhole);
+  if (ratio <= 0) ratio = kWhole;
+  const std::int64_t typed = entry::parse_decimal(hours.NbHeures, 2).value_or(0);
+  const bool worked = hours.TypeHeures == "T";
+  return {entry::format_decimal(worked ? typed : scaled(typed, kWhole, ratio), 2, 2),
+          entry::format_decimal(worked ? scaled(typed, ratio, kWhole) : typed, 2, 2)};
+}
+
+}  // namespace
+
+std::vector<FilledItem> fill_template(const store::DbRecord& record, const Hours& hours,
+                                      store::DbFile& items) {
+  const BothHours both = both_hours(record, hours);
+  std::vector<FilledItem> lines;
+  for (int i = 1; !record(kCode, i).empty(); ++i) {
+    const auto item = items.find(record(kCode, i));
+    if (!item) continue;
+    FilledItem line{std::string(record(kCode, i)), std::string((*item)(1)), {}, {}, {}};
+    const std::string_view source = record(kSource, i);
+    line.base = source == "T"   ? both.worked
+                : source == "P" ? both.paid
+                                : entry::stored_to_text(record(kFixedBase, i), 2, 2);
+    const std::string_view own_rate = record(kRate, i);
+    line.rate = entry::stored_to_text(own_rate.empty() ? (*item)(kItemDefaultRate) : own_rate, 4, 4);
+    const bool product = !line.base.empty() && !line.rate.empty();
+    line.amount = product ? entry::amount_of(line.base, line.rate)
+                          : entry::stored_to_text(record(kFixedAmount, i), 2, 2);
+    lines.push_back(std::move(line));
+  }
+  return lines;
+}
+
+}  // namespace velanor::forms

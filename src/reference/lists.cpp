@@ -1,0 +1,197 @@
+#include "reference/lists.h"
+
+#include "card/record_layout.h"
+#include "store/text_literal.h"
+#include "text/utf8.h"
+
+namespace velanor::reference {
+namespace {
+
+constexpr int kId = 1;
+constexpr int kLabel = 2;
+
+std::vector<std::string> labels_of(const store::DbResult& result) {
+  std::vector<std::string> labels;
+  const int count = result.DCount();
+  labels.reserve(static_cast<std::size_t>(count));
+  for (int i = 1; i <= count; ++i) labels.emplace_back(result(i, kLabel));
+  return labels;
+}
+
+}  // namespace
+
+int find_value(const store::DbRecord& table, int column, std::string_view text) {
+  const int count = table.Count(column);
+  for (int value = 1; value <= count; ++value) {
+    if (table(column, value) == text) return value;
+  }
+  return 0;
+}
+
+std::string table_entry(const store::DbRecord& table, int value) {
+  return std::string(table(kTableCodes, value)).append(" ").append(table(kTableLabels, value));
+}
+
+int find_entry(const store::DbResult& result, int field, std::string_view text) {
+  const int count = result.DCount();
+  for (int i = 1; i <= count; ++i) {
+    if (result(i, field) == text) return i;
+  }
+  return 0;
+}
+
+void ReferenceLists::fill(screen::ComboBox& box, store::DbResult& kept, store::DbResult fresh) {
+  box.set_index(-1);
+  box.set_text({});
+  // A result that has not changed is in the box already: 35,000 towns need not be copied again.
+  const bool filled = kept.same_rows(fresh) && box.count() == fresh.DCount();
+  kept = std::move(fresh);
+  if (!filled) box.refill(labels_of(kept));
+}
+
+void ReferenceLists::fill_or_take(screen::ComboBox& box, screen::TextBox* code, store::DbResult& kept,
+                                  store::DbResult fresh, int code_from) {
+  fill(box, kept, std::move(fresh));
+  if (kept.DCount() != 1) return;
+  if (code) code->set_text(text::mid(kept(1, kId), code_from));
+  box.set_text(kept(1, kLabel));
+}
+
+void ReferenceLists::RequeteAssoc() {
+  kept_.entities = procedure_.select("SSELECT ASSOCIATION 0 PAR 0", "ASSOCIATION", "0 1");
+}
+
+void ReferenceLists::RemplirAssoc() {
+  ui_.Cbo_Asso.clear();
+  ui_.Cbo_Asso.refill(labels_of(kept_.entities));
+  if (kept_.entities.DCount() == 1 && !kept_.entities(1, kId).empty()) {
+    ui_.Txt_Asso.set_text(kept_.entities(1, kId));
+    // An entity without personnel records has been refused and its box emptied again.
+    if (!ui_.Txt_Asso.is_empty()) ui_.Cbo_Asso.set_text(kept_.entities(1, kLabel));
+  } else {
+    ui_.Txt_Asso.form().set_focus(ui_.Txt_Asso);
+  }
+}
+
+void ReferenceLists::RequeteAidant() {
+  const std::string suffix = "[" + ui_.Txt_Asso.text() + std::string(text::trim(ui_.Cbo_Periode.text()));
+  kept_.employees =
+      procedure_.select("SSELECT VELANORO AVEC 0 = " + store::quoted(suffix) + " PAR 1", "VELANORO", "0 1");
+}
+
+void ReferenceLists::RemplirAidant() {
+  ui_.Cbo_Aidant.clear();
+  if (!kept_.employees(1, kId).empty()) ui_.Cbo_Aidant.refill(labels_of(kept_.employees));
+  ui_.Txt_Aidant.set_enabled(true);
+  ui_.Txt_Aidant.set_text({});
+  ui_.Cbo_Aidant.set_enabled(true);
+}
+
+void ReferenceLists::RemplirConvCol() {
+  fill_or_take(ui_.Cbo_Convcol, &ui_.Txt_ConvCol, kept_.agreements,
+               procedure_.select("SSELECT CONVENTIONCOL AVEC 0 # " + store::quoted("02") + " 0 PAR 0",
+                                 "CONVENTIONCOL", "0 1"));
+}
+
+void ReferenceLists::RemplirSecteur() {
+  fill_or_take(ui_.Cbo_Secteur, &ui_.Txt_Secteur, kept_.sectors,
+               procedure_.select("SSELECT SECTEUR PAR 1", "SECTEUR", "0 1"));
+}
+
+void ReferenceLists::RemplirCommune() {
+  fill_or_take(ui_.Cbo_Com, nullptr, kept_.towns,
+               procedure_.select("SSELECT COMMUNES PAR 1", "COMMUNES", "0 1"));
+}
+
+void ReferenceLists::RemplirAct() {
+  ui_.Cbo_Activites.set_enabled(true);
+  fill(ui_.Cbo_Activites, kept_.activities,
+       procedure_.select("SSELECT ACTIVITES AVEC 0 = " + store::quoted(ui_.Txt_Asso.text() + "]") + " PAR 1",
+                         "ACTIVITES", "0 1"));
+  ui_.Cbo_Activites.set_enabled(false);
+}
+
+namespace {
+
+store::DbResult select_profiles(const control::Procedure& procedure) {
+  return procedure.select("SSELECT PROFIL AVEC 4 # " + store::quoted("1") + " PAR 1", "PROFIL", "0 1");
+}
+
+}  // namespace
+
+void ReferenceLists::RemplirProfil1() { fill(ui_.Cbo_Profil1, kept_.profiles1, select_profiles(procedure_)); }
+
+void ReferenceLists::RemplirProfil2() { fill(ui_.Cbo_Profil2, kept_.profiles2, select_profiles(procedure_)); }
+
+void ReferenceLists::RemplirFinContrat() {
+  constexpr int kNeverListed = 5;
+  const store::DbRecord& table = procedure_.variable().fincontrat;
+  ui_.Cbo_MotifFin.set_enabled(true);
+  ui_.Cbo_MotifFin.clear();
+  if (table(kTableLabels, 1).empty()) return;
+  for (int value = 1; value <= table.Count(kTableLabels); ++value) {
+    if (table(kNeverListed, value) != "O") ui_.Cbo_MotifFin.add(table(kTableLabels, value));
+  }
+}
+
+void ReferenceLists::Remplir_Etablissement() {
+  constexpr int kCodeFrom = card::kEntityCodeLength + 1;
+  fill_or_take(ui_.Cbo_Etab, &ui_.Txt_CodEtab, kept_.establishments,
+               procedure_.select(
+                   "SSELECT ETABLISSEMENT AVEC @ID = " + store::quoted(ui_.Txt_Asso.text() + "]") + " PAR 1",
+                   "ETABLISSEMENT", "0 1"),
+               kCodeFrom);
+  const std::string charge = "\"08\"", amount = "\"Montant\"";
+  fill(ui_.Cbo_ChargMutContrat, kept_.charges,
+       procedure_.select("SSELECT RUBCHARGE AVEC 16 = " + charge + " AND AVEC 11 = " + amount +
+                             " AND AVEC 30 = " + amount + " OR AVEC 16 = " + charge +
+                             " AND AVEC 15 = " + amount + " PAR 1",
+                         "RUBCHARGE", "0 1"));
+}
+
+void ReferenceLists::fill_natures() {
+  constexpr int kListed = 4;
+  if (ui_.Cbo_NatureContrat.count() > 0) return;
+  const store::DbRecord& table = procedure_.variable().naturecontrat;
+  for (int value = 1; value <= table.Count(kTableCodes); ++value) {
+    if (table(kListed, value) == "O") ui_.Cbo_NatureContrat.add(table_entry(table, value));
+  }
+}
+
+void ReferenceLists::fill_diplomas() {
+  const store::DbRecord& table = procedure_.variable().diplomes;
+  for (int value = 1; value <= table.Count(kTableCodes); ++value)
+    ui_.Cbo_EtudeAidant.add(table_entry(table, value));
+}
+
+void ReferenceLists::fill_card_lists() {
+  RemplirConvCol();
+  RemplirSecteur();
+  RemplirCommune();
+  RemplirAct();
+  RemplirProfil1();
+  RemplirProfil2();
+  RemplirFinContrat();
+  Remplir_Etablissement();
+  fill_natures();
+}
+
+void ReferenceLists::ChercheRegroupBudget(std::string_view qualification) {
+  constexpr int kGroupingOfQualification = 4;
+  if (qualification.empty()) {
+    ui_.Txt_RegroupBudget.set_text({});
+    ui_.Txt_CodeRegBud.set_text({});
+    card_.grouping.clear();
+    return;
+  }
+  const store::DbRecord& qualifications = procedure_.variable().qualif;
+  const store::DbRecord& groupings = procedure_.variable().regroupbudget;
+  const int i = find_value(qualifications, kTableCodes, qualification);
+  const int j = i == 0 ? 0 : find_value(groupings, kTableCodes, qualifications(kGroupingOfQualification, i));
+  if (j == 0) return;
+  ui_.Txt_RegroupBudget.set_text(groupings(kTableLabels, j));
+  ui_.Txt_CodeRegBud.set_text(groupings(kTableCodes, j));
+  card_.grouping = ui_.Txt_CodeRegBud.text();
+}
+
+}  // namespace velanor::reference

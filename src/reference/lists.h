@@ -1,0 +1,82 @@
+// Fills the pick lists of the card from the reference files. List entry j of a combo box
+// (from 0) is entry j + 1 of the kept result behind it, which holds the codes.
+#pragma once
+
+#include <string_view>
+
+#include "card/card_screen.h"
+#include "card/card_state.h"
+#include "control/session.h"
+
+namespace velanor::reference {
+
+// The results behind the lists, kept from one filling to the next.
+struct KeptResults {
+  store::DbResult entities;
+  store::DbResult employees;
+  store::DbResult agreements;
+  store::DbResult sectors;
+  store::DbResult towns;
+  store::DbResult activities;
+  store::DbResult profiles1;
+  store::DbResult profiles2;
+  store::DbResult establishments;
+  store::DbResult charges;
+};
+
+class ReferenceLists {
+ public:
+  ReferenceLists(card::CardScreen& ui, card::CardState& card, const control::Procedure& procedure)
+      : ui_(ui), card_(card), procedure_(procedure) {}
+
+  KeptResults& kept() { return kept_; }
+  // Drops what is kept, at the exit.
+  void release() { kept_ = {}; }
+
+  void RequeteAssoc();
+  void RemplirAssoc();
+  void RequeteAidant();
+  void RemplirAidant();
+  void RemplirConvCol();
+  void RemplirSecteur();
+  void RemplirCommune();
+  void RemplirAct();
+  void RemplirProfil1();
+  void RemplirProfil2();
+  void RemplirFinContrat();
+  // Establishments of the entity, and the charge items a mutual insurance can use.
+  void Remplir_Etablissement();
+  // Natures of contract that can be chosen, once: "code label".
+  void fill_natures();
+  // Diplomas: "code label".
+  void fill_diplomas();
+  // Every list that an open card needs.
+  void fill_card_lists();
+
+  // Shows the budget grouping of a qualification; an unknown one changes nothing.
+  void ChercheRegroupBudget(std::string_view qualification);
+
+ private:
+  // Labels of a result into a box, its text emptied.
+  void fill(screen::ComboBox& box, store::DbResult& kept, store::DbResult fresh);
+  // The same, but a single entry is taken at once, its code into `code` (null: none).
+  void fill_or_take(screen::ComboBox& box, screen::TextBox* code, store::DbResult& kept,
+                    store::DbResult fresh, int code_from = 1);
+
+  card::CardScreen& ui_;
+  card::CardState& card_;
+  const control::Procedure& procedure_;
+  KeptResults kept_;
+};
+
+// Columns of the records cached from the file TABLES, value by value.
+inline constexpr int kTableCodes = 2;
+inline constexpr int kTableLabels = 3;
+// The value position of a text in a column, from 1; 0 when it is not there.
+int find_value(const store::DbRecord& table, int column, std::string_view text);
+// "code label", as the lists of natures and diplomas read.
+std::string table_entry(const store::DbRecord& table, int value);
+// The first entry of a result whose field k reads `text`, from 1; 0 when there is none.
+int find_entry(const store::DbResult& result, int field, std::string_view text);
+
+}  // namespace velanor::reference
