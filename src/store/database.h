@@ -52,6 +52,9 @@ class Database {
   virtual std::unique_ptr<DbFile> OpenFile(std::string_view name) = 0;
   // Runs a request in its encoded form (see DbQuery). `option` is always "".
   virtual DbResult Select(std::string_view request, std::string_view option = {}) = 0;
+
+  // What its users hold in common, theirs to make and to drop; the database never looks at it.
+  std::weak_ptr<void> shared;
 };
 
 }  // namespace velanor::store
