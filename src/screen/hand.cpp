@@ -17,9 +17,6 @@ Refusal Hand::check(const Control& control) const {
     if (!c->visible()) return c->name() + " is hidden";
     if (!c->enabled()) return c->name() + " is disabled";
   }
-  const Tabs* tabs = control.form().tabs();
-  if (tabs && control.page() >= 0 && !tabs->page_enabled(control.page()))
-    return name + " stands on page " + std::to_string(control.page()) + ", which is disabled";
   return kDone;
 }
 
@@ -36,15 +33,14 @@ Refusal Hand::show_page(int page) {
   return kDone;
 }
 
-// Whether the focus arrived says `reached`; a click on its way that was lost is no refusal.
 Refusal Hand::reach(Control& control) {
-  if (Refusal why = check(control); !why.empty()) return why;
   Form& form = control.form();
-  if (!form.in_sight(control)) {
+  // A hand shows the page before it finds what stands there; leaving a field may change that.
+  if (&form == &screen_.top() && !form.in_sight(control)) {
     if (Refusal why = show_page(control.page()); !why.empty()) return why;
     if (!form.in_sight(control)) return kDone;
-    if (Refusal why = check(control); !why.empty()) return why;
   }
+  if (Refusal why = check(control); !why.empty()) return why;
   if (control.takes_focus()) form.move_focus(&control);
   return kDone;
 }
