@@ -1,0 +1,15 @@
+// The sub-commands of velanorctl, one source file each. A new one is declared here and joined to
+// the table in main.cpp.
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace velanor::app {
+
+// Adds its sub-command to the program; when that is called, it leaves the exit status in `status`.
+// A failure that ends it is an exception, whose sentence the program prints.
+void add_play(CLI::App& program, int& status);
+
+}  // namespace velanor::app

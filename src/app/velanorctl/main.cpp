@@ -1,0 +1,67 @@
+// velanorctl: the component and its store from the command line.
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <iostream>
+#include <string>
+
+#include "app/velanorctl/commands.h"
+
+namespace {
+
+using namespace velanor::app;
+
+constexpr int kFailed = 1;
+// Not 2, which says that a scenario is not of the language.
+constexpr int kUsage = 64;
+
+constexpr void (*kCommands[])(CLI::App&, int&) = {add_play};
+
+void speak_french(CLI::App& program) {
+  program.set_help_flag("-h,--help", "Affiche cette aide");
+  const auto formatter = program.get_formatter();
+  formatter->label("Usage", "Usage ");
+  formatter->label("Positionals", "Arguments");
+  formatter->label("Excludes", "Sans");
+  formatter->label("SUBCOMMAND", "SOUS-COMMANDE");
+  formatter->label("SUBCOMMANDS", "SOUS-COMMANDES");
+}
+
+std::string reason(const CLI::App& program, const CLI::ParseError& error) {
+  switch (static_cast<CLI::ExitCodes>(error.get_exit_code())) {
+    case CLI::ExitCodes::ExtrasError:
+      return "argument inattendu : " + CLI::detail::join(program.remaining(true), " ");
+    case CLI::ExitCodes::RequiredError:
+      return "une sous-commande ou un argument manque";
+    case CLI::ExitCodes::ExcludesError:
+      return "deux options s'excluent";
+    case CLI::ExitCodes::ArgumentMismatch:
+      return "une option attend une valeur";
+    default:
+      return std::string("la ligne de commande n'est pas comprise : ") + error.what();
+  }
+}
+
+int parse_and_run(CLI::App& program, int argc, char** argv, const int& status) try {
+  program.parse(argc, argv);
+  return status;
+} catch (const CLI::CallForHelp& help) {
+  return program.exit(help);
+} catch (const CLI::ParseError& error) {
+  std::cerr << "velanorctl : " << reason(program, error) << ". Voir velanorctl --help.\n";
+  return kUsage;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) try {
+  int status = 0;
+  CLI::App program("Fiches du personnel : le composant et sa base, à la ligne de commande", "velanorctl");
+  speak_french(program);
+  program.require_subcommand(1);
+  for (const auto add : kCommands) add(program, status);
+  for (CLI::App* command : program.get_subcommands({})) command->group("Sous-commandes");
+  return parse_and_run(program, argc, argv, status);
+} catch (const std::exception& error) {
+  std::cerr << "velanorctl : " << error.what() << "\n";
+  return kFailed;
+}
