@@ -1,0 +1,11 @@
+# Writes every source under ROOT as a string literal into OUTPUT.
+file(GLOB_RECURSE paths RELATIVE ${ROOT} ${ROOT}/*.csv ${ROOT}/*.txt)
+list(SORT paths)
+set(code "#include \"demo/source.h\"\n\nnamespace velanor::demo {\nusing namespace std::string_view_literals;\n\n")
+string(APPEND code "namespace {\nconstexpr Source kSources[] = {\n")
+foreach(path ${paths})
+  file(READ ${ROOT}/${path} text)
+  string(APPEND code "    {\"${path}\"sv, R\"source(${text})source\"sv},\n")
+endforeach()
+string(APPEND code "};\n}  // namespace\n\nstd::span<const Source> sources() { return kSources; }\n\n}  // namespace velanor::demo\n")
+file(WRITE ${OUTPUT} "${code}")

@@ -1,0 +1,243 @@
+#include "demo/card_checker.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+
+#include "card/record_layout.h"
+#include "entry/date.h"
+#include "text/utf8.h"
+
+namespace velanor::demo {
+namespace {
+
+using store::DbRecord;
+
+class CardChecker {
+ public:
+  CardChecker(const MapSink& sink, int reference_date) : sink_(sink), reference_date_(reference_date) {}
+
+  void check(std::string_view id, const DbRecord& card) {
+    SCOPED_TRACE(id);
+    check_id(id, card);
+    check_obligatory(card);
+    check_codes(card);
+    check_activities(id, card);
+    check_contract(card);
+    check_amendments(card);
+    check_lengths(card);
+  }
+
+ private:
+  bool exists(std::string_view file, std::string_view id) const {
+    return sink_.files.find(file)->second.contains(id);
+  }
+  const DbRecord& read(std::string_view file, std::string_view id) const {
+    return sink_.files.find(file)->second.find(id)->second;
+  }
+  bool in_table(std::string_view table, std::string_view code) const {
+    const auto codes = values(read("TABLES", table), 2);
+    return std::find(codes.begin(), codes.end(), code) != codes.end();
+  }
+
+  void check_id(std::string_view id, const DbRecord& card) const {
+    ASSERT_EQ(id.size(), 12u);
+    EXPECT_EQ(id.find_first_not_of("0123456789"), id.npos);
+    EXPECT_TRUE(exists("ASSOCIATION", id.substr(5, 3)));
+    EXPECT_EQ(card(card::kEstablishment).substr(0, 3), id.substr(5, 3));
+    EXPECT_TRUE(exists("ETABLISSEMENT", card(card::kEstablishment)));
+  }
+
+  void check_obligatory(const DbRecord& card) const {
+    for (int attribute :
+         {card::kName.number, card::kEstablishment.number, card::kEstablishmentHours.number,
+          card::kAgreement.number, card::kSector.number, card::kTown.number, card::kContractStart.number,
+          card::kActivity.number, card::kEffective.number, card::kProfile1.number, card::kStatus.number}) {
+      EXPECT_FALSE(card(attribute).empty()) << "attribute " << attribute;
+    }
+    EXPECT_EQ(card(card::kName), text::upper(card(card::kName)));
+    EXPECT_TRUE(card(card::kContractType) == "D" || card(card::kContractType) == "I");
+    EXPECT_TRUE(card(card::kStaffKind) == "P" || card(card::kStaffKind) == "A");
+  }
+
+  void check_codes(const DbRecord& card) {
+    EXPECT_TRUE(exists("CONVENTIONCOL", card(card::kAgreement)));
+    EXPECT_NE(card(card::kAgreement), "02");
+    EXPECT_TRUE(exists("SECTEUR", card(card::kSector)));
+    EXPECT_TRUE(towns().contains(card(card::kTown))) << card(card::kTown);
+    for (int attribute : {card::kProfile1.number, card::kProfile2.number}) {
+      if (card(attribute).empty()) continue;
+      ASSERT_TRUE(exists("PROFIL", card(attribute)));
+      EXPECT_NE(read("PROFIL", card(attribute))(4), "1") << "a mandataire";
+    }
+    if (!card(card::kEducation).empty()) {
+      EXPECT_TRUE(in_table("DIPLOMES", card(card::kEducation)));
+    }
+    if (!card(card::kContractNature).empty()) {
+      EXPECT_TRUE(in_table("NATURECONTRAT", card(card::kContractNature)));
+    }
+    if (!card(card::kMutualCharge).empty()) {
+      EXPECT_TRUE(may_be_chosen(card(card::kMutualCharge)));
+    }
+  }
+
+  bool may_be_chosen(std::string_view charge) const {
+    const DbRecord& record = read("RUBCHARGE", charge);
+    return record(16) == "08" &&
+           ((record(11) == "Montant" && record(30) == "Montant") || record(15) == "Montant");
+  }
+
+  const std::set<std::string, std::less<>>& towns() {
+    if (towns_.empty()) {
+      for (const auto& [id, town] : sink_.files.find("COMMUNES")->second) towns_.emplace(town(1));
+    }
+    return towns_;
+  }
+
+  void check_activities(std::string_view id, const DbRecord& card) const {
+    int total = 0;
+    const auto activities = values(card, card::kActivity);
+    for (std::size_t i = 0; i < activities.size(); ++i) {
+      EXPECT_TRUE(activities[i].starts_with(id.substr(5, 3)) && exists("ACTIVITES", activities[i]));
+      const int share = number(card(card::kShare, static_cast<int>(i) + 1));
+      EXPECT_GT(share, 0);
+      total += share;
+    }
+    EXPECT_EQ(total, 10000);
+    EXPECT_EQ(std::set(activities.begin(), activities.end()).size(), activities.size());
+  }
+
+  void check_contract(const DbRecord& card) const {
+    const int start = number(card(card::kContractStart));
+    if (card(card::kStaffKind) == "P") {
+      EXPECT_FALSE(card(card::kExemptedHours).empty());
+    }
+    EXPECT_LE(number(card(card::kExemptedHours)), 10000);
+    if (!card(card::kContractEnd).empty()) {
+      EXPECT_GE(number(card(card::kContractEnd)), start);
+      EXPECT_TRUE(in_table("FINCONTRAT", card(card::kEndReason)));
+    } else {
+      EXPECT_EQ(card(card::kContractType), "I");
+      EXPECT_EQ(card(card::kEndReason), "");
+    }
+    // The branch date is shown, and so kept by a save, under two agreements only.
+    const bool branch = card(card::kAgreement) == "01" || card(card::kAgreement) == "06";
+    if (!card(card::kBranchEntry).empty()) {
+      EXPECT_TRUE(branch);
+      EXPECT_LE(number(card(card::kBranchEntry)), start);
+    }
+  }
+
+  void check_amendments(const DbRecord& card) const {
+    const int start = number(card(card::kContractStart));
+    const auto days = values(card, card::kEffective);
+    bool on_start = false;
+    for (std::size_t i = 0; i < days.size(); ++i) {
+      const int line = static_cast<int>(i) + 1;
+      SCOPED_TRACE("amendment " + std::to_string(line));
+      EXPECT_GE(number(days[i]), start);
+      if (i > 0) {
+        EXPECT_GT(number(days[i]), number(days[i - 1]));
+      }
+      on_start |= number(days[i]) == start;
+      check_position(card, line);
+      check_items(card, line);
+    }
+    if (start >= reference_date_) {
+      EXPECT_TRUE(on_start);
+    }
+    if (start < reference_date_) {
+      EXPECT_LE(number(days.front()), reference_date_);
+    }
+    for (int attribute : {13, 14, 15, 16, 17, 18, 30, 31, 32, 33, 38}) {
+      EXPECT_LE(card.Count(attribute), static_cast<int>(days.size())) << "attribute " << attribute;
+    }
+  }
+
+  // A grid with its start date, or an hourly rate; what the lists of the day would offer.
+  void check_position(const DbRecord& card, int line) const {
+    const std::string agreement(card(card::kAgreement));
+    const std::string grid_id(card(card::kGrid, line));
+    EXPECT_TRUE(in_table("QUALIF", card(card::kQualification, line)));
+    EXPECT_EQ(grid_id.empty(), card(card::kGridStart, line).empty());
+    EXPECT_NE(grid_id.empty(), card(card::kHourlyRate, line).empty());
+    const bool categories = !read("CONVENTIONCOL", agreement)(36).empty();
+    EXPECT_EQ(categories, !card(card::kCategory, line).empty());
+    EXPECT_TRUE(card(card::kNewMeasure, line) == "O" || card(card::kNewMeasure, line) == "N");
+    EXPECT_EQ(card(card::kMonthlyTime, line).empty(), card(card::kStaffKind) == "P");
+    if (grid_id.empty()) return;
+    ASSERT_TRUE(exists("GRILLESCCBUDGET", grid_id));
+    EXPECT_TRUE(grid_id.starts_with(agreement));
+    if (categories) {
+      EXPECT_EQ(card(card::kCategory, line), read("GRILLESCCBUDGET", grid_id)(7));
+    }
+    if (agreement == "01" || agreement == "06") {
+      const bool new_day = number(card(card::kEffective, line)) >= *entry::day_number({1, 10, 2021});
+      EXPECT_EQ(grid_id[2] == '4', new_day);
+    }
+  }
+
+  void check_items(const DbRecord& card, int line) const {
+    EXPECT_FALSE(card(card::kItemCode, line, 1).empty()) << "no payroll item";
+    int hours = 0;
+    for (int n = 1; !card(card::kItemCode, line, n).empty(); ++n) {
+      const auto code = card(card::kItemCode, line, n);
+      SCOPED_TRACE("item " + std::string(code));
+      ASSERT_TRUE(exists("RUBSAISIE", code));
+      const DbRecord& item = read("RUBSAISIE", code);
+      const int type = number(item(2));
+      EXPECT_TRUE(type >= 2 && item(5) == "+" && item(18) != "1" && number(code) < 800)
+          << "not in the catalogue";
+      const bool rated = type == 2 && (item(8) == "1" || item(10) == "2");
+      const bool timed = type >= 3 && type <= 5;
+      EXPECT_EQ(rated || timed, !card(card::kItemBase, line, n).empty());
+      const long long base = number(card(card::kItemBase, line, n));
+      const long long rate = number(card(card::kItemRate, line, n));
+      if (rated) {
+        EXPECT_EQ(number(card(card::kItemAmount, line, n)), (base * rate + 5000) / 10000);
+      }
+      EXPECT_FALSE(card(card::kItemAmount, line, n).empty());
+      EXPECT_GE(base, 0);
+      hours += timed ? static_cast<int>(base) : 0;
+    }
+    EXPECT_LE(hours, number(card(card::kEstablishmentHours)));
+    if (card(card::kStaffKind) == "A") {
+      EXPECT_EQ(hours, number(card(card::kMonthlyTime, line)));
+    }
+  }
+
+  // Every figure fits the box that shows it.
+  void check_lengths(const DbRecord& card) const {
+    const struct {
+      int attribute;
+      std::size_t digits;
+    } boxes[] = {{card::kEstablishmentHours, 5}, {card::kMonthlyTime, 5},    {card::kHourlyRate, 6},
+                 {card::kSocialBase, 7},         {card::kCeiling, 7},        {card::kExemptedHours, 5},
+                 {card::kMutualEmployee, 6},     {card::kMutualEmployer, 6}, {card::kItemAmount, 7}};
+    for (const auto& box : boxes) {
+      for (const auto& value : values(card, box.attribute)) {
+        for (std::string_view figure : split(value, store::kSubvalueMark))
+          EXPECT_LE(figure.size(), box.digits);
+      }
+    }
+    EXPECT_LE(text::length(card(card::kName)), 50);
+  }
+
+  const MapSink& sink_;
+  int reference_date_;
+  std::set<std::string, std::less<>> towns_;
+};
+
+}  // namespace
+
+void check_all_cards(const MapSink& sink) {
+  const DbRecord& parameters = sink.files.at("BUDGETPARAM").at("1");
+  CardChecker checker(sink, number(parameters(1, parameters.Count(1))));
+  for (const auto& [id, card] : sink.files.at("VELANORO")) {
+    checker.check(id, card);
+    if (testing::Test::HasFailure()) FAIL() << "first bad card: " << id;
+  }
+}
+
+}  // namespace velanor::demo
