@@ -14,13 +14,13 @@ enum class Group {
   kLabel,
   kEntity,   // entity and year
   kChoice,   // employee to open
-  kName,     // name of the open employee
+  kNameBox,     // name of the open employee
   kDisplay,  // written by the program alone
   kTabs,
-  kEstablishment,
+  kEstablishmentBoxes,
   kContractKey,  // agreement and start date: locked once the card is stored
   kEmployee,
-  kEndReason,
+  kEndReasonBox,
   kActivityLine,
   kActivityEntry,
   kAmendmentFrame,

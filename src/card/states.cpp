@@ -23,7 +23,7 @@ bool CardStates::year_is_open() const {
 
 void CardStates::empty_fields() {
   for (Group group :
-       {Group::kEstablishment, Group::kContractKey, Group::kEmployee, Group::kEndReason, Group::kActivityLine,
+       {Group::kEstablishmentBoxes, Group::kContractKey, Group::kEmployee, Group::kEndReasonBox, Group::kActivityLine,
         Group::kActivityEntry, Group::kAmendmentList, Group::kAmendmentEntry, Group::kMutual})
     empty(group);
   ui_.Bdv_Detail.set_max(0);
@@ -43,7 +43,7 @@ void CardStates::GriserOng() {
   empty_fields();
   enable_establishment(false);
   enable_employee(false);
-  for (Group group : {Group::kEndReason, Group::kActivityLine, Group::kActivityEntry, Group::kAmendmentList,
+  for (Group group : {Group::kEndReasonBox, Group::kActivityLine, Group::kActivityEntry, Group::kAmendmentList,
                       Group::kAmendmentEntry, Group::kAmendmentFrame, Group::kAmendmentButton})
     enable(group, false);
   ui_.Cdr_Mutuelle.set_enabled(false);
@@ -77,7 +77,7 @@ void CardStates::DeGriserOng() {
 }
 
 void CardStates::enable_establishment(bool on) {
-  enable(Group::kEstablishment, on && ui_.Cbo_Etab.count() != 1);
+  enable(Group::kEstablishmentBoxes, on && ui_.Cbo_Etab.count() != 1);
 }
 
 void CardStates::enable_employee(bool on) {
