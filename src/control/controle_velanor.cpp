@@ -139,6 +139,10 @@ void ControleVelanor::DroitsUtilisateur(control::UserRights& rights) {
 void ControleVelanor::TheClient(control::Client& client) { parts_->client = &client; }
 void ControleVelanor::TheDatabase(store::Database& database) { parts_->database = &database; }
 screen::Screen& ControleVelanor::screen() { return parts_->screen; }
+const store::DbRecord& ControleVelanor::card_in_hand() const {
+  static const store::DbRecord kNone;
+  return parts_->rules ? parts_->rules->card.working : kNone;
+}
 bool ControleVelanor::closed() const { return parts_->closed; }
 
 void ControleVelanor::init() {

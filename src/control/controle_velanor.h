@@ -41,6 +41,9 @@ class ControleVelanor {
 
   // The forms and controls, by name, and the way to act on them.
   screen::Screen& screen();
+  // The working record of the card that is open: what saving would start from. Empty before
+  // `init`.
+  const store::DbRecord& card_in_hand() const;
   // The user left it (or it was never started).
   bool closed() const;
 

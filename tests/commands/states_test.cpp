@@ -30,13 +30,18 @@ const std::string kBrowsing =
     "Mnu_Aide Mnu_Sommaire Txt_Asso Cbo_Asso Cbo_Periode Txt_Aidant Cbo_Aidant Cmd_Sortir Ong_FichPers ";
 // The fields of an open card that both creating and editing allow.
 const std::string kFields =
-    "Ong_FichPers Txt_NomAidant Txt_CodEtab Cbo_Etab Txt_HorMensEtab Txt_Secteur Cbo_Secteur Cbo_Com Opt_CDD Opt_CDI "
-    "Opt_Prod Opt_Admin Txt_DatNais Txt_DateBranche Cbo_NatureContrat Lst_Activites Cmd_AjAct Txt_Profil1 Cbo_Profil1 "
-    "Txt_Profil2 Cbo_Profil2 Txt_HresExo Txt_DatFin Lst_DatEffet Lst_DatDepGrille Lst_Qualif Lst_Grille Lst_Categorie "
-    "Lst_NouvMes Lst_TxHor Lst_DureMens Txt_MutSalContrat Txt_MutPatContrat Txt_ChargMutContrat Cbo_ChargMutContrat "
+    "Ong_FichPers Txt_NomAidant Txt_CodEtab Cbo_Etab Txt_HorMensEtab Txt_Secteur Cbo_Secteur Cbo_Com Opt_CDD "
+    "Opt_CDI "
+    "Opt_Prod Opt_Admin Txt_DatNais Txt_DateBranche Cbo_NatureContrat Lst_Activites Cmd_AjAct Txt_Profil1 "
+    "Cbo_Profil1 "
+    "Txt_Profil2 Cbo_Profil2 Txt_HresExo Txt_DatFin Lst_DatEffet Lst_DatDepGrille Lst_Qualif Lst_Grille "
+    "Lst_Categorie "
+    "Lst_NouvMes Lst_TxHor Lst_DureMens Txt_MutSalContrat Txt_MutPatContrat Txt_ChargMutContrat "
+    "Cbo_ChargMutContrat "
     "Txt_PlafSecu Txt_AssSS Cmd_OK Cmd_Annul Cmd_Supp ";
 const std::string kLineEntry =
-    "Ong_FichPers Txt_DatEffet Txt_DatDepGrille Cbo_Qualif Cbo_Grille Cbo_NouvMes Txt_TxHor Txt_DureMens Cmd_OkDetail "
+    "Ong_FichPers Txt_DatEffet Txt_DatDepGrille Cbo_Qualif Cbo_Grille Cbo_NouvMes Txt_TxHor Txt_DureMens "
+    "Cmd_OkDetail "
     "Cmd_AnnulDetail ";
 
 struct State {
@@ -83,12 +88,14 @@ TEST(States, AHandCanUseExactlyWhatItsStateAllows) {
        kFields + "Txt_ConvCol Cbo_Convcol Txt_DatDeb Cbo_EtudeAidant"},
       {"creating, abandoned", then(entity, {"Cmd_Ajout", "Cmd_Annul"}), kBrowsing + "Cmd_Ajout"},
       {"editing", open, editing},
-      {"editing, end date typed", then(open, {"Txt_DatFin:01012027", "Txt_HresExo:"}), editing + "Cbo_MotifFin"},
+      {"editing, end date typed", then(open, {"Txt_DatFin:01012027", "Txt_HresExo:"}),
+       editing + "Cbo_MotifFin"},
       {"editing, saved", then(open, {"Cmd_OK"}), kBrowsing + "Cmd_Ajout"},
       {"deleted", then(open, {"Cmd_Supp"}), kBrowsing + "Cmd_Ajout Cmd_Copier"},
       {"reading an older year", then(entity, {"Cbo_Periode=1", "Cbo_Aidant=0"}),
        "Ong_FichPers Txt_Aidant Cbo_Aidant Cmd_Annul"},
-      {"reading an older year, amendments in sight", then(entity, {"Cbo_Periode=1", "Cbo_Aidant=0", "Ong_FichPers=1"}),
+      {"reading an older year, amendments in sight",
+       then(entity, {"Cbo_Periode=1", "Cbo_Aidant=0", "Ong_FichPers=1"}),
        "Ong_FichPers Txt_Aidant Cbo_Aidant Cmd_Annul Cmd_Detail"},
       {"adding a line", then(open, {"Cmd_AjDetail"}), kLineEntry + "Txt_Categorie " + no_line_chosen},
       {"adding a line, abandoned", then(open, {"Cmd_AjDetail", "Cmd_AnnulDetail"}),

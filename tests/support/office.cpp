@@ -15,7 +15,8 @@ void load(store::Database& database, std::string_view scenario) {
 }
 
 Office::Office(store::Database& database)
-    : component({toolkit, host, host}), hand(component.screen()),
+    : component({toolkit, host, host}),
+      hand(component.screen()),
       ui(dynamic_cast<card::CardScreen&>(component.screen().base())) {
   component.DroitsUtilisateur(host);
   component.TheClient(host.client);
@@ -29,7 +30,8 @@ screen::Control& Office::control(std::string_view name) {
 }
 
 bool Office::usable(const screen::Control& control) {
-  const bool page = control.page() < 0 || !control.form().tabs() || control.form().tabs()->page_enabled(control.page());
+  const bool page =
+      control.page() < 0 || !control.form().tabs() || control.form().tabs()->page_enabled(control.page());
   return control.usable() && page && &control.form() == &component.screen().top();
 }
 
