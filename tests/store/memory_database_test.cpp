@@ -2,24 +2,127 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+#include <random>
+
+#include "store/arena.h"
+#include "store/contract.h"
+#include "store/memory_file.h"
+#include "store/notation.h"
+#include "support/failing_database.h"
+
 namespace velanor::store {
 namespace {
 
-TEST(Smoke, Works) {
-  MemoryDatabase db;
-  DbRecord r;
-  for (auto id : {"000010072026", "000020072026", "000030072025", "000040082026"}) {
-    r.set(1, std::string("N") + id);
-    db.put("VELANORO", id, r);
+INSTANTIATE_TEST_SUITE_P(Memory, StoreContract,
+                         testing::Values(StoreFactory{"Memory",
+                                                      [] { return std::make_unique<MemoryDatabase>(); }}),
+                         [](const auto& factory) { return factory.param.name; });
+
+TEST(MemoryDatabase, ListsItsFilesAndWalksThemInOrderOfIds) {
+  MemoryDatabase database;
+  for (const char* id : {"3", "1", "2"}) database.put("SECTEUR", id, record(std::string("Secteur ") + id));
+  database.put("PROFIL", "1", record("x"));
+  database.remove("PROFIL", "1");
+  EXPECT_EQ(database.files(), std::vector<std::string>{"SECTEUR"});
+  std::string walked;
+  database.for_each("SECTEUR", [&](std::string_view id, const DbRecord& found) {
+    walked += std::string(id) + "=" + shown(found) + " ";
+  });
+  EXPECT_EQ(walked, "1=Secteur 1 2=Secteur 2 3=Secteur 3 ");
+  database.for_each("ABSENT", [](std::string_view, const DbRecord&) { ADD_FAILURE(); });
+}
+
+// Every way into a file must show the same records, whatever was written before.
+TEST(MemoryFile, AgreesWithAPlainMapThroughRandomWrites) {
+  std::mt19937 random(7);
+  MemoryFile file;
+  std::map<std::string, std::string> plain;
+  const auto scanned = [&](Narrowing::Kind kind, const std::string& text) {
+    std::map<std::string, std::string> found;
+    file.scan({kind, text}, [&](const select::Row& row) {
+      const std::string id(row.id);
+      const bool admitted = kind == Narrowing::Kind::kId         ? id == text
+                            : kind == Narrowing::Kind::kIdPrefix ? id.starts_with(text)
+                                                                 : id.ends_with(text);
+      EXPECT_TRUE(!admitted || found.emplace(id, row.encoded).second) << "visited twice";
+    });
+    return found;
+  };
+  const auto expected = [&](auto admits) {
+    std::map<std::string, std::string> found;
+    for (const auto& [id, text] : plain) {
+      if (admits(id)) found.emplace(id, text);
+    }
+    return found;
+  };
+  for (int step = 0; step < 60'000; ++step) {
+    const std::string id = std::to_string(random() % 4000);
+    if (random() % 3 == 0) {
+      file.erase(id);
+      plain.erase(id);
+    } else {
+      const std::string text(random() % 300, static_cast<char>('a' + random() % 26));
+      file.put(id, text);
+      plain[id] = text;
+    }
+    if (step % 3000 != 0) continue;
+    ASSERT_EQ(file.size(), plain.size());
+    ASSERT_EQ(scanned(Narrowing::Kind::kNone, ""), plain);
+    for (const std::string text : {"7", "12", "999", "3999"}) {
+      ASSERT_EQ(scanned(Narrowing::Kind::kId, text), expected([&](auto& known) { return known == text; }));
+      ASSERT_EQ(scanned(Narrowing::Kind::kIdPrefix, text),
+                expected([&](auto& known) { return known.starts_with(text); }));
+      ASSERT_EQ(scanned(Narrowing::Kind::kIdSuffix, text),
+                expected([&](auto& known) { return known.ends_with(text); }));
+    }
   }
-  auto res = db.Select(DbQuery("SSELECT VELANORO AVEC 0 = \"[0072026\" PAR 1", "VELANORO", "0 1").encoded());
-  EXPECT_EQ(res.DCount(), 2);
-  EXPECT_EQ(res(1, 1), "000010072026");
-  EXPECT_EQ(res(2, 2), "N000020072026");
-  auto y = db.Select(DbQuery("SSELECT VELANORO PAR CodeAsso PAR-DECR Annee", "VELANORO", "0").encoded());
-  EXPECT_EQ(y.DCount(), 4);
-  EXPECT_EQ(y(3), "000030072025");
-  EXPECT_EQ(y(4), "000040082026");
+}
+
+TEST(Arena, StaysNearWhatIsStoredWhateverIsRewritten) {
+  std::mt19937 random(3);
+  Arena arena;
+  std::vector<Arena::Slot> slots(6000);
+  std::vector<std::string> texts(slots.size());
+  std::size_t stored = 0;
+  for (int step = 0; step < 60'000; ++step) {
+    const std::size_t i = random() % slots.size();
+    stored -= texts[i].size();
+    const bool is_long = random() % 500 == 0;
+    texts[i] = std::string(is_long ? 200'000 : 900 + random() % 300, static_cast<char>('a' + step % 26));
+    if (step > 10'000 && random() % 10 == 0) {
+      texts[i].clear();
+      arena.release(slots[i]);
+    } else {
+      arena.store(slots[i], texts[i]);
+    }
+    stored += texts[i].size();
+  }
+  for (std::size_t i = 0; i < slots.size(); ++i) {
+    EXPECT_EQ(slots[i].stored ? arena.bytes(slots[i]) : "", texts[i]);
+  }
+  EXPECT_LT(static_cast<double>(arena.allocated()), 1.25 * static_cast<double>(stored));
+}
+
+TEST(FailingDatabase, FailsOnceAtThePlannedCallAndChangesNothing) {
+  MemoryDatabase inner;
+  inner.put("SECTEUR", "1", record("Aide"));
+  for (int call = 1; call <= 5; ++call) {
+    SCOPED_TRACE(call);
+    FailingDatabase database(inner);
+    database.fail_at(call);
+    const auto work = [&] {
+      const auto file = database.OpenFile("SECTEUR");
+      file->Read("1");
+      database.Select(DbQuery("SSELECT SECTEUR", "SECTEUR", "0").encoded());
+      file->Record("2").DBWrite();
+      file->DeleteRecord("2");
+    };
+    EXPECT_THROW(work(), DbError);
+    EXPECT_EQ(database.calls(), call);
+    EXPECT_EQ(inner.find("SECTEUR", "2").has_value(), call == 5);
+    EXPECT_NO_THROW(work());
+  }
 }
 
 }  // namespace
