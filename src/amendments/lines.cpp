@@ -10,6 +10,11 @@ using card::kAmendmentColumns;
 
 namespace {
 
+// clang-format off
+constexpr std::string_view kBeforeContract = "La date d'effet doit être supérieure ou égale à la date de début de contrat et à la date de début de période budgétaire.";
+constexpr std::string_view kGridOrRate = "Vous devez indiquer soit une date de départ de calcul dans la grille et une grille de déroulement de carrière, soit un taux horaire.";
+// clang-format on
+
 // Moves a value with its subvalues to another position of its attribute.
 void move_value(store::DbRecord& record, int attribute, int from, int to) {
   std::vector<std::string> subvalues;
@@ -157,9 +162,7 @@ bool AmendmentLines::date_is_valid() {
   if (ui.Txt_DatEffet.is_empty()) return refuse("La date d'effet est obligatoire.", ui.Txt_DatEffet);
   if (!ui.Txt_DatDeb.is_empty() && day(ui.Txt_DatEffet.text()) < day(ui.Txt_DatDeb.text())) {
     if (ui.Txt_DatDepGrille.text() == ui.Txt_DatEffet.text()) ui.Txt_DatDepGrille.set_text({});
-    on_.screen.refuse(
-        "La date d'effet doit être supérieure ou égale à la date de début de contrat et à la date de début "
-        "de période budgétaire.");
+    on_.screen.refuse(kBeforeContract);
     ui.Txt_DatEffet.set_text({});
     ui.set_focus(ui.Txt_DatEffet);
     return false;
@@ -181,10 +184,7 @@ bool AmendmentLines::grid_or_rate_is_valid() {
     return refuse("La date de départ de calcul de grille est obligatoire.", ui.Txt_DatDepGrille);
   if (start && !grid) return refuse("La grille de déroulement de carrière est obligatoire.", ui.Cbo_Grille);
   if (!start && !grid && !rate) {
-    return refuse(
-        "Vous devez indiquer soit une date de départ de calcul dans la grille et une grille de déroulement "
-        "de carrière, soit un taux horaire.",
-        ui.Txt_DatDepGrille);
+    return refuse(kGridOrRate, ui.Txt_DatDepGrille);
   }
   if (grid && rate) ui.Txt_TxHor.set_text({});  // the grid wins, silently
   return true;

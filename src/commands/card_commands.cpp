@@ -118,7 +118,9 @@ void CardCommands::Cmd_Ajout_Click() {
   ui.Opt_Prod.set_value(true);
   ui.Txt_HresExo.set_text("100,00");
   ui.Txt_HorMensEtab.set_text(on_.card.default_hours);
-  ui.Txt_ConvCol.set_text(default_agreement_());
+  // Without a default, the only agreement of the file stays taken.
+  if (const std::string agreement = default_agreement_(); !agreement.empty())
+    ui.Txt_ConvCol.set_text(agreement);
   ui.Txt_Etat.set_text("Création");
   ui.set_focus(ui.Txt_NomAidant);
   on_.card.CodeAidant.clear();

@@ -20,6 +20,7 @@
 #include "forms/frm_saisie_hres.h"
 #include "reference/lists.h"
 #include "reference/lookup_pairs.h"
+#include "text/utf8.h"
 
 namespace velanor {
 
@@ -84,7 +85,7 @@ void Rules::bind() {
 
 forms::ItemContext Rules::item_context() const {
   const bool editable = states.year_is_open();
-  return {.employee = ui.Txt_Aidant.text() + " " + ui.Txt_NomAidant.text(),
+  return {.employee = std::string(text::trim(ui.Txt_Aidant.text() + " " + ui.Txt_NomAidant.text())),
           .period = ui.Cbo_Periode.text(),
           .establishment_hours = ui.Txt_HorMensEtab.text(),
           .agreement = ui.Txt_ConvCol.text(),

@@ -1,0 +1,188 @@
+// The component in its host: what it asks for, what it opens, how it starts, fails and leaves.
+#include <gtest/gtest.h>
+
+#include "support/office.h"
+
+namespace velanor::test {
+namespace {
+
+using Names = std::vector<std::string>;
+
+// Notes the files that are opened and the statements that are sent; a file can be made to fail.
+class Watched : public store::Database {
+ public:
+  explicit Watched(store::Database& database) : database_(database) {}
+  std::unique_ptr<store::DbFile> OpenFile(std::string_view name) override {
+    if (name == broken_file) throw store::DbError(store::kStoreFailure, "fichier abîmé");
+    opened.emplace_back(name);
+    return database_.OpenFile(name);
+  }
+  store::DbResult Select(std::string_view request, std::string_view option) override {
+    statements.emplace_back(store::DbRecord::from_encoded(request)(1));
+    return database_.Select(request, option);
+  }
+
+  std::string broken_file;
+  Names opened;
+  Names statements;
+
+ private:
+  store::Database& database_;
+};
+
+class Component : public testing::Test {
+ protected:
+  Component() { load(memory_, "lib/cards.play"); }
+  store::MemoryDatabase memory_;
+  Watched database_{memory_};
+};
+
+TEST_F(Component, OpensItsFilesOnceInOrderAndAsksForItsRightsOnce) {
+  Office office(database_);
+  office.component.init();
+  EXPECT_EQ(database_.opened, (Names{"ACTIVITES", "ASSOCIATION", "VELANORO", "BUDGETPARAM", "COMMUNES",
+                                     "CONVENTIONCOL", "GRILLESCCBUDGET", "PROFIL", "RUBCHARGE", "RUBSAISIE",
+                                     "SECTEUR", "TABLES", "BUDGETTRAMESAISIE"}));
+  EXPECT_EQ(office.host.asked, Names{"ELEMBUDGETPERS"});
+  EXPECT_EQ(database_.statements,
+            (Names{"SSELECT VELANORO PAR CodeAsso PAR-DECR Annee", "SSELECT ASSOCIATION 0 PAR 0"}));
+  EXPECT_EQ(office.ui.Cbo_EtudeAidant.items(), (Names{"1 Sans diplôme", "3 CAP, BEP"}));
+}
+
+TEST_F(Component, AFileOrParameterRecordThatCannotBeReadEndsTheStart) {
+  {
+    Office office(database_);
+    database_.broken_file = "SECTEUR";
+    EXPECT_THROW(office.component.init(), store::DbError);
+    EXPECT_TRUE(office.component.closed());
+    EXPECT_NE(office.hand.type(office.ui.Txt_Asso, "001"), "");
+  }
+  database_.broken_file.clear();
+  for (const char* id : {"FINCONTRAT", "QUALIF", "REGROUPBUDGET", "NATURECONTRAT", "DIPLOMES"}) {
+    SCOPED_TRACE(id);
+    const auto record = *memory_.find("TABLES", id);
+    memory_.remove("TABLES", id);
+    Office office(database_);
+    try {
+      office.component.init();
+      ADD_FAILURE() << "started";
+    } catch (const store::DbError& error) {
+      EXPECT_EQ(error.number(), store::kMissingRecord);
+    }
+    memory_.put("TABLES", id, record);
+  }
+  Office office(database_);
+  EXPECT_NO_THROW(office.component.init());
+}
+
+TEST_F(Component, TheDefaultAgreementIsTheOneThatAllParametersName) {
+  const struct {
+    Names values;
+    const char* agreement;
+  } cases[] = {{{"06", "06"}, "06"}, {{"01", "06"}, ""}, {{}, ""}, {{"03"}, "03"}};
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.agreement);
+    store::DbRecord parameters;
+    for (const auto& value : test.values) parameters.set(10, store::kAppend, value);
+    memory_.put("BUDGETPARAM", "1", parameters);
+    Office office(database_);
+    office.component.init();
+    office.hand.type(office.ui.Txt_Asso, "001");
+    EXPECT_EQ(office.hand.click(office.ui.Cmd_Ajout), "");
+    EXPECT_EQ(office.ui.Txt_ConvCol.text(), test.agreement);
+  }
+  memory_.remove("BUDGETPARAM", "1");
+  Office office(database_);
+  office.component.init();
+  EXPECT_EQ(office.toolkit.messages, Names{});
+}
+
+TEST_F(Component, ASingleEntityIsTakenAtOnce) {
+  for (const char* id : {"007", "009"}) memory_.remove("ASSOCIATION", id);
+  Office office(database_);
+  office.component.init();
+  EXPECT_EQ(office.ui.Txt_Asso.text(), "001");
+  EXPECT_EQ(office.ui.Cbo_Asso.text(), "Aide aux Familles du Val");
+  EXPECT_EQ(office.ui.Cbo_Aidant.items(), (Names{"DURAND PAUL", "MARTIN JEANNE"}));
+  EXPECT_EQ(office.ui.focus(), &office.ui.Txt_Aidant);
+}
+
+TEST_F(Component, HelpAndContextMenuAndExitReachTheHost) {
+  Office office(database_);
+  office.component.init();
+  office.host.asked.clear();
+  EXPECT_EQ(office.hand.right_press(), "");
+  EXPECT_EQ(office.toolkit.popped_up, Names{"Mnu_Aide"});
+  EXPECT_EQ(office.hand.click(office.ui.Mnu_Sommaire), "");
+  EXPECT_EQ(office.host.asked, Names{"Velanor.htm|Fiches du personnel|P|client"});
+  EXPECT_EQ(office.hand.click(office.ui.Cmd_Sortir), "");
+  EXPECT_EQ(office.host.asked.back(), "unload");
+  EXPECT_TRUE(office.component.closed());
+  EXPECT_NE(office.hand.click(office.ui.Cmd_Sortir), "");
+}
+
+TEST_F(Component, TwoComponentsOnOneDatabaseShareItsFilesAndNothingElse) {
+  Office first(database_), second(database_);
+  first.component.init();
+  const auto opened = database_.opened;
+  second.component.init();
+  EXPECT_EQ(database_.opened, opened);
+  first.hand.type(first.ui.Txt_Asso, "001");
+  second.hand.type(second.ui.Txt_Asso, "007");
+  first.hand.type(first.ui.Txt_Aidant, "00010");
+  EXPECT_EQ(second.ui.Cbo_Aidant.items(), Names{"PETIT ANNE"});
+  EXPECT_TRUE(second.ui.Txt_Asso.enabled());
+  second.hand.click(second.ui.Cmd_Sortir);
+  EXPECT_EQ(first.hand.click(first.ui.Cmd_OK), "");
+  EXPECT_EQ(first.toolkit.messages, Names{});
+  EXPECT_EQ(first.ui.focus(), &first.ui.Txt_Aidant);
+}
+
+// The store fails at a moment of the clerk's work: the error reaches the host, what was typed stays.
+TEST_F(Component, AFailingWriteLeavesTheCardAsItWas) {
+  class Failing : public store::Database {
+   public:
+    explicit Failing(store::Database& database) : database_(database) {}
+    std::unique_ptr<store::DbFile> OpenFile(std::string_view name) override {
+      return std::make_unique<File>(*this, database_.OpenFile(name));
+    }
+    store::DbResult Select(std::string_view request, std::string_view option) override {
+      return database_.Select(request, option);
+    }
+    bool full = false;
+
+   private:
+    struct File : store::DbFile {
+      File(Failing& its_owner, std::unique_ptr<store::DbFile> its_file)
+          : owner(its_owner), file(std::move(its_file)) {}
+      std::optional<store::DbRecord> find(std::string_view id) override { return file->find(id); }
+      void write(std::string_view id, const store::DbRecord& record) override {
+        if (owner.full) throw store::DbError(store::kStoreFailure, "disque plein");
+        file->write(id, record);
+      }
+      void DeleteRecord(std::string_view id) override { file->DeleteRecord(id); }
+      Failing& owner;
+      std::unique_ptr<store::DbFile> file;
+    };
+    store::Database& database_;
+  };
+  Failing failing(memory_);
+  Office office(failing);
+  office.component.init();
+  office.hand.type(office.ui.Txt_Asso, "001");
+  office.hand.type(office.ui.Txt_Aidant, "00010");
+  office.hand.replace_text(office.ui.Txt_HorMensEtab, "140");
+  const store::DbRecord in_hand = office.component.card_in_hand();
+  failing.full = true;
+  EXPECT_THROW(office.hand.click(office.ui.Cmd_OK), store::DbError);
+  EXPECT_EQ(office.ui.Txt_HorMensEtab.text(), "140,00");
+  EXPECT_EQ(office.component.card_in_hand(), in_hand);
+  EXPECT_TRUE(office.ui.Cmd_OK.enabled());
+  failing.full = false;
+  EXPECT_EQ(office.hand.click(office.ui.Cmd_OK), "");
+  EXPECT_EQ((*memory_.find("VELANORO", "000100012026"))(2), "14000");
+  EXPECT_EQ((*memory_.find("VELANORO", "000100012026"))(25), "");
+}
+
+}  // namespace
+}  // namespace velanor::test
