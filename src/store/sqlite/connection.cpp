@@ -1,0 +1,124 @@
+#include "store/sqlite/connection.h"
+
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <utility>
+
+#include "store/sqlite/failure.h"
+
+namespace velanor::store::sqlite {
+namespace {
+
+// SQLite would give a new file the rights that the user's mask allows; its companions get the
+// rights of the file.
+void create_private(const std::string& path) {
+  const int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+  if (file >= 0) {
+    ::close(file);
+  } else if (errno != EEXIST) {
+    throw failure(errno == ENOSPC ? SQLITE_FULL : SQLITE_CANTOPEN, path, "");
+  }
+}
+
+// A null pointer would bind NULL, which is not the empty text.
+const char* start_of(std::string_view bytes) { return bytes.empty() ? "" : bytes.data(); }
+
+}  // namespace
+
+void Statement::Finalize::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+
+Statement::Statement(Connection& connection, std::string_view sql) : connection_(&connection) {
+  sqlite3_stmt* statement = nullptr;
+  check(sqlite3_prepare_v3(connection.handle(), sql.data(), static_cast<int>(sql.size()),
+                           SQLITE_PREPARE_PERSISTENT, &statement, nullptr));
+  statement_.reset(statement);
+}
+
+void Statement::check(int code) { connection_->check(code); }
+
+void Statement::bind(int parameter, std::int64_t number) {
+  check(sqlite3_bind_int64(statement_.get(), parameter, number));
+}
+
+void Statement::bind_text(int parameter, std::string_view text) {
+  check(sqlite3_bind_text64(statement_.get(), parameter, start_of(text), text.size(), SQLITE_STATIC,
+                            SQLITE_UTF8));
+}
+
+void Statement::bind_blob(int parameter, std::string_view bytes) {
+  check(sqlite3_bind_blob64(statement_.get(), parameter, start_of(bytes), bytes.size(), SQLITE_STATIC));
+}
+
+bool Statement::step() {
+  const int code = sqlite3_step(statement_.get());
+  if (code != SQLITE_ROW && code != SQLITE_DONE) check(code);
+  return code == SQLITE_ROW;
+}
+
+std::int64_t Statement::number(int column) const { return sqlite3_column_int64(statement_.get(), column); }
+
+std::string_view Statement::bytes(int column) const {
+  const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement_.get(), column));
+  if (bytes == nullptr) return {};
+  return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column))};
+}
+
+// What it returns has been said by the step already.
+void Statement::reset() { sqlite3_reset(statement_.get()); }
+
+void Connection::Close::operator()(sqlite3* handle) const { sqlite3_close_v2(handle); }
+
+Connection::Connection(std::string path, Missing missing, int patience) : path_(std::move(path)) {
+  if (missing == Missing::kCreate) create_private(path_);
+  sqlite3* handle = nullptr;
+  const int code =
+      sqlite3_open_v2(path_.c_str(), &handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+  handle_.reset(handle);
+  check(code);
+  sqlite3_extended_result_codes(handle, 1);
+  sqlite3_busy_timeout(handle, patience);
+  // The file may come from anyone: what is written in its schema may not do more than plain SQL.
+  sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+  sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+}
+
+void Connection::run(const char* sql) { check(sqlite3_exec(handle(), sql, nullptr, nullptr, nullptr)); }
+
+std::int64_t Connection::number(std::string_view sql) {
+  Statement statement(*this, sql);
+  return statement.step() ? statement.number(0) : 0;
+}
+
+std::string Connection::text(std::string_view sql) {
+  Statement statement(*this, sql);
+  return statement.step() ? std::string(statement.bytes(0)) : std::string();
+}
+
+bool Connection::in_transaction() const { return sqlite3_get_autocommit(handle()) == 0; }
+
+void Connection::fail(int code) {
+  throw failure(code, path_, handle_ ? sqlite3_errmsg(handle()) : sqlite3_errstr(code));
+}
+
+Transaction::Transaction(Connection& connection)
+    : connection_(connection.in_transaction() ? nullptr : &connection) {
+  // At once with the right to write, so that waiting for others happens here and nowhere else.
+  if (connection_ != nullptr) connection_->run("BEGIN IMMEDIATE");
+}
+
+Transaction::~Transaction() {
+  // Some failures have rolled back already.
+  if (connection_ == nullptr || !connection_->in_transaction()) return;
+  sqlite3_exec(connection_->handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+void Transaction::commit() {
+  if (connection_ == nullptr) return;
+  connection_->run("COMMIT");
+  connection_ = nullptr;
+}
+
+}  // namespace velanor::store::sqlite

@@ -1,0 +1,15 @@
+// What went wrong in SQLite, told to the person in front of the screen.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "store/error.h"
+
+namespace velanor::store::sqlite {
+
+// A kStoreFailure for a result code of SQLite, extended or not: what happened to the database at
+// `path` and what to do. `detail` is what SQLite says of it; told only where nothing better is.
+DbError failure(int code, std::string_view path, std::string_view detail);
+
+}  // namespace velanor::store::sqlite

@@ -1,0 +1,155 @@
+#include "store/sqlite/sqlite_backend.h"
+
+#include <utility>
+
+#include "store/sqlite/schema.h"
+
+namespace velanor::store::sqlite {
+namespace {
+
+std::string reversed(std::string_view id) { return {id.rbegin(), id.rend()}; }
+
+}  // namespace
+
+Connection SqliteBackend::opened(std::string path, Missing missing, int patience) {
+  Connection connection(std::move(path), missing, patience);
+  prepare(connection);
+  return connection;
+}
+
+SqliteBackend::SqliteBackend(std::string path, Missing missing, int patience)
+    : connection_(opened(std::move(path), missing, patience)),
+      find_(connection_, "SELECT content FROM record WHERE file = ?1 AND id = ?2"),
+      put_(connection_,
+           "INSERT INTO record(file, id, tail, content) VALUES (?1, ?2, ?3, ?4) "
+           "ON CONFLICT(file, id) DO UPDATE SET content = excluded.content"),
+      erase_(connection_, "DELETE FROM record WHERE file = ?1 AND id = ?2"),
+      ids_(connection_, "SELECT id FROM record WHERE file = ?1 AND id >= ?2 ORDER BY id"),
+      records_(connection_, "SELECT id, content FROM record WHERE file = ?1 AND id >= ?2 ORDER BY id"),
+      tails_(connection_,
+             "SELECT id, content, tail FROM record WHERE file = ?1 AND tail >= ?2 ORDER BY tail"),
+      number_(connection_, "SELECT number FROM file WHERE name = ?1"),
+      add_file_(connection_, "INSERT OR IGNORE INTO file(name) VALUES (?1)"),
+      revision_(connection_, "SELECT revision FROM file WHERE name = ?1") {}
+
+void SqliteBackend::open(std::string_view) {}
+
+std::optional<std::int64_t> SqliteBackend::number(std::string_view file) {
+  const auto known = numbers_.find(file);
+  if (known != numbers_.end()) return known->second;
+  Run run(number_);
+  run->bind_text(1, file);
+  if (!run->step()) return std::nullopt;
+  return numbers_[std::string(file)] = run->number(0);
+}
+
+std::int64_t SqliteBackend::number_for_writing(std::string_view file) {
+  if (const auto known = number(file)) return *known;
+  {
+    Run run(add_file_);
+    run->bind_text(1, file);
+    run->step();
+  }
+  return number(file).value();
+}
+
+std::optional<DbRecord> SqliteBackend::find(std::string_view file, std::string_view id) {
+  const auto number = this->number(file);
+  if (!number) return std::nullopt;
+  Run run(find_);
+  run->bind(1, *number);
+  run->bind_text(2, id);
+  if (!run->step()) return std::nullopt;
+  // Looked at, for other tools can write to the file too.
+  return DbRecord::from_encoded(run->bytes(0));
+}
+
+void SqliteBackend::put(std::string_view file, std::string_view id, const DbRecord& record) {
+  const std::int64_t number = number_for_writing(file);
+  const std::string tail = reversed(id);
+  Run run(put_);
+  run->bind(1, number);
+  run->bind_text(2, id);
+  run->bind_blob(3, tail);
+  run->bind_blob(4, record.encoded());
+  run->step();
+}
+
+void SqliteBackend::erase(std::string_view file, std::string_view id) {
+  const auto number = this->number(file);
+  if (!number) return;
+  Run run(erase_);
+  run->bind(1, *number);
+  run->bind_text(2, id);
+  run->step();
+}
+
+void SqliteBackend::scan(std::string_view file, const Narrowing& narrowing, Content content,
+                         const Visit& visit) {
+  const auto number = this->number(file);
+  if (!number) return;
+  if (narrowing.kind == Narrowing::Kind::kIdSuffix && !narrowing.text.empty()) {
+    return scan_tails(*number, narrowing.text, visit);
+  }
+  if (narrowing.kind == Narrowing::Kind::kId) {
+    const auto record = find(file, narrowing.text);
+    if (record) visit({narrowing.text, record->encoded()});
+    return;
+  }
+  const bool by_prefix = narrowing.kind == Narrowing::Kind::kIdPrefix;
+  Statement& statement = content == Content::kIdsOnly ? ids_ : records_;
+  scan_ids(statement, *number, by_prefix ? std::string_view(narrowing.text) : "", visit);
+}
+
+void SqliteBackend::scan_ids(Statement& statement, std::int64_t file, std::string_view prefix,
+                             const Visit& visit) {
+  const bool with_records = &statement == &records_;
+  Run run(statement);
+  run->bind(1, file);
+  run->bind_text(2, prefix);
+  while (run->step()) {
+    const std::string_view id = run->bytes(0);
+    if (!id.starts_with(prefix)) return;
+    visit({id, with_records ? run->bytes(1) : std::string_view()});
+  }
+}
+
+void SqliteBackend::scan_tails(std::int64_t file, std::string_view suffix, const Visit& visit) {
+  const std::string tail = reversed(suffix);
+  Run run(tails_);
+  run->bind(1, file);
+  run->bind_blob(2, tail);
+  while (run->step() && run->bytes(2).starts_with(tail)) visit({run->bytes(0), run->bytes(1)});
+}
+
+std::uint64_t SqliteBackend::revision(std::string_view file) {
+  constexpr int kRoomForWrites = 40;
+  Run run(revision_);
+  run->bind_text(1, file);
+  const std::uint64_t written = run->step() ? static_cast<std::uint64_t>(run->number(0)) : 0;
+  return written + (undone_ << kRoomForWrites);
+}
+
+std::vector<std::string> SqliteBackend::files() {
+  std::vector<std::string> names;
+  Statement statement(connection_,
+                      "SELECT name FROM file WHERE EXISTS (SELECT 1 FROM record WHERE file = number) "
+                      "ORDER BY name");
+  while (statement.step()) names.emplace_back(statement.bytes(0));
+  return names;
+}
+
+void SqliteBackend::in_one_change(const std::function<void()>& writes) {
+  try {
+    Transaction transaction(connection_);
+    writes();
+    transaction.commit();
+  } catch (...) {
+    // Files that were new in it are gone with it.
+    numbers_.clear();
+    ++undone_;
+    throw;
+  }
+}
+
+}  // namespace velanor::store::sqlite

@@ -1,0 +1,51 @@
+// The backend of the SQLite store.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "store/backend.h"
+#include "store/sqlite/connection.h"
+
+namespace velanor::store::sqlite {
+
+// Any file can be opened; one that was never written is empty. Every call sees what other
+// programs have written before it.
+class SqliteBackend : public Backend {
+ public:
+  SqliteBackend(std::string path, Missing missing, int patience);
+
+  void open(std::string_view file) override;
+  std::optional<DbRecord> find(std::string_view file, std::string_view id) override;
+  void put(std::string_view file, std::string_view id, const DbRecord& record) override;
+  void erase(std::string_view file, std::string_view id) override;
+  void scan(std::string_view file, const Narrowing& narrowing, Content content, const Visit& visit) override;
+  std::uint64_t revision(std::string_view file) override;
+
+  // The files that hold records, by name.
+  std::vector<std::string> files();
+  // Makes the writes of `writes` one change, undone if it throws.
+  void in_one_change(const std::function<void()>& writes);
+  Connection& connection() { return connection_; }
+
+ private:
+  // A connection that is ready before the statements are prepared.
+  static Connection opened(std::string path, Missing missing, int patience);
+
+  // Nothing for a file that was never written.
+  std::optional<std::int64_t> number(std::string_view file);
+  std::int64_t number_for_writing(std::string_view file);
+  void scan_ids(Statement& statement, std::int64_t file, std::string_view prefix, const Visit& visit);
+  void scan_tails(std::int64_t file, std::string_view suffix, const Visit& visit);
+
+  Connection connection_;
+  Statement find_, put_, erase_, ids_, records_, tails_, number_, add_file_, revision_;
+  std::map<std::string, std::int64_t, std::less<>> numbers_;
+  // Changes undone here: what was read inside them must not pass for what comes after.
+  std::uint64_t undone_ = 0;
+};
+
+}  // namespace velanor::store::sqlite

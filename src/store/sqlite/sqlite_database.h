@@ -1,0 +1,58 @@
+// The embedded store: all files of records in one SQLite database file.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "store/store_database.h"
+
+namespace velanor::store {
+
+namespace sqlite {
+class SqliteBackend;
+}
+
+// What is written is on the disk once the call returns; a failure leaves the file as it was. Several
+// programs, and several of these, may use one database file; each sees at once what the others
+// write. Every failure is a DbError (kStoreFailure) whose sentence says what to do.
+class SqliteDatabase : public StoreDatabase {
+ public:
+  enum class Missing { kFail, kCreate };
+  struct Options {
+    // Whether a file that is not there is created (mode 0600) or an error.
+    Missing missing = Missing::kFail;
+    // How long a write waits for other programs, in milliseconds.
+    int patience = 5000;
+    select::Dictionary dictionary = select::default_dictionary();
+  };
+
+  // A file of another kind, or written by a later version, is refused and left as it is; an older
+  // one is brought up to date.
+  explicit SqliteDatabase(const std::string& path) : SqliteDatabase(path, Options()) {}
+  SqliteDatabase(const std::string& path, Options options);
+
+  // Writes everything that `writes` writes through this database as one change, which is both fast
+  // and complete: when it throws, nothing of it remains. Others wait with their writes meanwhile,
+  // and see nothing before the end.
+  void in_one_change(const std::function<void()>& writes);
+
+  // Writes a record without opening its file.
+  void put(std::string_view file, std::string_view id, const DbRecord& record);
+  // The files that hold records, by name.
+  std::vector<std::string> files();
+  // Copies the database, as it stands now, to a new file (mode 0600) that appears when it is
+  // complete; others may write meanwhile. A file that exists is an error. `progress` hears what
+  // part is done, from 0 to 1.
+  void back_up(const std::string& path, const std::function<void(double)>& progress = {});
+  // What is damaged in the file itself, in SQLite's words; nothing for a sound file.
+  std::vector<std::string> damages();
+
+ private:
+  SqliteDatabase(std::unique_ptr<sqlite::SqliteBackend> backend, select::Dictionary dictionary);
+
+  sqlite::SqliteBackend* backend_;
+};
+
+}  // namespace velanor::store

@@ -1,0 +1,280 @@
+#include "store/sqlite/sqlite_database.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <random>
+
+#include "sqlite/temporary_folder.h"
+#include "store/contract.h"
+#include "store/memory_database.h"
+#include "store/notation.h"
+
+namespace velanor::store {
+namespace {
+
+SqliteDatabase::Options created(int patience = 5000) {
+  return {.missing = SqliteDatabase::Missing::kCreate, .patience = patience};
+}
+
+// A database whose file goes with it.
+struct OwnFile {
+  TemporaryFolder folder;
+};
+class OwnSqliteDatabase : private OwnFile, public SqliteDatabase {
+ public:
+  OwnSqliteDatabase() : SqliteDatabase(folder.file("base"), created()) {}
+};
+
+INSTANTIATE_TEST_SUITE_P(Sqlite, StoreContract,
+                         testing::Values(StoreFactory{"Sqlite",
+                                                      [] { return std::make_unique<OwnSqliteDatabase>(); }}),
+                         [](const auto& factory) { return factory.param.name; });
+
+std::string all_of(Database& database, std::string_view statement, std::string_view file,
+                   std::string_view attributes = "0 1") {
+  const DbResult found = database.Select(DbQuery(statement, file, attributes).encoded());
+  std::string text;
+  for (int i = 1; i <= found.DCount(); ++i) text += shown(found(i)) + "\n";
+  return text;
+}
+
+class SqliteFile : public testing::Test {
+ protected:
+  std::unique_ptr<SqliteDatabase> open(int patience = 5000) {
+    return std::make_unique<SqliteDatabase>(path_, created(patience));
+  }
+  std::string failure(const std::function<void()>& action) {
+    try {
+      action();
+    } catch (const DbError& error) {
+      EXPECT_EQ(error.number(), kStoreFailure);
+      return error.what();
+    }
+    return "no failure";
+  }
+
+  TemporaryFolder folder_;
+  std::string path_ = folder_.file("base.velanor");
+};
+
+TEST_F(SqliteFile, KeepsWhatWasWrittenForTheNextProgram) {
+  open()->put("SECTEUR", "001", record("Ville^a|b~c"));
+  const SqliteDatabase::Options existing;
+  SqliteDatabase database(path_, existing);
+  EXPECT_EQ(shown(database.OpenFile("SECTEUR")->Read("001")), "Ville^a|b~c");
+  EXPECT_EQ(database.files(), std::vector<std::string>{"SECTEUR"});
+}
+
+TEST_F(SqliteFile, IsReadableByItsOwnerAlone) {
+  const mode_t mask = umask(0);
+  const auto database = open();
+  database->put("SECTEUR", "001", record("x"));
+  umask(mask);
+  for (const char* companion : {"", "-wal", "-shm"}) {
+    struct stat status {};
+    ASSERT_EQ(stat((path_ + companion).c_str(), &status), 0) << companion;
+    EXPECT_EQ(status.st_mode & 0777, 0600u) << companion;
+  }
+}
+
+TEST_F(SqliteFile, TwoProgramsSeeEachOthersWritesInListsThatTheyHaveAskedBefore) {
+  const auto first = open(), second = open();
+  const char* list = "SSELECT SECTEUR PAR 1";
+  EXPECT_EQ(all_of(*first, list, "SECTEUR"), "");
+  second->put("SECTEUR", "001", record("Ville"));
+  EXPECT_EQ(all_of(*first, list, "SECTEUR"), "001|Ville\n");
+  first->put("SECTEUR", "002", record("Bourg"));
+  EXPECT_EQ(all_of(*second, list, "SECTEUR"), "002|Bourg\n001|Ville\n");
+  second->OpenFile("SECTEUR")->DeleteRecord("001");
+  EXPECT_EQ(all_of(*first, list, "SECTEUR"), "002|Bourg\n");
+}
+
+TEST_F(SqliteFile, AListThatNobodyChangedIsTheSameAnswer) {
+  const auto first = open(), second = open();
+  first->put("COMMUNES", "1", record("Ville"));
+  const std::string request = DbQuery("SSELECT COMMUNES PAR 1", "COMMUNES", "0 1").encoded();
+  const DbResult before = first->Select(request);
+  second->put("VELANORO", "1", record("x"));
+  EXPECT_TRUE(before.same_rows(first->Select(request)));
+}
+
+TEST_F(SqliteFile, AnUndoneChangeLeavesNothingEvenInKeptLists) {
+  const auto database = open();
+  database->put("SECTEUR", "001", record("Ville"));
+  const char* list = "SSELECT SECTEUR PAR 1";
+  const auto broken = [&] {
+    database->put("SECTEUR", "002", record("Bourg"));
+    database->put("NEUF", "1", record("x"));
+    EXPECT_EQ(all_of(*database, list, "SECTEUR"), "002|Bourg\n001|Ville\n");
+    throw std::runtime_error("stop");
+  };
+  EXPECT_THROW(database->in_one_change(broken), std::runtime_error);
+  EXPECT_EQ(all_of(*database, list, "SECTEUR"), "001|Ville\n");
+  // The revision inside the undone change must not come back for another content.
+  database->put("SECTEUR", "003", record("Autre"));
+  EXPECT_EQ(all_of(*database, list, "SECTEUR"), "003|Autre\n001|Ville\n");
+  database->put("NEUF", "2", record("y"));
+  EXPECT_EQ(all_of(*database, "SSELECT NEUF PAR 0", "NEUF"), "2|y\n");
+}
+
+TEST_F(SqliteFile, AChangeIsSeenByOthersOnlyWhenItIsComplete) {
+  const auto writer = open(), reader = open();
+  writer->put("SECTEUR", "001", record("Ville"));
+  writer->in_one_change([&] {
+    writer->put("SECTEUR", "002", record("Bourg"));
+    EXPECT_FALSE(reader->OpenFile("SECTEUR")->find("002"));
+  });
+  EXPECT_TRUE(reader->OpenFile("SECTEUR")->find("002"));
+}
+
+// The child says through the pipe that a write has returned, then dies without a warning.
+TEST_F(SqliteFile, AKilledProgramLosesNothingThatItWasToldIsWritten) {
+  open();
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const pid_t child = fork();
+  if (child == 0) {
+    SqliteDatabase database(path_, created());
+    const auto file = database.OpenFile("VELANORO");
+    for (int n = 0;; ++n) {
+      file->write(std::to_string(n), record("Fiche " + std::to_string(n)));
+      if (write(ends[1], "", 1) != 1) _exit(1);
+    }
+  }
+  close(ends[1]);
+  constexpr int kAcknowledged = 40;
+  char told;
+  for (int n = 0; n < kAcknowledged; ++n) ASSERT_EQ(read(ends[0], &told, 1), 1);
+  kill(child, SIGKILL);
+  waitpid(child, nullptr, 0);
+  close(ends[0]);
+  const auto database = open();
+  const auto file = database->OpenFile("VELANORO");
+  for (int n = 0; n < kAcknowledged; ++n) {
+    const auto found = file->find(std::to_string(n));
+    ASSERT_TRUE(found) << n;
+    EXPECT_EQ(shown(*found), "Fiche " + std::to_string(n));
+  }
+  EXPECT_TRUE(database->damages().empty());
+}
+
+TEST_F(SqliteFile, AgreesWithTheMemoryStoreThroughRandomWritesAndSelections) {
+  const char* const statements[] = {
+      "SSELECT F AVEC 0 = \"[12\" PAR 1",
+      "SSELECT F AVEC 0 = \"1]\" PAR-DECR 1",
+      "SSELECT F AVEC 0 = \"é]\"",
+      "SSELECT F AVEC 0 = \"[é\"",
+      "SSELECT F AVEC 0 = \"121\"",
+      "SSELECT F AVEC 0 = \"[2]\" AND AVEC 1 # \"b\"",
+      "SSELECT F AVEC 0 >= \"12\" AND < \"2\" PAR 1",
+      "SSELECT F AVEC 0 = \"[1\" OR AVEC 0 = \"2]\"",
+      "SSELECT F PAR 1 PAR-DECR 0",
+  };
+  const char* const letters[] = {"1", "2", "é", "ÿ"};
+  const char* const contents[] = {"a", "b^x|y", "é~z", "B", ""};
+  std::mt19937 random(11);
+  const auto database = open();
+  const auto other = open();
+  MemoryDatabase memory;
+  for (int round = 0; round < 150; ++round) {
+    std::string id;
+    for (auto size = 1 + random() % 4; size > 0; --size) id += letters[random() % 4];
+    Database& sqlite = round % 3 == 0 ? *other : *database;
+    if (random() % 3 == 0) {
+      sqlite.OpenFile("F")->DeleteRecord(id);
+      memory.remove("F", id);
+    } else {
+      const DbRecord content = record(contents[random() % 5]);
+      sqlite.OpenFile("F")->write(id, content);
+      memory.put("F", id, content);
+    }
+    const char* statement = statements[random() % std::size(statements)];
+    const char* attributes = random() % 2 == 0 ? "0" : "0 1 2";
+    ASSERT_EQ(all_of(*database, statement, "F", attributes), all_of(memory, statement, "F", attributes))
+        << statement << " in round " << round;
+  }
+}
+
+// ---- Failures.
+
+TEST_F(SqliteFile, AFileThatIsNotThereIsNotCreatedUnlessThatIsAsked) {
+  EXPECT_EQ(failure([&] { SqliteDatabase database(path_); }),
+            "La base « " + path_ +
+                " » ne peut pas être ouverte. Vérifiez que le fichier et son dossier existent et que vous "
+                "avez le droit de les lire et d'y écrire.");
+  EXPECT_FALSE(std::filesystem::exists(path_));
+}
+
+TEST_F(SqliteFile, AnotherKindOfFileIsRefusedAndLeftAsItIs) {
+  const std::string text = std::string(3000, 'x');
+  std::ofstream(path_) << text;
+  EXPECT_EQ(
+      failure([&] { open(); }),
+      "La base « " + path_ + " » n'est pas une base de fiches du personnel. Choisissez un autre fichier.");
+  std::string kept;
+  std::getline(std::ifstream(path_), kept);
+  EXPECT_EQ(kept, text);
+}
+
+TEST_F(SqliteFile, AWriteThatFindsTheBaseTakenSaysWhoToWaitForAndLosesNothing) {
+  const auto holder = open(), waiting = open(1);
+  holder->in_one_change([&] {
+    holder->put("SECTEUR", "001", record("Ville"));
+    EXPECT_EQ(failure([&] { waiting->put("SECTEUR", "002", record("Bourg")); }),
+              "La base « " + path_ +
+                  " » est occupée par un autre programme. Attendez qu'il ait terminé ou fermez-le, puis "
+                  "recommencez.");
+  });
+  waiting->put("SECTEUR", "002", record("Bourg"));
+  EXPECT_EQ(all_of(*holder, "SSELECT SECTEUR", "SECTEUR", "0"), "001\n002\n");
+}
+
+TEST_F(SqliteFile, DamageIsToldAsSuch) {
+  {
+    const auto database = open();
+    database->in_one_change([&] {
+      for (int n = 0; n < 3000; ++n) database->put("F", std::to_string(n), record("contenu"));
+    });
+  }
+  std::fstream file(path_, std::ios::in | std::ios::out | std::ios::binary);
+  file.seekp(8 * 4096);
+  file << std::string(20 * 4096, '\x5A');
+  file.close();
+  const auto database = open();
+  EXPECT_FALSE(database->damages().empty());
+  EXPECT_EQ(
+      failure([&] { all_of(*database, "SSELECT F AVEC 1 = \"x\"", "F"); }),
+      "La base « " + path_ + " » est endommagée. Fermez le programme et reprenez la dernière sauvegarde.");
+}
+
+// ---- Backups.
+
+TEST_F(SqliteFile, ABackupHoldsAllThatWasWrittenAndRefusesToReplaceAFile) {
+  const auto database = open();
+  for (int n = 0; n < 500; ++n) database->put("F", std::to_string(n), record("contenu"));
+  const std::string copy = folder_.file("copie");
+  double last = 0;
+  database->back_up(copy, [&](double part) { last = part; });
+  EXPECT_EQ(last, 1.0);
+  SqliteDatabase restored(copy);
+  EXPECT_EQ(all_of(restored, "SSELECT F", "F"), all_of(*database, "SSELECT F", "F"));
+  struct stat status {};
+  ASSERT_EQ(stat(copy.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0600u);
+  EXPECT_EQ(failure([&] { database->back_up(copy); }),
+            "Le fichier « " + copy + " » existe déjà. Donnez un autre nom à la sauvegarde, ou ôtez-le.");
+}
+
+TEST_F(SqliteFile, ABackupThatFailsLeavesNoFile) {
+  const auto database = open();
+  EXPECT_NE(failure([&] { database->back_up(folder_.file("absent/copie")); }), "no failure");
+  EXPECT_FALSE(std::filesystem::exists(folder_.file("absent")));
+}
+
+}  // namespace
+}  // namespace velanor::store
