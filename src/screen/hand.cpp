@@ -86,9 +86,15 @@ void Hand::key_into_focus(Key key) {
     if (form.cancel_button) click(*form.cancel_button);
   } else if (auto* text = dynamic_cast<TextControl*>(control)) {
     edit_key(*text, key);
-  } else if (key.code == Key::kEnter || key.code == U' ') {
+  } else if (key.code == U' ' || (key.code == Key::kEnter && dynamic_cast<CommandButton*>(control))) {
     click(*control);
+  } else if (key.code == Key::kEnter) {
+    press_default(form);
   }
+}
+
+void Hand::press_default(const Form& form) {
+  if (form.default_button) click(*form.default_button);
 }
 
 void Hand::edit_key(TextControl& control, Key key) {
@@ -99,8 +105,7 @@ void Hand::edit_key(TextControl& control, Key key) {
   if (key.code == Key::kBackspace) {
     text::remove_last(text);
   } else if (key.code == Key::kEnter) {
-    if (CommandButton* button = control.form().default_button) click(*button);
-    return;
+    return press_default(control.form());
   } else if (key.code < U' ' || (control.max_length() > 0 && text::length(text) >= control.max_length())) {
     return;
   } else {
@@ -126,7 +131,8 @@ Refusal Hand::act(Control& control, Act act) {
     settle();
     return why;
   }
-  const bool arrived = !control.takes_focus() || control.form().focus() == &control;
+  const Form& form = control.form();
+  const bool arrived = form.in_sight(control) && (!control.takes_focus() || form.focus() == &control);
   Refusal why;
   if (arrived && screen_.messages_shown() == messages && check(control).empty()) why = act();
   settle();
@@ -163,8 +169,11 @@ Refusal Hand::pick(ListBox& list, int index) {
 Refusal Hand::double_click(ListBox& list, int index) {
   return act(list, [&]() -> Refusal {
     if (index < 0 || index >= list.count()) return list.name() + " has no line " + std::to_string(index);
+    const int messages = screen_.messages_shown();
     list.set_index(index);
-    return list.double_clicked.raise(), kDone;
+    // The first click may have put the list out of reach of the second.
+    if (screen_.messages_shown() == messages && check(list).empty()) list.double_clicked.raise();
+    return kDone;
   });
 }
 

@@ -48,6 +48,7 @@ class Hand {
   template <typename Act>
   Refusal act(Control& control, Act act);
   void key_into_focus(Key key);
+  void press_default(const Form& form);
   void edit_key(TextControl& control, Key key);
   void settle();
 
