@@ -5,22 +5,10 @@
 #include <iostream>
 #include <stdexcept>
 
-#include "demo/demo.h"
 #include "support/office.h"
 
 namespace velanor::test {
 namespace {
-
-class MemorySink : public demo::Sink {
- public:
-  explicit MemorySink(store::MemoryDatabase& database) : database_(database) {}
-  void put(std::string_view file, std::string_view id, const store::DbRecord& record) override {
-    database_.put(file, id, record);
-  }
-
- private:
-  store::MemoryDatabase& database_;
-};
 
 struct Desk {
   Desk() {

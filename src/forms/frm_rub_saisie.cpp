@@ -13,14 +13,6 @@ namespace {
 
 constexpr int kPageOfLines = 15;
 
-// Columns of the catalogue, in the order in which its attributes are asked for.
-constexpr int kCode = 1;
-constexpr int kLabel = 2;
-constexpr int kType = 3;
-constexpr int kBaseAndRateKey = 4;
-constexpr int kTypedRate = 5;
-constexpr int kDefaultRate = 7;
-
 // The figures of a line: which attribute stores a column, and how it is shown.
 struct Figure {
   std::size_t column;
@@ -30,15 +22,6 @@ struct Figure {
 };
 constexpr std::array<Figure, 3> kFigures{
     {{2, card::kItemBase, 5, 2}, {3, card::kItemRate, 3, 4}, {4, card::kItemAmount, 5, 2}}};
-
-// A stored number of ten-thousandths without needless decimals: 125000 is "12,5".
-std::string plain_rate(std::string_view stored) {
-  std::string text = entry::stored_to_text(stored, 4, 4);
-  if (text.find(',') == std::string::npos) return text;
-  text.erase(text.find_last_not_of('0') + 1);
-  if (text.back() == ',') text.pop_back();
-  return text;
-}
 
 }  // namespace
 
@@ -107,16 +90,9 @@ void Frm_RubSaisie::Form_Load() {
 }
 
 void Frm_RubSaisie::Remplir_RubSaisie() {
-  std::string statement = "SSELECT RUBSAISIE AVEC 2 >= \"2\" AND AVEC 5 = \"+\"";
-  for (const char* excluded : {"805", "812", "815", "810", "835", "852", "853"})
-    statement += std::string(" AND AVEC 0 # \"") + excluded + "\"";
-  catalogue_ = procedure_.select(statement + " AND AVEC 18 # \"1\" PAR 1", "RUBSAISIE", "0 1 2 10 8 6 9");
-  std::vector<std::string> labels;
-  if (!catalogue_(1, kCode).empty()) {
-    for (int row = 1; row <= catalogue_.DCount(); ++row) labels.emplace_back(catalogue_(row, kLabel));
-  }
+  catalogue_.load(procedure_);
   ui_.Cbo_LibRub.clear();
-  ui_.Cbo_LibRub.refill(std::move(labels));
+  ui_.Cbo_LibRub.refill(catalogue_.labels());
 }
 
 void Frm_RubSaisie::Afficher_Donnees() {
@@ -195,7 +171,7 @@ void Frm_RubSaisie::Descendre_Liste() {
   const int index = ui_.Lst_Code.index();
   if (!context_.ModifAutorisee || index < 0) return;
   // A line whose code may not be entered by hand disappears when the user tries to edit it.
-  if (catalogue_row(ui_.Lst_Code.line(index)) == 0) return remove_line(index);
+  if (catalogue_.row(ui_.Lst_Code.line(index)) == 0) return remove_line(index);
   Griser_Liste();
   ui_.Txt_Code.set_text(ui_.Lst_Code.line(index));
   ui_.Txt_Base.set_text(entry_.UnformatNumber(ui_.Lst_Base.line(index)));
@@ -232,13 +208,6 @@ void Frm_RubSaisie::Bdv_Detail_Change() {
 
 // ---- The code and what it allows.
 
-int Frm_RubSaisie::catalogue_row(std::string_view code) const {
-  for (int row = 1; !catalogue_(row, kCode).empty(); ++row) {
-    if (catalogue_(row, kCode) == code) return row;
-  }
-  return 0;
-}
-
 void Frm_RubSaisie::Txt_Code_KeyPress(screen::Key& key) {
   if (key.code != screen::Key::kEnter) return;
   Txt_Code_LostFocus();
@@ -255,19 +224,19 @@ void Frm_RubSaisie::Cbo_LibRub_Change() {
 
 void Frm_RubSaisie::Cbo_LibRub_Click() {
   const bool none = ui_.Cbo_LibRub.is_empty();
-  ui_.Txt_Code.set_text(none ? std::string_view{} : catalogue_(ui_.Cbo_LibRub.index() + 1, kCode));
+  ui_.Txt_Code.set_text(none ? std::string_view{} : catalogue_.code(ui_.Cbo_LibRub.index() + 1));
 }
 
 void Frm_RubSaisie::Txt_Code_Change() {
   if (text::length(ui_.Txt_Code.text()) != 3) return ui_.Cbo_LibRub.set_text({});
-  const int row = catalogue_row(ui_.Txt_Code.text());
+  const int row = catalogue_.row(ui_.Txt_Code.text());
   if (row == 0) {
     screen_.refuse("Cette rubrique de saisie n'existe pas.");
     ui_.Txt_Code.set_text({});
     ui_.set_focus(ui_.Txt_Code);
     return;
   }
-  ui_.Cbo_LibRub.set_text(catalogue_(row, kLabel));
+  ui_.Cbo_LibRub.set_text(catalogue_.label(row));
   allow_figures(row);
 }
 
@@ -278,17 +247,14 @@ void Frm_RubSaisie::allow(screen::TextBox& box, bool on) {
 }
 
 void Frm_RubSaisie::allow_figures(int row) {
-  const std::string_view type = catalogue_(row, kType);
-  const bool hours = card::is_hours(type);
-  if (type != "2" && type != "6" && !hours) return;
-  const bool typed_rate = type == "2" && catalogue_(row, kTypedRate) == "1";
-  const bool base_and_rate = typed_rate || (type == "2" && catalogue_(row, kBaseAndRateKey) == "2");
-  allow(ui_.Txt_Base, base_and_rate || hours);
-  allow(ui_.Txt_Taux, base_and_rate);
-  allow(ui_.Txt_Montant, !base_and_rate && !hours);
-  if (typed_rate && TauxParDefaut) ui_.Txt_Taux.set_text(plain_rate(catalogue_(row, kDefaultRate)));
-  if (hours) ui_.Txt_Taux.set_text("  0,0000");
-  ui_.set_focus(ui_.Txt_Base.enabled() ? ui_.Txt_Base : ui_.Txt_Montant);
+  const ItemFigures figures = catalogue_.figures(row);
+  if (!figures.known) return;
+  allow(ui_.Txt_Base, figures.base);
+  allow(ui_.Txt_Taux, figures.rate);
+  allow(ui_.Txt_Montant, figures.amount);
+  if (figures.default_rate && TauxParDefaut) ui_.Txt_Taux.set_text(catalogue_.default_rate(row));
+  if (figures.hours) ui_.Txt_Taux.set_text("  0,0000");
+  ui_.set_focus(figures.base ? ui_.Txt_Base : ui_.Txt_Montant);
 }
 
 void Frm_RubSaisie::filter_number(screen::TextBox& box, int integer_digits, screen::Key& key) {
@@ -330,7 +296,7 @@ bool Frm_RubSaisie::edit_line_is_valid() {
   }
   if (missing(ui_.Txt_Montant))
     return refuse("Le montant de la rubrique de saisie est obligatoire.", ui_.Txt_Montant);
-  if (catalogue_row(ui_.Txt_Code.text()) > 0) return true;
+  if (catalogue_.row(ui_.Txt_Code.text()) > 0) return true;
   screen_.refuse("La rubrique de saisie n'existe pas, veuillez la ressaisir.");
   ui_.Cbo_LibRub.set_text({});
   ui_.set_focus(ui_.Cbo_LibRub);
@@ -437,7 +403,7 @@ void Frm_RubSaisie::Cmd_Retour_Click() {
 void Frm_RubSaisie::unload() {
   FermetureAutorisee = true;
   for (screen::ListBox* list : ui_.columns()) list->clear();
-  catalogue_ = {};
+  catalogue_.release();
   copy_ = {};
   screen_.close(ui_);
 }

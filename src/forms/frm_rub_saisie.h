@@ -8,6 +8,7 @@
 #include "card/card_state.h"
 #include "control/session.h"
 #include "forms/frm_saisie_hres.h"
+#include "forms/item_catalogue.h"
 
 namespace velanor::forms {
 
@@ -102,7 +103,6 @@ class Frm_RubSaisie {
   void bind_columns();
   void filter_number(screen::TextBox& box, int integer_digits, screen::Key& key);
   void format_number(screen::TextBox& box, int decimals, int integer_digits);
-  int catalogue_row(std::string_view code) const;
   void allow_figures(int row);
   void allow(screen::TextBox& box, bool on);
   bool edit_line_is_valid();
@@ -130,7 +130,7 @@ class Frm_RubSaisie {
   bool TauxParDefaut = false;  // a line is being added
   bool FermetureAutorisee = false;
   int PositionInsertion = 0;
-  store::DbResult catalogue_;
+  ItemCatalogue catalogue_;
   store::DbRecord copy_;  // the working record as it was when the form opened
 };
 

@@ -14,6 +14,12 @@ void load(store::Database& database, std::string_view scenario) {
   }
 }
 
+void MemorySink::put(std::string_view file, std::string_view id, const store::DbRecord& record) {
+  const bool wanted =
+      towns_ == Towns::kAll || file != "COMMUNES" || id.substr(0, 2) == "75" || id.substr(0, 2) == "2A";
+  if (wanted) database_.put(file, id, record);
+}
+
 Office::Office(store::Database& database)
     : component({toolkit, host, host}),
       hand(component.screen()),

@@ -8,6 +8,7 @@
 
 #include "card/card_screen.h"
 #include "control/controle_velanor.h"
+#include "demo/demo.h"
 #include "forms/frm_rub_saisie.h"
 #include "screen/hand.h"
 #include "store/memory_database.h"
@@ -49,6 +50,19 @@ class Host : public control::UserRights, public control::HelpViewer, public cont
 
 // The `put` lines of a scenario of tests/scenarios, carried out on a database.
 void load(store::Database& database, std::string_view scenario);
+
+// Takes generated data into a store. The towns are many and one is like another: some do.
+enum class Towns { kAll, kSome };
+class MemorySink : public demo::Sink {
+ public:
+  explicit MemorySink(store::MemoryDatabase& database, Towns towns = Towns::kAll)
+      : database_(database), towns_(towns) {}
+  void put(std::string_view file, std::string_view id, const store::DbRecord& record) override;
+
+ private:
+  store::MemoryDatabase& database_;
+  Towns towns_;
+};
 
 class Office {
  public:
