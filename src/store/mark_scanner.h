@@ -24,6 +24,17 @@ class MarkScanner {
   MarkScanner(std::string_view bytes, std::size_t from, char lowest)
       : bytes_(bytes), next_block_(from), lowest_(lowest) {}
 
+  // How many marks are left; leaves the scanner at the end.
+  std::size_t count() {
+    auto marks = static_cast<std::size_t>(std::popcount(found_));
+    while (next_block_ < bytes_.size()) {
+      load();
+      marks += static_cast<std::size_t>(std::popcount(found_));
+    }
+    found_ = 0;
+    return marks;
+  }
+
   // Position of the next mark, kEnd after the last one.
   std::size_t next() {
     while (found_ == 0) {

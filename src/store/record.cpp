@@ -4,46 +4,14 @@
 #include <limits>
 #include <stdexcept>
 
+#include "store/clean.h"
 #include "store/mark_scanner.h"
-#include "store/utf8.h"
 
 namespace velanor::store {
 namespace {
 
-constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 // Offsets are 32 bits and counts are ints.
 constexpr std::size_t kMaxBytes = std::numeric_limits<std::int32_t>::max() - 1;
-
-enum class Marks { kAreStructure, kAreForeign };
-
-// How many bytes at `at` may stay as they are; 0 for a byte that must be replaced.
-std::size_t clean_run(std::string_view text, std::size_t at, Marks marks) {
-  const auto byte = static_cast<unsigned char>(text[at]);
-  if (marks == Marks::kAreStructure && byte >= 0xFC && byte <= 0xFE) return 1;
-  return utf8::sequence_length(text, at);
-}
-
-// The number of leading bytes that may stay as they are.
-std::size_t clean_prefix(std::string_view text, Marks marks) {
-  std::size_t at = 0;
-  while (at < text.size()) {
-    const std::size_t run = clean_run(text, at, marks);
-    if (run == 0) break;
-    at += run;
-  }
-  return at;
-}
-
-std::string clean(std::string_view text, Marks marks) {
-  std::size_t at = clean_prefix(text, marks);
-  std::string result(text.substr(0, at));
-  while (at < text.size()) {
-    const std::size_t run = clean_run(text, at, marks);
-    result += run == 0 ? kReplacement : text.substr(at, run);
-    at += std::max<std::size_t>(run, 1);
-  }
-  return result;
-}
 
 void check_number(int number) {
   if (number < 1 || number > kMaxNumber) {
@@ -66,11 +34,7 @@ std::string run_of(char mark, int count) {
 
 }  // namespace
 
-std::string clean_text(std::string_view text) { return clean(text, Marks::kAreForeign); }
-
-DbRecord DbRecord::from_encoded(std::string_view encoded) {
-  return from_trusted(clean(encoded, Marks::kAreStructure));
-}
+DbRecord DbRecord::from_encoded(std::string_view encoded) { return from_trusted(clean_encoded(encoded)); }
 
 DbRecord DbRecord::from_trusted(std::string encoded) {
   if (encoded.size() > kMaxBytes) throw std::length_error("record too long");
@@ -226,10 +190,7 @@ void DbRecord::index_from(int attribute) {
     attribute_values_.clear();
     return;
   }
-  std::size_t marks = 0;
-  MarkScanner counter(bytes_, from, kSubvalueMark);
-  while (counter.next() != MarkScanner::kEnd) ++marks;
-
+  const std::size_t marks = MarkScanner(bytes_, from, kSubvalueMark).count();
   leaf_starts_.resize(leaf + marks + 2);
   value_leaves_.resize(value + marks + 2);
   attribute_values_.resize(kept + marks + 2);
