@@ -26,8 +26,9 @@ void MemoryBackend::erase(std::string_view name, std::string_view id) {
   if (MemoryFile* found = file(name)) found->erase(id);
 }
 
-void MemoryBackend::scan(std::string_view name, const Narrowing& narrowing, Content, const Visit& visit) {
-  if (MemoryFile* found = file(name)) found->scan(narrowing, visit);
+void MemoryBackend::scan(std::string_view name, const Narrowing& narrowing, Content content,
+                         const Visit& visit) {
+  if (MemoryFile* found = file(name)) found->scan(narrowing, content, visit);
 }
 
 std::uint64_t MemoryBackend::revision(std::string_view name) {

@@ -8,6 +8,14 @@ namespace {
 constexpr std::size_t kRowsPerBlock = 512;
 constexpr std::size_t kMaxSuffixIndexes = 4;
 
+constexpr std::size_t kPrefetched = 8;
+
+#if defined(__GNUC__)
+void prefetch(const MemoryRow* row) { __builtin_prefetch(row); }
+#else
+void prefetch(const MemoryRow*) {}
+#endif
+
 bool is_less(const MemoryRow* row, std::string_view id) { return row->id < id; }
 
 }  // namespace
@@ -58,6 +66,8 @@ void RowsById::for_each(std::string_view prefix, Visit visit) const {
   for (; place.block < blocks_.size(); place = {place.block + 1, 0}) {
     const Block& block = blocks_[place.block];
     for (std::size_t i = place.row; i < block.size(); ++i) {
+      // Rows that came in another order lie far from each other.
+      prefetch(block[std::min(i + kPrefetched, block.size() - 1)]);
       if (!block[i]->id.starts_with(prefix)) return;
       visit(*block[i]);
     }
@@ -65,15 +75,18 @@ void RowsById::for_each(std::string_view prefix, Visit visit) const {
 }
 
 void RowsBySuffix::insert(MemoryRow* row) {
-  if (row->id.size() >= length_) rows_[row->id.substr(row->id.size() - length_)].push_back(row);
+  if (row->id.size() < length_) return;
+  auto& rows = rows_[row->id.substr(row->id.size() - length_)];
+  // Mostly behind all others: an index is filled in order.
+  const bool is_last = rows.empty() || rows.back()->id < row->id;
+  rows.insert(is_last ? rows.end() : std::lower_bound(rows.begin(), rows.end(), row->id, is_less), row);
 }
 
 void RowsBySuffix::erase(const MemoryRow* row) {
   if (row->id.size() < length_) return;
   const auto found = rows_.find(row->id.substr(row->id.size() - length_));
   auto& rows = found->second;
-  *std::find(rows.begin(), rows.end(), row) = rows.back();
-  rows.pop_back();
+  rows.erase(std::lower_bound(rows.begin(), rows.end(), row->id, is_less));
   if (rows.empty()) rows_.erase(found);
 }
 
@@ -122,12 +135,10 @@ void MemoryFile::erase(std::string_view id) {
   --size_;
 }
 
-void MemoryFile::visit_row(const MemoryRow& row, const Backend::Visit& visit) const {
-  visit({row.id, arena_.bytes(row.slot)});
-}
-
-void MemoryFile::scan(const Narrowing& narrowing, const Backend::Visit& visit) {
-  const auto visit_this = [&](const MemoryRow& row) { visit_row(row, visit); };
+void MemoryFile::scan(const Narrowing& narrowing, Content content, const Backend::Visit& visit) {
+  const auto visit_this = [&](const MemoryRow& row) {
+    visit({row.id, content == Content::kRecords ? arena_.bytes(row.slot) : std::string_view()});
+  };
   if (narrowing.kind == Narrowing::Kind::kId) {
     if (const MemoryRow* row = by_id_.find(narrowing.text)) visit_this(*row);
     return;
@@ -144,6 +155,7 @@ void MemoryFile::scan(const Narrowing& narrowing, const Backend::Visit& visit) {
 const RowsBySuffix* MemoryFile::suffix_index(std::size_t length) {
   auto known = by_suffix_.find(length);
   if (known == by_suffix_.end()) {
+    // The shortest suffix narrows least.
     if (by_suffix_.size() >= kMaxSuffixIndexes) by_suffix_.erase(by_suffix_.begin());
     known = by_suffix_.emplace(length, std::nullopt).first;
     auto& index = known->second.emplace(length);

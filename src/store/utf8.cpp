@@ -1,6 +1,8 @@
 #include "store/utf8.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 
 namespace velanor::store::utf8 {
 namespace {
@@ -62,7 +64,20 @@ std::size_t length(std::string_view text) {
   return text.size() - static_cast<std::size_t>(std::count_if(text.begin(), text.end(), is_continuation));
 }
 
+bool is_ascii(std::string_view text) {
+  std::uint64_t seen = 0;
+  std::size_t at = 0;
+  for (; at + sizeof seen <= text.size(); at += sizeof seen) {
+    std::uint64_t bytes;
+    std::memcpy(&bytes, text.data() + at, sizeof bytes);
+    seen |= bytes;
+  }
+  for (; at < text.size(); ++at) seen |= static_cast<unsigned char>(text[at]);
+  return (seen & 0x8080808080808080u) == 0;
+}
+
 std::string_view slice(std::string_view text, std::size_t first, std::size_t count) {
+  if (is_ascii(text)) return text.substr(std::min(first - 1, text.size()), count);
   const std::size_t begin = advance(text, 0, first - 1);
   return text.substr(begin, advance(text, begin, count) - begin);
 }

@@ -12,6 +12,8 @@ inline bool is_continuation(char byte) { return (static_cast<unsigned char>(byte
 // sequences and NUL are none). `at` must be inside the text.
 std::size_t sequence_length(std::string_view text, std::size_t at);
 
+bool is_ascii(std::string_view text);
+
 // The character at `at` of a valid text.
 char32_t decode(std::string_view text, std::size_t at);
 

@@ -40,7 +40,7 @@ TEST(MemoryFile, AgreesWithAPlainMapThroughRandomWrites) {
   std::map<std::string, std::string> plain;
   const auto scanned = [&](Narrowing::Kind kind, const std::string& text) {
     std::map<std::string, std::string> found;
-    file.scan({kind, text}, [&](const select::Row& row) {
+    file.scan({kind, text}, Content::kRecords, [&](const select::Row& row) {
       const std::string id(row.id);
       const bool admitted = kind == Narrowing::Kind::kId         ? id == text
                             : kind == Narrowing::Kind::kIdPrefix ? id.starts_with(text)

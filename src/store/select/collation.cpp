@@ -123,6 +123,7 @@ char alias_of(char32_t code) {
   return 0;
 }
 
+bool is_ascii(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
 bool is_mark(char byte) { return static_cast<unsigned char>(byte) >= 0xFC; }
 
 }  // namespace
@@ -132,13 +133,10 @@ void Collator::append_key(std::string_view text, std::string& key) {
   accents_.clear();
   cases_.clear();
   for (std::size_t at = 0; at < text.size();) {
-    const char byte = text[at];
-    if (static_cast<unsigned char>(byte) < 0x80) {
-      key += kAsciiWeights[static_cast<std::size_t>(byte)];
-      ++count_;
-      if (is_upper(byte)) cases_.append(count_ - 1 - cases_.size(), kLowerCase) += kUpperCase;
-      ++at;
-    } else if (is_mark(byte)) {
+    const std::size_t ascii = take_ascii(text.substr(at), key);
+    at += ascii;
+    if (at == text.size()) break;
+    if (is_mark(text[at])) {
       key += kMarkWeight;
       ++count_;
       ++at;
@@ -154,6 +152,19 @@ void Collator::append_key(std::string_view text, std::string& key) {
   }
   key += kLevelEnd;
   key += cases_;
+}
+
+std::size_t Collator::take_ascii(std::string_view text, std::string& key) {
+  const std::size_t begin = key.size();
+  key.resize(begin + text.size());
+  std::size_t taken = 0;
+  for (; taken < text.size() && is_ascii(text[taken]); ++taken) {
+    key[begin + taken] = kAsciiWeights[static_cast<std::size_t>(text[taken])];
+    if (is_upper(text[taken])) set_upper(count_ + taken);
+  }
+  key.resize(begin + taken);
+  count_ += taken;
+  return taken;
 }
 
 void Collator::take(std::string_view text, std::size_t at, std::size_t size, std::string& key) {
@@ -175,8 +186,13 @@ void Collator::take(std::string_view text, std::size_t at, std::size_t size, std
 void Collator::take_letter(char letter, char accent, bool upper, std::string& key) {
   key += to_upper(letter);
   ++count_;
-  if (upper) cases_.append(count_ - 1 - cases_.size(), kLowerCase) += kUpperCase;
+  if (upper) set_upper(count_ - 1);
   set_accent(accent);
+}
+
+void Collator::set_upper(std::size_t index) {
+  if (cases_.size() < index) cases_.append(index - cases_.size(), kLowerCase);
+  cases_ += kUpperCase;
 }
 
 void Collator::set_accent(char accent) {

@@ -17,10 +17,13 @@ class Collator {
   void append_key(std::string_view text, std::string& key);
 
  private:
+  // The ASCII characters that the text begins with; how many they are.
+  std::size_t take_ascii(std::string_view text, std::string& key);
   void take(std::string_view text, std::size_t at, std::size_t size, std::string& key);
   void take_letter(char letter, char accent, bool upper, std::string& key);
   // Weights of the second and third level are kept from the first one that is not the lowest.
   void set_accent(char accent);
+  void set_upper(std::size_t index);
 
   std::size_t count_ = 0;
   std::string accents_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "store/error.h"
 #include "store/mark_scanner.h"
 
 namespace velanor::store::select {
@@ -12,23 +13,29 @@ namespace {
 // that begin with it.
 constexpr char kKeyEnd = '\0';
 
+// Well below what a record can hold, marks included.
+constexpr std::size_t kMaxBytes = std::size_t{1} << 30;
+
 }  // namespace
 
 void FoundRows::add(const Row& row) {
   make_key(row);
-  Found found{texts_.size(), static_cast<std::uint32_t>(row.id.size()), 0, keys_.number_of(key_)};
+  if (!found_.empty() && row.id < id(found_.back())) in_order_of_ids_ = false;
+  Found found{static_cast<std::uint32_t>(texts_.size()), static_cast<std::uint32_t>(row.id.size()), 0,
+              keys_.number_of(key_)};
   texts_ += row.id;
-  std::size_t row_begin = found.at;
-  std::size_t first = 1;
-  if (!row_starts_with_id()) {
-    row_begin = texts_.size();
-    first = 0;
-  }
-  for (std::size_t i = first; i < attributes_->size(); ++i) {
+  // A row that starts with the id goes on behind it; any other starts there.
+  const std::size_t begin = row_starts_with_id() ? found.at : texts_.size();
+  for (std::size_t i = row_starts_with_id() ? 1 : 0; i < attributes_->size(); ++i) {
     if (i > 0) texts_ += kValueMark;
     append_attribute((*attributes_)[i], row);
   }
-  found.row_size = static_cast<std::uint32_t>(texts_.size() - row_begin);
+  if (texts_.size() > kMaxBytes) {
+    throw DbError(
+        kStoreFailure,
+        "La sélection rapporte trop de données. Précisez ses critères ou demandez moins d'attributs.");
+  }
+  found.row_size = static_cast<std::uint32_t>(texts_.size() - begin);
   found_.push_back(found);
 }
 
@@ -69,34 +76,29 @@ std::string_view FoundRows::row(const Found& found) const {
   return std::string_view(texts_).substr(begin, found.row_size);
 }
 
-std::vector<std::uint32_t> FoundRows::sorted() const {
-  // Rows are dealt to the places of their keys, then those of one key are put in order of id.
-  const std::vector<std::uint32_t> keys = keys_.sorted();
-  std::vector<std::uint32_t> sizes(keys.size()), places(keys.size());
-  for (const Found& found : found_) ++sizes[found.key];
-  std::uint32_t place = 0;
-  for (const std::uint32_t key : keys) {
+std::vector<std::size_t> FoundRows::places() const {
+  std::vector<std::size_t> sizes(keys_.size()), places(keys_.size() + 1);
+  for (const Found& found : found_) sizes[found.key] += found.row_size + 1;
+  std::size_t place = 0;
+  for (const std::uint32_t key : keys_.sorted()) {
     places[key] = place;
     place += sizes[key];
   }
-  std::vector<std::uint32_t> rows(found_.size());
-  for (std::uint32_t i = 0; i < found_.size(); ++i) rows[places[found_[i].key]++] = i;
-  const auto by_id = [this](std::uint32_t a, std::uint32_t b) { return id(found_[a]) < id(found_[b]); };
-  auto begin = rows.begin();
-  for (const std::uint32_t key : keys) {
-    const auto end = begin + static_cast<std::ptrdiff_t>(sizes[key]);
-    if (!std::is_sorted(begin, end, by_id)) std::sort(begin, end, by_id);
-    begin = end;
-  }
-  return rows;
+  places.back() = place;
+  return places;
 }
 
 DbResult FoundRows::result() {
-  std::string bytes;
-  bytes.reserve(texts_.size() + found_.size());
-  for (const std::uint32_t number : sorted()) {
-    bytes += row(found_[number]);
-    bytes += kAttributeMark;
+  if (!in_order_of_ids_) {
+    std::sort(found_.begin(), found_.end(), [this](const Found& a, const Found& b) { return id(a) < id(b); });
+  }
+  // In order of their ids the rows are dealt to the places of their keys, each with a mark behind.
+  std::vector<std::size_t> next = places();
+  std::string bytes(next.back(), kAttributeMark);
+  for (const Found& found : found_) {
+    const std::string_view text = row(found);
+    std::copy(text.begin(), text.end(), bytes.begin() + static_cast<std::ptrdiff_t>(next[found.key]));
+    next[found.key] += text.size() + 1;
   }
   if (!bytes.empty()) bytes.pop_back();
   const int count = static_cast<int>(found_.size());

@@ -28,13 +28,10 @@ class FoundRows {
   DbResult result();
 
  private:
-  // The id at `at` in the texts, and the row of the result behind it (or the same place, where
-  // the row starts with the id).
+  // Where the id stands in the texts, and the row of the result behind it (or at the same place,
+  // where the row starts with the id).
   struct Found {
-    std::size_t at;
-    std::uint32_t id_size;
-    std::uint32_t row_size;
-    std::uint32_t key;
+    std::uint32_t at, id_size, row_size, key;
   };
 
   bool row_starts_with_id() const { return attributes_->front() == 0; }
@@ -42,12 +39,13 @@ class FoundRows {
   void append_attribute(int attribute, const Row& row);
   std::string_view id(const Found& found) const;
   std::string_view row(const Found& found) const;
-  // Row numbers in the order of the result.
-  std::vector<std::uint32_t> sorted() const;
+  // For each key, where its rows start in the bytes of the result; the size of these at the end.
+  std::vector<std::size_t> places() const;
 
   const std::vector<SortKey>* sort_keys_;
   const std::vector<int>* attributes_;
   std::vector<Found> found_;
+  bool in_order_of_ids_ = true;
   std::string texts_;
   KeyTable keys_;
   std::string key_;

@@ -1,20 +1,55 @@
 #include "store/select/key_table.h"
 
 #include <algorithm>
-#include <functional>
+#include <cstring>
 
 namespace velanor::store::select {
 
+namespace {
+
+constexpr std::size_t kWord = sizeof(std::uint64_t);
+
+// The first eight bytes of a key as a number of the same order.
 std::uint64_t packed_prefix(std::string_view key) {
   std::uint64_t prefix = 0;
-  for (std::size_t i = 0; i < 8; ++i) {
+  for (std::size_t i = 0; i < kWord; ++i) {
     prefix = prefix << 8 | (i < key.size() ? static_cast<unsigned char>(key[i]) : 0u);
   }
   return prefix;
 }
 
+template <class Word>
+std::uint64_t word_at(const char* at) {
+  Word word;
+  std::memcpy(&word, at, sizeof word);
+  return word;
+}
+
+// The last bytes of a key, at most eight, in some order; words overlap rather than stop short.
+std::uint64_t tail_word(std::string_view key) {
+  if (key.size() >= kWord) return word_at<std::uint64_t>(key.data() + key.size() - kWord);
+  constexpr std::size_t kHalf = kWord / 2;
+  if (key.size() >= kHalf) {
+    return word_at<std::uint32_t>(key.data()) << 32 | word_at<std::uint32_t>(key.data() + key.size() - kHalf);
+  }
+  return packed_prefix(key);
+}
+
+// Keys are short and there are many: this is inlined, a library's hash is a call.
+std::uint32_t hash_of(std::string_view key) {
+  constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15u;
+  const auto mixed = [](std::uint64_t hash) { return (hash ^ hash >> 32) * kOdd; };
+  std::uint64_t hash = mixed(tail_word(key) + key.size());
+  for (std::size_t at = 0; at + kWord < key.size(); at += kWord) {
+    hash = mixed(hash ^ word_at<std::uint64_t>(key.data() + at));
+  }
+  return static_cast<std::uint32_t>(hash >> 32);
+}
+
+}  // namespace
+
 std::uint32_t KeyTable::number_of(std::string_view key) {
-  const auto hash = static_cast<std::uint32_t>(std::hash<std::string_view>()(key));
+  const std::uint32_t hash = hash_of(key);
   const std::size_t mask = slots_.size() - 1;
   std::size_t at = hash & mask;
   for (; slots_[at].number_plus_one != 0; at = (at + 1) & mask) {

@@ -33,7 +33,4 @@ class KeyTable {
   std::vector<std::size_t> ends_;
 };
 
-// The first eight bytes of a key as a number of the same order.
-std::uint64_t packed_prefix(std::string_view key);
-
 }  // namespace velanor::store::select
