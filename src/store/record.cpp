@@ -179,17 +179,17 @@ void DbRecord::splice(int attribute, std::size_t begin, std::size_t end, std::st
 }
 
 void DbRecord::index_from(int attribute) {
-  // What is kept of each list; a new attribute is found by looking at the last one again.
-  const auto kept = static_cast<std::size_t>(std::max(std::min(attribute, attributes()) - 1, 0));
-  std::size_t value = kept == 0 ? 0 : attribute_values_[kept];
-  std::size_t leaf = kept == 0 ? 0 : value_leaves_[value];
-  const std::size_t from = kept == 0 ? 0 : leaf_starts_[leaf];
   if (bytes_.empty()) {
     leaf_starts_.clear();
     value_leaves_.clear();
     attribute_values_.clear();
     return;
   }
+  // What is kept of each list; a new attribute is found by looking at the last one again.
+  const auto kept = static_cast<std::size_t>(std::max(std::min(attribute, attributes()) - 1, 0));
+  std::size_t value = kept == 0 ? 0 : attribute_values_[kept];
+  std::size_t leaf = kept == 0 ? 0 : value_leaves_[value];
+  const std::size_t from = kept == 0 ? 0 : leaf_starts_[leaf];
   const std::size_t marks = MarkScanner(bytes_, from, kSubvalueMark).count();
   leaf_starts_.resize(leaf + marks + 2);
   value_leaves_.resize(value + marks + 2);

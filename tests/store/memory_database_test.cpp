@@ -7,16 +7,35 @@
 
 #include "store/arena.h"
 #include "store/contract.h"
+#include "store/memory_backend.h"
 #include "store/memory_file.h"
 #include "store/notation.h"
+#include "store/result_cache.h"
+#include "store/select/key_table.h"
 #include "support/failing_database.h"
 
 namespace velanor::store {
 namespace {
 
+// Offers no narrowing and no order: the engine must not lean on either.
+class ContraryBackend : public MemoryBackend {
+ public:
+  void scan(std::string_view file, const Narrowing&, Content, const Visit& visit) override {
+    std::vector<std::pair<std::string, std::string>> rows;
+    MemoryBackend::scan(file, {}, Content::kRecords,
+                        [&](const select::Row& row) { rows.emplace_back(row.id, row.encoded); });
+    for (auto row = rows.rbegin(); row != rows.rend(); ++row) visit({row->first, row->second});
+  }
+};
+
+std::unique_ptr<Database> contrary_database() {
+  return std::make_unique<StoreDatabase>(std::make_unique<ContraryBackend>());
+}
+
 INSTANTIATE_TEST_SUITE_P(Memory, StoreContract,
                          testing::Values(StoreFactory{"Memory",
-                                                      [] { return std::make_unique<MemoryDatabase>(); }}),
+                                                      [] { return std::make_unique<MemoryDatabase>(); }},
+                                         StoreFactory{"Contrary", contrary_database}),
                          [](const auto& factory) { return factory.param.name; });
 
 TEST(MemoryDatabase, ListsItsFilesAndWalksThemInOrderOfIds) {
@@ -102,6 +121,43 @@ TEST(Arena, StaysNearWhatIsStoredWhateverIsRewritten) {
     EXPECT_EQ(slots[i].stored ? arena.bytes(slots[i]) : "", texts[i]);
   }
   EXPECT_LT(static_cast<double>(arena.allocated()), 1.25 * static_cast<double>(stored));
+}
+
+TEST(Arena, StaysNearWhatIsStoredWhenEachTextGrowsTwice) {
+  Arena arena;
+  std::vector<Arena::Slot> slots(6000);
+  for (auto& slot : slots) {
+    for (const std::size_t size : {1000u, 1010u, 1020u}) arena.store(slot, std::string(size, 'x'));
+  }
+  EXPECT_LT(static_cast<double>(arena.allocated()), 1.25 * 1020 * 6000);
+}
+
+DbResult result_of(std::size_t bytes) {
+  return DbResult(std::make_shared<const DbRecord>(DbRecord::from_trusted(std::string(bytes, 'x'))));
+}
+
+TEST(ResultCache, KeepsTheLatestWithinItsBounds) {
+  ResultCache many;
+  for (int i = 0; i < 1000; ++i) many.keep({"request " + std::to_string(i), "F", 1, result_of(10)});
+  EXPECT_EQ(many.find("request 0"), nullptr);
+  ASSERT_NE(many.find("request 999"), nullptr);
+  EXPECT_EQ(many.find("request 999")->result(1).size(), 10u);
+
+  ResultCache large;
+  large.keep({"first", "F", 1, result_of(12 << 20)});
+  // The same request again takes the place of its older answer, and counts once.
+  for (int i = 0; i < 9; ++i) large.keep({"second", "F", 2, result_of(12 << 20)});
+  EXPECT_NE(large.find("first"), nullptr);
+  large.keep({"third", "F", 1, result_of(12 << 20)});
+  EXPECT_EQ(large.find("second"), nullptr) << "the one that was not asked for lately";
+  EXPECT_NE(large.find("first"), nullptr);
+}
+
+TEST(KeyTable, NumbersEveryKeyOnceHoweverMany) {
+  select::KeyTable table;
+  for (int round = 0; round < 2; ++round) {
+    for (std::uint32_t i = 0; i < 300'000; ++i) ASSERT_EQ(table.number_of("key " + std::to_string(i)), i);
+  }
 }
 
 TEST(FailingDatabase, FailsOnceAtThePlannedCallAndChangesNothing) {
