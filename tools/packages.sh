@@ -1,0 +1,25 @@
+# What the project needs of a bare Debian 12, and its installation. To be sourced.
+
+PACKAGES="g++ cmake ninja-build ccache clang-format
+  libgtest-dev libbenchmark-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev"
+
+missing_packages() {
+  for package in $PACKAGES; do
+    status=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)
+    [ "$status" = installed ] || echo "$package"
+  done
+}
+
+as_root() {
+  if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+install_packages() {
+  missing=$(missing_packages)
+  [ -z "$missing" ] && return
+  echo "Installing: "$missing
+  as_root apt-get -o DPkg::Lock::Timeout=300 update -q
+  # The names are to be split into words.
+  as_root env DEBIAN_FRONTEND=noninteractive \
+    apt-get -o DPkg::Lock::Timeout=300 --no-install-recommends install -q -y $missing
+}
