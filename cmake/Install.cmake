@@ -1,0 +1,36 @@
+# What an embedding program finds: libraries, headers in one folder, and find_package(Velanor) with
+# the targets Velanor::core, Velanor::sqlite and, where it was built, Velanor::qt.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set(package ${CMAKE_INSTALL_LIBDIR}/cmake/Velanor)
+set(headers ${CMAKE_INSTALL_INCLUDEDIR}/velanor)
+
+set_target_properties(velanor_store PROPERTIES EXPORT_NAME store)
+set_target_properties(velanor_core PROPERTIES EXPORT_NAME core)
+set_target_properties(velanor_sqlite PROPERTIES EXPORT_NAME sqlite)
+target_include_directories(velanor_store INTERFACE $<INSTALL_INTERFACE:${headers}>)
+set(exported velanor_store velanor_core velanor_sqlite)
+if(TARGET velanor_qt)
+  set_target_properties(velanor_qt PROPERTIES EXPORT_NAME qt)
+  list(APPEND exported velanor_qt)
+  set(VELANOR_HAS_QT ON)
+else()
+  set(VELANOR_HAS_QT OFF)
+endif()
+
+install(TARGETS ${exported} EXPORT VelanorTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(EXPORT VelanorTargets NAMESPACE Velanor:: DESTINATION ${package})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/ DESTINATION ${headers}
+  FILES_MATCHING PATTERN "*.h" PATTERN "*.def" PATTERN "app" EXCLUDE PATTERN "demo" EXCLUDE)
+foreach(program velanorctl velanor)
+  if(TARGET ${program})
+    install(TARGETS ${program} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  endif()
+endforeach()
+
+configure_package_config_file(cmake/VelanorConfig.cmake.in ${PROJECT_BINARY_DIR}/VelanorConfig.cmake
+  INSTALL_DESTINATION ${package})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/VelanorConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/VelanorConfig.cmake ${PROJECT_BINARY_DIR}/VelanorConfigVersion.cmake
+  DESTINATION ${package})

@@ -1,0 +1,54 @@
+// The component without a window: opens a database, chooses an entity and prints its employees.
+// Usage: headless_host DATABASE ENTITY
+#include <iostream>
+
+#include "card/card_screen.h"
+#include "control/controle_velanor.h"
+#include "screen/hand.h"
+#include "store/sqlite/sqlite_database.h"
+
+namespace {
+
+// A toolkit that shows messages on the terminal and answers no to every question.
+class Terminal : public velanor::screen::Toolkit {
+  velanor::screen::Answer message(const velanor::screen::Message& message) override {
+    std::cout << message.title << " : " << message.text << "\n";
+    return message.buttons == velanor::screen::Buttons::YesNo ? velanor::screen::Answer::No
+                                                              : velanor::screen::Answer::Ok;
+  }
+};
+
+struct Around : velanor::control::UserRights, velanor::control::HelpViewer, velanor::control::HostWindow {
+  std::string rights(std::string_view) override { return "all"; }
+  void show(velanor::control::Client*, velanor::store::Database&, std::string_view, std::string_view,
+            std::string_view) override {}
+  void unload() override {}
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 3) {
+    std::cerr << "Usage: headless_host DATABASE ENTITY\n";
+    return 2;
+  }
+  try {
+    velanor::store::SqliteDatabase database(argv[1]);
+    Terminal terminal;
+    Around around;
+    velanor::ControleVelanor component({terminal, around, around});
+    component.DroitsUtilisateur(around);
+    component.TheDatabase(database);
+    component.init();
+
+    auto& card = dynamic_cast<velanor::card::CardScreen&>(component.screen().base());
+    velanor::screen::Hand hand(component.screen());
+    hand.replace_text(card.Txt_Asso, "");
+    hand.type(card.Txt_Asso, argv[2]);
+    for (const std::string& employee : card.Cbo_Aidant.items()) std::cout << employee << "\n";
+    return card.Cbo_Aidant.count() > 0 ? 0 : 1;
+  } catch (const std::exception& error) {
+    std::cerr << error.what() << "\n";
+    return 1;
+  }
+}
