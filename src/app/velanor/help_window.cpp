@@ -1,0 +1,26 @@
+#include "app/velanor/help_window.h"
+
+#include <QTextBrowser>
+#include <QUrl>
+#include <QVBoxLayout>
+
+namespace velanor::app {
+
+HelpWindow::HelpWindow(QWidget* owner) : QWidget(owner, Qt::Window), browser_(new QTextBrowser(this)) {
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->addWidget(browser_);
+  browser_->setOpenExternalLinks(true);
+  browser_->document()->setDocumentMargin(16);
+  resize(860, 680);
+}
+
+void HelpWindow::show_page(const QString& page, const QString& title) {
+  setWindowTitle(title);
+  browser_->setSource(QUrl("qrc:/guide/" + page));
+  show();
+  raise();
+  activateWindow();
+}
+
+}  // namespace velanor::app

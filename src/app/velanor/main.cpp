@@ -1,0 +1,108 @@
+// velanor: the personnel budget cards on a window.
+#include <CLI/CLI.hpp>
+#include <QApplication>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QPalette>
+#include <QTranslator>
+#include <clocale>
+#include <iostream>
+
+#include "app/velanor/play.h"
+#include "app/velanor/program.h"
+#include "app/velanorctl/open_store.h"
+
+namespace {
+
+using namespace velanor::app;
+
+constexpr int kFailed = 1;
+// Not 2, which says that a scenario is not of the language.
+constexpr int kUsage = 64;
+
+struct Options {
+  StoreOptions store;
+  std::string play;
+  std::string shots;
+  bool dark = false;
+};
+
+void add_options(CLI::App& program, Options& options) {
+  program.set_help_flag("-h,--help", "Affiche cette aide");
+  add_store_options(program, options.store);
+  auto* play =
+      program.add_option("--play", options.play, "Joue un scénario sur la fenêtre")->type_name("FICHIER");
+  program.add_option("--shots", options.shots, "Dossier des images du scénario")
+      ->type_name("DOSSIER")
+      ->needs(play);
+  program.add_flag("--dark", options.dark, "Couleurs sombres");
+}
+
+// The toolkit's own words in French, and French formats, whatever the machine's language.
+void speak_french(QApplication& application) {
+  std::setlocale(LC_NUMERIC, "C");
+  const QLocale french(QLocale::French, QLocale::France);
+  QLocale::setDefault(french);
+  auto* translator = new QTranslator(&application);
+  if (translator->load(french, "qtbase", "_", QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+    QCoreApplication::installTranslator(translator);
+}
+
+QPalette dark_palette() {
+  const QColor window(45, 47, 51), base(30, 32, 35), text(232, 232, 232), dim(135, 138, 143),
+      accent(61, 126, 214);
+  QPalette palette(window);
+  palette.setColor(QPalette::Base, base);
+  palette.setColor(QPalette::AlternateBase, QColor(37, 39, 43));
+  palette.setColor(QPalette::ToolTipBase, window);
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText})
+    palette.setColor(role, text);
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+    palette.setColor(QPalette::Disabled, role, dim);
+  palette.setColor(QPalette::PlaceholderText, dim);
+  palette.setColor(QPalette::Highlight, accent);
+  palette.setColor(QPalette::HighlightedText, Qt::white);
+  palette.setColor(QPalette::Link, QColor(120, 175, 250));
+  return palette;
+}
+
+int run(QApplication& application, const Options& options) {
+  if (!options.play.empty()) {
+    const auto store = open_store(options.store);
+    return play_on_window(*store,
+                          {QString::fromStdString(options.play), QString::fromStdString(options.shots)});
+  }
+  Program program;
+  return program.open(options.store) ? application.exec() : kFailed;
+}
+
+int parse_and_run(QApplication& application, int argc, char** argv) {
+  CLI::App program("Fiches du personnel", "velanor");
+  Options options;
+  add_options(program, options);
+  try {
+    program.parse(argc, argv);
+  } catch (const CLI::CallForHelp& help) {
+    return program.exit(help);
+  } catch (const CLI::ParseError& error) {
+    std::cerr << "velanor : la ligne de commande n'est pas comprise : " << error.what()
+              << ". Voir velanor --help.\n";
+    return kUsage;
+  }
+  if (options.dark) QApplication::setPalette(dark_palette());
+  return run(application, options);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) try {
+  QApplication::setStyle("Fusion");
+  QApplication application(argc, argv);
+  QCoreApplication::setApplicationName("velanor");
+  QCoreApplication::setApplicationVersion(VELANOR_VERSION);
+  speak_french(application);
+  return parse_and_run(application, argc, argv);
+} catch (const std::exception& error) {
+  std::cerr << "velanor : " << error.what() << "\n";
+  return kFailed;
+}

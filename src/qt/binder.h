@@ -1,0 +1,35 @@
+// Ties the widgets of a form file to the controls of a form, by name.
+#pragma once
+
+#include <QWidget>
+#include <vector>
+
+#include "qt/view.h"
+
+namespace velanor::qt {
+
+// The views of one form, children of its pages.
+class FormViews {
+ public:
+  // Every control of the form is looked for among the pages; the columns of a table have only the one
+  // widget that bears the name of its first list.
+  FormViews(Acts& acts, screen::Form& form, QWidget& pages);
+
+  screen::Form& form() const { return *form_; }
+  View* view_of(const screen::Control& control) const;
+  void refresh();
+  void set_mnemonics(bool on);
+  // The focus is in none of the views but this one.
+  void leave_all_but(const View* kept);
+
+ private:
+  void bind(Acts& acts, screen::Control& control, QWidget& widget);
+  void bind_columns(Acts& acts, screen::ListBox& first, QWidget& widget);
+  void describe();
+
+  screen::Form* form_;
+  QWidget* pages_;
+  std::vector<View*> views_;
+};
+
+}  // namespace velanor::qt

@@ -1,0 +1,56 @@
+#include "qt/columns_table.h"
+
+#include <QEvent>
+#include <QHeaderView>
+#include <QKeyEvent>
+
+namespace velanor::qt {
+
+ColumnsTable::ColumnsTable(QWidget* parent) : QTableView(parent) {
+  setSelectionBehavior(QAbstractItemView::SelectRows);
+  setSelectionMode(QAbstractItemView::SingleSelection);
+  setEditTriggers(QAbstractItemView::NoEditTriggers);
+  setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+  setTabKeyNavigation(false);
+  setWordWrap(false);
+  setShowGrid(false);
+  setAlternatingRowColors(true);
+  verticalHeader()->hide();
+  verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  horizontalHeader()->setStretchLastSection(true);
+  horizontalHeader()->setSectionsClickable(false);
+  horizontalHeader()->setHighlightSections(false);
+  horizontalHeader()->setMinimumSectionSize(10);
+}
+
+void ColumnsTable::keyPressEvent(QKeyEvent* event) {
+  if (!on_key || !on_key(*event)) QTableView::keyPressEvent(event);
+}
+
+void ColumnsTable::stand_over(std::vector<QWidget*> widgets) {
+  below_ = std::move(widgets);
+  for (QWidget* widget : below_) widget->installEventFilter(this);
+  align();
+}
+
+bool ColumnsTable::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Move || event->type() == QEvent::Resize) align();
+  return QTableView::eventFilter(watched, event);
+}
+
+void ColumnsTable::resizeEvent(QResizeEvent* event) {
+  QTableView::resizeEvent(event);
+  align();
+}
+
+void ColumnsTable::align() {
+  int left = viewport()->mapToGlobal(QPoint()).x();
+  for (std::size_t c = 0; c + 1 < below_.size(); ++c) {
+    const int right = below_[c + 1]->mapToGlobal(QPoint()).x();
+    setColumnWidth(static_cast<int>(c), right - left);
+    left = right;
+  }
+}
+
+}  // namespace velanor::qt

@@ -1,0 +1,29 @@
+// Parallel lists shown as one table: one selection, one scroll bar.
+#pragma once
+
+#include <QTableView>
+#include <functional>
+#include <vector>
+
+namespace velanor::qt {
+
+class ColumnsTable : public QTableView {
+ public:
+  explicit ColumnsTable(QWidget* parent = nullptr);
+
+  // Arrows and Enter are the owner's: true when it has dealt with the key.
+  std::function<bool(QKeyEvent&)> on_key;
+  // The columns stand over these widgets, as wide as they are.
+  void stand_over(std::vector<QWidget*> widgets);
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  void align();
+  std::vector<QWidget*> below_;
+};
+
+}  // namespace velanor::qt

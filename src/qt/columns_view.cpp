@@ -1,0 +1,125 @@
+#include "qt/columns_view.h"
+
+#include <QFont>
+#include <QFontMetrics>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMouseEvent>
+
+namespace velanor::qt {
+namespace {
+
+QFont fixed_pitch(const QFont& like) {
+  QFont font(like);
+  font.setFamilies({"Courier New", "Liberation Mono", "DejaVu Sans Mono", "monospace"});
+  font.setStyleHint(QFont::Monospace);
+  font.setFixedPitch(true);
+  return font;
+}
+
+std::vector<const screen::Lines*> lines_of(const std::vector<screen::ListBox*>& lists) {
+  return {lists.begin(), lists.end()};
+}
+
+}  // namespace
+
+ColumnsView::ColumnsView(Acts& acts, std::vector<screen::ListBox*> lists, ColumnsTable& table,
+                         QObject& parent)
+    : View(acts, *lists.front(), table, parent),
+      lists_(std::move(lists)),
+      table_(table),
+      lines_(new LinesModel(lines_of(lists_), this)) {
+  table.setModel(lines_);
+  table.setFont(fixed_pitch(table.font()));
+  const QFontMetrics metrics(table.font());
+  table.verticalHeader()->setDefaultSectionSize(metrics.height() + 4);
+  table.horizontalHeader()->setFont(table.parentWidget()->font());
+  table.horizontalHeader()->setVisible(lists_.size() > 1);
+  table.on_key = [this](QKeyEvent& event) { return key(event); };
+  watch(table);
+  watch(*table.viewport());
+}
+
+screen::Control& ColumnsView::control() const {
+  screen::Control* focus = lists_.front()->form().focus();
+  for (screen::ListBox* list : lists_) {
+    if (list == focus) return *list;
+  }
+  return *lists_.front();
+}
+
+std::vector<const screen::Control*> ColumnsView::controls() const { return {lists_.begin(), lists_.end()}; }
+
+screen::ListBox& ColumnsView::list_at(int column) const {
+  const auto c = static_cast<std::size_t>(std::max(column, 0));
+  return *lists_[std::min(c, lists_.size() - 1)];
+}
+
+void ColumnsView::show() {
+  View::show();
+  lines_->update();
+  const int line = lists_.front()->index();
+  if (line < 0) {
+    table_.clearSelection();
+    table_.setCurrentIndex({});
+  } else {
+    table_.selectRow(line);
+    table_.scrollTo(lines_->index(line, 0));
+  }
+}
+
+bool ColumnsView::eventFilter(QObject* watched, QEvent* event) {
+  const bool twice = event->type() == QEvent::MouseButtonDblClick;
+  if (watched == table_.viewport() && (twice || event->type() == QEvent::MouseButtonPress))
+    return press(static_cast<QMouseEvent*>(event)->position().toPoint(), twice);
+  // The selection is the control's, not what the pointer is dragged over.
+  if (watched == table_.viewport() && event->type() == QEvent::MouseMove) return true;
+  return View::eventFilter(watched, event);
+}
+
+bool ColumnsView::press(const QPoint& at, bool twice) {
+  const QModelIndex cell = table_.indexAt(at);
+  screen::ListBox& list = list_at(table_.columnAt(at.x()));
+  if (!acts().press(list) || !cell.isValid()) return true;
+  if (twice) {
+    double_click(list, cell.row());
+  } else if (acts().open_to(list)) {
+    acts().act([&](screen::Hand& hand) { hand.pick(list, cell.row()); });
+  }
+  return true;
+}
+
+void ColumnsView::double_click(screen::ListBox& list, int line) {
+  if (acts().open_to(list)) acts().act([&](screen::Hand& hand) { hand.double_click(list, line); });
+}
+
+bool ColumnsView::key(QKeyEvent& event) {
+  const int line = lists_.front()->index();
+  const int last = lists_.front()->count() - 1;
+  switch (event.key()) {
+    case Qt::Key_Up:
+      return pick(std::max(line - 1, 0)), true;
+    case Qt::Key_Down:
+      return pick(std::min(line + 1, last)), true;
+    case Qt::Key_Home:
+      return pick(0), true;
+    case Qt::Key_End:
+      return pick(last), true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_F2:
+      if (line >= 0) double_click(static_cast<screen::ListBox&>(control()), line);
+      return true;
+    default:
+      event.ignore();
+      return true;
+  }
+}
+
+void ColumnsView::pick(int line) {
+  auto& list = static_cast<screen::ListBox&>(control());
+  if (line < 0 || line >= list.count() || !acts().open_to(list)) return;
+  acts().act([&](screen::Hand& hand) { hand.pick(list, line); });
+}
+
+}  // namespace velanor::qt

@@ -1,0 +1,36 @@
+// List boxes, alone or parallel.
+#pragma once
+
+#include "qt/columns_table.h"
+#include "qt/lines_model.h"
+#include "qt/view.h"
+
+namespace velanor::qt {
+
+// One table for list boxes whose lines belong together. It stands for the list box that has the focus,
+// or for the first.
+class ColumnsView : public View {
+ public:
+  ColumnsView(Acts& acts, std::vector<screen::ListBox*> lists, ColumnsTable& table, QObject& parent);
+
+  screen::Control& control() const override;
+  std::vector<const screen::Control*> controls() const override;
+  LinesModel& lines() { return *lines_; }
+
+ protected:
+  void show() override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  screen::ListBox& list_at(int column) const;
+  bool press(const QPoint& at, bool twice);
+  bool key(QKeyEvent& event);
+  void pick(int line);
+  void double_click(screen::ListBox& list, int line);
+
+  std::vector<screen::ListBox*> lists_;
+  ColumnsTable& table_;
+  LinesModel* lines_;
+};
+
+}  // namespace velanor::qt

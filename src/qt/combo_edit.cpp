@@ -1,0 +1,69 @@
+#include "qt/combo_edit.h"
+
+#include <QAbstractItemView>
+#include <QCompleter>
+#include <QKeyEvent>
+#include <QListView>
+#include <QWheelEvent>
+
+#include "qt/text_edit.h"
+
+namespace velanor::qt {
+namespace {
+
+constexpr int kVisibleLines = 14;
+
+}  // namespace
+
+// A fixed width: by default every line would be measured.
+ComboEdit::ComboEdit(QWidget* parent) : QComboBox(parent) {
+  setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  setMinimumContentsLength(6);
+  setMaxVisibleItems(kVisibleLines);
+  auto* lines = new QListView(this);
+  lines->setUniformItemSizes(true);
+  lines->setTextElideMode(Qt::ElideRight);
+  setView(lines);
+}
+
+TextEdit& ComboEdit::make_editable() {
+  auto* edit = new TextEdit(this);
+  setEditable(true);
+  setLineEdit(edit);
+  setInsertPolicy(QComboBox::NoInsert);
+  // By itself the box would choose a line when Enter is pressed or the focus leaves.
+  disconnect(edit, SIGNAL(editingFinished()), this, nullptr);
+  disconnect(edit, SIGNAL(returnPressed()), this, nullptr);
+  auto* completer = new QCompleter(model(), this);
+  completer->setCompletionMode(QCompleter::PopupCompletion);
+  completer->setCaseSensitivity(Qt::CaseInsensitive);
+  completer->setMaxVisibleItems(kVisibleLines);
+  setCompleter(completer);
+  return *edit;
+}
+
+bool ComboEdit::completing() const {
+  return isEditable() && completer() && completer()->popup()->isVisible();
+}
+
+void ComboEdit::hide_completion() {
+  if (completing()) completer()->popup()->hide();
+}
+
+void ComboEdit::showPopup() {
+  hide_completion();
+  if (!before_opening || before_opening()) QComboBox::showPopup();
+}
+
+// The keys that open the list; left to the box they would open it past `before_opening`'s sight of them.
+void ComboEdit::keyPressEvent(QKeyEvent* event) {
+  const bool alt_arrow =
+      (event->modifiers() & Qt::AltModifier) && (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up);
+  if (event->key() == Qt::Key_F4 || alt_arrow) return showPopup();
+  QComboBox::keyPressEvent(event);
+}
+
+// The wheel scrolls pages; it must not change a card in passing.
+void ComboEdit::wheelEvent(QWheelEvent* event) { event->ignore(); }
+
+}  // namespace velanor::qt

@@ -1,0 +1,71 @@
+#include "qt/combo_view.h"
+
+#include <QAbstractItemView>
+#include <QCompleter>
+#include <QKeyEvent>
+
+#include "qt/strings.h"
+
+namespace velanor::qt {
+
+ComboView::ComboView(Acts& acts, screen::ComboBox& box, ComboEdit& widget, QObject& parent)
+    : TextView(acts, box, widget, box.editable() ? &widget.make_editable() : nullptr, parent),
+      box_(box),
+      widget_(widget),
+      lines_(new LinesModel({&box}, this)) {
+  widget.setModel(lines_);
+  if (widget.completer()) widget.completer()->setModel(lines_);
+  widget.before_opening = [this] { return may_open(); };
+  connect(&widget, &QComboBox::activated, this, [this](int index) { chosen(index); });
+  watch(widget);
+}
+
+void ComboView::describe(const QString& name) {
+  TextView::describe(name);
+  if (edit()) edit()->setAccessibleName(name);
+}
+
+// The toolkit's index follows the control's, so that choosing the same line again is seen as a choice.
+void ComboView::show() {
+  lines_->update();
+  shown_index_ = box_.index();
+  const int caret = edit() ? edit()->cursorPosition() : 0;
+  if (widget_.currentIndex() != shown_index_) widget_.setCurrentIndex(shown_index_);
+  if (edit() && edit()->text() != to_qt(box_.text())) {
+    const bool at_end = caret >= edit()->text().length();
+    show_text();
+    if (!at_end) edit()->setCursorPosition(caret);
+  }
+  View::show();
+  if (!edit() && box_.index() < 0) widget_.setPlaceholderText(to_qt(box_.text()));
+}
+
+bool ComboView::key(QKeyEvent& event) {
+  const bool enter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+  // The line under the bar of the completion is the completion's to choose.
+  if (enter && widget_.completing() && widget_.completer()->popup()->currentIndex().isValid()) {
+    event.ignore();
+    return true;
+  }
+  if (enter) widget_.hide_completion();
+  return TextView::key(event);
+}
+
+// The box also writes the line that was just chosen; that is told by its index and reported as a choice.
+void ComboView::text_changed() {
+  if (widget_.currentIndex() == shown_index_) TextView::text_changed();
+}
+
+bool ComboView::may_open() {
+  if (!acts().open_to(box_)) return false;
+  acts().act([&](screen::Hand& hand) { hand.drop_down(box_); });
+  return acts().open_to(box_) && box_.form().focus() == &box_;
+}
+
+void ComboView::chosen(int index) {
+  if (showing()) return;
+  if (acts().open_to(box_)) acts().act([&](screen::Hand& hand) { hand.choose(box_, index); });
+  refresh_again();
+}
+
+}  // namespace velanor::qt

@@ -1,0 +1,67 @@
+#include "qt/controle_velanor_widget.h"
+
+#include <QFocusEvent>
+#include <QKeyEvent>
+#include <QMouseEvent>
+
+#include "qt/stage.h"
+
+namespace velanor::qt {
+
+ControleVelanorWidget::ControleVelanorWidget(QWidget* parent)
+    : QWidget(parent), stage_(std::make_unique<Stage>(*this)) {
+  setAccessibleName(QStringLiteral("Fiches du personnel"));
+}
+
+// The views stand on the stage, and go first.
+ControleVelanorWidget::~ControleVelanorWidget() {
+  stage_->shut();
+  qDeleteAll(findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly));
+}
+
+void ControleVelanorWidget::DroitsUtilisateur(control::UserRights& rights) {
+  stage_->component().DroitsUtilisateur(rights);
+}
+void ControleVelanorWidget::TheClient(control::Client& client) { stage_->component().TheClient(client); }
+void ControleVelanorWidget::TheDatabase(store::Database& database) {
+  stage_->component().TheDatabase(database);
+}
+void ControleVelanorWidget::set_help(control::HelpViewer& help) { stage_->help = &help; }
+void ControleVelanorWidget::init() { stage_->start(); }
+screen::Screen& ControleVelanorWidget::screen() { return stage_->screen(); }
+
+QWidget* ControleVelanorWidget::widget_of(const screen::Control& control) const {
+  View* view = stage_->view_of(control);
+  return view ? &view->widget() : nullptr;
+}
+
+MessageSheet* ControleVelanorWidget::open_message() const { return stage_->open_message(); }
+QWidget* ControleVelanorWidget::open_sheet() const { return stage_->open_sheet(); }
+
+screen::Answer ControleVelanorWidget::ask(const screen::Message& message) {
+  const screen::Answer answer = static_cast<screen::Toolkit&>(*stage_).message(message);
+  stage_->ask_is_over();
+  return answer;
+}
+
+void ControleVelanorWidget::set_failure_handler(std::function<void(std::exception_ptr)> handler) {
+  stage_->failed = std::move(handler);
+}
+
+bool ControleVelanorWidget::focusNextPrevChild(bool next) { return stage_->step_focus(next); }
+
+void ControleVelanorWidget::keyPressEvent(QKeyEvent* event) {
+  if (event->key() != Qt::Key_Escape) return QWidget::keyPressEvent(event);
+  stage_->escape();
+}
+
+void ControleVelanorWidget::mousePressEvent(QMouseEvent* event) {
+  if (event->button() == Qt::RightButton) stage_->right_press();
+}
+
+void ControleVelanorWidget::focusInEvent(QFocusEvent* event) {
+  QWidget::focusInEvent(event);
+  if (event->reason() == Qt::OtherFocusReason) stage_->focus_left();
+}
+
+}  // namespace velanor::qt

@@ -1,0 +1,60 @@
+#include "qt/lines_model.h"
+
+#include <algorithm>
+#include <functional>
+
+#include "qt/strings.h"
+
+namespace velanor::qt {
+
+LinesModel::LinesModel(std::vector<const screen::Lines*> lists, QObject* parent)
+    : QAbstractTableModel(parent), lists_(std::move(lists)) {}
+
+// The controls do not tell a change of their lines from one of their text, which comes at every key.
+std::size_t LinesModel::fingerprint() const {
+  std::size_t sum = 0;
+  for (const screen::Lines* list : lists_) {
+    sum = sum * 31 + static_cast<std::size_t>(list->count());
+    for (const std::string& line : list->items()) sum = sum * 31 + std::hash<std::string>{}(line);
+  }
+  return sum;
+}
+
+bool LinesModel::update() {
+  const std::size_t now = fingerprint();
+  if (now == known_) return false;
+  beginResetModel();
+  known_ = now;
+  rows_ = lists_.front()->count();
+  endResetModel();
+  return true;
+}
+
+int LinesModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : rows_; }
+
+int LinesModel::columnCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : static_cast<int>(lists_.size());
+}
+
+QVariant LinesModel::data(const QModelIndex& index, int role) const {
+  if (role == Qt::TextAlignmentRole) return alignment(index.column());
+  if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::EditRole && role != Qt::ToolTipRole))
+    return {};
+  return to_qt(lists_[static_cast<std::size_t>(index.column())]->line(index.row()));
+}
+
+QVariant LinesModel::alignment(int column) const {
+  const auto c = static_cast<std::size_t>(column);
+  const bool right = c < figures_.size() && figures_[c];
+  return QVariant::fromValue(Qt::Alignment((right ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter));
+}
+
+QVariant LinesModel::headerData(int section, Qt::Orientation orientation, int role) const {
+  const auto c = static_cast<std::size_t>(section);
+  if (orientation != Qt::Horizontal || c >= headings_.size()) return {};
+  if (role == Qt::TextAlignmentRole) return alignment(section);
+  if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
+  return to_qt(headings_[c]->caption());
+}
+
+}  // namespace velanor::qt

@@ -1,0 +1,39 @@
+// The lines of combo boxes and list boxes as the toolkit's item models. They are read when they are
+// drawn, so that any number of them opens at once.
+#pragma once
+
+#include <QAbstractTableModel>
+#include <vector>
+
+#include "screen/control.h"
+
+namespace velanor::qt {
+
+// One column for each of the lists, which are parallel and outlive the model.
+class LinesModel : public QAbstractTableModel {
+ public:
+  LinesModel(std::vector<const screen::Lines*> lists, QObject* parent);
+
+  // Resets when the lines are others than before. Whether it did.
+  bool update();
+  void set_headings(std::vector<const screen::Control*> labels) { headings_ = std::move(labels); }
+  // Figures stand at the right.
+  void set_figures(std::vector<bool> columns) { figures_ = std::move(columns); }
+
+  int rowCount(const QModelIndex& parent = {}) const override;
+  int columnCount(const QModelIndex& parent = {}) const override;
+  QVariant data(const QModelIndex& index, int role) const override;
+  QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+ private:
+  QVariant alignment(int column) const;
+  std::size_t fingerprint() const;
+
+  std::vector<const screen::Lines*> lists_;
+  std::vector<const screen::Control*> headings_;
+  std::vector<bool> figures_;
+  int rows_ = 0;
+  std::size_t known_ = 0;
+};
+
+}  // namespace velanor::qt

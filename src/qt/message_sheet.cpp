@@ -1,0 +1,129 @@
+#include "qt/message_sheet.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QStyle>
+
+#include "qt/action_button.h"
+#include "qt/strings.h"
+
+namespace velanor::qt {
+namespace {
+
+using screen::Answer;
+using screen::Buttons;
+
+constexpr int kTextWidth = 460;
+constexpr int kIconSize = 40;
+
+QStyle::StandardPixmap picture(screen::Icon icon) {
+  switch (icon) {
+    case screen::Icon::Question:
+      return QStyle::SP_MessageBoxQuestion;
+    case screen::Icon::Information:
+      return QStyle::SP_MessageBoxInformation;
+    default:
+      return QStyle::SP_MessageBoxWarning;
+  }
+}
+
+QString caption(Answer answer) {
+  switch (answer) {
+    case Answer::Ok:
+      return QStringLiteral("&OK");
+    case Answer::Cancel:
+      return QStringLiteral("&Annuler");
+    case Answer::Yes:
+      return QStringLiteral("&Oui");
+    default:
+      return QStringLiteral("&Non");
+  }
+}
+
+std::vector<Answer> offered(Buttons buttons) {
+  if (buttons == Buttons::OkCancel) return {Answer::Ok, Answer::Cancel};
+  if (buttons == Buttons::YesNo) return {Answer::Yes, Answer::No};
+  return {Answer::Ok};
+}
+
+QLabel* make_text(const std::string& text) {
+  auto* label = new QLabel(to_qt(text).replace("\r\n", "\n"));
+  label->setTextFormat(Qt::PlainText);
+  label->setWordWrap(true);
+  const int wide = label->fontMetrics().size(0, label->text()).width();
+  label->setFixedWidth(std::clamp(wide + 4, 220, kTextWidth));
+  label->setMinimumHeight(label->heightForWidth(label->width()));
+  return label;
+}
+
+}  // namespace
+
+MessageSheet::MessageSheet(const screen::Message& message, QWidget& over)
+    : Sheet(to_qt(message.title), over), message_(message) {
+  setAccessibleDescription(to_qt(message.text));
+  set_contents(make_contents());
+  connect(this, &Sheet::close_asked, this, [this] { emit answered(closing_answer(message_.buttons)); });
+}
+
+QWidget* MessageSheet::make_contents() {
+  auto* contents = new QWidget;
+  auto* grid = new QGridLayout(contents);
+  grid->setContentsMargins(16, 14, 16, 12);
+  grid->setHorizontalSpacing(14);
+  grid->setVerticalSpacing(14);
+  auto* icon = new QLabel;
+  icon->setPixmap(
+      style()->standardIcon(picture(message_.icon)).pixmap(QSize(kIconSize, kIconSize), devicePixelRatioF()));
+  grid->addWidget(icon, 0, 0, Qt::AlignTop);
+  grid->addWidget(make_text(message_.text), 0, 1, Qt::AlignVCenter);
+  auto* row = new QHBoxLayout;
+  row->addStretch();
+  for (const Answer answer : offered(message_.buttons)) {
+    auto* button = new ActionButton(caption(answer));
+    connect(button, &QPushButton::clicked, this, [this, answer] { emit answered(answer); });
+    row->addWidget(button);
+    buttons_.emplace_back(answer, button);
+  }
+  grid->addLayout(row, 1, 0, 1, 2);
+  return contents;
+}
+
+Answer MessageSheet::closing_answer(Buttons buttons) { return offered(buttons).back(); }
+
+ActionButton* MessageSheet::button(Answer answer) const {
+  for (const auto& [own, button] : buttons_) {
+    if (own == answer) return button;
+  }
+  return nullptr;
+}
+
+void MessageSheet::focus_first() { buttons_.front().second->setFocus(Qt::TabFocusReason); }
+
+void MessageSheet::move_focus(bool forward) {
+  const std::size_t count = buttons_.size();
+  for (std::size_t i = 0; i < count; ++i) {
+    if (buttons_[i].second->hasFocus()) {
+      return buttons_[(i + (forward ? 1 : count - 1)) % count].second->setFocus(Qt::TabFocusReason);
+    }
+  }
+  focus_first();
+}
+
+void MessageSheet::keyPressEvent(QKeyEvent* event) {
+  switch (event->key()) {
+    case Qt::Key_Escape:
+      return void(emit answered(closing_answer(message_.buttons)));
+    case Qt::Key_Left:
+    case Qt::Key_Up:
+      return move_focus(false);
+    case Qt::Key_Right:
+    case Qt::Key_Down:
+      return move_focus(true);
+    default:
+      event->accept();
+  }
+}
+
+}  // namespace velanor::qt

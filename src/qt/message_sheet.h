@@ -1,0 +1,42 @@
+// A message box as a sheet.
+#pragma once
+
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "qt/sheet.h"
+#include "screen/screen.h"
+
+namespace velanor::qt {
+
+class ActionButton;
+
+class MessageSheet : public Sheet {
+  Q_OBJECT
+
+ public:
+  MessageSheet(const screen::Message& message, QWidget& over);
+
+  // What closing the box without an answer means.
+  static screen::Answer closing_answer(screen::Buttons buttons);
+  ActionButton* button(screen::Answer answer) const;
+  const screen::Message& message() const { return message_; }
+  void focus_first();
+  // To the next button, or the one before.
+  void move_focus(bool forward);
+
+ signals:
+  void answered(velanor::screen::Answer answer);
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  QWidget* make_contents();
+
+  screen::Message message_;
+  std::vector<std::pair<screen::Answer, ActionButton*>> buttons_;
+};
+
+}  // namespace velanor::qt
