@@ -11,5 +11,12 @@ namespace velanor::app {
 // Adds its sub-command to the program; when that is called, it leaves the exit status in `status`.
 // A failure that ends it is an exception, whose sentence the program prints.
 void add_play(CLI::App& program, int& status);
+void add_demo(CLI::App& program, int& status);
+void add_import(CLI::App& program, int& status);
+void add_export(CLI::App& program, int& status);
+void add_select(CLI::App& program, int& status);
+void add_show(CLI::App& program, int& status);
+void add_check(CLI::App& program, int& status);
+void add_backup(CLI::App& program, int& status);
 
 }  // namespace velanor::app

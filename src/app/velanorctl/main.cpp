@@ -14,7 +14,8 @@ constexpr int kFailed = 1;
 // Not 2, which says that a scenario is not of the language.
 constexpr int kUsage = 64;
 
-constexpr void (*kCommands[])(CLI::App&, int&) = {add_play};
+constexpr void (*kCommands[])(CLI::App&, int&) = {add_play,   add_demo, add_import, add_export,
+                                                  add_select, add_show, add_check,  add_backup};
 
 void speak_french(CLI::App& program) {
   program.set_help_flag("-h,--help", "Affiche cette aide");
@@ -22,6 +23,7 @@ void speak_french(CLI::App& program) {
   formatter->label("Usage", "Usage ");
   formatter->label("Positionals", "Arguments");
   formatter->label("Excludes", "Sans");
+  formatter->label("REQUIRED", "(obligatoire)");
   formatter->label("SUBCOMMAND", "SOUS-COMMANDE");
   formatter->label("SUBCOMMANDS", "SOUS-COMMANDES");
 }

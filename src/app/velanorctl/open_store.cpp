@@ -3,24 +3,59 @@
 #include <CLI/CLI.hpp>
 
 #include "store/memory_database.h"
+#include "store/sqlite/sqlite_database.h"
 
 namespace velanor::app {
+namespace {
+
+constexpr std::string_view kMemory = "memory:";
+constexpr std::string_view kSqlite = "sqlite:";
+
+std::unique_ptr<store::Database> demonstration() {
+  auto database = std::make_unique<store::MemoryDatabase>();
+  StoreSink sink([&](auto file, auto id, const auto& record) { database->put(file, id, record); });
+  demo::fill(sink);
+  return database;
+}
+
+}  // namespace
 
 void add_store_options(CLI::App& command, StoreOptions& options) {
-  auto* url = command.add_option("--store", options.url, "Base à ouvrir")->type_name("URL");
+  auto* url = command
+                  .add_option("--store", options.url,
+                              "Base à ouvrir : un chemin, sqlite:CHEMIN, ou memory: (vide, en mémoire)")
+                  ->type_name("URL");
   command.add_flag("--demo", options.demo, "Données de démonstration, en mémoire")->excludes(url);
 }
 
-std::unique_ptr<store::Database> open_store(const StoreOptions& options) {
-  if (options.demo)
-    throw store::DbError(store::kStoreFailure,
-                         "Les données de démonstration ne sont pas encore livrées : ôtez l'option --demo.");
-  if (!options.url.empty())
-    throw store::DbError(store::kStoreFailure,
-                         "La base « " + options.url +
-                             " » ne peut pas être ouverte : seule la base vide en mémoire "
-                             "est connue, ôtez l'option --store.");
-  return std::make_unique<store::MemoryDatabase>();
+std::string path_of(std::string_view url) {
+  if (url.starts_with(kSqlite)) return std::string(url.substr(kSqlite.size()));
+  // A single letter may be a drive; more before a colon is the name of a kind.
+  const std::size_t colon = url.find(':');
+  const bool plain = colon == url.npos || colon < 2 || url.find('/') < colon;
+  if (plain) return std::string(url);
+  throw store::DbError(store::kStoreFailure, "La base « " + std::string(url) +
+                                                 " » n'est pas d'une sorte connue : donnez un chemin, "
+                                                 "sqlite:CHEMIN ou memory:.");
+}
+
+std::unique_ptr<store::Database> open_store(const StoreOptions& options, IfMissing if_missing) {
+  if (options.demo) return demonstration();
+  if (options.url.empty() || options.url == kMemory) return std::make_unique<store::MemoryDatabase>();
+  using Sqlite = store::SqliteDatabase;
+  Sqlite::Options sqlite;
+  if (if_missing == IfMissing::kCreate) sqlite.missing = Sqlite::Missing::kCreate;
+  return std::make_unique<Sqlite>(path_of(options.url), sqlite);
+}
+
+std::unique_ptr<store::Database> open_named_store(const StoreOptions& options, IfMissing if_missing) {
+  if (options.url.empty() && !options.demo) throw CLI::RequiredError("--store");
+  return open_store(options, if_missing);
+}
+
+void in_one_change(store::Database& database, const std::function<void()>& writes) {
+  auto* sqlite = dynamic_cast<store::SqliteDatabase*>(&database);
+  sqlite != nullptr ? sqlite->in_one_change(writes) : writes();
 }
 
 }  // namespace velanor::app

@@ -1,9 +1,12 @@
 // The store that a sub-command works on, as its options name it.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
+#include "demo/demo.h"
 #include "store/database.h"
 
 namespace CLI {
@@ -20,8 +23,35 @@ struct StoreOptions {
 // The options --store and --demo, of which at most one may be given.
 void add_store_options(CLI::App& command, StoreOptions& options);
 
-// An empty store in memory when nothing is named. Throws store::DbError with a French sentence when
-// the store cannot be opened.
-std::unique_ptr<store::Database> open_store(const StoreOptions& options);
+enum class IfMissing { kFail, kCreate };
+
+// "memory:", "sqlite:PATH" or a plain path; an empty store in memory when nothing is named. Throws
+// store::DbError with a French sentence when the store cannot be opened.
+std::unique_ptr<store::Database> open_store(const StoreOptions& options,
+                                            IfMissing if_missing = IfMissing::kFail);
+
+// The same for a command that is of no use on an empty store: one that is not named is an error of
+// usage.
+std::unique_ptr<store::Database> open_named_store(const StoreOptions& options,
+                                                  IfMissing if_missing = IfMissing::kFail);
+
+// The path that a URL or a plain path names. Throws store::DbError for a kind that is not known.
+std::string path_of(std::string_view url);
+
+// Runs writes to a database as one change where the database can: all of them, or none when it throws.
+void in_one_change(store::Database& database, const std::function<void()>& writes);
+
+// Brings the demonstration data into a store.
+class StoreSink : public demo::Sink {
+ public:
+  using Put = std::function<void(std::string_view file, std::string_view id, const store::DbRecord&)>;
+  explicit StoreSink(Put put) : put_(std::move(put)) {}
+  void put(std::string_view file, std::string_view id, const store::DbRecord& record) override {
+    put_(file, id, record);
+  }
+
+ private:
+  Put put_;
+};
 
 }  // namespace velanor::app

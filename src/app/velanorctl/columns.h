@@ -1,0 +1,52 @@
+// What the columns of a table stand for: the id, an element of the record by its position, or by
+// the name that a clerk gives it, whose fields are then read and written as the screen shows them.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "card/record_layout.h"
+#include "play/command.h"
+#include "store/record.h"
+
+namespace velanor::app {
+
+inline constexpr std::string_view kCardFile = "VELANORO";
+
+enum class IdPart { kNone, kWhole, kEmployee, kEntity, kYear };
+
+struct NamedAttribute {
+  std::string_view name;
+  int attribute;
+  card::Encoding encoding;
+  // Codes that spreadsheets strip of their leading zeros get them back; 0: no fixed length.
+  int length = 0;
+};
+
+struct Column {
+  IdPart id = IdPart::kNone;
+  play::Position position{};
+  // nullptr: fields are stored texts as they stand.
+  const NamedAttribute* named = nullptr;
+};
+
+// The column of a heading: "id", a position such as "1" or "30,1,2" (what follows a blank behind it
+// is a remark), or in VELANORO a name, followed for what a card has several of by the number of
+// the value, and of the subvalue: "Date d'effet 2", "Montant 2.1". Nothing for any other text.
+std::optional<Column> column_of(std::string_view heading, std::string_view file);
+// The heading of a position, or its name where it has one; both read back by column_of.
+std::string heading_of(const play::Position& position);
+std::string name_of(const play::Position& position);
+
+// What is stored for a field, in `stored`; otherwise returns what is wrong with it.
+std::string read_field(const Column& column, std::string_view field, std::string& stored);
+// The field for what is stored.
+std::string write_field(const Column& column, std::string_view stored);
+
+// The element of a record at a position.
+std::string_view element(const store::DbRecord& record, const play::Position& position);
+void set_element(store::DbRecord& record, const play::Position& position, std::string_view text);
+
+}  // namespace velanor::app

@@ -1,0 +1,109 @@
+#include "app/velanorctl/csv.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "store/record.h"
+
+namespace velanor::app {
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+// A single semicolon decides: headings such as 30,1,2 hold commas of their own.
+char separator_of_first_row(std::string_view text) {
+  bool quoted = false;
+  for (const char c : text) {
+    if (c == '"') quoted = !quoted;
+    if (!quoted && c == ';') return ';';
+    if (!quoted && c == '\n') break;
+  }
+  return ',';
+}
+
+bool needs_quotes(std::string_view field, char separator) {
+  if (field.empty()) return false;
+  const bool special = field.find_first_of("\"\r\n") != field.npos || field.find(separator) != field.npos;
+  return special || field.front() == ' ' || field.back() == ' ';
+}
+
+std::string doubled_quotes(std::string_view field) {
+  std::string text;
+  for (const char c : field) text.append(c == '"' ? 2 : 1, c);
+  return text;
+}
+
+}  // namespace
+
+CsvReader::CsvReader(std::istream& in) : text_(std::istreambuf_iterator<char>(in), {}) {
+  if (text_.starts_with(kByteOrderMark)) at_ = kByteOrderMark.size();
+  separator_ = separator_of_first_row(std::string_view(text_).substr(at_));
+}
+
+bool CsvReader::next(CsvRow& row) {
+  while (read(row)) {
+    const bool empty = row.fields.size() == 1 && row.fields.front().empty();
+    if (!empty || !row.fault.empty()) return true;
+  }
+  return false;
+}
+
+bool CsvReader::at_line_end() const { return text_[at_] == '\n' || text_.compare(at_, 2, "\r\n") == 0; }
+
+void CsvReader::skip_line_end() {
+  if (at_end()) return;
+  at_ += text_[at_] == '\r' ? 2 : 1;
+  ++line_;
+}
+
+bool CsvReader::read(CsvRow& row) {
+  if (at_end()) return false;
+  row = {.line = line_, .fields = {}, .fault = {}};
+  const std::size_t begin = at_;
+  while (true) {
+    read_field(row);
+    if (at_end() || text_[at_] != separator_) break;
+    ++at_;
+  }
+  const std::string_view read = std::string_view(text_).substr(begin, at_ - begin);
+  if (store::clean_text(read) != read) row.fault = "des caractères ne sont pas de l'UTF-8";
+  skip_line_end();
+  return true;
+}
+
+void CsvReader::read_field(CsvRow& row) {
+  std::string& field = row.fields.emplace_back();
+  if (!at_end() && text_[at_] == '"') read_quoted(row, field);
+  while (!at_end() && text_[at_] != separator_ && !at_line_end()) field += text_[at_++];
+}
+
+void CsvReader::read_quoted(CsvRow& row, std::string& field) {
+  for (++at_; !at_end(); ++at_) {
+    if (text_[at_] == '\n') ++line_;
+    if (text_[at_] != '"') {
+      field += text_[at_];
+    } else if (text_.compare(at_, 2, "\"\"") == 0) {
+      field += text_[at_++];
+    } else {
+      ++at_;
+      if (!at_end() && text_[at_] != separator_ && !at_line_end())
+        row.fault = "un guillemet fermant est suivi d'autre chose que d'un séparateur";
+      return;
+    }
+  }
+  row.fault = "un guillemet n'est pas refermé";
+}
+
+void write_row(std::ostream& out, const std::vector<std::string>& fields, char separator) {
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    if (i > 0) out << separator;
+    if (needs_quotes(fields[i], separator)) {
+      out << '"' << doubled_quotes(fields[i]) << '"';
+    } else {
+      out << fields[i];
+    }
+  }
+  out << '\n';
+}
+
+}  // namespace velanor::app

@@ -1,0 +1,70 @@
+// velanorctl demo: builds the demonstration database.
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <iostream>
+
+#include "app/velanorctl/commands.h"
+#include "app/velanorctl/open_store.h"
+#include "app/velanorctl/progress.h"
+#include "store/sqlite/sqlite_database.h"
+
+namespace velanor::app {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Options {
+  std::string path;
+  int cards = 0;
+};
+
+void refuse_existing(const std::string& path) {
+  if (fs::exists(path)) {
+    throw store::DbError(store::kStoreFailure,
+                         "Le fichier « " + path + " » existe déjà. Donnez un autre nom, ou ôtez-le.");
+  }
+}
+
+std::size_t fill(const std::string& path, const demo::Options& options) {
+  store::SqliteDatabase::Options created;
+  created.missing = store::SqliteDatabase::Missing::kCreate;
+  store::SqliteDatabase database(path, created);
+  std::size_t records = 0;
+  Progress progress("Données de démonstration");
+  StoreSink sink([&](auto file, auto id, const auto& record) {
+    database.put(file, id, record);
+    ++records;
+    progress.step();
+  });
+  database.in_one_change([&] { demo::fill(sink, options); });
+  return records;
+}
+
+int build(const Options& options) {
+  const std::string path = path_of(options.path);
+  refuse_existing(path);
+  // Under another name until it is complete, so that an interruption leaves nothing that looks like it.
+  const std::string unfinished = path + ".partiel";
+  for (const char* companion : {"", "-wal", "-shm"}) fs::remove(unfinished + companion);
+  const std::size_t records =
+      fill(unfinished, options.cards > 0 ? demo::of_scale(options.cards) : demo::Options());
+  fs::rename(unfinished, path);
+  std::cout << "Base « " << path << " » : " << records << " enregistrements.\n";
+  return 0;
+}
+
+}  // namespace
+
+void add_demo(CLI::App& program, int& status) {
+  const auto options = std::make_shared<Options>();
+  CLI::App* command = program.add_subcommand("demo", "Construit la base de démonstration");
+  command->add_option("PATH", options->path, "Le fichier à créer ; il ne doit pas exister")
+      ->required()
+      ->type_name("");
+  command->add_option("--cards", options->cards, "Une grande base d'essai, d'environ N fiches")
+      ->type_name("N")
+      ->check(CLI::Range(1, 2'000'000));
+  command->callback([options, &status] { status = build(*options); });
+}
+
+}  // namespace velanor::app

@@ -1,0 +1,73 @@
+// velanorctl export: a file of records as a table.
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+
+#include "app/velanorctl/commands.h"
+#include "app/velanorctl/export_csv.h"
+#include "app/velanorctl/open_store.h"
+#include "app/velanorctl/progress.h"
+
+namespace velanor::app {
+namespace {
+
+struct Options {
+  StoreOptions store;
+  std::string file, table = "-";
+  bool names = false;
+  std::string separator = ";";
+};
+
+void write(const Options& options, std::ostream& out) {
+  const auto database = open_named_store(options.store);
+  Progress progress("Exportation");
+  export_csv(out, *database, options.file,
+             {.headings = options.names ? Headings::kNames : Headings::kPositions,
+              .separator = options.separator.front()},
+             [&] { progress.step(); });
+  out.flush();
+  if (!out) {
+    throw store::DbError(store::kStoreFailure,
+                         "Le tableau « " + options.table +
+                             " » n'a pas pu être écrit. Vérifiez la place sur le disque "
+                             "et votre droit d'écrire dans ce dossier.");
+  }
+}
+
+// Under its own name only once it is complete: what was there stays until then.
+void write_table(const Options& options) {
+  const std::string unfinished = options.table + ".partiel";
+  {
+    std::ofstream out(unfinished, std::ios::binary);
+    write(options, out);
+  }
+  std::filesystem::permissions(unfinished,
+                               std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+  std::filesystem::rename(unfinished, options.table);
+}
+
+}  // namespace
+
+void add_export(CLI::App& program, int& status) {
+  const auto options = std::make_shared<Options>();
+  CLI::App* command =
+      program.add_subcommand("export", "Exporte un fichier en un tableau CSV que import relit");
+  command->add_option("FICHIER", options->table, "Le tableau à écrire ; « - » ou rien : la sortie standard")
+      ->type_name("");
+  add_store_options(*command, options->store);
+  command->add_option("--file", options->file, "Le fichier de la base, par exemple VELANORO")
+      ->required()
+      ->type_name("NAME");
+  command->add_flag("--names", options->names,
+                    "Pour VELANORO : colonnes par leur nom, dates et montants comme à l'écran");
+  command->add_option("--separator", options->separator, "Le séparateur, « ; » ou « , »")
+      ->type_name("CAR")
+      ->check(CLI::IsMember({";", ","}));
+  command->callback([options, &status] {
+    options->table == "-" ? write(*options, std::cout) : write_table(*options);
+    status = 0;
+  });
+}
+
+}  // namespace velanor::app

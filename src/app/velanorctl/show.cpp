@@ -1,0 +1,38 @@
+// velanorctl show: prints a record as the scenario command "record" does.
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "app/velanorctl/commands.h"
+#include "app/velanorctl/open_store.h"
+#include "play/store_commands.h"
+
+namespace velanor::app {
+namespace {
+
+struct Options {
+  StoreOptions store;
+  std::string file, id;
+};
+
+int show(const Options& options) {
+  const auto database = open_named_store(options.store);
+  play::Command record{};
+  record.verb = play::Verb::Record;
+  record.file = options.file;
+  record.id = options.id;
+  play::print_record(*database, record, std::cout);
+  return database->OpenFile(options.file)->find(options.id) ? 0 : 1;
+}
+
+}  // namespace
+
+void add_show(CLI::App& program, int& status) {
+  const auto options = std::make_shared<Options>();
+  CLI::App* command = program.add_subcommand("show", "Affiche un enregistrement, un élément par ligne");
+  add_store_options(*command, options->store);
+  command->add_option("FILE", options->file, "Le fichier, par exemple VELANORO")->required()->type_name("");
+  command->add_option("ID", options->id, "L'identifiant de l'enregistrement")->required()->type_name("");
+  command->callback([options, &status] { status = show(*options); });
+}
+
+}  // namespace velanor::app
