@@ -13,10 +13,13 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 // A single semicolon decides: headings such as 30,1,2 hold commas of their own.
 char separator_of_first_row(std::string_view text) {
   bool quoted = false;
+  char before = ',';
   for (const char c : text) {
-    if (c == '"') quoted = !quoted;
+    // Quotes mean something at the start of a field, and from there on.
+    if (c == '"' && (quoted || before == ';' || before == ',' || before == '"')) quoted = !quoted;
     if (!quoted && c == ';') return ';';
     if (!quoted && c == '\n') break;
+    before = c;
   }
   return ',';
 }

@@ -1,0 +1,138 @@
+#include "app/velanorctl/card_check.h"
+
+#include <gtest/gtest.h>
+
+#include "app/velanorctl/open_store.h"
+#include "store/memory_database.h"
+#include "store/query.h"
+
+namespace velanor::app {
+namespace {
+
+using store::DbRecord;
+
+// A card of the demonstration in its latest year: with amendments, production staff, no end.
+class CheckOfCards : public testing::Test {
+ protected:
+  void SetUp() override {
+    const auto ids = database_->Select(
+        store::DbQuery("SSELECT VELANORO AVEC 0 = \"[0012026\" AND AVEC 7 = \"P\" AND AVEC 23 = \"\"",
+                       "VELANORO", "0")
+            .encoded());
+    id_ = ids(1);
+    card_ = database_->OpenFile("VELANORO")->Read(id_);
+  }
+  std::string faults() const {
+    std::string text;
+    for (const auto& fault : check_.faults_of(id_, card_)) text += fault + "\n";
+    return text;
+  }
+
+  std::unique_ptr<store::Database> database_ = open_store({.url = "", .demo = true});
+  CardCheck check_{*database_};
+  std::string id_;
+  DbRecord card_;
+};
+
+TEST_F(CheckOfCards, EveryCardOfTheDemonstrationIsRight) {
+  EXPECT_TRUE(check_.faults_of_references().empty());
+  const auto cards = database_->OpenFile("VELANORO");
+  const auto ids = database_->Select(store::DbQuery("SSELECT VELANORO", "VELANORO", "0").encoded());
+  ASSERT_GT(ids.DCount(), 500);
+  for (int i = 1; i <= ids.DCount(); ++i) {
+    const auto faults = check_.faults_of(ids(i), cards->Read(ids(i)));
+    ASSERT_TRUE(faults.empty()) << ids(i) << " " << faults.front();
+  }
+}
+
+// An element is set, a sentence is expected and no other.
+TEST_F(CheckOfCards, EachFaultIsToldInItsOwnWords) {
+  const DbRecord good = card_;
+  const auto start = std::string(good(8));
+  const struct {
+    int attribute;
+    std::string text, told;
+  } cases[] = {
+      {1, "", "Le nom du salarié est obligatoire.\n"},
+      {2, "", "L'horaire mensuel de l'établissement est obligatoire.\n"},
+      {3, "", "La convention collective est obligatoire.\n"},
+      {3, "77", "La convention collective « 77 » n'existe pas.\n"},
+      {4, "", "Le secteur est obligatoire.\n"},
+      {4, "999", "Le secteur « 999 » n'existe pas.\n"},
+      {5, "", "La commune est obligatoire.\n"},
+      {5, "Atlantis", "La commune « Atlantis » n'existe pas.\n"},
+      {6, "X", "Le type de contrat est illisible : « X ».\n"},
+      {9, "hier", "La date de naissance est illisible : « hier ».\n"},
+      {19, "", "Le profil de paie est obligatoire.\n"},
+      {21, "10001", "Le pourcentage des heures exonérées ne peut être supérieur à 100.\n"},
+      {21, "", "Le pourcentage des heures exonérées est obligatoire.\n"},
+      {23, "1", "La date de fin de contrat doit être supérieure ou égale à la date de début.\n"},
+      {23, start, "Un motif de fin de contrat est obligatoire.\n"},
+      {40, "001", "L'établissement est obligatoire.\nL'établissement « 001 » n'existe pas.\n"},
+      {40, "002001", "L'établissement « 002001 » n'est pas de l'entité de la fiche.\n"},
+      {43, "000", "La charge de mutuelle « 000 » n'existe pas.\n"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.told);
+    card_ = good;
+    card_.set(c.attribute, c.text);
+    EXPECT_EQ(faults(), c.told);
+  }
+}
+
+TEST_F(CheckOfCards, ListsAreJudgedAsTheScreenReadsThem) {
+  const DbRecord good = card_;
+  card_.set(11, 1, "1");
+  EXPECT_EQ(faults(), "Le total de la répartition des activités est différent de 100.\n");
+  card_ = good;
+  card_.set(10, "");
+  EXPECT_EQ(faults(),
+            "Au moins une activité est obligatoire.\n"
+            "Des lignes d'activité suivent une activité vide : l'écran ne les montre pas.\n");
+  card_ = good;
+  for (int attribute : {12, 13, 14, 15, 16, 17, 18, 30, 31, 32, 33, 38}) card_.set(attribute, "");
+  EXPECT_EQ(faults(), "Une date d'effet est obligatoire.\n");
+  card_ = good;
+  for (int attribute : {30, 31, 32, 33}) card_.set(attribute, 1, "");
+  EXPECT_EQ(faults().substr(0, 44), "Aucun détail n'a été saisi pour l'avenant");
+  card_ = good;
+  card_.set(12, card_.Count(12) + 1, "1");
+  card_.set(30, card_.Count(12), "001");
+  EXPECT_EQ(faults(), "Les dates d'effet des avenants ne se suivent pas.\n");
+}
+
+TEST_F(CheckOfCards, AmendmentsStartWhereTheContractOrTheBudgetDoes) {
+  for (int attribute : {12, 13, 14, 15, 16, 17, 18, 30, 31, 32, 33, 38}) card_.set(attribute, "");
+  card_.set(30, 1, "001");
+  const std::string reference(database_->OpenFile("BUDGETPARAM")
+                                  ->Read("1")(1, database_->OpenFile("BUDGETPARAM")->Read("1").Count(1)));
+  const int day = std::stoi(reference);
+  const struct {
+    int start, effective;
+    const char* told;
+  } cases[] = {
+      {day - 1, day, ""},
+      {day - 1, day + 1,
+       "La date d'effet de l'avenant le plus ancien ne peut être supérieure au 01/01/2026.\n"},
+      {day, day, ""},
+      {day, day + 1,
+       "Un avenant avec une date d'effet égale à la date de début de contrat doit obligatoirement "
+       "exister.\n"},
+  };
+  for (const auto& c : cases) {
+    card_.set(8, std::to_string(c.start));
+    card_.set(12, 1, std::to_string(c.effective));
+    EXPECT_EQ(faults(), c.told);
+  }
+}
+
+TEST(CheckOfReferences, WhatTheScreenCannotStartWithoutIsTold) {
+  store::MemoryDatabase empty;
+  const CardCheck check(empty);
+  ASSERT_EQ(check.faults_of_references().size(), 6u);
+  EXPECT_EQ(check.faults_of_references().front(), "L'enregistrement « FINCONTRAT » manque dans TABLES.");
+  EXPECT_EQ(check.faults_of_references().back(), "L'enregistrement « 1 » manque dans BUDGETPARAM.");
+}
+
+}  // namespace
+}  // namespace velanor::app

@@ -1,0 +1,118 @@
+// The built program, from outside.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+
+#include "app/velanorctl/table.h"
+#include "sqlite/temporary_folder.h"
+
+namespace velanor::app {
+namespace {
+
+struct Outcome {
+  int status;
+  std::string output;
+};
+
+class Program : public testing::Test {
+ protected:
+  // Both outputs together.
+  Outcome run(const std::string& arguments) const {
+    const std::string command = "cd '" + folder_.file("") + "' && " VELANORCTL " " + arguments + " 2>&1";
+    std::FILE* pipe = popen(command.c_str(), "r");
+    std::string output;
+    std::array<char, 4096> buffer;
+    while (const auto size = std::fread(buffer.data(), 1, buffer.size(), pipe))
+      output.append(buffer.data(), size);
+    return {WEXITSTATUS(pclose(pipe)), output};
+  }
+  void write(const std::string& name, const std::string& text) const {
+    std::ofstream(folder_.file(name)) << text;
+  }
+
+  TemporaryFolder folder_;
+};
+
+TEST_F(Program, BuildsTheDemonstrationOnceAndChecksIt) {
+  EXPECT_EQ(run("demo base").status, 0);
+  const Outcome check = run("check --store base");
+  EXPECT_EQ(check.status, 0);
+  EXPECT_NE(check.output.find("fiches en faute : 0, fautes : 0."), std::string::npos) << check.output;
+  const Outcome again = run("demo base");
+  EXPECT_EQ(again.status, 1);
+  EXPECT_EQ(again.output, "velanorctl : Le fichier « base » existe déjà. Donnez un autre nom, ou ôtez-le.\n");
+}
+
+TEST_F(Program, TellsAFaultyCardAndEndsWithOne) {
+  run("demo base");
+  write("faute.csv", "id;1\n000010092026;X\n");
+  EXPECT_EQ(run("import faute.csv --store base --file VELANORO").status, 0);
+  const Outcome check = run("check --store sqlite:base");
+  EXPECT_EQ(check.status, 1);
+  EXPECT_NE(check.output.find("000010092026 : L'entité « 009 » n'existe pas.\n"), std::string::npos);
+  EXPECT_NE(check.output.find("fiches en faute : 1"), std::string::npos) << check.output;
+}
+
+TEST_F(Program, ImportsATableOrNothingOfIt) {
+  write("bon.csv", "id;1\n001;Ville\n002;Bourg\n");
+  write("faux.csv", "id;1\n003;Hameau\n004\n");
+  EXPECT_EQ(run("import bon.csv --store base --file SECTEUR").output,
+            "SECTEUR : enregistrements créés : 2, modifiés : 0.\n");
+  const Outcome bad = run("import faux.csv --store base --file SECTEUR");
+  EXPECT_EQ(bad.status, 1);
+  EXPECT_EQ(bad.output,
+            "faux.csv:3: 1 champs au lieu de 2\n"
+            "Rien n'a été importé. Corrigez le tableau, puis recommencez.\n");
+  EXPECT_EQ(run("export --store base --file SECTEUR").output, "id;1\n001;Ville\n002;Bourg\n");
+}
+
+TEST_F(Program, PrintsSelectionsLinedUpAndRecordsElementByElement) {
+  write("t.csv", "id;1;2,2\n001;Été;x\n002;Bourg;y\n");
+  run("import t.csv --store base --file SECTEUR");
+  EXPECT_EQ(run("select 'SSELECT SECTEUR PAR 1' '0 1 2' --store base").output,
+            "id   1      2\n"
+            "---  -----  ----\n"
+            "002  Bourg   | y\n"
+            "001  Été     | x\n"
+            "2 enregistrements\n");
+  EXPECT_EQ(run("show SECTEUR 001 --store base").output, "1 = Été\n2,2 = x\n");
+  const Outcome absent = run("show SECTEUR 003 --store base");
+  EXPECT_EQ(absent.output, "absent\n");
+  EXPECT_EQ(absent.status, 1);
+  const Outcome bad = run("select 'SSELECT' --store base");
+  EXPECT_EQ(bad.status, 1);
+  EXPECT_EQ(bad.output.find("velanorctl : "), 0u) << bad.output;
+}
+
+TEST_F(Program, BacksUpToAFileThatOpens) {
+  write("t.csv", "id;1\n001;Ville\n");
+  run("import t.csv --store base --file SECTEUR");
+  EXPECT_EQ(run("backup copie --store base").status, 0);
+  EXPECT_EQ(run("show SECTEUR 001 --store copie").output, "1 = Ville\n");
+  EXPECT_EQ(run("backup copie --store base").status, 1);
+}
+
+TEST_F(Program, AStoreThatIsNotThereOrNotNamedIsSaidSo) {
+  const Outcome absent = run("check --store absente");
+  EXPECT_EQ(absent.status, 1);
+  EXPECT_EQ(absent.output.find("velanorctl : La base « absente » ne peut pas être ouverte."), 0u)
+      << absent.output;
+  EXPECT_EQ(run("check --store postgres://ici").status, 1);
+  EXPECT_EQ(run("check").status, 64);
+  EXPECT_EQ(run("check --store base --demo").status, 64);
+}
+
+TEST(TextTable, CountsTheColumnsThatATerminalUses) {
+  EXPECT_EQ(display_width("Été"), 3);
+  EXPECT_EQ(display_width("e\u0301"), 1);
+  EXPECT_EQ(display_width("日本"), 4);
+  EXPECT_EQ(printable("a\x1B[2J\nb\xFD"
+                      "c"),
+            "a·[2J·b | c");
+}
+
+}  // namespace
+}  // namespace velanor::app
