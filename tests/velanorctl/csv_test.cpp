@@ -49,7 +49,7 @@ TEST(Csv, SaysWhatIsWrongWithARow) {
   EXPECT_EQ(rows("id;1\na;\"b\nc;d"), "1:id|1|\n2:a|b\nc;d|! un guillemet n'est pas refermé\n");
   EXPECT_EQ(rows("\"a\"b;c\nd;e\n"),
             "1:ab|c|! un guillemet fermant est suivi d'autre chose que d'un séparateur\n2:d|e|\n");
-  EXPECT_EQ(rows("id;\xE9t\xE9\n").substr(11), " des caractères ne sont pas de l'UTF-8\n");
+  EXPECT_EQ(rows("id;\xE9\n"), "1:id|\xE9|! des caractères ne sont pas de l'UTF-8\n");
   EXPECT_NE(rows("a;b\xFE"
                  "c\n")
                 .find("UTF-8"),
