@@ -7,6 +7,7 @@
 #include <QComboBox>
 #include <QCursor>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
@@ -27,6 +28,8 @@ namespace {
 using play::Actor;
 using qt::to_qt;
 using screen::Key;
+
+constexpr int kActiveTimeout = 2000;
 
 void mouse(QEvent::Type type, QWidget& widget, const QPoint& at, Qt::MouseButton button = Qt::LeftButton) {
   const Qt::MouseButtons down = type == QEvent::MouseButtonRelease ? Qt::NoButton : button;
@@ -72,12 +75,18 @@ void press_key(QWidget& widget, char32_t code) {
   send_key(widget, code < 128 ? text.toUpper().at(0).unicode() : int(Qt::Key_unknown), text);
 }
 
-// Lists that hang over the window go away, as they do when the user clicks elsewhere.
-void close_lists() {
-  while (QWidget* popup = QApplication::activePopupWidget()) {
-    if (qobject_cast<QMenu*>(popup)) return;
+// Lists that hang over the window go away, as they do when the user clicks elsewhere. On a platform
+// without a window manager they take the activity of the window with them.
+void close_lists(QWidget& widget) {
+  for (QWidget* popup = QApplication::activePopupWidget(); popup && !qobject_cast<QMenu*>(popup);
+       popup = QApplication::activePopupWidget())
     popup->hide();
-  }
+  QWidget& window = *widget.window();
+  if (window.isActiveWindow() || QApplication::activePopupWidget()) return;
+  window.activateWindow();
+  QElapsedTimer waited;
+  waited.start();
+  while (!window.isActiveWindow() && waited.elapsed() < kActiveTimeout) QCoreApplication::processEvents();
 }
 
 }  // namespace
@@ -99,7 +108,7 @@ Actor::Refusal QtActor::done(Refusal why) {
 QWidget* QtActor::widget_of(const screen::Control& control) const { return widget_.widget_of(control); }
 
 QtActor::Reached QtActor::reach(screen::Control& control) {
-  close_lists();
+  close_lists(widget_);
   if (widget_.screen().finished()) return {nullptr, "the component was left"};
   QWidget* widget = widget_of(control);
   if (!widget) return {nullptr, control.name() + " is not on the window"};
@@ -132,7 +141,7 @@ Actor::Refusal QtActor::focus(screen::Control& control) {
 
 Actor::Refusal QtActor::leave() {
   if (widget_.screen().finished()) return "the component was left";
-  close_lists();
+  close_lists(widget_);
   widget_.setFocus(Qt::OtherFocusReason);
   return done();
 }
@@ -144,7 +153,7 @@ Actor::Refusal QtActor::type(screen::TextControl& control, std::string_view text
   for (const char32_t character : to_qt(text).toUcs4()) {
     if (QWidget* focus = with_focus(widget_)) press_key(*focus, character);
   }
-  close_lists();
+  close_lists(widget_);
   return done();
 }
 
@@ -154,7 +163,7 @@ Actor::Refusal QtActor::press(screen::Control& control, Key key) {
   QWidget& widget = *with_focus(widget_);
   if (dynamic_cast<screen::TextControl*>(&control)) send_key(widget, Qt::Key_End);
   press_key(widget, key.code);
-  close_lists();
+  close_lists(widget_);
   return done();
 }
 
@@ -166,7 +175,7 @@ Actor::Refusal QtActor::clear(screen::TextControl& control) {
   QWidget& widget = *with_focus(widget_);
   send_key(widget, Qt::Key_A, QStringLiteral("\x01"), Qt::ControlModifier);
   press_key(widget, Key::kDelete);
-  close_lists();
+  close_lists(widget_);
   return done();
 }
 
@@ -276,7 +285,7 @@ Actor::Refusal QtActor::scroll(screen::ScrollBar& bar, int value) {
 }
 
 Actor::Refusal QtActor::tab(int page) {
-  close_lists();
+  close_lists(widget_);
   if (widget_.screen().finished()) return "the component was left";
   screen::Tabs* control = widget_.screen().top().tabs();
   auto* tabs = control ? static_cast<QTabWidget*>(widget_of(*control)) : nullptr;
@@ -295,7 +304,7 @@ Actor::Refusal QtActor::right_click() {
 
 Actor::Refusal QtActor::close() {
   if (widget_.screen().finished()) return "the component was left";
-  close_lists();
+  close_lists(widget_);
   if (auto* sheet = qobject_cast<qt::Sheet*>(widget_.open_sheet())) click_on(sheet->close_box());
   return done();
 }
