@@ -2,6 +2,7 @@
 
 #include <QKeyEvent>
 #include <QShortcutEvent>
+#include <QStyleOptionButton>
 
 namespace velanor::qt {
 
@@ -21,6 +22,11 @@ void ActionButton::keyPressEvent(QKeyEvent* event) {
     default:
       QPushButton::keyPressEvent(event);
   }
+}
+
+void ActionButton::initStyleOption(QStyleOptionButton* option) const {
+  QPushButton::initStyleOption(option);
+  if (hasFocus()) option->state |= QStyle::State_KeyboardFocusChange;
 }
 
 }  // namespace velanor::qt

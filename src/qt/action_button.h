@@ -14,6 +14,8 @@ class ActionButton : public QPushButton {
  protected:
   bool event(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  // Shows the focus however it came.
+  void initStyleOption(QStyleOptionButton* option) const override;
 };
 
 }  // namespace velanor::qt

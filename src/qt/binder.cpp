@@ -48,6 +48,8 @@ std::vector<Column> columns_from(const std::string& first) {
 
 // A field is as wide as the characters that its form file asks for.
 void size_field(QWidget& widget) {
+  static const int kHeight = QComboBox().sizeHint().height();
+  if (qobject_cast<QLineEdit*>(&widget)) widget.setMinimumHeight(kHeight);
   const int characters = widget.property("widthInCharacters").toInt();
   if (characters > 0) {
     const int frame = 14 + (qobject_cast<QComboBox*>(&widget) ? 24 : 0);

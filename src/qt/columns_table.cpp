@@ -18,7 +18,7 @@ ColumnsTable::ColumnsTable(QWidget* parent) : QTableView(parent) {
   setAlternatingRowColors(true);
   verticalHeader()->hide();
   verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-  horizontalHeader()->setStretchLastSection(true);
+
   horizontalHeader()->setSectionsClickable(false);
   horizontalHeader()->setHighlightSections(false);
   horizontalHeader()->setMinimumSectionSize(10);
@@ -51,6 +51,8 @@ void ColumnsTable::align() {
     setColumnWidth(static_cast<int>(c), right - left);
     left = right;
   }
+  const int last = model() ? model()->columnCount() - 1 : -1;
+  if (last >= 0) setColumnWidth(last, std::max(10, viewport()->width() - columnViewportPosition(last)));
 }
 
 }  // namespace velanor::qt

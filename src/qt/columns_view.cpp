@@ -1,5 +1,6 @@
 #include "qt/columns_view.h"
 
+#include <QApplication>
 #include <QFont>
 #include <QFontMetrics>
 #include <QHeaderView>
@@ -15,6 +16,17 @@ QFont fixed_pitch(const QFont& like) {
   font.setStyleHint(QFont::Monospace);
   font.setFixedPitch(true);
   return font;
+}
+
+// Two lines of the ordinary font; said in full, or the header would inherit the list's.
+void give_headings(QHeaderView& header) {
+  QFont font = QApplication::font();
+  font.setFamily(font.family());
+  font.setFixedPitch(false);
+  font.setStyleHint(QFont::SansSerif);
+  font.setPointSizeF(font.pointSizeF());
+  header.setFont(font);
+  header.setFixedHeight(2 * QFontMetrics(font).height() + 6);
 }
 
 std::vector<const screen::Lines*> lines_of(const std::vector<screen::ListBox*>& lists) {
@@ -33,8 +45,11 @@ ColumnsView::ColumnsView(Acts& acts, std::vector<screen::ListBox*> lists, Column
   table.setFont(fixed_pitch(table.font()));
   const QFontMetrics metrics(table.font());
   table.verticalHeader()->setDefaultSectionSize(metrics.height() + 4);
-  table.horizontalHeader()->setFont(table.parentWidget()->font());
-  table.horizontalHeader()->setVisible(lists_.size() > 1);
+  if (lists_.size() > 1) {
+    give_headings(*table.horizontalHeader());
+  } else {
+    table.horizontalHeader()->hide();
+  }
   table.on_key = [this](QKeyEvent& event) { return key(event); };
   watch(table);
   watch(*table.viewport());

@@ -3,13 +3,31 @@
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPalette>
 
 #include "qt/stage.h"
 
 namespace velanor::qt {
 
+namespace {
+
+// What cannot be changed now is still to be read: the entity, the year, the state of the card.
+QPalette readable(QPalette palette) {
+  const QColor text = palette.color(QPalette::Active, QPalette::Text);
+  const QColor base = palette.color(QPalette::Active, QPalette::Base);
+  const auto mix = [](int a, int b) { return (a * 62 + b * 38) / 100; };
+  const QColor dim(mix(text.red(), base.red()), mix(text.green(), base.green()),
+                   mix(text.blue(), base.blue()));
+  for (const auto role : {QPalette::Text, QPalette::WindowText})
+    palette.setColor(QPalette::Disabled, role, dim);
+  return palette;
+}
+
+}  // namespace
+
 ControleVelanorWidget::ControleVelanorWidget(QWidget* parent)
     : QWidget(parent), stage_(std::make_unique<Stage>(*this)) {
+  setPalette(readable(palette()));
   setAccessibleName(QStringLiteral("Fiches du personnel"));
 }
 

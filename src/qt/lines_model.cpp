@@ -52,7 +52,8 @@ QVariant LinesModel::alignment(int column) const {
 QVariant LinesModel::headerData(int section, Qt::Orientation orientation, int role) const {
   const auto c = static_cast<std::size_t>(section);
   if (orientation != Qt::Horizontal || c >= headings_.size()) return {};
-  if (role == Qt::TextAlignmentRole) return alignment(section);
+  if (role == Qt::TextAlignmentRole)
+    return QVariant::fromValue(alignment(section).value<Qt::Alignment>() | Qt::Alignment(Qt::TextWordWrap));
   if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
   return to_qt(headings_[c]->caption());
 }

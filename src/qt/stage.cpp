@@ -176,6 +176,7 @@ void ControleVelanorWidget::Stage::place_focus() {
   open.views->leave_all_but(view);
   QWidget* target = view ? &view->focus_widget() : &widget_;
   if (widget_.window()->focusWidget() == target) return;
+  widget_.window()->setAttribute(Qt::WA_KeyboardFocusChange);
   target->setFocus(Qt::OtherFocusReason);
   if (view) view->focus_placed();
 }
