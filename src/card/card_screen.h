@@ -14,7 +14,7 @@ enum class Group {
   kLabel,
   kEntity,   // entity and year
   kChoice,   // employee to open
-  kNameBox,     // name of the open employee
+  kNameBox,  // name of the open employee
   kDisplay,  // written by the program alone
   kTabs,
   kEstablishmentBoxes,

@@ -22,9 +22,9 @@ bool CardStates::year_is_open() const {
 }
 
 void CardStates::empty_fields() {
-  for (Group group :
-       {Group::kEstablishmentBoxes, Group::kContractKey, Group::kEmployee, Group::kEndReasonBox, Group::kActivityLine,
-        Group::kActivityEntry, Group::kAmendmentList, Group::kAmendmentEntry, Group::kMutual})
+  for (Group group : {Group::kEstablishmentBoxes, Group::kContractKey, Group::kEmployee, Group::kEndReasonBox,
+                      Group::kActivityLine, Group::kActivityEntry, Group::kAmendmentList,
+                      Group::kAmendmentEntry, Group::kMutual})
     empty(group);
   ui_.Bdv_Detail.set_max(0);
   ui_.Bdv_Detail.set_visible(false);
@@ -43,8 +43,9 @@ void CardStates::GriserOng() {
   empty_fields();
   enable_establishment(false);
   enable_employee(false);
-  for (Group group : {Group::kEndReasonBox, Group::kActivityLine, Group::kActivityEntry, Group::kAmendmentList,
-                      Group::kAmendmentEntry, Group::kAmendmentFrame, Group::kAmendmentButton})
+  for (Group group :
+       {Group::kEndReasonBox, Group::kActivityLine, Group::kActivityEntry, Group::kAmendmentList,
+        Group::kAmendmentEntry, Group::kAmendmentFrame, Group::kAmendmentButton})
     enable(group, false);
   ui_.Cdr_Mutuelle.set_enabled(false);
   disable_commands();
