@@ -99,6 +99,8 @@ TEST_F(CheckOfCards, ListsAreJudgedAsTheScreenReadsThem) {
   card_.set(12, card_.Count(12) + 1, "1");
   card_.set(30, card_.Count(12), "001");
   EXPECT_EQ(faults(), "Les dates d'effet des avenants ne se suivent pas.\n");
+  card_.set(12, card_.Count(12), card_(12, card_.Count(12) - 1));
+  EXPECT_EQ(faults(), "Les dates d'effet des avenants ne se suivent pas.\n");
 }
 
 TEST_F(CheckOfCards, AmendmentsStartWhereTheContractOrTheBudgetDoes) {
