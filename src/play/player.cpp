@@ -240,4 +240,13 @@ std::string Player::expect_statement(const std::string& statement) {
   return {};
 }
 
+int run(const Scenario& scenario, const Surroundings& surroundings) {
+  for (const std::string& error : scenario.errors) surroundings.err << error << "\n";
+  Player player(surroundings);
+  if (scenario.errors.empty()) player.play(scenario);
+  const Tally tally = player.tally();
+  surroundings.out << tally.passed << " passed, " << tally.failed << " failed" << std::endl;
+  return scenario.errors.empty() ? exit_status(tally) : kSyntaxStatus;
+}
+
 }  // namespace velanor::play

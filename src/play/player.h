@@ -88,4 +88,8 @@ inline int exit_status(const Tally& tally) { return tally.failed == 0 ? 0 : 1; }
 // When a line is not of the language.
 inline constexpr int kSyntaxStatus = 2;
 
+// A whole run: the lines that are not of the language on `err`, or else the scenario played; the
+// tally as the last line on `out`. Returns the exit status.
+int run(const Scenario& scenario, const Surroundings& surroundings);
+
 }  // namespace velanor::play

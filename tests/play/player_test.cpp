@@ -256,5 +256,25 @@ remove F 1
       "t:4: expected F 1 1 \"x\", found \"a\\b|c\"\nt:5: expected no record 1 in F, found one\n");
 }
 
+TEST(Run, ALineNotOfTheLanguageKeepsTheWholeScenarioFromBeingPlayed) {
+  store::MemoryDatabase store;
+  RecordingDatabase database(store);
+  MessageBoxes boxes;
+  std::ostringstream out, err;
+  const std::pair<std::string, std::pair<int, std::string>> kCases[] = {
+      {"put F 1 1 a\nexpect-record F 1 1 a\n", {0, "1 passed, 0 failed\n"}},
+      {"expect-absent F 1\nexpect-form none\n", {1, "1 passed, 1 failed\n"}},
+      {"remove F 1\nexpect-absent\n", {2, "0 passed, 0 failed\n"}},
+      {"expect-record F 1 1 a\n", {0, "1 passed, 0 failed\n"}},
+  };
+  for (const auto& [text, ending] : kCases) {
+    SCOPED_TRACE(text);
+    out.str("");
+    std::istringstream in(text);
+    const int status = run(read_scenario(in, "t", "."), {database, boxes, nullptr, out, err});
+    EXPECT_EQ(std::pair(status, out.str()), ending);
+  }
+}
+
 }  // namespace
 }  // namespace velanor::play

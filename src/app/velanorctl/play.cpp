@@ -18,27 +18,13 @@ play::Scenario read(const std::string& file) {
   return file == "-" ? play::read_scenario(std::cin, "-", ".") : play::read_scenario(file);
 }
 
-int report_syntax(const std::vector<std::string>& errors) {
-  for (const auto& error : errors) std::cerr << error << "\n";
-  return play::kSyntaxStatus;
-}
-
 int play_scenario(const Options& options) {
   const play::Scenario scenario = read(options.file);
-  play::Tally tally;
-  int status = report_syntax(scenario.errors);
-  if (scenario.errors.empty()) {
-    const auto store = open_store(options.store);
-    play::RecordingDatabase database(*store);
-    play::MessageBoxes boxes;
-    play::Player player(
-        {database, boxes, [&] { return start_headless(database, boxes); }, std::cout, std::cerr});
-    player.play(scenario);
-    tally = player.tally();
-    status = play::exit_status(tally);
-  }
-  std::cout << tally.passed << " passed, " << tally.failed << " failed" << std::endl;
-  return status;
+  const auto store = open_store(options.store);
+  play::RecordingDatabase database(*store);
+  play::MessageBoxes boxes;
+  return play::run(scenario,
+                   {database, boxes, [&] { return start_headless(database, boxes); }, std::cout, std::cerr});
 }
 
 }  // namespace
