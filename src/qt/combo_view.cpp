@@ -3,6 +3,7 @@
 #include <QAbstractItemView>
 #include <QCompleter>
 #include <QKeyEvent>
+#include <QPalette>
 
 #include "qt/strings.h"
 
@@ -18,6 +19,12 @@ ComboView::ComboView(Acts& acts, screen::ComboBox& box, ComboEdit& widget, QObje
   widget.before_opening = [this] { return may_open(); };
   connect(&widget, &QComboBox::activated, this, [this](int index) { chosen(index); });
   watch(widget);
+  if (box.editable()) return;
+  // A list alone is drawn as a button, and is to be read like a text.
+  QPalette palette = widget.palette();
+  palette.setBrush(QPalette::Disabled, QPalette::ButtonText,
+                   palette.brush(QPalette::Disabled, QPalette::Text));
+  widget.setPalette(palette);
 }
 
 void ComboView::describe(const QString& name) {
