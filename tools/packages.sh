@@ -2,7 +2,7 @@
 
 PACKAGES="g++ cmake ninja-build ccache clang-format
   libgtest-dev libbenchmark-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev
-  qt6-base-dev qt6-translations-l10n fonts-dejavu-core"
+  qt6-base-dev qt6-translations-l10n fonts-dejavu-core xvfb jwm xdotool x11-xkb-utils"
 
 missing_packages() {
   for package in $PACKAGES; do
