@@ -234,9 +234,11 @@ std::string Player::expect_no_message() {
 
 std::string Player::expect_statement(const std::string& statement) {
   const auto& sent = with_.database.statements();
-  if (std::find(sent.begin(), sent.end(), statement) == sent.end())
+  const auto found = std::find(sent.begin(), sent.end(), statement);
+  if (found == sent.end())
     return expected("the statement " + statement, sent.empty() ? "none" : list_of(sent));
-  with_.database.forget_statements();
+  // What was sent after it is still to be expected: one action sends several.
+  with_.database.forget_statements(static_cast<std::size_t>(found - sent.begin()) + 1);
   return {};
 }
 

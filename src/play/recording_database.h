@@ -23,7 +23,10 @@ class RecordingDatabase : public store::Database {
   }
 
   const std::vector<std::string>& statements() const { return statements_; }
-  void forget_statements() { statements_.clear(); }
+  // Forgets the first `count` of them.
+  void forget_statements(std::size_t count) {
+    statements_.erase(statements_.begin(), statements_.begin() + static_cast<std::ptrdiff_t>(count));
+  }
 
  private:
   store::Database& database_;

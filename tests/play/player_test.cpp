@@ -188,6 +188,9 @@ TEST_F(PlayerTest, AQuestionWithoutItsAnswerFailsTheLineThatRaisedIt) {
 TEST_F(PlayerTest, AStatementIsExpectedOnceAndWithItThoseBefore) {
   EXPECT_EQ(play(R"(init
 click Cmd_Cherche
+expect-statement "SSELECT SECTEUR PAR 1"
+expect-statement "SSELECT SECTEUR PAR 1"
+click Cmd_Cherche
 click Cmd_Cherche
 expect-statement "SSELECT SECTEUR PAR 1"
 expect-statement "SSELECT SECTEUR PAR 1"
@@ -195,8 +198,8 @@ click Cmd_Cherche
 expect-statement "SSELECT SECTEUR"
 expect-statement "SSELECT SECTEUR PAR 1"
 )"),
-            "t:5: expected the statement SSELECT SECTEUR PAR 1, found none\n"
-            "t:7: expected the statement SSELECT SECTEUR, found \"SSELECT SECTEUR PAR 1\"\n");
+            "t:4: expected the statement SSELECT SECTEUR PAR 1, found none\n"
+            "t:10: expected the statement SSELECT SECTEUR, found \"SSELECT SECTEUR PAR 1\"\n");
 }
 
 TEST_F(PlayerTest, ControlsOfTheTopmostFormComeFirst) {
