@@ -31,7 +31,6 @@ char32_t key_code(const QKeyEvent& event) {
 TextView::TextView(Acts& acts, screen::TextControl& control, QWidget& widget, TextEdit* edit, QObject& parent)
     : View(acts, control, widget, parent), text_(control), edit_(edit) {
   if (!edit_) return;
-  if (control.max_length() > 0) edit_->setMaxLength(control.max_length());
   edit_->on_key = [this](QKeyEvent& event) { return key(event); };
   connect(edit_, &QLineEdit::textChanged, this, [this] { text_changed(); });
   watch(*edit_);
@@ -86,7 +85,10 @@ void TextView::enter(screen::Hand& hand) {
   if (key.code >= U' ') put(key.code, QKeyEvent(QEvent::KeyPress, 0, Qt::NoModifier));
 }
 
+// The length is bounded here: the line edit would cut a pasted value before it has been judged.
 void TextView::put(char32_t code, const QKeyEvent& event) {
+  const bool full = text_.max_length() > 0 && edit_->text().length() >= text_.max_length();
+  if (full && code != Key::kBackspace && !edit_->hasSelectedText()) return;
   const bool same = event.key() == Qt::Key_Backspace || event.text() == QString::fromUcs4(&code, 1);
   QKeyEvent typed(QEvent::KeyPress, same ? event.key() : Qt::Key_unknown,
                   same ? event.modifiers() : Qt::NoModifier,
@@ -120,7 +122,6 @@ void TextView::text_changed() {
   if (typing_ || showing()) return;
   if (acts().open_to(text_)) {
     const std::string value = from_qt(edit_->text());
-    // Less than before of the same text needs no judge.
     acts().act([&](screen::Hand&) { text_.edit(text_.admitted(value)); });
   }
   refresh_again();

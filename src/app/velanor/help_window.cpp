@@ -12,7 +12,7 @@ HelpWindow::HelpWindow(QWidget* owner) : QWidget(owner, Qt::Window), browser_(ne
   column->addWidget(browser_);
   browser_->setOpenExternalLinks(true);
   browser_->document()->setDocumentMargin(16);
-  resize(860, 680);
+  resize(900, 640);
 }
 
 void HelpWindow::show_page(const QString& page, const QString& title) {
