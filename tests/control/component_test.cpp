@@ -138,6 +138,57 @@ TEST_F(Component, TwoComponentsOnOneDatabaseShareItsFilesAndNothingElse) {
   EXPECT_EQ(first.ui.focus(), &first.ui.Txt_Aidant);
 }
 
+// An entry utility of the host's own: it may refuse a date, and then no message comes.
+TEST_F(Component, TheEntryUtilityOfTheHostMayRefuseADate) {
+  class Strict : public entry::UtilSaisie {
+   public:
+    std::string CompleteDate(std::string_view typed, bool& refused) override {
+      refused = typed == "1/1/30";
+      return own_->CompleteDate(typed, refused);
+    }
+    bool DateRefused(bool& refused) override { return refused; }
+    entry::CheckedDate CheckDate(std::string_view text) override {
+      entry::CheckedDate date = own_->CheckDate(text);
+      if (text == "02/02/2026") date.second = "1234567";
+      return date;
+    }
+    std::string InternalToDate(std::string_view day) override { return own_->InternalToDate(day); }
+    char32_t FilterNumericKey(std::string_view text, char32_t key, int digits) override {
+      return own_->FilterNumericKey(text, key, digits);
+    }
+    std::string FormatAmount(std::string_view text, int decimals, int digits) override {
+      return own_->FormatAmount(text, decimals, digits);
+    }
+    std::string FormatColumn(std::string_view text, int digits, int decimals) override {
+      return own_->FormatColumn(text, digits, decimals);
+    }
+    std::string UnformatNumber(std::string_view text) override { return own_->UnformatNumber(text); }
+
+   private:
+    std::unique_ptr<entry::UtilSaisie> own_ = entry::make_util_saisie();
+  } strict;
+  Office office(database_, &strict);
+  office.component.init();
+  office.hand.type(office.ui.Txt_Asso, "001");
+  office.hand.type(office.ui.Txt_Aidant, "00010");
+  office.hand.type(office.ui.Txt_DatFin, "01/01/2027");
+  office.hand.leave();
+  EXPECT_TRUE(office.ui.Cbo_MotifFin.enabled());
+  office.hand.replace_text(office.ui.Txt_DatFin, "1/1/30");
+  office.hand.leave();
+  EXPECT_EQ(office.ui.focus(), &office.ui.Txt_DatFin);
+  EXPECT_FALSE(office.ui.Cbo_MotifFin.enabled());
+  EXPECT_EQ(office.toolkit.messages, Names{});
+  // A second value of more than six characters is refused for the effective date alone.
+  office.hand.replace_text(office.ui.Txt_DatFin, "02/02/2026");
+  EXPECT_EQ(office.hand.click(office.ui.Cmd_AjDetail), "");
+  EXPECT_EQ(office.toolkit.messages, Names{});
+  office.hand.replace_text(office.ui.Txt_DatEffet, "02/02/2026");
+  office.hand.leave();
+  EXPECT_EQ(office.toolkit.messages, Names{"Erreur de saisie dans la date, veuillez la ressaisir."});
+  EXPECT_EQ(office.ui.focus(), &office.ui.Txt_DatEffet);
+}
+
 // The store fails at a moment of the clerk's work: the error reaches the host, what was typed stays.
 TEST_F(Component, AFailingWriteLeavesTheCardAsItWas) {
   class Failing : public store::Database {

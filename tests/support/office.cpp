@@ -20,8 +20,8 @@ void MemorySink::put(std::string_view file, std::string_view id, const store::Db
   if (wanted) database_.put(file, id, record);
 }
 
-Office::Office(store::Database& database)
-    : component({toolkit, host, host}),
+Office::Office(store::Database& database, entry::UtilSaisie* entry)
+    : component({toolkit, host, host, entry}),
       hand(component.screen()),
       ui(dynamic_cast<card::CardScreen&>(component.screen().base())) {
   component.DroitsUtilisateur(host);

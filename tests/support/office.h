@@ -66,7 +66,7 @@ class MemorySink : public demo::Sink {
 
 class Office {
  public:
-  explicit Office(store::Database& database);
+  explicit Office(store::Database& database, entry::UtilSaisie* entry = nullptr);
 
   // The button, list or box of that name on the topmost form that has one.
   screen::Control& control(std::string_view name);
