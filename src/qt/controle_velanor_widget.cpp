@@ -25,9 +25,9 @@ QPalette readable(QPalette palette) {
 
 }  // namespace
 
-ControleVelanorWidget::ControleVelanorWidget(QWidget* parent)
-    : QWidget(parent), stage_(std::make_unique<Stage>(*this)) {
+ControleVelanorWidget::ControleVelanorWidget(QWidget* parent) : QWidget(parent) {
   setPalette(readable(palette()));
+  stage_ = std::make_unique<Stage>(*this);
   setAccessibleName(QStringLiteral("Fiches du personnel"));
 }
 

@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QScopeGuard>
 #include <QSettings>
 #include <QStandardPaths>
 #include <algorithm>
@@ -31,6 +32,9 @@ void make_private(const QString& path) {
     file.close();
 }
 
+// The records that the component reads at its start are missing.
+bool is_empty(store::Database& database) { return !database.OpenFile("TABLES")->find("FINCONTRAT"); }
+
 }  // namespace
 
 Program::Program() = default;
@@ -38,16 +42,16 @@ Program::~Program() = default;
 
 bool Program::open(const StoreOptions& options) try {
   StoreOptions named = options;
-  bool first = false;
-  if (named.url.empty() && !named.demo) {
+  const bool own = named.url.empty() && !named.demo;
+  if (own) {
     const QString path = own_database();
-    first = !QFileInfo::exists(path);
     make_private(path);
     named.url = path.toStdString();
   }
-  Base base{open_store(named, IfMissing::kCreate), nullptr};
   const QString path = QString::fromStdString(named.demo ? "" : path_of(named.url));
-  show(std::move(base), named.demo ? QStringLiteral("Démonstration") : QFileInfo(path).fileName(), first);
+  Base base{open_store(named, own ? IfMissing::kCreate : IfMissing::kFail), nullptr};
+  if (!show(std::move(base), named.demo ? QStringLiteral("Démonstration") : QFileInfo(path).fileName()))
+    return false;
   if (!named.demo) remember(QFileInfo(path).absoluteFilePath());
   return true;
 } catch (const std::exception& error) {
@@ -55,7 +59,7 @@ bool Program::open(const StoreOptions& options) try {
   return false;
 }
 
-void Program::show(Base base, const QString& name, bool offer) {
+bool Program::show(Base base, const QString& name) {
   base.window = std::make_unique<MainWindow>(*base.store);
   MainWindow& window = *base.window;
   window.set_source(name);
@@ -68,27 +72,37 @@ void Program::show(Base base, const QString& name, bool offer) {
   connect(
       &window, &MainWindow::closed, this, [this] { forget_closed(); }, Qt::QueuedConnection);
   window.show();
-  if (offer) offer_demonstration(base);
+  if (is_empty(*base.store) && !fill(base)) return false;
   window.start();
   bases_.push_back(std::move(base));
+  return true;
 }
 
-void Program::offer_demonstration(Base& base) {
-  const auto answer =
-      base.window->component().ask({.title = "Fiches du personnel",
-                                    .text = "Votre base vient d'être créée et elle est vide.\r\nVoulez-vous "
-                                            "y mettre les données de démonstration "
-                                            "(trois entités fictives et leur personnel) ?",
-                                    .icon = screen::Icon::Question,
-                                    .buttons = screen::Buttons::YesNo});
-  if (answer != screen::Answer::Yes) return;
+// The component does not start on an empty database.
+bool Program::fill(Base& base) {
+  qt::ControleVelanorWidget& component = base.window->component();
+  const auto answer = component.ask({.title = "Fiches du personnel",
+                                     .text = "Cette base est vide.\r\nVoulez-vous y mettre les données de "
+                                             "démonstration (trois entités fictives et "
+                                             "leur personnel) ?",
+                                     .icon = screen::Icon::Question,
+                                     .buttons = screen::Buttons::YesNo});
+  if (answer != screen::Answer::Yes) {
+    component.ask(
+        {.title = "Fiches du personnel",
+         .text = "Une base vide ne peut pas être ouverte : importez d'abord vos fichiers de référence par la "
+                 "commande velanorctl import, puis relancez le programme.",
+         .icon = screen::Icon::Information});
+    return false;
+  }
   QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+  const auto restore = qScopeGuard([] { QGuiApplication::restoreOverrideCursor(); });
   in_one_change(*base.store, [&] {
     StoreSink sink(
         [&](auto file, auto id, const auto& record) { base.store->OpenFile(file)->write(id, record); });
     demo::fill(sink);
   });
-  QGuiApplication::restoreOverrideCursor();
+  return true;
 }
 
 void Program::remember(const QString& path) {

@@ -17,8 +17,8 @@ class Program : public QObject {
   ~Program() override;
 
   // Opens what the options name, or the user's own database when they name nothing; that one is made
-  // on the first run, and the demonstration data offered. False when it could not be opened: the user
-  // has been told.
+  // on the first run. An empty database is offered the demonstration data. False when it could not be opened:
+  // the user has been told.
   bool open(const StoreOptions& options);
 
  private:
@@ -26,8 +26,9 @@ class Program : public QObject {
     std::unique_ptr<store::Database> store;
     std::unique_ptr<MainWindow> window;
   };
-  void show(Base base, const QString& name, bool offer_demonstration);
-  void offer_demonstration(Base& base);
+  bool show(Base base, const QString& name);
+  // Brings the demonstration data into an empty database if the user wants it.
+  bool fill(Base& base);
   void remember(const QString& path);
   void forget_closed();
 
