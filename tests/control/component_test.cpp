@@ -143,8 +143,9 @@ TEST_F(Component, TheEntryUtilityOfTheHostMayRefuseADate) {
   class Strict : public entry::UtilSaisie {
    public:
     std::string CompleteDate(std::string_view typed, bool& refused) override {
+      const std::string completed = own_->CompleteDate(typed, refused);
       refused = typed == "1/1/30";
-      return own_->CompleteDate(typed, refused);
+      return completed;
     }
     bool DateRefused(bool& refused) override { return refused; }
     entry::CheckedDate CheckDate(std::string_view text) override {
