@@ -40,6 +40,7 @@ ColumnsView::ColumnsView(Acts& acts, std::vector<screen::ListBox*> lists, Column
     : View(acts, *lists.front(), table, parent),
       lists_(std::move(lists)),
       table_(table),
+      viewport_(table.viewport()),
       lines_(new LinesModel(lines_of(lists_), this)) {
   table.setModel(lines_);
   table.setFont(fixed_pitch(table.font()));
@@ -85,10 +86,10 @@ void ColumnsView::show() {
 
 bool ColumnsView::eventFilter(QObject* watched, QEvent* event) {
   const bool twice = event->type() == QEvent::MouseButtonDblClick;
-  if (watched == table_.viewport() && (twice || event->type() == QEvent::MouseButtonPress))
+  if (watched == viewport_ && (twice || event->type() == QEvent::MouseButtonPress))
     return press(static_cast<QMouseEvent*>(event)->position().toPoint(), twice);
   // The selection is the control's, not what the pointer is dragged over.
-  if (watched == table_.viewport() && event->type() == QEvent::MouseMove) return true;
+  if (watched == viewport_ && event->type() == QEvent::MouseMove) return true;
   return View::eventFilter(watched, event);
 }
 

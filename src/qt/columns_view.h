@@ -30,6 +30,8 @@ class ColumnsView : public View {
 
   std::vector<screen::ListBox*> lists_;
   ColumnsTable& table_;
+  // To compare with: events still come while the table is being destroyed, and is none any more.
+  const QObject* viewport_;
   LinesModel* lines_;
 };
 
