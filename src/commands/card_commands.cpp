@@ -164,9 +164,9 @@ void CardCommands::Cmd_OK_Click() {
   on_.ui.Cmd_Copier.set_enabled(false);
   on_.ui.Txt_RegroupBudget.set_text({});
   on_.ui.Txt_Etat.set_text({});
-  return_to_browsing();
+  const std::exception_ptr failure = return_to_browsing();
   on_.ui.Cmd_Ajout.set_enabled(true);
-  allow_browsing();
+  allow_browsing(failure);
 }
 
 // Codes are handed out downwards from 99999. Any failure other than a missing record counts as a
@@ -190,8 +190,9 @@ void CardCommands::RechCode() {
 
 // ---- Back to browsing.
 
-void CardCommands::return_to_browsing() {
+std::exception_ptr CardCommands::return_to_browsing() {
   card::CardScreen& ui = on_.ui;
+  std::exception_ptr failure;
   on_.card.Creation = false;
   on_.card.open = false;
   ui.Txt_Aidant.set_enabled(true);
@@ -201,18 +202,24 @@ void CardCommands::return_to_browsing() {
   ui.Txt_NomAidant.set_visible(false);
   ui.Cbo_Aidant.set_visible(true);
   ui.Cbo_Aidant.set_enabled(true);
-  on_.lists.RequeteAidant();
+  try {
+    on_.lists.RequeteAidant();
+  } catch (const store::DbError&) {
+    failure = std::current_exception();
+  }
   on_.lists.RemplirAidant();
   on_.states.GriserOng();
   ui.Ong_FichPers.enable_all();
   ui.Ong_FichPers.show(card::kIdentityPage);
   on_.states.enable_entity(true);
   ui.Cbo_Periode.set_enabled(true);
+  return failure;
 }
 
-void CardCommands::allow_browsing() {
+void CardCommands::allow_browsing(const std::exception_ptr& failure) {
   on_.ui.Cmd_Sortir.set_enabled(true);
   on_.ui.set_focus(on_.ui.Txt_Aidant);
+  if (failure) std::rethrow_exception(failure);
 }
 
 void CardCommands::Cmd_Annul_Click() {
@@ -220,9 +227,9 @@ void CardCommands::Cmd_Annul_Click() {
   on_.ui.Cmd_Copier.set_enabled(false);
   on_.ui.Txt_RegroupBudget.set_text({});
   on_.ui.Txt_Etat.set_text({});
-  return_to_browsing();
+  const std::exception_ptr failure = return_to_browsing();
   on_.ui.Cmd_Ajout.set_enabled(on_.states.year_is_open());
-  allow_browsing();
+  allow_browsing(failure);
 }
 
 void CardCommands::Cmd_Supp_Click() {
@@ -233,9 +240,9 @@ void CardCommands::Cmd_Supp_Click() {
     SupprimerCalculs(id);
   }
   // Budget grouping, state and the duplicate button stay as the deleted card left them.
-  return_to_browsing();
+  const std::exception_ptr failure = return_to_browsing();
   on_.ui.Cmd_Ajout.set_enabled(true);
-  allow_browsing();
+  allow_browsing(failure);
 }
 
 namespace {

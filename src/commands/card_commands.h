@@ -1,6 +1,7 @@
 // What the clerk does with a card: choose, create, abandon, save, delete, duplicate.
 #pragma once
 
+#include <exception>
 #include <functional>
 #include <string>
 
@@ -59,8 +60,10 @@ class CardCommands {
   bool year_is_locked();
   void start_card(bool creation);
   // The part of the return to browsing that saving, abandoning and deleting have in common.
-  void return_to_browsing();
-  void allow_browsing();
+  // The card is stored, given up or gone by then, so a list that cannot be read does not stop it:
+  // the failure is handed on and reaches the host at the end.
+  std::exception_ptr return_to_browsing();
+  void allow_browsing(const std::exception_ptr& failure);
 
   Ground on_;
   std::function<std::string()> default_agreement_;
