@@ -1,8 +1,9 @@
 # What the project needs of a bare Debian 12, and its installation. To be sourced.
 
 PACKAGES="g++ cmake ninja-build ccache clang-format
-  libgtest-dev libbenchmark-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev
-  qt6-base-dev qt6-translations-l10n fonts-dejavu-core xvfb jwm xdotool x11-xkb-utils"
+  libgtest-dev libbenchmark-dev libsqlite3-dev libcli11-dev
+  qt6-base-dev qt6-tools-dev libgl-dev qt6-translations-l10n fonts-dejavu-core fonts-liberation
+  xvfb jwm xdotool x11-xkb-utils"
 
 missing_packages() {
   for package in $PACKAGES; do
