@@ -259,6 +259,27 @@ remove F 1
       "t:4: expected F 1 1 \"x\", found \"a\\b|c\"\nt:5: expected no record 1 in F, found one\n");
 }
 
+TEST(Run, ASecondInitMakesItsComponentWhenTheFirstIsGone) {
+  struct Counted : SmallComponent {
+    Counted(store::Database& database, MessageBoxes& boxes, int& count)
+        : SmallComponent(database, boxes), alive(++count) {}
+    ~Counted() override { --alive; }
+    int& alive;
+  };
+  store::MemoryDatabase store;
+  RecordingDatabase database(store);
+  MessageBoxes boxes;
+  std::ostringstream out, err;
+  int alive = 0;
+  const auto make = [&] {
+    EXPECT_EQ(alive, 0);
+    return std::make_unique<Counted>(database, boxes, alive);
+  };
+  std::istringstream in("init\ninit\n");
+  EXPECT_EQ(run(read_scenario(in, "t", "."), {database, boxes, make, out, err}), 0);
+  EXPECT_EQ(alive, 0);
+}
+
 TEST(Run, ALineNotOfTheLanguageKeepsTheWholeScenarioFromBeingPlayed) {
   store::MemoryDatabase store;
   RecordingDatabase database(store);

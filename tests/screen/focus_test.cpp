@@ -40,6 +40,16 @@ TEST_F(FocusTest, ALostFocusHandlerMaySendTheFocusToAnotherPage) {
   EXPECT_EQ(card_.pages.current(), 1);
 }
 
+TEST_F(FocusTest, AHandActingWithinALostFocusHandlerDoesNotStartAMoveOfItsOwn) {
+  card_.header.lost_focus += [this] {
+    EXPECT_FALSE(card_.move_focus(&card_.combo));
+    EXPECT_EQ(card_.focus(), &card_.header);
+  };
+  start_on(card_.header);
+  EXPECT_TRUE(card_.move_focus(&card_.ok));
+  EXPECT_EQ(log(), (Log{"-Txt_Tete", "+Cmd_OK"}));
+}
+
 TEST_F(FocusTest, ATargetThatTheHandlerDisablesIsNotReached) {
   card_.header.lost_focus += [this] { card_.ok.set_enabled(false); };
   start_on(card_.header);

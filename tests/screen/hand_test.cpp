@@ -70,6 +70,9 @@ TEST_F(HandTest, AClickIsLostWhenTheControlLeftKeepsTheFocus) {
 TEST_F(HandTest, AClickIsLostWhenTheControlLeftOpensAMessage) {
   card_.header.lost_focus += [this] { screen_.refuse("non"); };
   start_on(card_.header);
+  EXPECT_EQ(hand_.show_page(1), "");
+  EXPECT_EQ(card_.pages.current(), 0);
+  start_on(card_.header);
   EXPECT_EQ(hand_.click(card_.ok), "");
   EXPECT_EQ(log(), (Log{"-Txt_Tete", "+Cmd_OK"}));
   EXPECT_EQ(hand_.click(card_.ok), "");
@@ -81,6 +84,12 @@ TEST_F(HandTest, AClickIsLostWhenTheControlLeftDisablesTheButton) {
   start_on(card_.header);
   EXPECT_EQ(hand_.click(card_.ok), "");
   EXPECT_EQ(log(), Log{"-Txt_Tete"});
+}
+
+TEST_F(HandTest, AClickIsLostWhenTheButtonReachedIsCoveredByAForm) {
+  card_.ok.got_focus += [this] { screen_.open(ask_, {}); };
+  EXPECT_EQ(hand_.click(card_.ok), "");
+  EXPECT_EQ(log(), Log{"+Cmd_OK"});
 }
 
 TEST_F(HandTest, TheSecondClickOfADoubleClickNeedsAListThatStillAnswers) {
