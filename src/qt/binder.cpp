@@ -98,26 +98,33 @@ void FormViews::bind(Acts& acts, screen::Control& control, QWidget& widget) {
 void FormViews::bind_columns(Acts& acts, screen::ListBox& first, QWidget& widget) {
   std::vector<screen::ListBox*> lists;
   std::vector<const screen::Control*> labels;
+  std::vector<const screen::Control*> entry_controls;
   std::vector<bool> figures;
   std::vector<QWidget*> entries;
   for (const Column& column : columns_from(first.name())) {
     lists.push_back(static_cast<screen::ListBox*>(form_->find(column.list)));
     labels.push_back(form_->find(column.label));
+    entry_controls.push_back(form_->find(column.entry));
     entries.push_back(pages_->findChild<QWidget*>(column.entry));
     figures.push_back(column.figures);
   }
   if (lists.empty()) lists.push_back(&first);
   auto& table = static_cast<ColumnsTable&>(widget);
   auto* view = new ColumnsView(acts, lists, table, *pages_);
-  view->lines().set_headings(labels);
+  view->lines().set_headings(labels, entry_controls);
   view->lines().set_figures(figures);
   table.stand_over(entries);
   views_.push_back(view);
 }
 
-// What assistive tools say: the label's caption, the column's heading, or what stands before.
+// What assistive tools say: the name that the form file gives, the label's caption, the column's heading,
+// or what stands before.
 void FormViews::describe() {
   QMap<const QWidget*, QString> names;
+  for (const View* view : views_) {
+    if (const QString given = view->widget().accessibleName(); !given.isEmpty())
+      names[&view->widget()] = given;
+  }
   for (const QLabel* label : pages_->findChildren<QLabel*>()) {
     if (label->buddy()) names[label->buddy()] = without_mnemonic(label->text()).trimmed();
   }
@@ -129,22 +136,18 @@ void FormViews::describe() {
     }
   }
   QString last;
+  bool fresh = false;  // nothing stands yet behind the last label
   for (View* view : views_) {
-    const bool named = names.contains(&view->widget());
-    const QString caption = to_qt(view->control().caption());
-    if (dynamic_cast<LabelView*>(view)) {
-      last = caption.trimmed();
-    } else if (named) {
+    const QString caption = to_qt(view->control().caption()).trimmed();
+    const bool label = dynamic_cast<LabelView*>(view) != nullptr;
+    if (label) {
+      last = caption;
+    } else if (names.contains(&view->widget())) {
       view->describe(last = names[&view->widget()]);
-    } else if (!caption.isEmpty()) {
-      view->describe(caption);
-    } else if (const screen::Frame* frame = view->control().frame();
-               frame && !qobject_cast<QLineEdit*>(&view->widget()) &&
-               !qobject_cast<QComboBox*>(&view->widget())) {
-      view->describe(to_qt(frame->caption()));
     } else {
-      view->describe(last + (qobject_cast<QComboBox*>(&view->widget()) ? " (libellé)" : ""));
+      view->describe(!caption.isEmpty() ? caption : fresh ? last : last + " (libellé)");
     }
+    fresh = label;
   }
 }
 

@@ -36,6 +36,8 @@ void ColumnsTable::stand_over(std::vector<QWidget*> widgets) {
 
 bool ColumnsTable::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::Move || event->type() == QEvent::Resize) align();
+  // The headings name these widgets too.
+  if (event->type() == QEvent::EnabledChange) horizontalHeader()->viewport()->update();
   return QTableView::eventFilter(watched, event);
 }
 

@@ -4,6 +4,7 @@
 #include <QCompleter>
 #include <QKeyEvent>
 #include <QListView>
+#include <QStylePainter>
 #include <QWheelEvent>
 
 #include "qt/text_edit.h"
@@ -60,7 +61,21 @@ void ComboEdit::keyPressEvent(QKeyEvent* event) {
   const bool alt_arrow =
       (event->modifiers() & Qt::AltModifier) && (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up);
   if (event->key() == Qt::Key_F4 || alt_arrow) return showPopup();
+  // Filled when it opens: there is nothing yet to step through.
+  if (event->key() == Qt::Key_Down && count() == 0) return showPopup();
   QComboBox::keyPressEvent(event);
+}
+
+// A list alone is drawn as a button, and is to be read like a text.
+void ComboEdit::paintEvent(QPaintEvent* event) {
+  if (isEditable()) return QComboBox::paintEvent(event);
+  QStylePainter painter(this);
+  QStyleOptionComboBox option;
+  initStyleOption(&option);
+  painter.drawComplexControl(QStyle::CC_ComboBox, option);
+  if (option.currentText.isEmpty()) option.currentText = placeholderText();
+  option.palette.setBrush(QPalette::ButtonText, option.palette.brush(QPalette::Text));
+  painter.drawControl(QStyle::CE_ComboBoxLabel, option);
 }
 
 // The wheel scrolls pages; it must not change a card in passing.

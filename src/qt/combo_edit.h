@@ -24,6 +24,7 @@ class ComboEdit : public QComboBox {
  protected:
   void keyPressEvent(QKeyEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
 };
 
 }  // namespace velanor::qt

@@ -3,7 +3,6 @@
 #include <QAbstractItemView>
 #include <QCompleter>
 #include <QKeyEvent>
-#include <QPalette>
 
 #include "qt/strings.h"
 
@@ -19,17 +18,13 @@ ComboView::ComboView(Acts& acts, screen::ComboBox& box, ComboEdit& widget, QObje
   widget.before_opening = [this] { return may_open(); };
   connect(&widget, &QComboBox::activated, this, [this](int index) { chosen(index); });
   watch(widget);
-  if (box.editable()) return;
-  // A list alone is drawn as a button, and is to be read like a text.
-  QPalette palette = widget.palette();
-  palette.setBrush(QPalette::Disabled, QPalette::ButtonText,
-                   palette.brush(QPalette::Disabled, QPalette::Text));
-  widget.setPalette(palette);
 }
 
 void ComboView::describe(const QString& name) {
   TextView::describe(name);
-  if (edit()) edit()->setAccessibleName(name);
+  if (!edit()) return;
+  edit()->setAccessibleName(name);
+  edit()->setAccessibleDescription(widget_.toolTip());
 }
 
 // The toolkit's index follows the control's, so that choosing the same line again is seen as a choice.

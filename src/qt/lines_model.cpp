@@ -1,5 +1,8 @@
 #include "qt/lines_model.h"
 
+#include <QBrush>
+#include <QGuiApplication>
+#include <QPalette>
 #include <algorithm>
 #include <functional>
 
@@ -49,11 +52,18 @@ QVariant LinesModel::alignment(int column) const {
   return QVariant::fromValue(Qt::Alignment((right ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter));
 }
 
+// The style's own ink for a heading that is out of use can hardly be read.
+QVariant LinesModel::ink(std::size_t column) const {
+  const bool used = headings_[column]->enabled() || entries_[column]->enabled();
+  return QGuiApplication::palette().brush(used ? QPalette::Active : QPalette::Disabled, QPalette::Text);
+}
+
 QVariant LinesModel::headerData(int section, Qt::Orientation orientation, int role) const {
   const auto c = static_cast<std::size_t>(section);
   if (orientation != Qt::Horizontal || c >= headings_.size()) return {};
   if (role == Qt::TextAlignmentRole)
     return QVariant::fromValue(alignment(section).value<Qt::Alignment>() | Qt::Alignment(Qt::TextWordWrap));
+  if (role == Qt::ForegroundRole) return ink(c);
   if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
   return to_qt(headings_[c]->caption());
 }

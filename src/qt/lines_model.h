@@ -16,7 +16,12 @@ class LinesModel : public QAbstractTableModel {
 
   // Resets when the lines are others than before. Whether it did.
   bool update();
-  void set_headings(std::vector<const screen::Control*> labels) { headings_ = std::move(labels); }
+  // The headings are the labels' captions. A heading also names the field of the entry under its column,
+  // and is in use as long as one of the two is.
+  void set_headings(std::vector<const screen::Control*> labels, std::vector<const screen::Control*> entries) {
+    headings_ = std::move(labels);
+    entries_ = std::move(entries);
+  }
   // Figures stand at the right.
   void set_figures(std::vector<bool> columns) { figures_ = std::move(columns); }
 
@@ -27,10 +32,12 @@ class LinesModel : public QAbstractTableModel {
 
  private:
   QVariant alignment(int column) const;
+  QVariant ink(std::size_t column) const;
   std::size_t fingerprint() const;
 
   std::vector<const screen::Lines*> lists_;
   std::vector<const screen::Control*> headings_;
+  std::vector<const screen::Control*> entries_;
   std::vector<bool> figures_;
   int rows_ = 0;
   std::size_t known_ = 0;

@@ -37,7 +37,11 @@ void View::show() {
   widget_.setVisible(control_.visible());
 }
 
-void View::describe(const QString& name) { widget_.setAccessibleName(name); }
+// The hint that the form file gives to the pointer is the description for everyone else.
+void View::describe(const QString& name) {
+  widget_.setAccessibleName(name);
+  widget_.setAccessibleDescription(widget_.toolTip());
+}
 
 // The mouse moves the focus through the rules, not by itself.
 void View::watch(QWidget& widget) {

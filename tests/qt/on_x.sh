@@ -15,4 +15,6 @@ printf '<?xml version="1.0"?><JWM><StartupCommand>echo ready &gt; %s</StartupCom
 jwm -f "$folder/.jwmrc" >/dev/null 2>&1 &
 manager=$!
 read -r _ <"$folder/ready"
+# French keys; on others a capital with an accent would arrive as a small letter.
+setxkbmap fr -variant oss
 timeout 170 "$@"

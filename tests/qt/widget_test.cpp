@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractItemView>
+#include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
@@ -9,8 +10,10 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QTabWidget>
 #include <QTimer>
 #include <iostream>
+#include <set>
 
 #include "play/player.h"
 #include "qt/action_button.h"
@@ -67,6 +70,16 @@ class WidgetTest : public testing::Test, private control::UserRights {
     type("Txt_Asso", "001");
     type("Txt_Aidant", "00010");
     ASSERT_EQ(text("Txt_Etat"), "Modification");
+  }
+
+  void open_items_of_first_amendment() {
+    widget<QTabWidget>("Ong_FichPers").setCurrentIndex(1);
+    auto& amendments = widget<QWidget>("Lst_DatEffet");
+    amendments.setFocus(Qt::TabFocusReason);
+    QKeyEvent home(QEvent::KeyPress, Qt::Key_Home, Qt::NoModifier);
+    QCoreApplication::sendEvent(&amendments, &home);
+    widget<QAbstractButton>("Cmd_Detail").click();
+    ASSERT_EQ(widget_.screen().top().name(), "Frm_RubSaisie");
   }
 
   void start() {
@@ -197,14 +210,61 @@ TEST_F(WidgetTest, ThirtyFiveThousandTownsOpenAtOnce) {
   EXPECT_LT(opening, 200);
 }
 
-TEST_F(WidgetTest, EveryControlHasANameForAssistiveTools) {
-  start();
-  for (const screen::Control* control : widget_.screen().base().controls()) {
-    if (!control->takes_focus()) continue;
-    const auto* shown = widget_.findChild<QWidget*>(to_qt(control->name()));
-    if (!shown || shown->objectName() == "Ong_FichPers") continue;
-    EXPECT_FALSE(shown->accessibleName().isEmpty()) << control->name();
+// What a screen reader says of a control that the user can reach; empty when it could not be told from
+// another, or said nothing of what it is for.
+std::string fault_of(const screen::Control& control, QWidget& shown, std::set<QString>& said) {
+  const QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(&shown);
+  const QString name = accessible->text(QAccessible::Name);
+  const QString description = accessible->text(QAccessible::Description);
+  if (name.isEmpty()) return control.name() + " has no name";
+  if (description.isEmpty()) return control.name() + " has no description";
+  return said.insert(name + ", " + description).second ? "" : control.name() + " is named as another is";
+}
+
+void expect_named(ControleVelanorWidget& widget, const screen::Form& form) {
+  std::set<QString> said;
+  for (const screen::Control* control : form.controls()) {
+    QWidget* shown = widget.widget_of(*control);
+    if (!control->takes_focus() || !shown || qobject_cast<QTabWidget*>(shown)) continue;
+    if (const auto* list = dynamic_cast<const screen::ListBox*>(control);
+        list && shown->objectName() != to_qt(list->name()))
+      continue;  // a column of a table that is named by its first
+    auto* combo = qobject_cast<QComboBox*>(shown);
+    EXPECT_EQ(fault_of(*control, combo && combo->lineEdit() ? *combo->lineEdit() : *shown, said), "");
   }
+}
+
+TEST_F(WidgetTest, EveryControlOfEveryFormTellsAssistiveToolsWhatItIs) {
+  // The hours are asked for an amendment without items.
+  store::DbRecord card = memory_.OpenFile("VELANORO")->find("000100012026").value();
+  for (int attribute = 30; attribute <= 33; ++attribute) card.set(attribute, 1, "");
+  memory_.OpenFile("VELANORO")->write("000100012026", card);
+  open_card();
+  expect_named(widget_, widget_.screen().base());
+  open_items_of_first_amendment();
+  expect_named(widget_, widget_.screen().top());
+  widget<QAbstractButton>("Cmd_SaisieAuto").click();
+  ASSERT_EQ(widget_.screen().top().name(), "Frm_SaisieHres");
+  expect_named(widget_, widget_.screen().top());
+}
+
+TEST_F(WidgetTest, SheetsAreDialogsThatSayWhatTheyAsk) {
+  open_card();
+  std::string role, name, description;
+  at_next_message([&](MessageSheet& sheet) {
+    const QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(&sheet);
+    EXPECT_EQ(accessible->role(), QAccessible::Dialog);
+    name = accessible->text(QAccessible::Name).toStdString();
+    description = accessible->text(QAccessible::Description).toStdString();
+  });
+  widget<QAbstractButton>("Cmd_Supp").click();
+  EXPECT_EQ(name, "Message TALVERINE");
+  EXPECT_EQ(description, "Voulez-vous supprimer cette fiche ?");
+  open_items_of_first_amendment();
+  const QAccessibleInterface* form = QAccessible::queryAccessibleInterface(widget_.open_sheet());
+  ASSERT_TRUE(form);
+  EXPECT_EQ(form->role(), QAccessible::Dialog);
+  EXPECT_EQ(form->text(QAccessible::Name).toStdString(), "Détails des rubriques de saisie");
 }
 
 }  // namespace
