@@ -107,6 +107,8 @@ void FormViews::bind_columns(Acts& acts, screen::ListBox& first, QWidget& widget
     entry_controls.push_back(form_->find(column.entry));
     entries.push_back(pages_->findChild<QWidget*>(column.entry));
     figures.push_back(column.figures);
+    if (auto* edit = qobject_cast<QLineEdit*>(entries.back()); edit && column.figures)
+      edit->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
   }
   if (lists.empty()) lists.push_back(&first);
   auto& table = static_cast<ColumnsTable&>(widget);

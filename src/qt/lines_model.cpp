@@ -1,14 +1,23 @@
 #include "qt/lines_model.h"
 
 #include <QBrush>
+#include <QFontMetrics>
 #include <QGuiApplication>
 #include <QPalette>
+#include <QSize>
 #include <algorithm>
 #include <functional>
 
 #include "qt/strings.h"
 
 namespace velanor::qt {
+
+namespace {
+
+// The style leaves the accents of capitals no room.
+int line_height() { return QFontMetrics(QGuiApplication::font()).height() + 5; }
+
+}  // namespace
 
 LinesModel::LinesModel(std::vector<const screen::Lines*> lists, QObject* parent)
     : QAbstractTableModel(parent), lists_(std::move(lists)) {}
@@ -41,6 +50,7 @@ int LinesModel::columnCount(const QModelIndex& parent) const {
 
 QVariant LinesModel::data(const QModelIndex& index, int role) const {
   if (role == Qt::TextAlignmentRole) return alignment(index.column());
+  if (role == Qt::SizeHintRole) return QSize(0, line_height());
   if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::EditRole && role != Qt::ToolTipRole))
     return {};
   return to_qt(lists_[static_cast<std::size_t>(index.column())]->line(index.row()));

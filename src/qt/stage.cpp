@@ -4,6 +4,7 @@
 #include <QCursor>
 #include <QEventLoop>
 #include <QMenu>
+#include <QMenuBar>
 #include <QVBoxLayout>
 
 #include "qt/strings.h"
@@ -26,6 +27,9 @@ class Flag {
   bool before_;
 };
 
+// A menu bar gives the focus back to where it took it.
+bool is_borrower(const QWidget& widget) { return qobject_cast<const QMenuBar*>(&widget) != nullptr; }
+
 template <typename Pages>
 QWidget* make() {
   auto* widget = new QWidget;
@@ -46,7 +50,8 @@ ControleVelanorWidget::Stage::Stage(ControleVelanorWidget& widget)
   connect(qApp, &QApplication::focusChanged, this, [this](QWidget* before, QWidget* now) {
     const bool ours = before && (before == &widget_ || widget_.isAncestorOf(before));
     const bool same_window = now && now->window() == widget_.window();
-    if (ours && same_window && now != &widget_ && !widget_.isAncestorOf(now)) focus_left();
+    if (ours && same_window && now != &widget_ && !widget_.isAncestorOf(now) && !is_borrower(*now))
+      focus_left();
   });
 }
 

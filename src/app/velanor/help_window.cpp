@@ -1,5 +1,6 @@
 #include "app/velanor/help_window.h"
 
+#include <QShortcut>
 #include <QTextBrowser>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -12,6 +13,7 @@ HelpWindow::HelpWindow(QWidget* owner) : QWidget(owner, Qt::Window), browser_(ne
   column->addWidget(browser_);
   browser_->setOpenExternalLinks(true);
   browser_->document()->setDocumentMargin(16);
+  connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, &QWidget::close);
   resize(900, 640);
 }
 

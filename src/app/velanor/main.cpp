@@ -53,6 +53,8 @@ QPalette dark_palette() {
       accent(61, 126, 214);
   QPalette palette(window);
   palette.setColor(QPalette::Base, base);
+  // A field that is out of use is told by its ground, not only by its text.
+  palette.setColor(QPalette::Disabled, QPalette::Base, window);
   palette.setColor(QPalette::AlternateBase, QColor(37, 39, 43));
   palette.setColor(QPalette::ToolTipBase, window);
   for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText})
