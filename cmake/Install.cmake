@@ -29,6 +29,11 @@ foreach(program velanorctl velanor)
   endif()
 endforeach()
 
+# Designer looks in the `designer` folder of every folder of QT_PLUGIN_PATH.
+if(TARGET velanor_designer)
+  install(TARGETS velanor_designer LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/qt6/plugins/designer)
+endif()
+
 configure_package_config_file(cmake/VelanorConfig.cmake.in ${PROJECT_BINARY_DIR}/VelanorConfig.cmake
   INSTALL_DESTINATION ${package})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/VelanorConfigVersion.cmake COMPATIBILITY SameMinorVersion)

@@ -6,7 +6,6 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
-#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -181,33 +180,24 @@ TEST_F(WidgetTest, FailureOfTheStoreIsToldAndTheCardStays) {
   EXPECT_EQ(memory_.OpenFile("VELANORO")->find("000100012026").value()(2), "15000");
 }
 
-TEST_F(WidgetTest, ThirtyFiveThousandTownsOpenAtOnce) {
+// How long it takes is measured in bench/window_bench.cpp.
+TEST_F(WidgetTest, ListOfThirtyFiveThousandTownsOpensAndIsTypedInto) {
   open_card();
   auto& towns = static_cast<screen::ComboBox&>(*widget_.screen().base().find("Cbo_Com"));
   std::vector<std::string> many;
   for (int i = 0; i < 35000; ++i) many.push_back("Commune " + std::to_string(i));
   towns.refill(many);
   auto& box = widget<QComboBox>("Cbo_Com");
-  QElapsedTimer time;
-  time.start();
   box.setFocus(Qt::TabFocusReason);
   box.showPopup();
-  QCoreApplication::processEvents();
-  const qint64 opening = time.elapsed();
   EXPECT_EQ(box.count(), 35000);
   EXPECT_TRUE(box.view()->isVisible());
   box.hidePopup();
   widget_.activateWindow();
   QCoreApplication::processEvents();
   box.lineEdit()->selectAll();
-  time.restart();
   type("Cbo_Com", "Commune 3");
-  const qint64 typing = time.elapsed();
   EXPECT_EQ(text("Cbo_Com"), "Commune 3");
-  RecordProperty("opening_ms", static_cast<int>(opening));
-  RecordProperty("typing_ms", static_cast<int>(typing));
-  std::cout << "35,000 lines: opened in " << opening << " ms, 9 keys in " << typing << " ms\n";
-  EXPECT_LT(opening, 200);
 }
 
 // What a screen reader says of a control that the user can reach; empty when it could not be told from
