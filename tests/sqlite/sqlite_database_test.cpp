@@ -131,6 +131,20 @@ TEST_F(SqliteFile, AChangeIsSeenByOthersOnlyWhenItIsComplete) {
   EXPECT_TRUE(reader->OpenFile("SECTEUR")->find("002"));
 }
 
+TEST_F(SqliteFile, AViewStaysAsItWasWhileOthersWrite) {
+  const auto reader = open(), writer = open();
+  const char* list = "SSELECT SECTEUR PAR 0";
+  writer->put("SECTEUR", "001", record("Ville"));
+  reader->in_one_view([&] {
+    EXPECT_EQ(all_of(*reader, list, "SECTEUR"), "001|Ville\n");
+    writer->put("SECTEUR", "001", record("Bourg"));
+    writer->put("SECTEUR", "002", record("Hameau"));
+    EXPECT_EQ((*reader->OpenFile("SECTEUR")->find("001"))(1), "Ville");
+    EXPECT_EQ(all_of(*reader, "SSELECT SECTEUR AVEC 0 >= \"001\" PAR 0", "SECTEUR"), "001|Ville\n");
+  });
+  EXPECT_EQ(all_of(*reader, list, "SECTEUR"), "001|Bourg\n002|Hameau\n");
+}
+
 // The child says through the pipe that a write has returned, then dies without a warning.
 TEST_F(SqliteFile, AKilledProgramLosesNothingThatItWasToldIsWritten) {
   open();

@@ -59,6 +59,11 @@ TEST_F(Program, TellsAFaultyCardAndEndsWithOne) {
 TEST_F(Program, ImportsATableOrNothingOfIt) {
   write("bon.csv", "id;1\n001;Ville\n002;Bourg\n");
   write("faux.csv", "id;1\n003;Hameau\n004\n");
+  EXPECT_EQ(run("import faux.csv --store base --file SECTEUR").status, 1);
+  EXPECT_EQ(run("show SECTEUR 003 --store base")
+                .output.find("velanorctl : La base « base » ne peut pas être ouverte."),
+            0u)
+      << "a refused import made the database";
   EXPECT_EQ(run("import bon.csv --store base --file SECTEUR").output,
             "SECTEUR : enregistrements créés : 2, modifiés : 0.\n");
   const Outcome bad = run("import faux.csv --store base --file SECTEUR");

@@ -1,6 +1,8 @@
 // velanorctl check: judges every card of a database, and the database itself.
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <string>
+#include <vector>
 
 #include "app/velanorctl/card_check.h"
 #include "app/velanorctl/columns.h"
@@ -12,13 +14,17 @@
 namespace velanor::app {
 namespace {
 
+std::vector<std::string> damages_of(store::Database& database) {
+  const Progress progress("Examen de la base");
+  auto* sqlite = dynamic_cast<store::SqliteDatabase*>(&database);
+  return sqlite != nullptr ? sqlite->damages() : std::vector<std::string>();
+}
+
 int report_database(store::Database& database, const CardCheck& check) {
   int faults = 0;
-  if (auto* sqlite = dynamic_cast<store::SqliteDatabase*>(&database)) {
-    for (const std::string& damage : sqlite->damages()) {
-      std::cout << "Base endommagée : " << damage << "\n";
-      ++faults;
-    }
+  for (const std::string& damage : damages_of(database)) {
+    std::cout << "Base endommagée : " << damage << "\n";
+    ++faults;
   }
   for (const std::string& fault : check.faults_of_references()) {
     std::cout << fault << "\n";
@@ -27,13 +33,12 @@ int report_database(store::Database& database, const CardCheck& check) {
   return faults;
 }
 
-int check(const StoreOptions& options) {
-  const auto database = open_named_store(options);
-  const CardCheck check(*database);
-  int faults = report_database(*database, check);
-  const auto cards = database->OpenFile(kCardFile);
+int check_all(store::Database& database) {
+  const CardCheck check(database);
+  int faults = report_database(database, check);
+  const auto cards = database.OpenFile(kCardFile);
   const store::DbResult ids =
-      database->Select(store::DbQuery("SSELECT VELANORO PAR 0", kCardFile, "0").encoded());
+      database.Select(store::DbQuery("SSELECT VELANORO PAR 0", kCardFile, "0").encoded());
   int faulty = 0;
   Progress progress("Vérification", static_cast<std::size_t>(ids.DCount()));
   for (int i = 1; i <= ids.DCount(); ++i) {
@@ -48,6 +53,13 @@ int check(const StoreOptions& options) {
   std::cout << "Fiches vérifiées : " << ids.DCount() << ", fiches en faute : " << faulty
             << ", fautes : " << faults << ".\n";
   return faults == 0 ? 0 : 1;
+}
+
+int check(const StoreOptions& options) {
+  const auto database = open_named_store(options);
+  int status = 0;
+  in_one_view(*database, [&] { status = check_all(*database); });
+  return status;
 }
 
 }  // namespace

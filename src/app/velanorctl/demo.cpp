@@ -6,6 +6,7 @@
 #include "app/velanorctl/commands.h"
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/progress.h"
+#include "app/velanorctl/unfinished.h"
 #include "store/sqlite/sqlite_database.h"
 
 namespace velanor::app {
@@ -43,12 +44,10 @@ std::size_t fill(const std::string& path, const demo::Options& options) {
 int build(const Options& options) {
   const std::string path = path_of(options.path);
   refuse_existing(path);
-  // Under another name until it is complete, so that an interruption leaves nothing that looks like it.
-  const std::string unfinished = path + ".partiel";
-  for (const char* companion : {"", "-wal", "-shm"}) fs::remove(unfinished + companion);
+  Unfinished file(path);
   const std::size_t records =
-      fill(unfinished, options.cards > 0 ? demo::of_scale(options.cards) : demo::Options());
-  fs::rename(unfinished, path);
+      fill(file.path(), options.cards > 0 ? demo::of_scale(options.cards) : demo::Options());
+  file.complete();
   std::cout << "Base « " << path << " » : " << records << " enregistrements.\n";
   return 0;
 }

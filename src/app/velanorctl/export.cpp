@@ -8,6 +8,7 @@
 #include "app/velanorctl/export_csv.h"
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/progress.h"
+#include "app/velanorctl/unfinished.h"
 
 namespace velanor::app {
 namespace {
@@ -22,10 +23,12 @@ struct Options {
 void write(const Options& options, std::ostream& out) {
   const auto database = open_named_store(options.store);
   Progress progress("Exportation");
-  export_csv(out, *database, options.file,
-             {.headings = options.names ? Headings::kNames : Headings::kPositions,
-              .separator = options.separator.front()},
-             [&] { progress.step(); });
+  in_one_view(*database, [&] {
+    export_csv(out, *database, options.file,
+               {.headings = options.names ? Headings::kNames : Headings::kPositions,
+                .separator = options.separator.front()},
+               [&] { progress.step(); });
+  });
   out.flush();
   if (!out) {
     throw store::DbError(store::kStoreFailure,
@@ -35,16 +38,15 @@ void write(const Options& options, std::ostream& out) {
   }
 }
 
-// Under its own name only once it is complete: what was there stays until then.
 void write_table(const Options& options) {
-  const std::string unfinished = options.table + ".partiel";
+  using std::filesystem::perms;
+  Unfinished file(options.table);
   {
-    std::ofstream out(unfinished, std::ios::binary);
+    std::ofstream out(file.path(), std::ios::binary);
     write(options, out);
   }
-  std::filesystem::permissions(unfinished,
-                               std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
-  std::filesystem::rename(unfinished, options.table);
+  std::filesystem::permissions(file.path(), perms::owner_read | perms::owner_write);
+  file.complete();
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // velanorctl import: a table into a file of records.
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 
@@ -9,6 +10,7 @@
 #include "app/velanorctl/known_files.h"
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/progress.h"
+#include "app/velanorctl/unfinished.h"
 
 namespace velanor::app {
 namespace {
@@ -38,18 +40,38 @@ std::ifstream open_table(const std::string& path) {
   return in;
 }
 
-int import(const Options& options) {
+ImportReport import_into(const StoreOptions& store, const Options& options) {
   std::ifstream in = open_table(options.table);
-  const auto database = open_named_store(options.store, IfMissing::kCreate);
+  const auto database = open_named_store(store, IfMissing::kCreate);
+  Progress progress("Importation");
+  return import_csv(in, *database, options.file, [&] { progress.step(); });
+}
+
+// A database that does not exist yet appears with what is imported, or not at all.
+ImportReport import_into_new(const std::string& path, const Options& options) {
+  Unfinished file(path);
+  StoreOptions store;
+  store.url = file.path();
+  const ImportReport report = import_into(store, options);
+  if (report.faults.empty()) file.complete();
+  return report;
+}
+
+// The path of a database file that is to be created; "" for any other store.
+std::string new_database(const StoreOptions& store) {
+  if (store.url.empty() || store.demo || store.url == kMemoryStore) return {};
+  const std::string path = path_of(store.url);
+  return std::filesystem::exists(path) ? std::string() : path;
+}
+
+int import(const Options& options) {
   if (!is_known_file(options.file)) {
     std::cerr << "Attention : « " << options.file << " » n'est pas un des fichiers du composant ("
               << known_files() << ").\n";
   }
-  ImportReport report;
-  {
-    Progress progress("Importation");
-    report = import_csv(in, *database, options.file, [&] { progress.step(); });
-  }
+  const std::string path = new_database(options.store);
+  const ImportReport report =
+      path.empty() ? import_into(options.store, options) : import_into_new(path, options);
   if (!report.faults.empty()) return report_faults(options, report.faults);
   std::cout << options.file << " : enregistrements créés : " << report.created
             << ", modifiés : " << report.changed << ".\n";

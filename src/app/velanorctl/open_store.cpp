@@ -8,7 +8,6 @@
 namespace velanor::app {
 namespace {
 
-constexpr std::string_view kMemory = "memory:";
 constexpr std::string_view kSqlite = "sqlite:";
 
 std::unique_ptr<store::Database> demonstration() {
@@ -41,7 +40,7 @@ std::string path_of(std::string_view url) {
 
 std::unique_ptr<store::Database> open_store(const StoreOptions& options, IfMissing if_missing) {
   if (options.demo) return demonstration();
-  if (options.url.empty() || options.url == kMemory) return std::make_unique<store::MemoryDatabase>();
+  if (options.url.empty() || options.url == kMemoryStore) return std::make_unique<store::MemoryDatabase>();
   using Sqlite = store::SqliteDatabase;
   Sqlite::Options sqlite;
   if (if_missing == IfMissing::kCreate) sqlite.missing = Sqlite::Missing::kCreate;
@@ -56,6 +55,11 @@ std::unique_ptr<store::Database> open_named_store(const StoreOptions& options, I
 void in_one_change(store::Database& database, const std::function<void()>& writes) {
   auto* sqlite = dynamic_cast<store::SqliteDatabase*>(&database);
   sqlite != nullptr ? sqlite->in_one_change(writes) : writes();
+}
+
+void in_one_view(store::Database& database, const std::function<void()>& reads) {
+  auto* sqlite = dynamic_cast<store::SqliteDatabase*>(&database);
+  sqlite != nullptr ? sqlite->in_one_view(reads) : reads();
 }
 
 }  // namespace velanor::app

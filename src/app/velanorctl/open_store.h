@@ -20,6 +20,9 @@ struct StoreOptions {
   bool demo = false;  // --demo
 };
 
+// An empty store in memory, as a URL.
+inline constexpr std::string_view kMemoryStore = "memory:";
+
 // The options --store and --demo, of which at most one may be given.
 void add_store_options(CLI::App& command, StoreOptions& options);
 
@@ -40,6 +43,9 @@ std::string path_of(std::string_view url);
 
 // Runs writes to a database as one change where the database can: all of them, or none when it throws.
 void in_one_change(store::Database& database, const std::function<void()>& writes);
+
+// Runs reads of a database that see it as it stood at the first of them, whatever others write meanwhile.
+void in_one_view(store::Database& database, const std::function<void()>& reads);
 
 // Brings the demonstration data into a store.
 class StoreSink : public demo::Sink {

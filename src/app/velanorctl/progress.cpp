@@ -13,7 +13,9 @@ constexpr std::size_t kStepsShown = 1000;
 }  // namespace
 
 Progress::Progress(std::string work, std::size_t total)
-    : work_(std::move(work)), total_(total), terminal_(::isatty(STDERR_FILENO) == 1) {}
+    : work_(std::move(work)), total_(total), terminal_(::isatty(STDERR_FILENO) == 1) {
+  show("…");
+}
 
 Progress::~Progress() {
   if (terminal_) std::cerr << "\r\033[K" << std::flush;

@@ -45,6 +45,13 @@ SqliteDatabase::SqliteDatabase(std::unique_ptr<SqliteBackend> backend, select::D
 
 void SqliteDatabase::in_one_change(const std::function<void()>& writes) { backend_->in_one_change(writes); }
 
+// A statement that is not at its end keeps the view of its connection.
+void SqliteDatabase::in_one_view(const std::function<void()>& reads) {
+  Statement view(backend_->connection(), "SELECT 1 FROM sqlite_schema");
+  view.step();
+  reads();
+}
+
 void SqliteDatabase::put(std::string_view file, std::string_view id, const DbRecord& record) {
   put_checked(*backend_, file, id, record);
 }
@@ -63,9 +70,7 @@ void SqliteDatabase::back_up(const std::string& path, const std::function<void(d
   try {
     {
       Connection copy(unfinished, sqlite::Missing::kCreate, 0);
-      Statement view(backend_->connection(), "SELECT 1 FROM sqlite_schema");
-      view.step();
-      copy_pages(backend_->connection(), copy, progress);
+      in_one_view([&] { copy_pages(backend_->connection(), copy, progress); });
     }
     fs::rename(unfinished, path);
   } catch (const fs::filesystem_error&) {

@@ -38,6 +38,10 @@ class SqliteDatabase : public StoreDatabase {
   // and see nothing before the end.
   void in_one_change(const std::function<void()>& writes);
 
+  // Runs reads that see the file as it stands now, whatever others write meanwhile; nobody waits for
+  // them. To write inside is an error.
+  void in_one_view(const std::function<void()>& reads);
+
   // Writes a record without opening its file.
   void put(std::string_view file, std::string_view id, const DbRecord& record);
   // The files that hold records, by name.
