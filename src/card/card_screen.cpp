@@ -12,6 +12,7 @@ CardScreen::CardScreen() : Form("ControleVelanor", "Fiches du personnel") {
 #undef CONTROL
   for (ComboBox* box : {&Cbo_Periode, &Cbo_EtudeAidant, &Cbo_Activites}) box->make_list_only();
   Mnu_Sommaire.set_parent(Mnu_Aide);
+  cancel_buttons = {&Cmd_AnnulDetail, &Cmd_AnnulAct, &Cmd_Annul};
 }
 
 const std::vector<screen::Control*>& CardScreen::group(Group group) const {

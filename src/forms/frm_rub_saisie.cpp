@@ -49,7 +49,7 @@ Frm_RubSaisie::Frm_RubSaisie(card::CardState& card, const control::Procedure& pr
   ui_.Cmd_Retour.clicked += [this] { Cmd_Retour_Click(); };
   ui_.Cmd_SaisieAuto.clicked += [this] { Cmd_SaisieAuto_Click(); };
   ui_.may_close = [this] { return Form_Unload(); };
-  ui_.cancel_button = &ui_.Cmd_Annuler;
+  ui_.cancel_buttons = {&ui_.Cmd_Annuler};
 }
 
 // A click on one column goes on to the next; the ring closes where the index is already set.

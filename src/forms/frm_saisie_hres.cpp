@@ -12,7 +12,7 @@ Frm_SaisieHres::Frm_SaisieHres(entry::Fields& fields, screen::Screen& screen) : 
   ui_.Txt_NbHresTrav.key_press = [this](screen::Key& key) { Txt_NbHresTrav_KeyPress(key); };
   ui_.Cmd_OK.clicked += [this] { Cmd_OK_Click(); };
   ui_.Cmd_Annuler.clicked += [this] { Cmd_Annuler_Click(); };
-  ui_.cancel_button = &ui_.Cmd_Annuler;
+  ui_.cancel_buttons = {&ui_.Cmd_Annuler};
   // The close box gives up, as "Annuler" does.
   ui_.may_close = [this] {
     hours_.NbHeures = "Annule";

@@ -143,8 +143,7 @@ bool ControleVelanorWidget::Stage::step_focus(bool forward) {
 }
 
 void ControleVelanorWidget::Stage::escape() {
-  if (idle() && screen().top().cancel_button)
-    act([&](screen::Hand& hand) { hand.click(*screen().top().cancel_button); });
+  act([](screen::Hand& hand) { hand.cancel(); });
 }
 
 void ControleVelanorWidget::Stage::right_press() {

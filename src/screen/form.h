@@ -47,9 +47,10 @@ class Form {
   bool can_focus(const Control& control) const;
   bool in_sight(const Control& control) const;
 
-  // Buttons that Enter and Escape press; null where the form expects neither.
+  // The button that Enter presses; null where the form expects none.
   CommandButton* default_button = nullptr;
-  CommandButton* cancel_button = nullptr;
+  // Escape presses the first of these that is usable.
+  std::vector<CommandButton*> cancel_buttons;
   // Asked when the close box is used: false keeps the form open.
   std::function<bool()> may_close;
   // A right mouse button press on the background.

@@ -83,7 +83,7 @@ void Hand::key_into_focus(Key key) {
   if (key.code == Key::kTab) {
     form.move_focus(form.neighbour(control, true));
   } else if (key.code == Key::kEscape) {
-    if (form.cancel_button) click(*form.cancel_button);
+    cancel();
   } else if (auto* text = dynamic_cast<TextControl*>(control)) {
     edit_key(*text, key);
   } else if (key.code == U' ' || (key.code == Key::kEnter && dynamic_cast<CommandButton*>(control))) {
@@ -91,6 +91,13 @@ void Hand::key_into_focus(Key key) {
   } else if (key.code == Key::kEnter) {
     press_default(form);
   }
+}
+
+Refusal Hand::cancel() {
+  for (CommandButton* button : screen_.top().cancel_buttons) {
+    if (button->usable()) return click(*button);
+  }
+  return "nothing to cancel";
 }
 
 void Hand::press_default(const Form& form) {

@@ -38,6 +38,8 @@ class Hand {
   Refusal scroll(ScrollBar& bar, int value);
   Refusal show_page(int page);
   Refusal right_press();
+  // Escape: the first usable one of the topmost form's cancel buttons.
+  Refusal cancel();
   // The close box of the topmost form.
   Refusal close();
 

@@ -140,7 +140,7 @@ TEST_F(HandTest, KeysPassTheFilterAndFollowTheFocus) {
 
 TEST_F(HandTest, EnterAndEscapePressTheButtonsOfTheForm) {
   ask_.default_button = &ask_.ok;
-  ask_.cancel_button = &ask_.cancel;
+  ask_.cancel_buttons = {&ask_.cancel, &ask_.ok};
   note(ask_.ok.clicked, "ok");
   note(ask_.cancel.clicked, "cancel");
   ask_.list.add("a");
@@ -151,6 +151,9 @@ TEST_F(HandTest, EnterAndEscapePressTheButtonsOfTheForm) {
   EXPECT_EQ(hand_.press(ask_.cancel, Key{Key::kEnter}), "");
   EXPECT_EQ(hand_.press(ask_.cancel, Key{U' '}), "");
   EXPECT_EQ(log(), (Log{"ok", "ok", "cancel", "cancel", "cancel"}));
+  ask_.cancel.set_enabled(false);
+  EXPECT_EQ(hand_.press(ask_.text, Key{Key::kEscape}), "");
+  EXPECT_EQ(log(), Log{"ok"}) << "the first that is usable";
 }
 
 TEST_F(HandTest, ReplacingATextIsOneEdit) {
