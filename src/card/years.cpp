@@ -53,7 +53,7 @@ std::string LireParametres(const control::Procedure& procedure, std::string curr
     if (error.number() == store::kMissingRecord) return current;
   }
   constexpr int kAgreements = 10;
-  const std::string first(parameters(kAgreements, 1));
+  std::string first(parameters(kAgreements, 1));
   for (int value = 1; !parameters(kAgreements, value).empty(); ++value) {
     if (parameters(kAgreements, value) != first) return {};
   }

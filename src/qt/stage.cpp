@@ -114,7 +114,9 @@ void ControleVelanorWidget::Stage::focus_came(screen::Control& control, Qt::Focu
   if (placing_ || acting_ || screen().finished()) return;
   if (reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason ||
       reason == Qt::MenuBarFocusReason)
-    return;
+    return keep_focus();
+  // The toolkit turns a page before the rules have heard of it, and puts the focus somewhere on the new one.
+  if (!control.form().in_sight(control)) return;
   if (open_to(control)) {
     if (control.form().focus() != &control) act([&](screen::Hand& hand) { hand.focus(control); });
   } else {
@@ -131,6 +133,8 @@ bool ControleVelanorWidget::Stage::step_focus(bool forward) {
   if (placing_ || screen().finished()) return false;
   if (message_) return message_->move_focus(forward), true;
   if (!idle()) return false;
+  if (const QWidget* focus = QApplication::focusWidget(); focus && !focus->isVisible())
+    return true;  // likewise
   act([&](screen::Hand&) {
     screen::Form& form = screen().top();
     const View* here = form.focus() ? view_of(*form.focus()) : nullptr;
@@ -183,6 +187,16 @@ void ControleVelanorWidget::Stage::place_focus() {
   widget_.window()->setAttribute(Qt::WA_KeyboardFocusChange);
   target->setFocus(Qt::OtherFocusReason);
   if (view) view->focus_placed();
+}
+
+// What had borrowed the focus gives it back to where it was then; the keys may have moved it since. What
+// was typed so far is left unselected, for the next key to go on.
+void ControleVelanorWidget::Stage::keep_focus() {
+  const screen::Control* focus = screen().top().focus();
+  const View* view = focus ? view_of(*focus) : nullptr;
+  if (!view || !idle() || widget_.window()->focusWidget() == &view->focus_widget()) return;
+  Flag placing(placing_);
+  view->focus_widget().setFocus(Qt::OtherFocusReason);
 }
 
 void ControleVelanorWidget::Stage::set_mnemonics() {

@@ -9,6 +9,7 @@
 #include "qt/binder.h"
 #include "qt/controle_velanor_widget.h"
 #include "qt/input_gate.h"
+#include "qt/late_keys.h"
 #include "qt/message_sheet.h"
 
 namespace velanor::qt {
@@ -71,6 +72,7 @@ class ControleVelanorWidget::Stage : public QObject,
   QWidget* make_pages(const screen::Form& form) const;
   void refresh();
   void place_focus();
+  void keep_focus();
   void set_mnemonics();
   void report(std::exception_ptr failure);
 
@@ -78,6 +80,7 @@ class ControleVelanorWidget::Stage : public QObject,
   mutable ControleVelanor component_;
   std::vector<OpenForm> forms_;
   InputGate gate_;
+  LateKeys late_keys_;
   QPointer<MessageSheet> message_;
   bool acting_ = false;
   bool placing_ = false;

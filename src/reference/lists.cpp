@@ -40,18 +40,18 @@ int find_entry(const store::DbResult& result, int field, std::string_view text) 
   return 0;
 }
 
-void ReferenceLists::fill(screen::ComboBox& box, store::DbResult& kept, store::DbResult fresh) {
+void ReferenceLists::fill(screen::ComboBox& box, store::DbResult& kept, const store::DbResult& fresh) {
   box.set_index(-1);
   box.set_text({});
   // A result that has not changed is in the box already: 35,000 towns need not be copied again.
   const bool filled = kept.same_rows(fresh) && box.count() == fresh.DCount();
-  kept = std::move(fresh);
+  kept = fresh;
   if (!filled) box.refill(labels_of(kept));
 }
 
 void ReferenceLists::fill_or_take(screen::ComboBox& box, screen::TextBox* code, store::DbResult& kept,
-                                  store::DbResult fresh, int code_from) {
-  fill(box, kept, std::move(fresh));
+                                  const store::DbResult& fresh, int code_from) {
+  fill(box, kept, fresh);
   if (kept.DCount() != 1) return;
   if (code) code->set_text(text::mid(kept(1, kId), code_from));
   box.set_text(kept(1, kLabel));

@@ -58,10 +58,10 @@ class ReferenceLists {
 
  private:
   // Labels of a result into a box, its text emptied.
-  void fill(screen::ComboBox& box, store::DbResult& kept, store::DbResult fresh);
+  void fill(screen::ComboBox& box, store::DbResult& kept, const store::DbResult& fresh);
   // The same, but a single entry is taken at once, its code into `code` (null: none).
   void fill_or_take(screen::ComboBox& box, screen::TextBox* code, store::DbResult& kept,
-                    store::DbResult fresh, int code_from = 1);
+                    const store::DbResult& fresh, int code_from = 1);
 
   card::CardScreen& ui_;
   card::CardState& card_;

@@ -1,6 +1,7 @@
 #include "screen/control.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "screen/form.h"
 #include "text/utf8.h"
@@ -66,8 +67,12 @@ void TextControl::edit(std::string_view text) {
 
 std::string TextControl::admitted(std::string_view value) {
   // The filters judge a key against the text so far, so the value grows in the control itself.
-  std::string before;
-  before.swap(text_);
+  struct Back {
+    std::string& text;
+    std::string before;
+    ~Back() { text.swap(before); }
+  };
+  const Back back{text_, std::exchange(text_, {})};
   for (std::size_t at = 0; at < value.size();) {
     Key key{text::next(value, at)};
     if (key.code < U' ' || key.code == Key::kDelete) continue;
@@ -75,8 +80,7 @@ std::string TextControl::admitted(std::string_view value) {
     const bool full = max_length_ > 0 && text::length(text_) >= max_length_;
     if (key.code >= U' ' && !full) text::append(text_, key.code);
   }
-  before.swap(text_);
-  return before;
+  return text_;
 }
 
 std::string_view Lines::line(int position) const {

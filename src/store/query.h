@@ -24,7 +24,7 @@ class DbQuery : public DbRecord {
 class DbResult {
  public:
   DbResult();
-  explicit DbResult(std::shared_ptr<const DbRecord> rows) : DbResult(rows, rows->DCount()) {}
+  explicit DbResult(const std::shared_ptr<const DbRecord>& rows) : DbResult(rows, rows->DCount()) {}
   // With the number of rows said apart: a single row whose only element is empty reads like no row.
   DbResult(std::shared_ptr<const DbRecord> rows, int count) : rows_(std::move(rows)), count_(count) {}
   // Moving copies, so that what was moved from still reads.

@@ -33,13 +33,15 @@ class NoRights : public control::UserRights {
   std::string rights(std::string_view) override { return {}; }
 };
 
-// An unknown entity and its message; the entity, the employee; the items of her first amendment, one
+// An unknown entity and its message; the entity, the employee; the sector from its list, the town with the
+// list of those that begin so; the items of her first amendment, one
 // added and kept; the monthly hours typed over; saved; the next employee.
-const char* const kKeys[]{"9",     "9", "9",     "Return", "0",     "0",         "1",     "0",
-                          "0",     "0", "1",     "0",      "alt+p", "shift+Tab", "Down",  "alt+l",
-                          "alt+j", "0", "0",     "2",      "1",     "0",         "Tab",   "2",
-                          "comma", "5", "alt+o", "alt+r",  "alt+o", "alt+d",     "alt+h", "1",
-                          "5",     "0", "alt+o", "0",      "0",     "0",         "2",     "0"};
+const char* const kKeys[]{
+    "9",     "9",   "9",     "Return",    "0",     "0",     "1",      "0",     "0",     "0",
+    "1",     "0",   "alt+t", "Tab",       "F4",    "Up",    "Return", "Tab",   "E",     "z",
+    "e",     "Tab", "alt+p", "shift+Tab", "Down",  "alt+l", "alt+j",  "0",     "0",     "2",
+    "1",     "0",   "Tab",   "2",         "comma", "5",     "alt+o",  "alt+r", "alt+o", "alt+d",
+    "alt+h", "1",   "5",     "0",         "alt+o", "0",     "0",      "0",     "2",     "0"};
 
 void fill(store::Database& database) {
   play::RecordingDatabase recording(database);
@@ -88,6 +90,8 @@ void type_at(int delay) {
   const store::DbRecord card = memory.OpenFile("VELANORO")->find("000100012026").value();
   expect(at + "employee", name.text(), "DURAND PAUL");
   expect(at + "hours", card(2), "15000");
+  expect(at + "sector", card(4), "007");
+  expect(at + "town", card(5), "Eze");
   // The new item stands where the rules put it.
   std::string items;
   for (int n = 1; !card(30, 1, n).empty(); ++n)

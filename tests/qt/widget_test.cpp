@@ -99,6 +99,9 @@ class WidgetTest : public testing::Test, private control::UserRights {
   }
   void type(const char* name, const QString& characters) {
     widget<QWidget>(name).setFocus(Qt::TabFocusReason);
+    type_on(characters);
+  }
+  void type_on(const QString& characters) {
     for (const QChar character : characters) {
       QKeyEvent key(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, QString(character));
       QCoreApplication::sendEvent(widget_.window()->focusWidget(), &key);
@@ -146,6 +149,36 @@ TEST_F(WidgetTest, KeyReplacesTheSelectionOfAFieldEnteredByTab) {
   open_card();
   type("Txt_HorMensEtab", ",5");
   EXPECT_EQ(text("Txt_HorMensEtab"), ",5");
+}
+
+TEST_F(WidgetTest, APageTurnedByTheKeyboardOpensWhereTheRulesPutTheFocus) {
+  open_card();
+  auto& pages = widget<QTabWidget>("Ong_FichPers");
+  widget<QWidget>("Opt_CDI").setFocus(Qt::TabFocusReason);
+  pages.setCurrentIndex(1);
+  EXPECT_EQ(QApplication::focusWidget(), &widget<QWidget>("Cmd_AjDetail"));
+  pages.setCurrentIndex(0);
+  EXPECT_EQ(QApplication::focusWidget(), &widget<QWidget>("Cmd_AjAct"));
+  std::string told;
+  at_next_message([&](MessageSheet& sheet) { told = sheet.message().text; });
+  type("Txt_DatNais", "320126");
+  pages.setCurrentIndex(1);
+  EXPECT_NE(told, "");
+  EXPECT_EQ(pages.currentIndex(), 0);
+  EXPECT_EQ(QApplication::focusWidget(), &widget<QWidget>("Txt_DatNais"));
+}
+
+// The window of a list that hangs over ours comes and goes later than the keys do.
+TEST_F(WidgetTest, AWindowThatComesBackLateDoesNotTakeTheFocusBack) {
+  open_card();
+  auto& left = widget<QLineEdit>("Txt_CodEtab");
+  left.setFocus(Qt::TabFocusReason);
+  auto& field = widget<QLineEdit>("Txt_HorMensEtab");
+  type("Txt_HorMensEtab", "1");
+  left.setFocus(Qt::ActiveWindowFocusReason);
+  EXPECT_EQ(QApplication::focusWidget(), &field);
+  type_on("5");
+  EXPECT_EQ(text("Txt_HorMensEtab"), "15");
 }
 
 TEST_F(WidgetTest, NothingBehindAMessageAnswers) {

@@ -342,7 +342,7 @@ CardCheck::CardCheck(store::Database& database) : references_(std::make_unique<R
     for (int v = 1; record && v <= record->Count(2); ++v) codes.emplace((*record)(2, v));
   }
   const auto parameters = database.OpenFile("BUDGETPARAM")->find("1");
-  if (!parameters) faults_.push_back("L'enregistrement « 1 » manque dans BUDGETPARAM.");
+  if (!parameters) faults_.emplace_back("L'enregistrement « 1 » manque dans BUDGETPARAM.");
   if (parameters)
     references_->reference_day = static_cast<int>(number_or_0((*parameters)(1, parameters->Count(1))));
 }

@@ -52,7 +52,7 @@ ImportReport import_into_new(const std::string& path, const Options& options) {
   Unfinished file(path);
   StoreOptions store;
   store.url = file.path();
-  const ImportReport report = import_into(store, options);
+  ImportReport report = import_into(store, options);
   if (report.faults.empty()) file.complete();
   return report;
 }

@@ -23,7 +23,7 @@ bool all_digits(std::string_view text) {
 class Import {
  public:
   Import(std::istream& in, store::Database& database, std::string_view file)
-      : reader_(in), database_(database), file_name_(file), file_(database.OpenFile(file)) {}
+      : reader_(in), file_name_(file), file_(database.OpenFile(file)) {}
 
   ImportReport run(const std::function<void()>& row_read) {
     if (!read_header()) return report_;
@@ -57,7 +57,6 @@ class Import {
   void write();
 
   CsvReader reader_;
-  store::Database& database_;
   std::string file_name_;
   std::unique_ptr<store::DbFile> file_;
   std::vector<Column> columns_;

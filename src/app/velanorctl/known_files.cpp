@@ -12,7 +12,8 @@ const std::vector<std::string_view>& names() {
   static const auto kNames = [] {
     std::vector<std::string_view> all(control::kFileNames.begin(), control::kFileNames.end());
     // Those that are not kept open.
-    for (const char* name : {"ETABLISSEMENT", "BUDGETHISTORCUMUL", "BUDGETDETAILCALCUL"}) all.push_back(name);
+    for (const char* name : {"ETABLISSEMENT", "BUDGETHISTORCUMUL", "BUDGETDETAILCALCUL"})
+      all.emplace_back(name);
     return all;
   }();
   return kNames;

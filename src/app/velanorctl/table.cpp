@@ -69,6 +69,7 @@ void TextTable::print(std::ostream& out) const {
     for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], display_width(row[i]));
   }
   std::vector<std::string> rule;
+  rule.reserve(widths.size());
   for (const int width : widths) rule.emplace_back(static_cast<std::size_t>(width), '-');
   print_row(rows_.front(), widths, out);
   print_row(rule, widths, out);

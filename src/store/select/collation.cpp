@@ -159,7 +159,7 @@ std::size_t Collator::take_ascii(std::string_view text, std::string& key) {
   key.resize(begin + text.size());
   std::size_t taken = 0;
   for (; taken < text.size() && is_ascii(text[taken]); ++taken) {
-    key[begin + taken] = kAsciiWeights[static_cast<std::size_t>(text[taken])];
+    key[begin + taken] = kAsciiWeights[static_cast<unsigned char>(text[taken])];
     if (is_upper(text[taken])) set_upper(count_ + taken);
   }
   key.resize(begin + taken);
@@ -171,7 +171,7 @@ void Collator::take(std::string_view text, std::size_t at, std::size_t size, std
   const char32_t code = utf8::decode(text, at);
   if (is_combining(code)) return set_accent(combining_accent(code));
   if (const char like = alias_of(code)) {
-    key += kAsciiWeights[static_cast<std::size_t>(like)];
+    key += kAsciiWeights[static_cast<unsigned char>(like)];
     ++count_;
   } else if (const Letters letters = code < kLatinEnd ? kLatin[code] : Letters{}; letters.first != 0) {
     take_letter(letters.first, letters.accent, is_upper(letters.first), key);
