@@ -38,6 +38,17 @@ void add_options(CLI::App& program, Options& options) {
   program.add_flag("--dark", options.dark, "Couleurs sombres");
 }
 
+// The toolkit's own dialogs take their formats from the environment, before there is an application. Which
+// characters are typed stays the machine's.
+void ask_for_french_formats() {
+  if (const QByteArray all = qgetenv("LC_ALL"); !all.isEmpty()) {
+    qputenv("LC_CTYPE", all);
+    qunsetenv("LC_ALL");
+  }
+  for (const char* category : {"LC_NUMERIC", "LC_TIME", "LC_MONETARY", "LC_MEASUREMENT", "LC_MESSAGES"})
+    qputenv(category, "fr_FR.UTF-8");
+}
+
 // The toolkit's own words in French, and French formats, whatever the machine's language.
 void speak_french(QApplication& application) {
   std::setlocale(LC_NUMERIC, "C");
@@ -98,6 +109,7 @@ int parse_and_run(QApplication& application, int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) try {
+  ask_for_french_formats();
   QApplication::setStyle("Fusion");
   QApplication application(argc, argv);
   QCoreApplication::setApplicationName("velanor");

@@ -2,6 +2,7 @@
 
 #include <QCloseEvent>
 #include <QFileDialog>
+#include <QFileIconProvider>
 #include <QFileInfo>
 #include <QMenuBar>
 
@@ -11,6 +12,15 @@ namespace velanor::app {
 namespace {
 
 const QString kTitle = QStringLiteral("Fiches du personnel");
+
+// The toolkit's translation leaves these out.
+class FrenchKinds : public QFileIconProvider {
+ public:
+  QString type(const QFileInfo& file) const override {
+    if (file.isDir()) return QStringLiteral("Dossier");
+    return file.suffix() == QLatin1String("db") ? QStringLiteral("Base") : QStringLiteral("Fichier");
+  }
+};
 
 }  // namespace
 
@@ -47,7 +57,11 @@ void MainWindow::make_menus() {
   connect(help->addAction("À &propos…"), &QAction::triggered, this, &MainWindow::show_about);
 }
 
-void MainWindow::set_source(const QString& name) { setWindowTitle(name + " – " + kTitle); }
+void MainWindow::set_source(const QString& path) {
+  const QFileInfo file(path);
+  setWindowTitle((path.isEmpty() ? QStringLiteral("Démonstration") : file.fileName()) + " – " + kTitle);
+  if (!path.isEmpty()) folder_ = file.absolutePath();
+}
 
 void MainWindow::set_recent(const QStringList& files) {
   recent_->clear();
@@ -60,9 +74,12 @@ void MainWindow::set_recent(const QStringList& files) {
 }
 
 void MainWindow::ask_file() {
-  const QString path =
-      QFileDialog::getOpenFileName(this, "Ouvrir une base", {}, "Bases (*.db);;Tous les fichiers (*)");
-  if (!path.isEmpty()) emit open_asked(path);
+  FrenchKinds kinds;
+  QFileDialog dialog(this, "Ouvrir une base", folder_, "Bases (*.db);;Tous les fichiers (*)");
+  dialog.setIconProvider(&kinds);
+  dialog.setFileMode(QFileDialog::ExistingFile);
+  dialog.resize(820, 480);
+  if (dialog.exec() == QDialog::Accepted) emit open_asked(dialog.selectedFiles().constFirst());
 }
 
 void MainWindow::show_help(const QString& page, const QString& title) {

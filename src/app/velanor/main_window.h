@@ -24,8 +24,9 @@ class MainWindow : public QMainWindow, private control::UserRights {
   qt::ControleVelanorWidget& component() { return *component_; }
   // Starts the component. Throws store::DbError.
   void start();
-  // What the window's title names.
-  void set_source(const QString& name);
+  // The database file that the title names and beside which others are looked for; "" for the
+  // demonstration data in memory.
+  void set_source(const QString& path);
   void set_recent(const QStringList& files);
 
  signals:
@@ -46,6 +47,7 @@ class MainWindow : public QMainWindow, private control::UserRights {
   control::Client client_;
   store::Database& database_;
   QMenu* recent_ = nullptr;
+  QString folder_;
   QPointer<HelpWindow> help_;
 };
 

@@ -50,8 +50,7 @@ bool Program::open(const StoreOptions& options) try {
   }
   const QString path = QString::fromStdString(named.demo ? "" : path_of(named.url));
   Base base{open_store(named, own ? IfMissing::kCreate : IfMissing::kFail), nullptr};
-  if (!show(std::move(base), named.demo ? QStringLiteral("Démonstration") : QFileInfo(path).fileName()))
-    return false;
+  if (!show(std::move(base), path)) return false;
   if (!named.demo) remember(QFileInfo(path).absoluteFilePath());
   return true;
 } catch (const std::exception& error) {
@@ -59,14 +58,14 @@ bool Program::open(const StoreOptions& options) try {
   return false;
 }
 
-bool Program::show(Base base, const QString& name) {
+bool Program::show(Base base, const QString& path) {
   base.window = std::make_unique<MainWindow>(*base.store);
   MainWindow& window = *base.window;
-  window.set_source(name);
+  window.set_source(path);
   window.set_recent(QSettings().value(kRecent).toStringList());
-  connect(&window, &MainWindow::open_asked, this, [this](const QString& path) {
+  connect(&window, &MainWindow::open_asked, this, [this](const QString& asked) {
     StoreOptions options;
-    options.url = path.toStdString();
+    options.url = asked.toStdString();
     open(options);
   });
   connect(

@@ -26,7 +26,7 @@ class Program : public QObject {
     std::unique_ptr<store::Database> store;
     std::unique_ptr<MainWindow> window;
   };
-  bool show(Base base, const QString& name);
+  bool show(Base base, const QString& path);
   // Brings the demonstration data into an empty database if the user wants it.
   bool fill(Base& base);
   void remember(const QString& path);
