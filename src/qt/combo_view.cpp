@@ -38,7 +38,7 @@ void ComboView::show() {
     show_text();
     if (!at_end) edit()->setCursorPosition(caret);
   }
-  View::show();
+  TextView::show();
   if (!edit() && box_.index() < 0) widget_.setPlaceholderText(to_qt(box_.text()));
 }
 

@@ -154,7 +154,7 @@ void ControleVelanorWidget::Stage::right_press() {
   act([](screen::Hand& hand) { hand.right_press(); });
 }
 
-void ControleVelanorWidget::Stage::report(std::exception_ptr failure) {
+void ControleVelanorWidget::Stage::report(const std::exception_ptr& failure) {
   if (failed) return failed(failure);
   try {
     std::rethrow_exception(failure);

@@ -74,7 +74,7 @@ class ControleVelanorWidget::Stage : public QObject,
   void place_focus();
   void keep_focus();
   void set_mnemonics();
-  void report(std::exception_ptr failure);
+  void report(const std::exception_ptr& failure);
 
   ControleVelanorWidget& widget_;
   mutable ControleVelanor component_;

@@ -95,7 +95,7 @@ void click_on(QWidget& widget) { click_at(widget, widget.rect().center()); }
 
 QtActor::QtActor(qt::ControleVelanorWidget& widget, QString shots)
     : widget_(widget), shots_(std::move(shots)) {
-  widget_.set_failure_handler([this](std::exception_ptr failure) { failure_ = failure; });
+  widget_.set_failure_handler([this](std::exception_ptr failure) { failure_ = std::move(failure); });
 }
 
 Actor::Refusal QtActor::done(Refusal why) {
