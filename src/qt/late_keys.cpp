@@ -24,7 +24,7 @@ bool LateKeys::is_owners(const QObject* receiver) const {
 bool LateKeys::take_back(QEvent* event) {
   if (QApplication::activeWindow() != owner_) QApplication::setActiveWindow(owner_);
   const bool key = event->type() != QEvent::ShortcutOverride;
-  QObject* receiver = key ? static_cast<QObject*>(owner_->windowHandle()) : QApplication::focusWidget();
+  QObject* receiver = key ? static_cast<QObject*>(owner_->windowHandle()) : owner_->focusWidget();
   if (receiver) QCoreApplication::sendEvent(receiver, event);
   return receiver != nullptr;
 }

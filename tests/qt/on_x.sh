@@ -17,4 +17,4 @@ manager=$!
 read -r _ <"$folder/ready"
 # French keys; on others a capital with an accent would arrive as a small letter.
 setxkbmap fr -variant oss
-timeout 170 "$@"
+timeout "${ON_X_SECONDS:-170}" "$@"
