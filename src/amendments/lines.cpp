@@ -295,7 +295,7 @@ void AmendmentLines::Cmd_OkDetail_Click() {
 // ---- Abandoning and removing.
 
 void AmendmentLines::Cmd_AnnulDetail_Click() {
-  if (on_.card.AjoutDetail && !on_.screen.confirm("Voulez-vous quitter cette création ?")) return;
+  if (on_.card.AjoutDetail && !on_.screen.confirm_loss("Voulez-vous quitter cette création ?")) return;
   const int line = on_.card.AjoutDetail ? -1 : on_.card.edited_line;
   end_entry();
   select(line);
@@ -303,7 +303,7 @@ void AmendmentLines::Cmd_AnnulDetail_Click() {
 
 void AmendmentLines::Cmd_SuppDetail_Click() {
   const int line = on_.ui.Lst_DatEffet.index();
-  if (line < 0 || !on_.screen.confirm("Voulez-vous supprimer cette ligne ?")) return;
+  if (line < 0 || !on_.screen.confirm_loss("Voulez-vous supprimer cette ligne ?")) return;
   for (int attribute : card::kItemColumns) {
     if (on_.card.working.Count(attribute) > line) on_.card.working.Delete(attribute, line + 1);
   }

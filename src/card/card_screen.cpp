@@ -13,6 +13,7 @@ CardScreen::CardScreen() : Form("ControleVelanor", "Fiches du personnel") {
   for (ComboBox* box : {&Cbo_Periode, &Cbo_EtudeAidant, &Cbo_Activites}) box->make_list_only();
   Mnu_Sommaire.set_parent(Mnu_Aide);
   cancel_buttons = {&Cmd_AnnulDetail, &Cmd_AnnulAct, &Cmd_Annul};
+  perilous_buttons = {&Cmd_SuppDetail, &Cmd_Supp};
 }
 
 const std::vector<screen::Control*>& CardScreen::group(Group group) const {

@@ -223,7 +223,7 @@ void CardCommands::allow_browsing(const std::exception_ptr& failure) {
 }
 
 void CardCommands::Cmd_Annul_Click() {
-  if (!on_.screen.confirm("Voulez-vous quitter cette création ?")) return;
+  if (!on_.screen.confirm_loss("Voulez-vous quitter cette création ?")) return;
   on_.ui.Cmd_Copier.set_enabled(false);
   on_.ui.Txt_RegroupBudget.set_text({});
   on_.ui.Txt_Etat.set_text({});
@@ -233,7 +233,7 @@ void CardCommands::Cmd_Annul_Click() {
 }
 
 void CardCommands::Cmd_Supp_Click() {
-  if (!on_.screen.confirm("Voulez-vous supprimer cette fiche ?")) return;
+  if (!on_.screen.confirm_loss("Voulez-vous supprimer cette fiche ?")) return;
   if (!on_.card.Creation) {
     const std::string id = id_of(on_.card.CodeAidant);
     on_.procedure.file(control::File::kCards).DeleteRecord(id);

@@ -50,6 +50,7 @@ Frm_RubSaisie::Frm_RubSaisie(card::CardState& card, const control::Procedure& pr
   ui_.Cmd_SaisieAuto.clicked += [this] { Cmd_SaisieAuto_Click(); };
   ui_.may_close = [this] { return Form_Unload(); };
   ui_.cancel_buttons = {&ui_.Cmd_Annuler};
+  ui_.perilous_buttons = {&ui_.Cmd_Supprimer};
 }
 
 // A click on one column goes on to the next; the ring closes where the index is already set.
@@ -333,7 +334,7 @@ void Frm_RubSaisie::abandon_edit_line() {
 
 void Frm_RubSaisie::Cmd_Annuler_Click() {
   if (TauxParDefaut) {
-    if (screen_.confirm("Etes-vous sûr de vouloir quitter cette création ?", screen::Icon::Exclamation))
+    if (screen_.confirm_loss("Etes-vous sûr de vouloir quitter cette création ?", screen::Icon::Exclamation))
       abandon_edit_line();
   } else if (!ui_.Txt_Code.is_empty()) {
     abandon_edit_line();
@@ -343,7 +344,8 @@ void Frm_RubSaisie::Cmd_Annuler_Click() {
 }
 
 void Frm_RubSaisie::Cmd_Supprimer_Click() {
-  if (!screen_.confirm("Etes-vous sûr de vouloir supprimer cette ligne ?", screen::Icon::Exclamation)) return;
+  if (!screen_.confirm_loss("Etes-vous sûr de vouloir supprimer cette ligne ?", screen::Icon::Exclamation))
+    return;
   remove_line(ui_.Lst_Code.index());
   back_to_browsing();
   control::size_scroll_bar(ui_.Bdv_Detail, ui_.Lst_Code, kPageOfLines);
@@ -426,7 +428,7 @@ void Frm_RubSaisie::Cmd_SaisieAuto_Click() {
 }
 
 void Frm_RubSaisie::fill_from(const store::DbRecord& record, const Hours& hours) {
-  screen_.toolkit().set_busy(true);
+  const screen::Busy busy(screen_.toolkit());
   for (const FilledItem& item : fill_template(record, hours, procedure_.file(control::File::kItems))) {
     std::array<std::string, 5> line{item.code, item.label, item.base, item.rate, item.amount};
     for (const Figure& figure : kFigures) {
@@ -439,7 +441,6 @@ void Frm_RubSaisie::fill_from(const store::DbRecord& record, const Hours& hours)
   control::size_scroll_bar(ui_.Bdv_Detail, ui_.Lst_Code, kPageOfLines);
   ui_.Cmd_SaisieAuto.set_enabled(false);
   write_grid();
-  screen_.toolkit().set_busy(false);
 }
 
 }  // namespace velanor::forms

@@ -52,7 +52,10 @@ void OptionButton::set_value(bool on) {
 }
 
 void TextControl::set_text(std::string_view text) {
-  if (max_length_ > 0) text = text::left(text, max_length_);
+  put(max_length_ > 0 ? text::left(text, max_length_) : text);
+}
+
+void TextControl::put(std::string_view text) {
   if (text_ == text) return;
   text_ = text;
   touch();
@@ -60,9 +63,14 @@ void TextControl::set_text(std::string_view text) {
   changed.raise();
 }
 
+bool TextControl::shows_more() const {
+  return max_length_ > 0 && !edited_ && text::length(text_) > max_length_;
+}
+
 void TextControl::edit(std::string_view text) {
   if (text_ != text) edited_ = true;
-  set_text(text);
+  const int most = std::max(max_length_, text::length(text_));
+  put(max_length_ > 0 ? text::left(text, most) : text);
 }
 
 std::string TextControl::admitted(std::string_view value) {
@@ -102,13 +110,20 @@ void ComboBox::set_index(int index) {
   if (differs) clicked.raise();
 }
 
+void ComboBox::choose(int index) {
+  if (index < 0 || index != index_) return set_index(index);
+  clicked.raise();
+}
+
 void ComboBox::add(std::string_view item) {
   items_.emplace_back(item);
+  notes_.clear();
   touch();
 }
 
 void ComboBox::clear() {
   items_.clear();
+  notes_.clear();
   index_ = -1;
   touch();
   set_text({});
@@ -116,7 +131,13 @@ void ComboBox::clear() {
 
 void ComboBox::refill(std::vector<std::string> items, int index) {
   items_ = std::move(items);
+  notes_.clear();
   index_ = index >= 0 && index < count() && line(index) == text() ? index : -1;
+  touch();
+}
+
+void ComboBox::annotate(std::vector<std::string> notes) {
+  notes_ = std::move(notes);
   touch();
 }
 

@@ -116,12 +116,17 @@ class TextControl : public Control {
   int max_length() const { return max_length_; }
   // Cut to the maximum length. A text that differs raises `changed`; the same raises nothing.
   void set_text(std::string_view text);
+  // What is stored, whole even where it is longer than what may be typed.
+  void show_whole(std::string_view text) { put(text); }
+  // Longer than what may be typed, as it was shown: not the user's, and not to be judged as such.
+  bool shows_more() const;
 
   // The user's way in. Runs the key filter; what it leaves is for the caller to carry out.
   void filter(Key& key) const {
     if (key_press) key_press(key);
   }
-  // The text after an edit of the user's, already filtered key by key.
+  // The text after an edit of the user's, already filtered key by key. It may not outgrow the
+  // maximum length, nor what stood there.
   void edit(std::string_view text);
   // A whole value that came past the key filter (pasted, dropped, set by an assistive tool):
   // what the filter would have let through of it, key by key.
@@ -140,6 +145,8 @@ class TextControl : public Control {
   virtual void text_was_set() {}
 
  private:
+  void put(std::string_view text);
+
   std::string text_;
   int max_length_;
   bool edited_ = false;
@@ -175,12 +182,18 @@ class ComboBox : public TextControl, public Lines {
   // Selects a line (-1: none) and takes over its text: raises `changed` when the text differs,
   // then `clicked` when the index does.
   void set_index(int index);
+  // The user's choice of a line: raises `clicked` even for the line that is shown already.
+  void choose(int index);
   void add(std::string_view item);
   // Empties list and text.
   void clear();
   // New lines; the text stays. Line `index` is the selected one if it reads the same as the text.
   // Raises nothing.
   void refill(std::vector<std::string> items, int index = -1);
+  // What a window shows beside each line, to tell alike ones apart; not part of the line's text.
+  // Holds until the lines change.
+  void annotate(std::vector<std::string> notes);
+  const std::vector<std::string>& notes() const { return notes_; }
 
   // A list alone: its text cannot be typed.
   bool editable() const { return editable_; }
@@ -193,6 +206,7 @@ class ComboBox : public TextControl, public Lines {
   void text_was_set() override;
 
  private:
+  std::vector<std::string> notes_;
   bool editable_ = true;
 };
 

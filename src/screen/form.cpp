@@ -1,23 +1,11 @@
 #include "screen/form.h"
 
 #include <algorithm>
+#include <utility>
+
+#include "screen/scope.h"
 
 namespace velanor::screen {
-namespace {
-
-// Raised again on every way out, so that a failing handler does not leave the form mid-move.
-class Scope {
- public:
-  explicit Scope(bool& flag) : flag_(flag) { flag_ = true; }
-  ~Scope() { flag_ = false; }
-  Scope(const Scope&) = delete;
-  Scope& operator=(const Scope&) = delete;
-
- private:
-  bool& flag_;
-};
-
-}  // namespace
 
 Control* Form::find(std::string_view name) const {
   const auto at =
@@ -47,32 +35,80 @@ void Form::set_focus(Control& control) {
 
 bool Form::move_focus(Control* control) {
   if (control == focus_ || leaving_) return control == focus_;
-  wanted_ = control;
-  redirected_ = false;
-  if (focus_) {
-    Scope leaving(leaving_);
-    focus_->lost_focus.raise();
-  }
-  Control* target = wanted_;
+  if (control && abandons(*control)) return postpone_judgement(*control);
+  return leave_for([control] { return control; }) == control;
+}
+
+bool Form::step_focus(bool forward, const Passes& passes) {
+  if (leaving_) return false;
+  const Control* from = focus_;
+  const auto next = [&]() -> Control* {
+    Control* control = neighbour(from, forward);
+    for (std::size_t stops = 0; control && passes && passes(*control) && stops < controls_.size(); ++stops)
+      control = neighbour(control, forward);
+    return control;
+  };
+  Control* target = next();
+  if (target && abandons(*target)) return postpone_judgement(*target);
+  // Leaving may open what comes next, or close it.
+  return target && leave_for(next) == focus_;
+}
+
+// What the field holds is judged when the focus goes on from there, if the entry is still open then.
+bool Form::postpone_judgement(Control& control) {
+  if (!can_focus(control)) return false;
+  if (focus_ && !abandons(*focus_)) unjudged_ = focus_;
+  enter(&control);
+  return true;
+}
+
+void Form::resume() {
+  if (focus_ && abandons(*focus_) && unjudged_ && can_focus(*unjudged_)) enter(unjudged_);
+}
+
+Control* Form::leave_for(const std::function<Control*()>& target_of) {
   wanted_ = nullptr;
+  redirected_ = false;
+  Control* const left = unjudged_ && unjudged_->usable() && unjudged_ != target_of() ? unjudged_ : focus_;
+  if (left) {
+    Scope leaving(leaving_);
+    left->lost_focus.raise();
+  }
+  Control* target = redirected_ ? std::exchange(wanted_, nullptr) : target_of();
   if (redirected_ && !in_sight(*target) && tabs_->page_enabled(target->page())) tabs_->show(target->page());
   if (target && !can_focus(*target)) {
+    unjudged_ = nullptr;
     settle_focus();
-    return false;
+    return nullptr;
   }
   if (target != focus_) enter(target);
-  return target == control;
+  return target;
 }
 
 void Form::enter(Control* control) {
   focus_ = control;
+  const bool returns = control && control == unjudged_;
+  if (!control || !abandons(*control)) unjudged_ = nullptr;
   if (!control) return;
-  if (auto* text = dynamic_cast<TextControl*>(control)) text->clear_edited();
+  if (auto* text = dynamic_cast<TextControl*>(control); text && !returns) text->clear_edited();
   control->got_focus.raise();
 }
 
 void Form::settle_focus() {
-  if (focus_ && !can_focus(*focus_)) enter(neighbour(focus_, true));
+  if (!focus_ || can_focus(*focus_)) return;
+  Control* next = neighbour(focus_, true);
+  for (std::size_t step = 0; next && is_perilous(*next) && step < controls_.size(); ++step)
+    next = neighbour(next, true);
+  enter(next);
+}
+
+bool Form::abandons(const Control& control) const {
+  return std::find(cancel_buttons.begin(), cancel_buttons.end(), &control) != cancel_buttons.end();
+}
+
+bool Form::is_perilous(const Control& control) const {
+  return abandons(control) ||
+         std::find(perilous_buttons.begin(), perilous_buttons.end(), &control) != perilous_buttons.end();
 }
 
 Control* Form::neighbour(const Control* from, bool forward) const {

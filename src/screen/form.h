@@ -21,6 +21,9 @@ class Form {
 
   const std::string& name() const { return name_; }
   const std::string& caption() const { return caption_; }
+  // What a window shows behind the caption: which one of its kind is open.
+  const std::string& subtitle() const { return subtitle_; }
+  void set_subtitle(std::string_view subtitle) { subtitle_ = subtitle; }
   const std::vector<Control*>& controls() const { return controls_; }
   // The control of that name, or null.
   Control* find(std::string_view name) const;
@@ -34,12 +37,19 @@ class Form {
   // the control that the user wanted gets no event.
   void set_focus(Control& control);
   // The user moves the focus (null: away, to none). False when a lost_focus handler sent it
-  // elsewhere. The control must be usable and in sight.
+  // elsewhere. The control must be usable and in sight. What a field holds is not judged on the way
+  // to a cancel button, where it may be thrown away, but when the focus goes on from there.
   bool move_focus(Control* control);
+  // The user's Tab: to the next (or previous) control as it stands when the one left has been heard.
+  // Those that `passes` names belong to the same stop and are passed over.
+  using Passes = std::function<bool(const Control&)>;
+  bool step_focus(bool forward, const Passes& passes = {});
+  // The user thought better of a cancel button: back to the field that was left for it.
+  void resume();
   // As when the form is shown anew: nothing has the focus, without events.
-  void forget_focus() { focus_ = nullptr; }
+  void forget_focus() { focus_ = unjudged_ = nullptr; }
   // A focused control that has become unusable hands the focus to the next usable one in tab
-  // order, without events of the one left.
+  // order, without events of the one left; never to one that one more Enter would regret.
   void settle_focus();
   // The next (or previous) control that takes the focus, in tab order; null when there is none.
   Control* neighbour(const Control* from, bool forward) const;
@@ -51,6 +61,9 @@ class Form {
   CommandButton* default_button = nullptr;
   // Escape presses the first of these that is usable.
   std::vector<CommandButton*> cancel_buttons;
+  // Those that delete.
+  std::vector<CommandButton*> perilous_buttons;
+  bool abandons(const Control& control) const;
   // Asked when the close box is used: false keeps the form open.
   std::function<bool()> may_close;
   // A right mouse button press on the background.
@@ -59,14 +72,19 @@ class Form {
  private:
   friend class Control;
   friend class Tabs;
+  bool postpone_judgement(Control& control);
+  Control* leave_for(const std::function<Control*()>& target_of);
   void enter(Control* control);
+  bool is_perilous(const Control& control) const;
 
   std::string name_;
   std::string caption_;
+  std::string subtitle_;
   std::vector<Control*> controls_;
   Tabs* tabs_ = nullptr;
   Control* focus_ = nullptr;
-  Control* wanted_ = nullptr;  // target of a move under way
+  Control* wanted_ = nullptr;    // where a handler sent a move under way
+  Control* unjudged_ = nullptr;  // field left for a cancel button
   bool leaving_ = false;
   bool redirected_ = false;
 };

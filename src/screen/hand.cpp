@@ -81,7 +81,7 @@ void Hand::key_into_focus(Key key) {
   Control* control = form.focus();
   if (!control) return;
   if (key.code == Key::kTab) {
-    form.move_focus(form.neighbour(control, true));
+    form.step_focus(true);
   } else if (key.code == Key::kEscape) {
     cancel();
   } else if (auto* text = dynamic_cast<TextControl*>(control)) {
@@ -148,7 +148,11 @@ Refusal Hand::act(Control& control, Act act) {
 
 Refusal Hand::click(Control& control) {
   return act(control, [&]() -> Refusal {
-    if (auto* button = dynamic_cast<CommandButton*>(&control)) return button->clicked.raise(), kDone;
+    if (auto* button = dynamic_cast<CommandButton*>(&control)) {
+      button->clicked.raise();
+      if (!screen_.finished()) screen_.top().resume();
+      return kDone;
+    }
     if (auto* option = dynamic_cast<OptionButton*>(&control)) return option->set_value(true), kDone;
     if (auto* menu = dynamic_cast<Menu*>(&control)) return menu->clicked.raise(), kDone;
     return control.name() + " is no button";
@@ -162,7 +166,7 @@ Refusal Hand::drop_down(ComboBox& box) {
 Refusal Hand::choose(ComboBox& box, int index) {
   return act(box, [&]() -> Refusal {
     if (index < 0 || index >= box.count()) return box.name() + " has no line " + std::to_string(index);
-    return box.set_index(index), kDone;
+    return box.choose(index), kDone;
   });
 }
 

@@ -36,9 +36,9 @@ bool Screen::request_close() {
   return !is_open(form);
 }
 
-Answer Screen::say(std::string_view text, Icon icon, Buttons buttons) {
+Answer Screen::say(std::string_view text, Icon icon, Buttons buttons, Answer preset) {
   ++messages_shown_;
-  return toolkit_.message({"Message TALVERINE", std::string(text), icon, buttons});
+  return toolkit_.message({"Message TALVERINE", std::string(text), icon, buttons, preset});
 }
 
 }  // namespace velanor::screen

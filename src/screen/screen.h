@@ -20,6 +20,8 @@ struct Message {
   std::string text;  // lines end with CR LF
   Icon icon = Icon::Exclamation;
   Buttons buttons = Buttons::Ok;
+  // The answer that Enter gives. Never the one that throws work away.
+  Answer preset = Answer::Ok;
 };
 
 // What the hands and eyes of the user are made of. All calls come from the thread of the
@@ -35,6 +37,18 @@ class Toolkit {
   virtual void beep() {}
   // The hourglass pointer while a long work is under way.
   virtual void set_busy(bool) {}
+};
+
+// The hourglass pointer as long as this lives.
+class Busy {
+ public:
+  explicit Busy(Toolkit& toolkit) : toolkit_(toolkit) { toolkit_.set_busy(true); }
+  ~Busy() { toolkit_.set_busy(false); }
+  Busy(const Busy&) = delete;
+  Busy& operator=(const Busy&) = delete;
+
+ private:
+  Toolkit& toolkit_;
 };
 
 // The stack of forms of one component. Forms and toolkit must outlive it.
@@ -60,9 +74,13 @@ class Screen {
   void refuse(std::string_view text) { say(text, Icon::Exclamation, Buttons::Ok); }
   void inform(std::string_view text) { say(text, Icon::Information, Buttons::Ok); }
   bool confirm(std::string_view text, Icon icon = Icon::Question) {
-    return say(text, icon, Buttons::YesNo) == Answer::Yes;
+    return say(text, icon, Buttons::YesNo, Answer::Yes) == Answer::Yes;
   }
-  Answer say(std::string_view text, Icon icon, Buttons buttons);
+  // A question whose "Oui" throws work away: Enter says "Non".
+  bool confirm_loss(std::string_view text, Icon icon = Icon::Question) {
+    return say(text, icon, Buttons::YesNo, Answer::No) == Answer::Yes;
+  }
+  Answer say(std::string_view text, Icon icon, Buttons buttons, Answer preset = Answer::Ok);
   // Message boxes shown so far; a click during which one opens is lost.
   int messages_shown() const { return messages_shown_; }
 

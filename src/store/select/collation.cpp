@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "store/utf8.h"
+#include "text/latin.h"
 
 namespace velanor::store::select {
 namespace {
@@ -21,49 +22,8 @@ constexpr char kNoAccent = 0x02;
 constexpr char kLowerCase = 0x02;
 constexpr char kUpperCase = 0x03;
 
-// Second level, from the lightest. Row by row: the combining character, the letters that carry
-// the accent, and those letters without it.
-struct AccentRow {
-  char32_t combining;
-  std::u32string_view accented;
-  std::u32string_view plain;
-};
-constexpr AccentRow kAccents[] = {
-    {0x301, U"ÁáĆćÉéÍíĹĺŃńÓóŔŕŚśÚúÝýŹź", U"AaCcEeIiLlNnOoRrSsUuYyZz"},
-    {0x300, U"ÀàÈèÌìÒòÙù", U"AaEeIiOoUu"},
-    {0x306, U"ĂăĔĕĞğĬĭŎŏŬŭ", U"AaEeGgIiOoUu"},
-    {0x302, U"ÂâĈĉÊêĜĝĤĥÎîĴĵÔôŜŝÛûŴŵŶŷ", U"AaCcEeGgHhIiJjOoSsUuWwYy"},
-    {0x30C, U"ČčĎďĚěĽľŇňŘřŠšŤťŽž", U"CcDdEeLlNnRrSsTtZz"},
-    {0x30A, U"ÅåŮů", U"AaUu"},
-    {0x308, U"ÄäËëÏïÖöÜüŸÿ", U"AaEeIiOoUuYy"},
-    {0x30B, U"ŐőŰű", U"OoUu"},
-    {0x303, U"ÃãĨĩÑñÕõŨũ", U"AaIiNnOoUu"},
-    {0x307, U"ĊċĖėĠġİĿŀŻż", U"CcEeGgILlZz"},
-    {0x338, U"ÐðĐđØøĦħıŁłŦŧ", U"DdDdOoHhiLlTt"},
-    {0x327, U"ÇçĢģĶķĻļŅņŖŗŞşŢţ", U"CcGgKkLlNnRrSsTt"},
-    {0x328, U"ĄąĘęĮįŲų", U"AaEeIiUu"},
-    {0x304, U"ĀāĒēĪīŌōŪū", U"AaEeIiOoUu"},
-};
-constexpr char kFirstAccent = kNoAccent + 1;
-constexpr char kLigature = kFirstAccent + static_cast<char>(std::size(kAccents));
-constexpr char kOtherAccent = kLigature + 1;
-
-struct Ligature {
-  char32_t code;
-  char first, second;
-};
-constexpr Ligature kLigatures[] = {
-    {U'Œ', 'O', 'E'}, {U'œ', 'o', 'e'}, {U'Æ', 'A', 'E'}, {U'æ', 'a', 'e'},
-    {U'ß', 's', 's'}, {U'Ĳ', 'I', 'J'}, {U'ĳ', 'i', 'j'},
-};
-
-// Characters that read like an ASCII one.
-struct Alias {
-  char32_t code;
-  char like;
-};
-constexpr Alias kAliases[] = {{0xA0, ' '},   {0x2009, ' '}, {0x202F, ' '},  {0x2010, '-'},
-                              {0x2011, '-'}, {0x2013, '-'}, {0x2018, '\''}, {0x2019, '\''}};
+// Second level, from the lightest.
+constexpr char weight_of(int accent) { return static_cast<char>(kNoAccent + accent); }
 
 constexpr bool is_upper(char letter) { return letter >= 'A' && letter <= 'Z'; }
 constexpr bool is_lower(char letter) { return letter >= 'a' && letter <= 'z'; }
@@ -84,43 +44,9 @@ constexpr auto kAsciiWeights = [] {
   return weights;
 }();
 
-// Up to two letters for each character of the Latin blocks; none: not a letter with an accent.
-struct Letters {
-  char first = 0, second = 0, accent = kNoAccent;
-};
-constexpr char32_t kLatinEnd = 0x180;
-constexpr auto kLatin = [] {
-  std::array<Letters, kLatinEnd> table{};
-  char accent = kFirstAccent;
-  for (const auto& row : kAccents) {
-    for (std::size_t i = 0; i < row.accented.size(); ++i) {
-      table[row.accented[i]] = {static_cast<char>(row.plain[i]), 0, accent};
-    }
-    ++accent;
-  }
-  for (const auto& ligature : kLigatures) table[ligature.code] = {ligature.first, ligature.second, kLigature};
-  return table;
-}();
-
-bool is_combining(char32_t code) { return code >= 0x300 && code < 0x370; }
-
-char combining_accent(char32_t code) {
-  for (std::size_t i = 0; i < std::size(kAccents); ++i) {
-    if (kAccents[i].combining == code) return static_cast<char>(kFirstAccent + i);
-  }
-  return kOtherAccent;
-}
-
 bool is_symbol(char32_t code) {
   return code < 0xC0 || code == 0xD7 || code == 0xF7 || (code >= 0x2000 && code < 0x2C00) ||
          (code >= 0x3000 && code < 0x3040);
-}
-
-char alias_of(char32_t code) {
-  for (const auto& alias : kAliases) {
-    if (alias.code == code) return alias.like;
-  }
-  return 0;
 }
 
 bool is_ascii(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
@@ -169,13 +95,14 @@ std::size_t Collator::take_ascii(std::string_view text, std::string& key) {
 
 void Collator::take(std::string_view text, std::size_t at, std::size_t size, std::string& key) {
   const char32_t code = utf8::decode(text, at);
-  if (is_combining(code)) return set_accent(combining_accent(code));
-  if (const char like = alias_of(code)) {
+  if (text::is_combining(code)) return set_accent(weight_of(text::combining_accent(code)));
+  if (const char like = text::ascii_like(code)) {
     key += kAsciiWeights[static_cast<unsigned char>(like)];
     ++count_;
-  } else if (const Letters letters = code < kLatinEnd ? kLatin[code] : Letters{}; letters.first != 0) {
-    take_letter(letters.first, letters.accent, is_upper(letters.first), key);
-    if (letters.second != 0) take_letter(letters.second, letters.accent, is_upper(letters.second), key);
+  } else if (const text::Letters letters = text::letters_of(code); letters.first != 0) {
+    const char accent = weight_of(letters.accent);
+    take_letter(letters.first, accent, is_upper(letters.first), key);
+    if (letters.second != 0) take_letter(letters.second, accent, is_upper(letters.second), key);
   } else {
     if (is_symbol(code)) key += kOtherSymbol;
     key += text.substr(at, size);
