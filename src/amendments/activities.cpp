@@ -12,10 +12,15 @@ void ActivityLines::bind() {
   ui_.Cmd_AnnulAct.clicked += [this] { Cmd_AnnulAct_Click(); };
   ui_.Lst_Activites.double_clicked += [this] { Lst_Activites_DblClick(); };
   ui_.Cbo_Activites.clicked += [this] { Cbo_Activites_Click(); };
+  // Leaving the box empties it of a separator alone, which must not pass for a share taken away.
+  ui_.Txt_Pourc.changed += [this] {
+    if (!ui_.Txt_Pourc.is_empty()) no_figure_ = !entry::has_digit(ui_.Txt_Pourc.text());
+  };
 }
 
 void ActivityLines::begin_entry() {
-  states_.disable_commands();
+  no_figure_ = false;
+  states_.suspend_commands();
   ui_.Lst_Activites.set_enabled(false);
   ui_.Cmd_AjAct.set_enabled(false);
   ui_.Cmd_OkAct.set_enabled(true);
@@ -28,7 +33,7 @@ void ActivityLines::begin_entry() {
 
 void ActivityLines::end_entry() {
   ui_.Ong_FichPers.enable_all();
-  states_.enable_commands();
+  states_.resume_commands();
   card_.AjoutActivite = false;
   changed_line_ = -1;
   ui_.Cbo_Activites.set_index(-1);
@@ -42,6 +47,7 @@ void ActivityLines::end_entry() {
   ui_.Txt_Pourc.set_enabled(false);
   states_.DeGriserDonnees();
   states_.DeGriserDetail();
+  ui_.set_focus(ui_.Cmd_AjAct);
 }
 
 void ActivityLines::Cmd_AjAct_Click() {
@@ -66,7 +72,7 @@ void ActivityLines::Lst_Activites_DblClick() {
   ui_.Cbo_Activites.set_index(entry);
   if (entry < 0) ui_.Cbo_Activites.set_text(card::activity_label(line));
   ui_.Cbo_Activites.set_enabled(false);
-  ui_.Txt_Pourc.set_text(card::activity_share(line));
+  ui_.Txt_Pourc.show_whole(card::activity_share(line));
   ui_.set_focus(ui_.Txt_Pourc);
 }
 
@@ -86,8 +92,9 @@ bool ActivityLines::entry_is_valid() {
     ui_.set_focus(ui_.Cbo_Activites);
     return false;
   }
-  const bool nothing = ui_.Txt_Pourc.text() == "," || (card_.AjoutActivite && ui_.Txt_Pourc.is_empty());
+  const bool nothing = no_figure_ || (card_.AjoutActivite && ui_.Txt_Pourc.is_empty());
   if (nothing) {
+    no_figure_ = false;
     screen_.refuse("Il est obligatoire de spécifier une répartition.");
     ui_.set_focus(ui_.Txt_Pourc);
   }

@@ -36,6 +36,7 @@ class ActivityLines {
   reference::ReferenceLists& lists_;
   screen::Screen& screen_;
   int changed_line_ = -1;
+  bool no_figure_ = false;  // what was typed as the share held no digit
 };
 
 }  // namespace velanor::amendments

@@ -11,6 +11,9 @@ namespace {
 constexpr int kId = 1;
 constexpr int kLabel = 2;
 constexpr int kCategory = 3;
+// Attributes of a grid's record.
+constexpr int kNoQualifications = 8;
+constexpr int kQualifications = 9;
 constexpr std::string_view kFile = "GRILLESCCBUDGET";
 
 }  // namespace
@@ -19,7 +22,7 @@ void CareerGrids::bind() {
   ui_.Cbo_Grille.changed += [this] { Cbo_Grille_Change(); };
   ui_.Cbo_Grille.clicked += [this] { Cbo_Grille_Click(); };
   // A grid is chosen or removed, never spelt out.
-  ui_.Cbo_Grille.key_press = [this](screen::Key& key) { Cbo_Qualif_KeyPress(key); };
+  ui_.Cbo_Grille.key_press = [this](screen::Key& key) { Cbo_Grille_KeyPress(key); };
   ui_.Cbo_Qualif.drop_down += [this] { Cbo_Qualif_DropDown(); };
   ui_.Cbo_Qualif.changed += [this] { Cbo_Qualif_Change(); };
   ui_.Cbo_Qualif.clicked += [this] { Cbo_Qualif_Click(); };
@@ -49,42 +52,86 @@ void CareerGrids::RemplirGrille() {
     statement += is_new_generation() ? " AND AVEC 0 >= " + bound("400") + " AND < " + bound("500")
                                      : " AND AVEC 0 < " + bound("400") + " OR >= " + bound("500");
   }
-  const std::string grid = ui_.Cbo_Grille.text();
-  const std::string id = ui_.Cbo_Grille.index() >= 0 ? chosen_id() : std::string();
-  const bool was_listed = ui_.Cbo_Grille.find(grid) >= 0;
-  grids_ = procedure_.select(statement + " PAR 1", kFile, "0 1 7");
+  store::DbResult found;
+  try {
+    found = procedure_.select(statement + " PAR 1", kFile, "0 1 7");
+  } catch (...) {
+    ui_.Cbo_Grille.refill({});  // those of another date must not be chosen
+    throw;
+  }
+  const bool was_listed = !id_.empty() && reference::find_entry(grids_, kId, id_) > 0;
+  grids_ = found;
   std::vector<std::string> labels;
   for (int i = 1; i <= grids_.DCount(); ++i) labels.emplace_back(grids_(i, kLabel));
+  int entry = id_.empty() ? 0 : reference::find_entry(grids_, kId, id_);
+  if (entry == 0 && was_listed) entry = reference::find_entry(grids_, kLabel, ui_.Cbo_Grille.text());
   ui_.Cbo_Grille.set_enabled(true);
-  ui_.Cbo_Grille.refill(std::move(labels), id.empty() ? -1 : reference::find_entry(grids_, kId, id) - 1);
-  if (was_listed && ui_.Cbo_Grille.find(grid) < 0) ui_.Cbo_Grille.set_text({});
+  ui_.Cbo_Grille.refill(std::move(labels), entry - 1);
+  if (entry > 0) id_ = grids_(entry, kId);
+  if (entry == 0 && was_listed) ui_.Cbo_Grille.set_text({});
+  update_category();
+}
+
+void CareerGrids::show(const std::string& id, const std::string& label) {
+  id_ = id;
+  ui_.Cbo_Grille.set_text(label);
+  const int entry = id.empty() ? 0 : reference::find_entry(grids_, kId, id);
+  ui_.Cbo_Grille.refill(ui_.Cbo_Grille.items(), entry - 1);
+  update_category();
 }
 
 void CareerGrids::RemplirQualif() {
   ui_.Cbo_Qualif.set_enabled(true);
   std::vector<std::string> codes;
-  if (!splits_generations()) {
-    const store::DbRecord& table = procedure_.variable().qualif;
-    for (int value = 1; !table(reference::kTableCodes, value).empty(); ++value)
-      codes.emplace_back(table(reference::kTableCodes, value));
-  } else {
-    const std::string id = ui_.Cbo_Grille.is_empty() ? std::string() : chosen_id();
-    const std::string every = ui_.Txt_ConvCol.text() + "]";
-    const std::string bounds = " AND AVEC 0 >= " + bound("400") + " AND < " + bound("500");
-    const auto statement = [](const std::string& which, const std::string& range) {
-      return "SSELECT GRILLESCCBUDGET AVEC 0 = " + store::quoted(which) + range + " AND AVEC 8 <> " +
-             store::quoted("1") + " PAR 0";
-    };
-    codes = qualifications(statement(id.empty() ? every : id, bounds));
-    // The bounds leave nothing of a grid of the older generation: then those of every grid of the
-    // agreement are offered.
-    if (codes.empty()) codes = qualifications(statement(every, {}));
+  try {
+    codes = offered_qualifications();
+  } catch (...) {
+    ui_.Cbo_Qualif.refill({});  // those of another grid must not be chosen
+    throw;
+  }
+  const store::DbRecord& table = procedure_.variable().qualif;
+  std::vector<std::string> labels;
+  for (const std::string& code : codes) {
+    const int value = reference::find_value(table, reference::kTableCodes, code);
+    labels.emplace_back(value > 0 ? table(reference::kTableLabels, value) : std::string_view());
   }
   ui_.Cbo_Qualif.refill(std::move(codes));
+  ui_.Cbo_Qualif.annotate(std::move(labels));
+  if (ui_.Cbo_Qualif.find(ui_.Cbo_Qualif.text()) < 0) ui_.Cbo_Qualif.set_text({});
+}
+
+std::vector<std::string> CareerGrids::offered_qualifications() const {
+  if (!splits_generations()) {
+    const store::DbRecord& table = procedure_.variable().qualif;
+    std::vector<std::string> codes;
+    for (int value = 1; !table(reference::kTableCodes, value).empty(); ++value)
+      codes.emplace_back(table(reference::kTableCodes, value));
+    return codes;
+  }
+  const std::string id = listed_id();
+  const std::string every = ui_.Txt_ConvCol.text() + "]";
+  const std::string bounds = " AND AVEC 0 >= " + bound("400") + " AND < " + bound("500");
+  const auto statement = [](const std::string& which, const std::string& range) {
+    return "SSELECT GRILLESCCBUDGET AVEC 0 = " + store::quoted(which) + range + " AND AVEC 8 <> " +
+           store::quoted("1") + " PAR 0";
+  };
+  auto codes = qualifications(statement(id.empty() ? every : id, bounds));
+  if (codes.empty() && offers_every_qualification(id)) codes = qualifications(statement(every, {}));
+  return codes;
+}
+
+// A grid of the older generation lies outside the bounds that are asked for: then those of every grid
+// of the agreement are offered, unless the grid is marked as having none.
+bool CareerGrids::offers_every_qualification(const std::string& id) const {
+  if (id.empty()) return false;
+  const auto number = [](const std::string& text) { return entry::parse_decimal(text, 0).value_or(0); };
+  const std::string& agreement = ui_.Txt_ConvCol.text();
+  if (number(id) >= number(agreement + "400") && number(id) < number(agreement + "500")) return false;
+  const auto grid = procedure_.file(control::File::kGrids).find(id);
+  return !grid || (*grid)(kNoQualifications) != "1";
 }
 
 std::vector<std::string> CareerGrids::qualifications(const std::string& statement) const {
-  constexpr int kQualifications = 9;
   std::vector<std::string> codes;
   const store::DbResult ids = procedure_.select(statement, kFile, "0");
   for (int i = 1; i <= ids.DCount(); ++i) {
@@ -98,10 +145,11 @@ std::vector<std::string> CareerGrids::qualifications(const std::string& statemen
   return codes;
 }
 
-std::string CareerGrids::chosen_id() const {
-  const int index = ui_.Cbo_Grille.index();
-  const int entry = index >= 0 ? index + 1 : reference::find_entry(grids_, kLabel, ui_.Cbo_Grille.text());
-  return std::string(grids_(entry, kId));
+// The grid in the box as the list knows it.
+std::string CareerGrids::listed_id() const {
+  if (ui_.Cbo_Grille.is_empty()) return {};
+  if (reference::find_entry(grids_, kId, id_) > 0) return id_;
+  return std::string(grids_(reference::find_entry(grids_, kLabel, ui_.Cbo_Grille.text()), kId));
 }
 
 std::string CareerGrids::label_of(std::string_view id) const {
@@ -115,20 +163,34 @@ bool CareerGrids::uses_categories() const {
   return !card_.agreement(kUsesCategories).empty();
 }
 
+// A grid dictates the category, where it has the one that the agreement asks for.
+void CareerGrids::update_category() {
+  const int entry = reference::find_entry(grids_, kId, id_);
+  const bool lacking = uses_categories() && grids_(entry, kCategory).empty();
+  ui_.Txt_Categorie.set_enabled(card_.enters_amendment() && (ui_.Cbo_Grille.is_empty() || lacking));
+}
+
 void CareerGrids::Cbo_Grille_Change() {
-  const bool none = ui_.Cbo_Grille.is_empty();
-  ui_.Txt_Categorie.set_enabled(none);  // a grid dictates the category
-  if (none) RemplirQualif();
+  if (ui_.Cbo_Grille.is_empty()) id_.clear();
+  update_category();
+  if (ui_.Cbo_Grille.is_empty() && card_.enters_amendment()) RemplirQualif();
 }
 
 void CareerGrids::Cbo_Grille_Click() {
-  if (ui_.Cbo_Grille.index() < 0) return;
-  if (uses_categories()) ui_.Txt_Categorie.set_text(grids_(ui_.Cbo_Grille.index() + 1, kCategory));
+  const int entry = ui_.Cbo_Grille.index() + 1;
+  if (entry == 0) return;
+  id_ = grids_(entry, kId);
+  if (uses_categories()) ui_.Txt_Categorie.set_text(grids_(entry, kCategory));
+  update_category();
   RemplirQualif();
 }
 
-void CareerGrids::Cbo_Qualif_KeyPress(screen::Key& key) {
-  if (key.code != screen::Key::kBackspace && key.code != screen::Key::kTab) key.swallow();
+void CareerGrids::choose_only(screen::ComboBox& box, screen::Key& key) {
+  if (key.code == screen::Key::kBackspace) {
+    box.set_text({});
+  } else if (key.code != screen::Key::kTab) {
+    key.swallow();
+  }
 }
 
 }  // namespace velanor::amendments

@@ -19,16 +19,23 @@ class CareerGrids {
       : ui_(ui), card_(card), procedure_(procedure), lists_(lists), entry_(entry) {}
 
   void bind();
-  void release() { grids_ = {}; }
+  void release() {
+    grids_ = {};
+    id_.clear();
+  }
 
-  // The grids of the agreement that apply on the effective date. A grid that stood in the box
-  // stays while the list still has it; so does one that no list had.
+  // The grids of the agreement that apply on the effective date. The grid in the box stays while the
+  // list has it, gives way to the one of its label where the date has left its generation, and goes
+  // when there is none; one that no list had stays.
   void RemplirGrille();
-  // The qualifications of the chosen grid, or of all; the text in the box stays.
+  // The qualifications of the chosen grid, or of all. The text in the box stays if it is offered.
   void RemplirQualif();
 
-  // The id of the grid shown in Cbo_Grille, "" when the list has none of that label.
-  std::string chosen_id() const;
+  // Puts the grid of a line that is loaded for editing into the box, in silence.
+  void show(const std::string& id, const std::string& label);
+  // The id of the grid in Cbo_Grille, "" when the box is empty. Labels do not tell: two grids of an
+  // agreement may share one.
+  const std::string& chosen_id() const { return id_; }
   // Label of a grid; its id when the file has it no more.
   std::string label_of(std::string_view id) const;
   // The agreement in hand asks for a category.
@@ -37,15 +44,22 @@ class CareerGrids {
  private:
   void Cbo_Grille_Change();
   void Cbo_Grille_Click();
-  void Cbo_Qualif_KeyPress(screen::Key& key);
+  void Cbo_Qualif_KeyPress(screen::Key& key) { choose_only(ui_.Cbo_Qualif, key); }
+  void Cbo_Grille_KeyPress(screen::Key& key) { choose_only(ui_.Cbo_Grille, key); }
   void Cbo_NouvMes_KeyPress(screen::Key& key) { key.swallow(); }
   void Cbo_Qualif_DropDown() { RemplirQualif(); }
   void Cbo_Qualif_Change() { lists_.ChercheRegroupBudget(ui_.Cbo_Qualif.text()); }
   void Cbo_Qualif_Click() { Cbo_Qualif_Change(); }
 
+  // A whole entry or none: Backspace takes all of it away.
+  static void choose_only(screen::ComboBox& box, screen::Key& key);
+  void update_category();
   bool splits_generations() const;
   bool is_new_generation() const;
   std::string bound(std::string_view code) const;
+  std::string listed_id() const;
+  std::vector<std::string> offered_qualifications() const;
+  bool offers_every_qualification(const std::string& id) const;
   std::vector<std::string> qualifications(const std::string& statement) const;
 
   card::CardScreen& ui_;
@@ -54,6 +68,7 @@ class CareerGrids {
   reference::ReferenceLists& lists_;
   entry::UtilSaisie& entry_;
   store::DbResult grids_;  // id, label, category
+  std::string id_;
 };
 
 }  // namespace velanor::amendments

@@ -50,7 +50,10 @@ void AmendmentLines::bind() {
   ui.Lst_NouvMes.double_clicked += [this] { Lst_NouvMes_DblClick(); };
   ui.Lst_TxHor.double_clicked += [this] { Lst_TxHor_DblClick(); };
   ui.Lst_DureMens.double_clicked += [this] { Lst_DureMens_DblClick(); };
-  ui.Bdv_Detail.changed += [this] { select(on_.ui.Bdv_Detail.value()); };
+  ui.Bdv_Detail.changed += [this] {
+    // The bar goes back to its top when the lines go: that selects nothing.
+    if (on_.ui.Bdv_Detail.value() < on_.ui.Lst_DatEffet.count()) select(on_.ui.Bdv_Detail.value());
+  };
 }
 
 void AmendmentLines::append(const card::AmendmentMemory& line) {
@@ -70,6 +73,11 @@ void AmendmentLines::select(int index) {
   for (screen::ListBox* list : on_.ui.amendment_lists()) list->set_index(index);
   on_.lists.ChercheRegroupBudget(on_.ui.Lst_Qualif.line(index));
   if (index >= 0) on_.ui.Cmd_Detail.set_enabled(true);
+}
+
+int AmendmentLines::line_in_hand() const {
+  if (on_.card.AjoutDetail) return -1;
+  return on_.card.edited_line >= 0 ? on_.card.edited_line : on_.ui.Lst_DatEffet.index();
 }
 
 void AmendmentLines::Lst_DatEffet_Click() { select(on_.ui.Lst_DatEffet.index()); }
@@ -93,7 +101,7 @@ void AmendmentLines::begin_entry() {
   on_.ui.Ong_FichPers.disable_others();
   on_.states.GriserDonnees();
   on_.states.GriserActivite();
-  on_.states.disable_commands();
+  on_.states.suspend_commands();
   on_.states.enable_amendment_lists(false);
   on_.states.empty_amendment_entry();
   for (screen::TextControl* entry : on_.ui.amendment_entries()) entry->set_enabled(true);
@@ -104,31 +112,45 @@ void AmendmentLines::begin_entry() {
 
 void AmendmentLines::end_entry() {
   on_.ui.Ong_FichPers.enable_all();
-  on_.states.empty_amendment_entry();
   on_.card.AjoutDetail = false;
   on_.card.edited_line = -1;
+  on_.states.empty_amendment_entry();
   on_.states.enable_amendment_lists(true);
   on_.ui.Cmd_AjDetail.set_enabled(true);
   on_.ui.Cmd_SuppDetail.set_enabled(true);
   on_.ui.Cmd_OkDetail.set_enabled(false);
   on_.ui.Cmd_AnnulDetail.set_enabled(false);
-  on_.states.enable_commands();
+  on_.states.resume_commands();
   on_.states.DeGriserDonnees();
   on_.states.DeGriserActivite();
 }
 
+template <typename Fill>
+void AmendmentLines::fill_entry(Fill fill) {
+  try {
+    fill();
+  } catch (...) {
+    const int line = on_.card.edited_line;
+    end_entry();
+    select(line);
+    throw;
+  }
+  on_.ui.set_focus(on_.ui.Txt_DatEffet);
+}
+
 void AmendmentLines::Cmd_AjDetail_Click() {
   card::CardScreen& ui = on_.ui;
-  on_.card.AjoutDetail = true;
   select(-1);
+  on_.card.AjoutDetail = true;
   begin_entry();
   ui.Cmd_SuppDetail.set_enabled(false);
   ui.Cmd_Detail.set_enabled(false);
   ui.Cbo_NouvMes.set_text("NON");
-  on_.grids.RemplirGrille();
-  // The first amendment of a new contract starts with the contract.
-  if (on_.card.Creation && ui.Lst_DatEffet.count() == 0) ui.Txt_DatEffet.set_text(ui.Txt_DatDeb.text());
-  ui.set_focus(ui.Txt_DatEffet);
+  fill_entry([&] {
+    on_.grids.RemplirGrille();
+    // The first amendment of a new contract starts with the contract.
+    if (on_.card.Creation && ui.Lst_DatEffet.count() == 0) ui.Txt_DatEffet.set_text(ui.Txt_DatDeb.text());
+  });
 }
 
 void AmendmentLines::SelListe() {
@@ -138,11 +160,13 @@ void AmendmentLines::SelListe() {
   begin_entry();
   const auto lists = ui.amendment_lists();
   const auto entries = ui.amendment_entries();
-  for (std::size_t c = 0; c < lists.size(); ++c) entries[c]->set_text(lists[c]->line(index));
-  ui.Txt_Categorie.set_enabled(ui.Cbo_Grille.is_empty());
   ui.Cmd_SuppDetail.set_enabled(true);
+  fill_entry([&] {
+    for (std::size_t c = 0; c < lists.size(); ++c) entries[c]->show_whole(lists[c]->line(index));
+    const card::Kept& grid = on_.card.amendments[static_cast<std::size_t>(index)][card::kGridColumn];
+    on_.grids.show(grid.stored, grid.shown);
+  });
   ui.Cmd_Detail.set_enabled(true);
-  ui.set_focus(ui.Txt_DatEffet);
 }
 
 // ---- Confirming.
@@ -167,8 +191,10 @@ bool AmendmentLines::date_is_valid() {
     ui.set_focus(ui.Txt_DatEffet);
     return false;
   }
-  const int same = ui.Lst_DatEffet.find(ui.Txt_DatEffet.text());
-  if (same < 0 || (!on_.card.AjoutDetail && same == on_.card.edited_line)) return true;
+  bool taken = false;
+  for (int line = 0; line < ui.Lst_DatEffet.count(); ++line)
+    taken |= line != on_.card.edited_line && ui.Lst_DatEffet.line(line) == ui.Txt_DatEffet.text();
+  if (!taken) return true;
   on_.screen.refuse("Vous ne pouvez pas affecter deux lignes de détail à la même date d'effet.");
   ui.Txt_DatEffet.set_text({});
   ui.set_focus(ui.Txt_DatEffet);
@@ -217,14 +243,7 @@ card::AmendmentMemory AmendmentLines::entered_line() const {
     line[c] = {entries[c]->text(), kAmendmentColumns[c].stored(codec, entries[c]->text())};
     if (before && (*before)[c].shown == line[c].shown) line[c] = (*before)[c];
   }
-  // One label may stand for a grid of each generation: the one of the line's date is meant, unless
-  // neither was touched.
-  const bool same_date =
-      before && (*before)[card::kEffectiveColumn].shown == line[card::kEffectiveColumn].shown;
-  const bool same_grid = before && (*before)[card::kGridColumn].shown == line[card::kGridColumn].shown;
-  const bool untouched = same_date && same_grid && on_.ui.Cbo_Grille.index() < 0;
-  const std::string id = on_.grids.chosen_id();
-  if (!untouched && !id.empty() && !on_.ui.Cbo_Grille.is_empty()) line[card::kGridColumn].stored = id;
+  line[card::kGridColumn].stored = on_.grids.chosen_id();
   return line;
 }
 
@@ -243,7 +262,7 @@ void AmendmentLines::show_line(int position, const card::AmendmentMemory& line) 
 
 void AmendmentLines::insert_line(int position, card::AmendmentMemory line) {
   if (position < on_.ui.Lst_DatEffet.count()) {
-    const std::string& hours = on_.ui.Txt_HorMensEtab.text();
+    const std::string hours = entry::format_pattern(on_.ui.Txt_HorMensEtab.text(), 2);
     line[card::kMonthlyColumn] = {
         hours, kAmendmentColumns[card::kMonthlyColumn].stored(card::Codec(on_.entry), hours)};
   }
@@ -275,7 +294,7 @@ int AmendmentLines::move_into_order(int position) {
 void AmendmentLines::Cmd_OkDetail_Click() {
   card::CardScreen& ui = on_.ui;
   if (!entry_is_valid()) return;
-  ui.Txt_Categorie.set_text(text::upper(ui.Txt_Categorie.text()));
+  ui.Txt_Categorie.show_whole(text::upper(ui.Txt_Categorie.text()));
   if (ui.Cbo_NouvMes.is_empty()) ui.Cbo_NouvMes.set_text("NON");
   card::AmendmentMemory line = entered_line();
   int position = on_.card.edited_line;
@@ -283,8 +302,11 @@ void AmendmentLines::Cmd_OkDetail_Click() {
     position = insertion_position();
     insert_line(position, std::move(line));
   } else {
-    on_.card.amendments[static_cast<std::size_t>(position)] = line;
-    position = move_into_order(position);
+    card::AmendmentMemory& own = on_.card.amendments[static_cast<std::size_t>(position)];
+    const bool dated = own[card::kEffectiveColumn].shown != line[card::kEffectiveColumn].shown;
+    own = line;
+    show_line(position, line);
+    if (dated) position = move_into_order(position);
   }
   on_.card.current_line = position + 1;
   end_entry();
@@ -296,13 +318,14 @@ void AmendmentLines::Cmd_OkDetail_Click() {
 
 void AmendmentLines::Cmd_AnnulDetail_Click() {
   if (on_.card.AjoutDetail && !on_.screen.confirm_loss("Voulez-vous quitter cette création ?")) return;
-  const int line = on_.card.AjoutDetail ? -1 : on_.card.edited_line;
+  const int line = line_in_hand();
   end_entry();
   select(line);
+  on_.ui.set_focus(line < 0 ? static_cast<screen::Control&>(on_.ui.Cmd_AjDetail) : on_.ui.Lst_DatEffet);
 }
 
 void AmendmentLines::Cmd_SuppDetail_Click() {
-  const int line = on_.ui.Lst_DatEffet.index();
+  const int line = line_in_hand();
   if (line < 0 || !on_.screen.confirm_loss("Voulez-vous supprimer cette ligne ?")) return;
   for (int attribute : card::kItemColumns) {
     if (on_.card.working.Count(attribute) > line) on_.card.working.Delete(attribute, line + 1);
@@ -312,17 +335,19 @@ void AmendmentLines::Cmd_SuppDetail_Click() {
   end_entry();
   size_scroll_bar();
   select(-1);
+  on_.ui.set_focus(on_.ui.Cmd_AjDetail);
 }
 
-// ---- The payroll items of the selected line.
+// ---- The payroll items of a line.
 
 void AmendmentLines::Cmd_Detail_Click() {
-  const int line = on_.ui.Lst_DatEffet.index();
+  const int line = line_in_hand();
   if (line < 0) return;
   on_.card.current_line = line + 1;
-  open_items_([this, line](const std::string& monthly_time) {
-    on_.ui.Lst_DureMens.replace(line, monthly_time);
-    on_.ui.Txt_DureMens.set_text(monthly_time);
+  open_items_([this, line](const MonthlyTime& monthly_time) {
+    if (!monthly_time) return;
+    on_.ui.Lst_DureMens.replace(line, *monthly_time);
+    on_.ui.Txt_DureMens.show_whole(*monthly_time);
   });
 }
 

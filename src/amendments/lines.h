@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "amendments/grids.h"
@@ -24,9 +25,10 @@ class AmendmentLines {
     entry::UtilSaisie& entry;
     screen::Screen& screen;
   };
-  // `open_items` opens the payroll items of the current line and runs its argument, with the
-  // monthly time that they make, when the form has gone.
-  using OpenItems = std::function<void(std::function<void(const std::string& monthly_time)>)>;
+  // `open_items` opens the payroll items of the current line and runs its argument when the form has
+  // gone, with the monthly time that they make; nothing for staff whose time they do not make.
+  using MonthlyTime = std::optional<std::string>;
+  using OpenItems = std::function<void(std::function<void(const MonthlyTime&)>)>;
   AmendmentLines(const Ground& ground, OpenItems open_items)
       : on_(ground), open_items_(std::move(open_items)) {}
 
@@ -71,8 +73,13 @@ class AmendmentLines {
   bool category_is_valid();
   bool refuse(std::string_view message, screen::Control& caret);
 
+  // The line that a command is about: the one under edit, else the one that is selected; -1: none.
+  int line_in_hand() const;
   void begin_entry();
   void end_entry();
+  // Fills an entry that has just begun; if that fails there is none.
+  template <typename Fill>
+  void fill_entry(Fill fill);
   card::AmendmentMemory entered_line() const;
   int insertion_position() const;
   void insert_line(int position, card::AmendmentMemory line);

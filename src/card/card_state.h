@@ -37,12 +37,17 @@ struct CardState {
   bool AjoutActivite = false;             // an activity line is being added
   bool open = false;                      // a card is created, edited or read
   bool loading = false;                   // codes are taken as they come, without messages
+  std::string entity, year;               // of the card in hand, also after it was deleted
   int edited_line = -1;                   // index of the amendment line under edit
   int current_line = 0;                   // amendment handed to the item form, from 1
 
-  std::string default_hours;  // monthly hours of establishment "001", for a new card
-  std::string grouping;       // current budget grouping code
-  store::DbRecord agreement;  // the collective agreement last read by its code
+  // A line of the amendments is being entered, new or not.
+  bool enters_amendment() const { return AjoutDetail || edited_line >= 0; }
+
+  std::string default_hours;       // monthly hours of establishment "001", for a new card
+  std::string only_establishment;  // code of the entity's establishment when it has just one
+  std::string grouping;            // current budget grouping code
+  store::DbRecord agreement;       // the collective agreement last read by its code
 
   std::map<int, Kept> kept;  // single-valued attributes
   std::vector<AmendmentMemory> amendments;

@@ -1,5 +1,6 @@
 #include "card/states.h"
 
+#include "card/record_layout.h"
 #include "text/utf8.h"
 
 namespace velanor::card {
@@ -37,6 +38,9 @@ void CardStates::start() {
   ui_.Txt_NomAidant.set_visible(false);
   ui_.Cmd_Copier.set_enabled(false);
   enable(Group::kChoice, false);
+  // Until an agreement shows it.
+  ui_.Txt_DateBranche.set_visible(false);
+  ui_.Etq_DepBranche.set_visible(false);
 }
 
 void CardStates::GriserOng() {
@@ -47,6 +51,7 @@ void CardStates::GriserOng() {
        {Group::kEndReasonBox, Group::kActivityLine, Group::kActivityEntry, Group::kAmendmentList,
         Group::kAmendmentEntry, Group::kAmendmentFrame, Group::kAmendmentButton})
     enable(group, false);
+  ui_.Bdv_Detail.set_enabled(true);
   ui_.Cdr_Mutuelle.set_enabled(false);
   disable_commands();
   ui_.Cmd_Ajout.set_enabled(false);
@@ -78,7 +83,9 @@ void CardStates::DeGriserOng() {
 }
 
 void CardStates::enable_establishment(bool on) {
-  enable(Group::kEstablishmentBoxes, on && ui_.Cbo_Etab.count() != 1);
+  const bool no_choice =
+      !card_.only_establishment.empty() && ui_.Txt_CodEtab.text() == card_.only_establishment;
+  enable(Group::kEstablishmentBoxes, on && !no_choice);
 }
 
 void CardStates::enable_employee(bool on) {
@@ -97,11 +104,19 @@ void CardStates::DeGriserDonnees() {
   ui_.Txt_NomAidant.set_enabled(true);
   enable_establishment(true);
   enable_employee(true);
-  enable(Group::kContractKey, card_.Creation);
+  // A stored card without them can be completed.
+  const bool agreement = card_.Creation || card_.working(kAgreement).empty();
+  ui_.Txt_ConvCol.set_enabled(agreement);
+  ui_.Cbo_Convcol.set_enabled(agreement);
+  ui_.Txt_DatDeb.set_enabled(card_.Creation || card_.working(kContractStart).empty());
   ui_.Cbo_EtudeAidant.set_enabled(false);
 }
 
-void CardStates::enable_amendment_lists(bool on) { enable(Group::kAmendmentList, on); }
+// The bar moves the selection, so it goes with the lists.
+void CardStates::enable_amendment_lists(bool on) {
+  enable(Group::kAmendmentList, on);
+  ui_.Bdv_Detail.set_enabled(on);
+}
 
 void CardStates::GriserDetail() {
   enable_amendment_lists(false);
@@ -135,8 +150,14 @@ void CardStates::update_add_amendment() {
   ui_.Cmd_AjDetail.set_enabled(ready && year_is_open());
 }
 
-void CardStates::enable_commands() {
+void CardStates::suspend_commands() {
+  disable_commands();
+  ui_.Cmd_Copier.set_enabled(false);
+}
+
+void CardStates::resume_commands() {
   ui_.Cmd_Supp.set_enabled(!card_.Creation);
+  ui_.Cmd_Copier.set_enabled(!card_.Creation);
   ui_.Cmd_OK.set_enabled(true);
   ui_.Cmd_Annul.set_enabled(true);
 }

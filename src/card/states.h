@@ -38,11 +38,11 @@ class CardStates {
   void update_add_amendment();
   // The chosen entity and year can still be edited.
   bool year_is_open() const;
-  // The card's own commands, while no line is being entered. A card that is not stored yet
-  // cannot be deleted.
-  void enable_commands();
-  void disable_commands();
-  // A single establishment leaves nothing to choose.
+  // The card's own commands rest while a line is being entered. A card that is not stored yet can be
+  // neither deleted nor duplicated.
+  void suspend_commands();
+  void resume_commands();
+  // A single establishment leaves nothing to choose, unless the card is of another one.
   void enable_establishment(bool on);
 
  private:
@@ -50,6 +50,7 @@ class CardStates {
   void empty(Group group);
   void enable_employee(bool on);
   void enable_activities(bool on);
+  void disable_commands();
 
   CardScreen& ui_;
   const CardState& card_;

@@ -8,7 +8,7 @@ namespace velanor::card {
 void YearTable::ChargerExtractions(const control::Procedure& procedure) {
   constexpr int kEntityAt = kEmployeeCodeLength + 1;
   constexpr int kYearAt = kEntityAt + kEntityCodeLength;
-  constexpr int kYearLength = 6;
+  constexpr int kLongestYear = 6;
   const store::DbResult ids =
       procedure.select("SSELECT VELANORO PAR CodeAsso PAR-DECR Annee", "VELANORO", "0");
   table_ = {};
@@ -16,7 +16,9 @@ void YearTable::ChargerExtractions(const control::Procedure& procedure) {
   // The statement's order brings the entities together, each with its most recent year first.
   for (int i = 1; !ids(i).empty(); ++i) {
     const std::string_view entity = text::mid(ids(i), kEntityAt, kEntityCodeLength);
-    const std::string_view year = text::mid(ids(i), kYearAt, kYearLength);
+    const std::string_view year = text::mid(ids(i), kYearAt, kLongestYear);
+    // An id that is no card's would end the table, which every reader takes up to its first empty value.
+    if (entity.empty() || year.empty()) continue;
     if (n == 0 || entity != table_(n, 1)) {
       ++n;
       table_.set(n, 1, entity);

@@ -2,6 +2,7 @@
 
 #include "card/record_layout.h"
 #include "entry/decimal.h"
+#include "screen/scope.h"
 #include "text/utf8.h"
 
 namespace velanor::commands {
@@ -18,7 +19,17 @@ void CardCommands::bind() {
 std::string CardCommands::year() const { return std::string(text::trim(on_.ui.Cbo_Periode.text())); }
 
 std::string CardCommands::id_of(const std::string& employee) const {
-  return card::record_id(employee, entity(), year());
+  return card::record_id(employee, on_.card.entity, on_.card.year);
+}
+
+void CardCommands::write_card(store::FileRecord& card) {
+  if (!card::is_record_id(card.id())) {
+    throw store::DbError(store::kStoreFailure,
+                         "La fiche « " + card.id() +
+                             " » ne peut pas être enregistrée : il manque un code de salarié, une entité ou "
+                             "une année.");
+  }
+  card.DBWrite();
 }
 
 // ---- Entity, year, employee.
@@ -28,6 +39,7 @@ void CardCommands::RemplirPeriodes() {
   if (years.empty()) {
     on_.screen.refuse("Aucune extraction de personnel n'a été réalisée pour cette entité.");
     on_.ui.Txt_Asso.set_text({});
+    on_.ui.set_focus(on_.ui.Txt_Asso);
     return;
   }
   on_.ui.Cbo_Periode.clear();
@@ -35,6 +47,15 @@ void CardCommands::RemplirPeriodes() {
 }
 
 void CardCommands::entity_accepted() {
+  try {
+    enter_entity();
+  } catch (...) {
+    on_.ui.Txt_Asso.set_text({});
+    throw;
+  }
+}
+
+void CardCommands::enter_entity() {
   card::CardScreen& ui = on_.ui;
   ui.Txt_Aidant.set_enabled(true);
   ui.Cbo_Aidant.set_enabled(true);
@@ -58,18 +79,38 @@ void CardCommands::entity_incomplete() {
   on_.ui.Txt_Aidant.set_enabled(false);
   on_.ui.Cbo_Aidant.set_enabled(false);
   on_.ui.Cmd_Ajout.set_enabled(false);
+  keep_or_end_copying();
 }
 
 void CardCommands::Cbo_Periode_Click() {
   if (on_.ui.Cbo_Periode.index() < 0 || on_.ui.Txt_Asso.is_empty()) return;
-  on_.lists.RequeteAidant();
-  on_.lists.RemplirAidant();
+  keep_or_end_copying();
   on_.ui.Cmd_Ajout.set_enabled(on_.states.year_is_open());
+  list_employees();
+}
+
+void CardCommands::list_employees() {
+  std::exception_ptr failure;
+  try {
+    on_.lists.RequeteAidant();
+  } catch (const store::DbError&) {
+    failure = std::current_exception();
+  }
+  on_.lists.RemplirAidant();
+  if (failure) std::rethrow_exception(failure);
+}
+
+void CardCommands::keep_or_end_copying() {
+  if (on_.card.open) return;
+  const bool same = entity() == on_.card.entity && year() == on_.card.year;
+  on_.ui.Cmd_Copier.set_enabled(on_.ui.Cmd_Copier.enabled() && same);
 }
 
 void CardCommands::start_card(bool creation) {
   on_.card.Creation = creation;
   on_.card.open = true;
+  on_.card.entity = entity();
+  on_.card.year = year();
   on_.card.AjoutDetail = on_.card.AjoutActivite = false;
   on_.card.edited_line = -1;
   on_.card.kept.clear();
@@ -77,40 +118,77 @@ void CardCommands::start_card(bool creation) {
   on_.card.amendments.clear();
   on_.states.empty_fields();
   on_.lists.ChercheRegroupBudget({});
-  // The lists take a single entry at once; on a card that is loaded the record has the last word.
-  on_.card.loading = !creation;
-  on_.lists.fill_card_lists();
-  on_.card.loading = false;
+  {
+    // The lists take a single entry at once; on a card that is loaded the record has the last word.
+    const screen::Scope loading(on_.card.loading, !creation);
+    on_.lists.fill_card_lists();
+  }
   on_.states.enable_entity(false);
 }
 
+template <typename Open>
+void CardCommands::open_or_browse(Open open) {
+  try {
+    open();
+  } catch (...) {
+    on_.card.working = {};
+    on_.card.file.reset();
+    clear_display();
+    close_card();
+    on_.ui.Txt_Aidant.set_text({});
+    on_.ui.set_focus(on_.ui.Txt_Aidant);
+    throw;
+  }
+}
+
 void CardCommands::open_employee(const store::DbRecord& record) {
+  open_or_browse([&] { show_employee(record); });
+}
+
+void CardCommands::show_employee(const store::DbRecord& record) {
   card::CardScreen& ui = on_.ui;
+  start_card(false);
   on_.card.CodeAidant = ui.Txt_Aidant.text();
   on_.card.working = record;
   on_.card.file = on_.procedure.file(control::File::kCards).Record(id_of(on_.card.CodeAidant));
   on_.card.file->assign(record);
-  start_card(false);
   on_.record.ChargerAidant();
   on_.states.DeGriserOng();
   const bool editable = on_.states.year_is_open();
   if (editable) {
     on_.states.DeGriserDonnees();
-    ui.Cmd_AjDetail.set_enabled(true);
+    ui.Cbo_EtudeAidant.set_enabled(true);
+    on_.states.update_add_amendment();
     ui.Cmd_SuppDetail.set_enabled(true);
   } else {
     ui.Cbo_MotifFin.set_enabled(false);
     // The lists cannot be clicked in such a year, but the items of a line can be read.
+    ui.Cdr_Detail.set_enabled(true);
     ui.Lst_DatEffet.set_index(0);
   }
   ui.Cmd_Copier.set_enabled(editable);
   ui.Txt_Etat.set_text(editable ? "Modification" : "Consultation");
 }
 
+void CardCommands::employee_left() {
+  if (!on_.card.open || on_.card.loading || on_.states.year_is_open()) return;
+  on_.card.working = {};
+  on_.card.file.reset();
+  clear_display();
+  close_card();
+}
+
 // ---- New card.
 
 void CardCommands::Cmd_Ajout_Click() {
+  open_or_browse([this] { show_new_card(); });
+}
+
+void CardCommands::show_new_card() {
   card::CardScreen& ui = on_.ui;
+  on_.card.CodeAidant.clear();
+  on_.card.working = {};
+  on_.card.file.reset();
   start_card(true);
   on_.states.DeGriserOng();
   ui.Cmd_Copier.set_enabled(false);
@@ -123,9 +201,6 @@ void CardCommands::Cmd_Ajout_Click() {
     ui.Txt_ConvCol.set_text(agreement);
   ui.Txt_Etat.set_text("Création");
   ui.set_focus(ui.Txt_NomAidant);
-  on_.card.CodeAidant.clear();
-  on_.card.working = {};
-  on_.card.file.reset();
 }
 
 // ---- Saving.
@@ -154,16 +229,14 @@ void CardCommands::Cmd_OK_Click() {
     }
     store::FileRecord file = *on_.card.file;
     file.assign(on_.card.working);
-    file.DBWrite();
+    write_card(file);
     on_.card.file = file;
   } catch (...) {
     on_.card.working = in_hand;
     if (on_.card.Creation) on_.card.file.reset();
     throw;
   }
-  on_.ui.Cmd_Copier.set_enabled(false);
-  on_.ui.Txt_RegroupBudget.set_text({});
-  on_.ui.Txt_Etat.set_text({});
+  clear_display();
   const std::exception_ptr failure = return_to_browsing();
   on_.ui.Cmd_Ajout.set_enabled(true);
   allow_browsing(failure);
@@ -190,30 +263,40 @@ void CardCommands::RechCode() {
 
 // ---- Back to browsing.
 
-std::exception_ptr CardCommands::return_to_browsing() {
+void CardCommands::close_card() {
   card::CardScreen& ui = on_.ui;
-  std::exception_ptr failure;
   on_.card.Creation = false;
   on_.card.open = false;
   ui.Txt_Aidant.set_enabled(true);
-  ui.Txt_Aidant.set_text({});
   ui.Txt_NomAidant.set_text({});
   ui.Txt_NomAidant.set_enabled(false);
   ui.Txt_NomAidant.set_visible(false);
   ui.Cbo_Aidant.set_visible(true);
   ui.Cbo_Aidant.set_enabled(true);
-  try {
-    on_.lists.RequeteAidant();
-  } catch (const store::DbError&) {
-    failure = std::current_exception();
-  }
-  on_.lists.RemplirAidant();
   on_.states.GriserOng();
   ui.Ong_FichPers.enable_all();
   ui.Ong_FichPers.show(card::kIdentityPage);
   on_.states.enable_entity(true);
   ui.Cbo_Periode.set_enabled(true);
-  return failure;
+  ui.Cmd_Ajout.set_enabled(on_.states.year_is_open());
+}
+
+void CardCommands::clear_display() {
+  on_.ui.Cmd_Copier.set_enabled(false);
+  on_.ui.Txt_RegroupBudget.set_text({});
+  on_.ui.Txt_Etat.set_text({});
+}
+
+std::exception_ptr CardCommands::return_to_browsing() {
+  on_.card.open = false;
+  on_.ui.Txt_Aidant.set_text({});
+  close_card();
+  try {
+    list_employees();
+  } catch (const store::DbError&) {
+    return std::current_exception();
+  }
+  return {};
 }
 
 void CardCommands::allow_browsing(const std::exception_ptr& failure) {
@@ -224,12 +307,8 @@ void CardCommands::allow_browsing(const std::exception_ptr& failure) {
 
 void CardCommands::Cmd_Annul_Click() {
   if (!on_.screen.confirm_loss("Voulez-vous quitter cette création ?")) return;
-  on_.ui.Cmd_Copier.set_enabled(false);
-  on_.ui.Txt_RegroupBudget.set_text({});
-  on_.ui.Txt_Etat.set_text({});
-  const std::exception_ptr failure = return_to_browsing();
-  on_.ui.Cmd_Ajout.set_enabled(on_.states.year_is_open());
-  allow_browsing(failure);
+  clear_display();
+  allow_browsing(return_to_browsing());
 }
 
 void CardCommands::Cmd_Supp_Click() {
@@ -272,7 +351,7 @@ void CardCommands::SupprimerCalculs(const std::string& id) {
 // ---- Duplicate.
 
 void CardCommands::Cmd_Copier_Click() {
-  if (!on_.card.file) return;
+  if (!on_.card.file || !on_.years.is_latest(on_.card.entity, on_.card.year)) return;
   const std::string own_code = on_.card.CodeAidant;
   RechCode();
   const std::string code = std::exchange(on_.card.CodeAidant, own_code);
@@ -280,8 +359,9 @@ void CardCommands::Cmd_Copier_Click() {
   copy.assign(*on_.card.file);
   copy.set(card::kName, code);
   for (int attribute : card::kResults) copy.set(attribute, {});
-  copy.DBWrite();
+  write_card(copy);
   on_.screen.inform("Cet aidant a été dupliqué sur le code " + code + ".");
+  if (!on_.card.open) list_employees();
 }
 
 }  // namespace velanor::commands

@@ -41,8 +41,10 @@ class CardCommands {
   // An entity code was accepted, or is not complete.
   void entity_accepted();
   void entity_incomplete();
-  // An employee code was accepted: the card is opened.
+  // An employee code was accepted: the card is opened. If it cannot be, nothing is open.
   void open_employee(const store::DbRecord& record);
+  // The code of the employee who is being read is no more: no card stands under another name.
+  void employee_left();
 
  private:
   void Cbo_Periode_Click();
@@ -56,13 +58,27 @@ class CardCommands {
 
   std::string entity() const { return on_.ui.Txt_Asso.text(); }
   std::string year() const;
+  // The id of a card of the entity and year in hand.
   std::string id_of(const std::string& employee) const;
   bool year_is_locked();
+  static void write_card(store::FileRecord& card);
+  void enter_entity();
+  void list_employees();
   void start_card(bool creation);
+  void show_employee(const store::DbRecord& record);
+  void show_new_card();
+  // Runs what opens a card; if it fails, the screen is back at browsing.
+  template <typename Open>
+  void open_or_browse(Open open);
+  // Back to browsing, but for the list of the employees and what a deletion leaves in sight.
+  void close_card();
+  void clear_display();
   // The part of the return to browsing that saving, abandoning and deleting have in common.
   // The card is stored, given up or gone by then, so a list that cannot be read does not stop it:
   // the failure is handed on and reaches the host at the end.
   std::exception_ptr return_to_browsing();
+  // After a deletion the card can still be duplicated, as long as the header is its own.
+  void keep_or_end_copying();
   void allow_browsing(const std::exception_ptr& failure);
 
   Ground on_;

@@ -124,8 +124,10 @@ LookupPair CardFields::employee_pair(CardCommands& commands) {
               },
           .kept = on_.lists.kept().employees,
           .accepted = [&commands](const store::DbRecord& record) { commands.open_employee(record); },
+          .incomplete = [&commands] { commands.employee_left(); },
           // A card that cannot be read must not open as an empty one.
-          .failures_surface = true};
+          .failures_surface = true,
+          .alike = reference::Alike::kDifferent};
 }
 
 LookupPair CardFields::establishment_pair() {
@@ -179,12 +181,13 @@ void CardFields::Txt_ConvCol_Change() {
   ui.Txt_DateBranche.set_visible(branch);
   ui.Etq_DepBranche.set_visible(branch);
   if (!branch) ui.Txt_DateBranche.set_text({});
-  if (on_.card.open && on_.card.Creation) on_.states.update_add_amendment();
+  if (on_.card.open && ui.Txt_ConvCol.enabled()) on_.states.update_add_amendment();
 }
 
-// ---- The nature of the contract.
+// ---- Labels without a code box.
 
-void CardFields::bind_nature() {
+void CardFields::bind_labels() {
+  on_.ui.Cbo_MotifFin.lost_focus += [this] { Cbo_MotifFin_LostFocus(); };
   on_.ui.Cbo_NatureContrat.drop_down += [this] { Cbo_NatureContrat_DropDown(); };
   on_.ui.Cbo_NatureContrat.lost_focus += [this] { Cbo_NatureContrat_LostFocus(); };
 }
@@ -194,8 +197,14 @@ void CardFields::Cbo_NatureContrat_LostFocus() {
   if (!box.edited() || box.is_empty() || box.find(box.text()) >= 0) return;
   const auto kept = on_.card.kept.find(card::kContractNature);
   if (kept != on_.card.kept.end() && kept->second.shown == box.text()) return;
+  if (reference::take_typed(box) == reference::Found::kOne) return;
   on_.screen.refuse("La nature saisie n'existe pas, veuillez la ressaisir.");
   on_.ui.set_focus(box);
+}
+
+// Saving says what a reason that matches nothing lacks.
+void CardFields::Cbo_MotifFin_LostFocus() {
+  if (on_.ui.Cbo_MotifFin.edited()) reference::take_typed(on_.ui.Cbo_MotifFin);
 }
 
 }  // namespace velanor::commands

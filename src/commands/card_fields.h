@@ -28,7 +28,8 @@ class CardFields {
   void bind_free_entry(entry::Fields& fields);
   // The eight pairs of code and label, and the town.
   void bind_pairs(reference::LookupPairs& pairs, CardCommands& commands);
-  void bind_nature();
+  // Nature of the contract and end reason, which have no code box.
+  void bind_labels();
 
  private:
   void Txt_DatDeb_LostFocus(entry::DateOutcome outcome);
@@ -38,6 +39,7 @@ class CardFields {
   void Txt_ConvCol_Change();
   void Cbo_NatureContrat_DropDown() { on_.lists.fill_natures(); }
   void Cbo_NatureContrat_LostFocus();
+  void Cbo_MotifFin_LostFocus();
 
   reference::LookupPair file_pair(screen::TextBox& code, screen::ComboBox& label, control::File file,
                                   const store::DbResult& kept);

@@ -4,6 +4,7 @@
 #include "card/item_hours.h"
 #include "card/record_compare.h"
 #include "card/record_layout.h"
+#include "screen/scope.h"
 #include "text/utf8.h"
 
 namespace velanor::commands {
@@ -40,7 +41,7 @@ CardRecord::CardRecord(const Ground& on)
               field<kMutualCharge>(ui_.Txt_ChargMutContrat)} {}
 
 void CardRecord::show(int attribute, screen::TextControl& box, const std::string& text) {
-  box.set_text(text);
+  box.show_whole(text);
   card_.kept[attribute] = {box.text(), std::string(card_.working(attribute))};
 }
 
@@ -54,9 +55,9 @@ std::string CardRecord::kept_or(int attribute, const screen::TextControl& box, s
 
 void CardRecord::ChargerAidant() {
   const store::DbRecord& record = card_.working;
+  const screen::Scope loading(card_.loading);
   card_.kept.clear();
-  card_.loading = true;
-  ui_.Txt_NomAidant.set_text(record(kName));
+  ui_.Txt_NomAidant.show_whole(record(kName));
   load_options();
   for (const Field& field : fields_)
     show(field.attribute, *field.box, field.shown(codec_, record(field.attribute)));
@@ -64,8 +65,7 @@ void CardRecord::ChargerAidant() {
   load_amendments();
   load_end_reason();
   ui_.Cmd_Detail.set_enabled(true);
-  ui_.Txt_CodEtab.set_text(
-      text::mid(record(kEstablishment), kEntityCodeLength + 1, kEstablishmentCodeLength));
+  load_establishment();
   for (auto [attribute, box] : {std::pair{kMutualEmployee, &ui_.Txt_MutSalContrat},
                                 std::pair{kMutualEmployer, &ui_.Txt_MutPatContrat}})
     show(attribute, *box, entry_.FormatAmount(codec_.shown(attribute, record(attribute)), 2, 4));
@@ -75,7 +75,13 @@ void CardRecord::ChargerAidant() {
   show(kBranchEntry, ui_.Txt_DateBranche,
        dated ? codec_.shown(kBranchEntry, record(kBranchEntry)) : std::string());
   load_table_entry(kEducation, ui_.Cbo_EtudeAidant, procedure_.variable().diplomes);
-  card_.loading = false;
+}
+
+// A card without one keeps the only one that its entity has.
+void CardRecord::load_establishment() {
+  const std::string_view code =
+      text::mid(card_.working(kEstablishment), kEntityCodeLength + 1, kEstablishmentCodeLength);
+  ui_.Txt_CodEtab.set_text(text::trim(code).empty() ? std::string_view(card_.only_establishment) : code);
 }
 
 void CardRecord::load_options() {
@@ -202,13 +208,11 @@ void CardRecord::save_amendments() {
 }
 
 void CardRecord::save_end_reason() {
-  const store::DbRecord& table = procedure_.variable().fincontrat;
   std::string code;
   if (!ui_.Txt_DatFin.is_empty()) {
-    const int reason = ui_.Cbo_MotifFin.is_empty()
-                           ? 0
-                           : reference::find_value(table, reference::kTableLabels, ui_.Cbo_MotifFin.text());
-    code = kept_or(kEndReason, ui_.Cbo_MotifFin, std::string(table(reference::kTableCodes, reason)));
+    const std::string& label = ui_.Cbo_MotifFin.text();
+    code = kept_or(kEndReason, ui_.Cbo_MotifFin,
+                   reference::offered_reason(procedure_.variable().fincontrat, label));
   }
   card_.working.set(kEndReason, code);
 }

@@ -55,6 +55,7 @@ class CardRecord {
   void load_activities();
   void load_amendments();
   void load_end_reason();
+  void load_establishment();
   void load_table_entry(int attribute, screen::ComboBox& box, const store::DbRecord& table);
   void load_charge();
 

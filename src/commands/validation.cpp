@@ -6,6 +6,7 @@
 #include "card/record_layout.h"
 #include "card/years.h"
 #include "entry/decimal.h"
+#include "reference/lists.h"
 #include "text/utf8.h"
 
 namespace velanor::commands {
@@ -80,11 +81,13 @@ bool Validation::ends_before_start() const {
   return !ui_.Txt_DatFin.is_empty() && day(ui_.Txt_DatFin.text()) < day(ui_.Txt_DatDeb.text());
 }
 
-// A stored reason that has left the table shows nothing, but is one, and is kept.
+// A stored reason that is not offered, or has left the table and shows nothing, is one and is kept.
 bool Validation::end_reason_missing() const {
+  if (ui_.Txt_DatFin.is_empty()) return false;
+  const std::string& label = ui_.Cbo_MotifFin.text();
   const auto kept = card_.kept.find(card::kEndReason);
-  const bool unknown = kept != card_.kept.end() && kept->second.shown.empty() && !kept->second.stored.empty();
-  return !ui_.Txt_DatFin.is_empty() && ui_.Cbo_MotifFin.is_empty() && !unknown;
+  if (kept != card_.kept.end() && kept->second.shown == label && !kept->second.stored.empty()) return false;
+  return reference::offered_reason(procedure_.variable().fincontrat, label).empty();
 }
 
 long Validation::reference_day() const {

@@ -29,7 +29,7 @@ struct Rules {
   Rules(card::CardScreen& ui, screen::Screen& screen, entry::UtilSaisie& entry, store::Database& database);
   void bind();
   forms::ItemContext item_context() const;
-  void open_items(std::function<void(const std::string& monthly_time)> closed);
+  void open_items(std::function<void(const amendments::AmendmentLines::MonthlyTime&)> closed);
 
   card::CardScreen& ui;
   screen::Screen& screen;
@@ -76,7 +76,7 @@ Rules::Rules(card::CardScreen& card_ui, screen::Screen& forms, entry::UtilSaisie
 void Rules::bind() {
   card_fields.bind_pairs(pairs, commands);
   card_fields.bind_free_entry(fields);
-  card_fields.bind_nature();
+  card_fields.bind_labels();
   grids.bind();
   lines.bind();
   activities.bind();
@@ -85,7 +85,8 @@ void Rules::bind() {
 
 forms::ItemContext Rules::item_context() const {
   const bool editable = states.year_is_open();
-  return {.employee = std::string(text::trim(ui.Txt_Aidant.text() + " " + ui.Txt_NomAidant.text())),
+  return {.effective_date = std::string(ui.Lst_DatEffet.line(card.current_line - 1)),
+          .employee = std::string(text::trim(ui.Txt_Aidant.text() + " " + ui.Txt_NomAidant.text())),
           .period = ui.Cbo_Periode.text(),
           .establishment_hours = ui.Txt_HorMensEtab.text(),
           .agreement = ui.Txt_ConvCol.text(),
@@ -97,12 +98,10 @@ forms::ItemContext Rules::item_context() const {
 }
 
 // Production staff work the hours of their items; for administrative staff the time stays.
-void Rules::open_items(std::function<void(const std::string&)> closed) {
+void Rules::open_items(std::function<void(const amendments::AmendmentLines::MonthlyTime&)> closed) {
   item_form.open(item_context(), [this, closed = std::move(closed)] {
-    const bool administrative = ui.Opt_Admin.value();
-    closed(administrative
-               ? std::string(ui.Lst_DureMens.line(card.current_line - 1))
-               : card::item_hours(card.working, card.current_line, procedure.file(control::File::kItems)));
+    if (ui.Opt_Admin.value()) return closed(std::nullopt);
+    closed(card::item_hours(card.working, card.current_line, procedure.file(control::File::kItems)));
   });
 }
 

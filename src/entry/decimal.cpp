@@ -135,7 +135,9 @@ std::string stored_to_text(std::string_view stored, int scale, int decimals) {
 
 std::string text_to_stored(std::string_view text, int scale) {
   const auto value = parse_decimal(text, scale);
-  return value ? std::to_string(*value) : std::string(text);
+  return value ? std::to_string(*value) : std::string();
 }
+
+bool has_digit(std::string_view text) { return text.find_first_of("0123456789") != std::string_view::npos; }
 
 }  // namespace velanor::entry

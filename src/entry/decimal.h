@@ -22,9 +22,12 @@ std::string format_decimal(std::int64_t value, int scale, int decimals);
 // An empty text stays empty, a text that is no number stays as it is.
 std::string format_pattern(std::string_view text, int decimals);
 
-// A stored whole number (hundredths, thousandths, ...) as display text and back. Empty stays
-// empty; what is no number stays as it is, so that nothing is lost.
+// A stored whole number (hundredths, thousandths, ...) as display text; what is no number is shown
+// as it is. And back: always a whole number, or "" for a text that is no number.
 std::string stored_to_text(std::string_view stored, int scale, int decimals);
 std::string text_to_stored(std::string_view text, int scale);
+
+// Whether a text holds a digit: without one it is no entry, whatever separators it has.
+bool has_digit(std::string_view text);
 
 }  // namespace velanor::entry

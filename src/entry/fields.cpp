@@ -17,6 +17,7 @@ void Fields::bind(const DateField& field) {
 DateOutcome Fields::leave_date(const DateField& field) {
   screen::TextBox& box = field.box;
   if (box.is_empty()) return DateOutcome::kEmpty;
+  if (box.shows_more()) return DateOutcome::kPassed;
   bool refused = false;
   box.set_text(entry_.CompleteDate(box.text(), refused));
   if (entry_.DateRefused(refused)) {
@@ -33,7 +34,8 @@ DateOutcome Fields::leave_date(const DateField& field) {
 
 void Fields::bind_decimal_keys(screen::TextBox& box, int decimals) {
   box.key_press = [&box, decimals](screen::Key& key) {
-    if (key.code == screen::Key::kEnter) box.set_text(format_pattern(box.text(), decimals));
+    if (key.code == screen::Key::kEnter && !box.shows_more())
+      box.set_text(format_pattern(box.text(), decimals));
     key.code = filter_decimal_key(box.text(), key.code);
   };
 }
@@ -43,8 +45,15 @@ void Fields::bind(const DecimalField& field) {
   field.box.lost_focus += [this, field] { leave_decimal(field); };
 }
 
+bool Fields::holds_entry(screen::TextBox& box) {
+  if (box.shows_more()) return false;
+  if (!has_digit(box.text())) box.set_text({});
+  return !box.is_empty();
+}
+
 void Fields::leave_decimal(const DecimalField& field) {
   screen::TextBox& box = field.box;
+  if (!holds_entry(box)) return;
   box.set_text(format_pattern(box.text(), field.decimals));
   // A value that the box has cut formats to something else.
   if (format_pattern(box.text(), field.decimals) != box.text()) refuse_number(box, field.caret);
@@ -57,7 +66,7 @@ void Fields::bind(const BoundedField& field) {
 
 void Fields::leave_bounded(const BoundedField& field) {
   screen::TextBox& box = field.box;
-  if (box.is_empty()) return;
+  if (!holds_entry(box)) return;
   const auto value = parse_decimal(box.text(), 2);
   if (!value || *value > field.upper_bound) return refuse_number(box, Caret::kBack);
   box.set_text(format_decimal(*value, 2, 2));
@@ -75,7 +84,7 @@ void Fields::bind(const AmountField& field) {
     key.code = entry_.FilterNumericKey(field.box.text(), key.code, field.integer_digits);
   };
   field.box.lost_focus += [this, field] {
-    if (!field.box.is_empty())
+    if (holds_entry(field.box))
       field.box.set_text(entry_.FormatAmount(field.box.text(), field.decimals, field.integer_digits));
   };
 }

@@ -6,6 +6,7 @@
 #include "entry/amount.h"
 #include "entry/decimal.h"
 #include "forms/item_template.h"
+#include "reference/label_search.h"
 #include "text/utf8.h"
 
 namespace velanor::forms {
@@ -33,6 +34,7 @@ Frm_RubSaisie::Frm_RubSaisie(card::CardState& card, const control::Procedure& pr
   ui_.Bdv_Detail.changed += [this] { Bdv_Detail_Change(); };
   ui_.Cbo_LibRub.changed += [this] { Cbo_LibRub_Change(); };
   ui_.Cbo_LibRub.clicked += [this] { Cbo_LibRub_Click(); };
+  ui_.Cbo_LibRub.lost_focus += [this] { Cbo_LibRub_LostFocus(); };
   ui_.Txt_Code.changed += [this] { Txt_Code_Change(); };
   ui_.Txt_Code.key_press = [this](Key& key) { Txt_Code_KeyPress(key); };
   ui_.Txt_Code.lost_focus += [this] { Txt_Code_LostFocus(); };
@@ -68,6 +70,7 @@ void Frm_RubSaisie::open(const ItemContext& context, std::function<void()> close
   context_ = context;
   Form_Load();
   ui_.Etq_Aidant.set_caption("Aidant : " + context_.employee);
+  ui_.set_subtitle("avenant du " + context_.effective_date);
   Afficher_Donnees();
   ui_.set_focus(ui_.Cmd_Retour);
   ui_.set_focus(ui_.Cmd_Ajouter);
@@ -82,6 +85,7 @@ void Frm_RubSaisie::Form_Load() {
   copy_ = card_.working;
   FermetureAutorisee = false;
   TauxParDefaut = false;
+  edited_line_ = -1;
   Remplir_RubSaisie();
   Vider_Texte();
   Degriser_Liste();
@@ -98,19 +102,9 @@ void Frm_RubSaisie::Remplir_RubSaisie() {
 
 void Frm_RubSaisie::Afficher_Donnees() {
   for (screen::ListBox* list : ui_.columns()) list->clear();
-  const int a = context_.amendment;
-  const store::DbRecord& record = card_.working;
-  for (int n = 1; !record(card::kItemCode, a, n).empty(); ++n) {
-    const std::string code(record(card::kItemCode, a, n));
-    const auto item = procedure_.file(control::File::kItems).find(code);
-    std::array<std::string, 5> line{code, item ? std::string((*item)(1)) : std::string()};
-    for (const Figure& figure : kFigures) {
-      const std::string text =
-          entry::stored_to_text(record(figure.attribute, a, n), figure.decimals, figure.decimals);
-      line[figure.column] = column_text(figure.column, text);
-    }
-    add_line(ui_.Lst_Code.count(), line);
-  }
+  lines_.clear();
+  for (int n = 1; !card_.working(card::kItemCode, context_.amendment, n).empty(); ++n)
+    add_line(ui_.Lst_Code.count(), stored_line(n));
   ui_.Cmd_SaisieAuto.set_enabled(ui_.Lst_Code.count() == 0 && !context_.SaisieAutoBloquee);
   control::size_scroll_bar(ui_.Bdv_Detail, ui_.Lst_Code, kPageOfLines);
   if (context_.ModifAutorisee) return;
@@ -129,26 +123,61 @@ std::string Frm_RubSaisie::column_text(std::size_t column, std::string_view text
   return std::string(text);
 }
 
-std::array<std::string, 5> Frm_RubSaisie::edit_line() const {
-  std::array<std::string, 5> line{ui_.Txt_Code.text(), ui_.Cbo_LibRub.text(), ui_.Txt_Base.text(),
-                                  ui_.Txt_Taux.text(), ui_.Txt_Montant.text()};
-  for (std::size_t c = 0; c < line.size(); ++c) line[c] = column_text(c, line[c]);
+Frm_RubSaisie::ItemLine Frm_RubSaisie::stored_line(int line) const {
+  const auto stored = [&](int attribute) {
+    return std::string(card_.working(attribute, context_.amendment, line));
+  };
+  const std::string code = stored(card::kItemCode);
+  const auto item = procedure_.file(control::File::kItems).find(code);
+  ItemLine shown{{{code, code}, {item ? std::string((*item)(1)) : std::string(), {}}}};
+  for (const Figure& figure : kFigures) {
+    const std::string value = stored(figure.attribute);
+    const std::string text = entry::stored_to_text(value, figure.decimals, figure.decimals);
+    shown[figure.column] = {column_text(figure.column, text), value};
+  }
+  return shown;
+}
+
+Frm_RubSaisie::ItemLine Frm_RubSaisie::edit_line() const {
+  const std::string& code = ui_.Txt_Code.text();
+  ItemLine line{{{code, code}, {ui_.Cbo_LibRub.text(), {}}}};
+  const screen::TextBox* const boxes[] = {&ui_.Txt_Base, &ui_.Txt_Taux, &ui_.Txt_Montant};
+  for (std::size_t f = 0; f < kFigures.size(); ++f) {
+    const Figure& figure = kFigures[f];
+    const std::string& text = boxes[f]->text();
+    card::Kept& own = line[figure.column];
+    own = {column_text(figure.column, text), entry::text_to_stored(text, figure.decimals)};
+    if (edited_line_ < 0) continue;
+    const card::Kept& before = lines_[static_cast<std::size_t>(edited_line_)][figure.column];
+    if (before.shown == own.shown) own = before;
+  }
   return line;
 }
 
-void Frm_RubSaisie::add_line(int position, const std::array<std::string, 5>& line) {
+void Frm_RubSaisie::add_line(int position, ItemLine line) {
+  for (screen::ListBox* list : ui_.columns()) list->insert(position, {});
+  lines_.insert(lines_.begin() + position, std::move(line));
+  show_line(position);
+}
+
+void Frm_RubSaisie::show_line(int position) {
   const auto columns = ui_.columns();
-  for (std::size_t c = 0; c < columns.size(); ++c) columns[c]->insert(position, line[c]);
+  const ItemLine& line = lines_[static_cast<std::size_t>(position)];
+  for (std::size_t c = 0; c < columns.size(); ++c) columns[c]->replace(position, line[c].shown);
 }
 
 void Frm_RubSaisie::remove_line(int index) {
+  if (index < 0) return;
+  lines_.erase(lines_.begin() + index);
   for (screen::ListBox* list :
        {&ui_.Lst_LibRub, &ui_.Lst_Base, &ui_.Lst_Taux, &ui_.Lst_Montant, &ui_.Lst_Code})
     list->remove(index);
 }
 
+// The bar moves the selection, so it goes with the lists.
 void Frm_RubSaisie::Griser_Liste() {
   for (screen::ListBox* list : ui_.columns()) list->set_enabled(false);
+  ui_.Bdv_Detail.set_enabled(false);
   for (screen::TextControl* box : std::initializer_list<screen::TextControl*>{
            &ui_.Txt_Code, &ui_.Cbo_LibRub, &ui_.Txt_Base, &ui_.Txt_Taux, &ui_.Txt_Montant})
     box->set_enabled(true);
@@ -156,6 +185,7 @@ void Frm_RubSaisie::Griser_Liste() {
 
 void Frm_RubSaisie::Degriser_Liste() {
   for (screen::ListBox* list : ui_.columns()) list->set_enabled(true);
+  ui_.Bdv_Detail.set_enabled(true);
   for (screen::TextControl* box : std::initializer_list<screen::TextControl*>{
            &ui_.Txt_Code, &ui_.Cbo_LibRub, &ui_.Txt_Base, &ui_.Txt_Taux, &ui_.Txt_Montant})
     box->set_enabled(false);
@@ -163,6 +193,7 @@ void Frm_RubSaisie::Degriser_Liste() {
 
 void Frm_RubSaisie::Vider_Texte() {
   ui_.Txt_Code.set_text({});
+  item_code_.clear();
   ui_.Cbo_LibRub.set_index(-1);
   ui_.Cbo_LibRub.set_text({});
   for (screen::TextBox* box : {&ui_.Txt_Base, &ui_.Txt_Taux, &ui_.Txt_Montant}) box->set_text({});
@@ -173,11 +204,12 @@ void Frm_RubSaisie::Descendre_Liste() {
   if (!context_.ModifAutorisee || index < 0) return;
   // A line whose code may not be entered by hand disappears when the user tries to edit it.
   if (catalogue_.row(ui_.Lst_Code.line(index)) == 0) return remove_line(index);
+  edited_line_ = index;
   Griser_Liste();
   ui_.Txt_Code.set_text(ui_.Lst_Code.line(index));
-  ui_.Txt_Base.set_text(entry_.UnformatNumber(ui_.Lst_Base.line(index)));
-  ui_.Txt_Taux.set_text(entry_.UnformatNumber(ui_.Lst_Taux.line(index)));
-  ui_.Txt_Montant.set_text(entry_.UnformatNumber(ui_.Lst_Montant.line(index)));
+  ui_.Txt_Base.show_whole(entry_.UnformatNumber(ui_.Lst_Base.line(index)));
+  ui_.Txt_Taux.show_whole(entry_.UnformatNumber(ui_.Lst_Taux.line(index)));
+  ui_.Txt_Montant.show_whole(entry_.UnformatNumber(ui_.Lst_Montant.line(index)));
   ui_.Txt_Code.set_enabled(false);
   ui_.Cbo_LibRub.set_enabled(false);
   ui_.Cmd_Supprimer.set_enabled(true);
@@ -187,10 +219,8 @@ void Frm_RubSaisie::Descendre_Liste() {
 }
 
 void Frm_RubSaisie::Monter_Liste() {
-  const auto columns = ui_.columns();
-  const auto line = edit_line();
-  const int index = ui_.Lst_Code.index();
-  for (std::size_t c = 0; c < columns.size(); ++c) columns[c]->replace(index, line[c]);
+  lines_[static_cast<std::size_t>(edited_line_)] = edit_line();
+  show_line(edited_line_);
   Degriser_Liste();
 }
 
@@ -228,6 +258,11 @@ void Frm_RubSaisie::Cbo_LibRub_Click() {
   ui_.Txt_Code.set_text(none ? std::string_view{} : catalogue_.code(ui_.Cbo_LibRub.index() + 1));
 }
 
+// What matches no item is told when the line is confirmed.
+void Frm_RubSaisie::Cbo_LibRub_LostFocus() {
+  if (ui_.Cbo_LibRub.edited() && ui_.Cbo_LibRub.index() < 0) reference::take_typed(ui_.Cbo_LibRub);
+}
+
 void Frm_RubSaisie::Txt_Code_Change() {
   if (text::length(ui_.Txt_Code.text()) != 3) return ui_.Cbo_LibRub.set_text({});
   const int row = catalogue_.row(ui_.Txt_Code.text());
@@ -238,6 +273,18 @@ void Frm_RubSaisie::Txt_Code_Change() {
     return;
   }
   ui_.Cbo_LibRub.set_text(catalogue_.label(row));
+  start_item(row);
+}
+
+// Figures are those of their item: another one starts anew, as if its code had just been typed.
+void Frm_RubSaisie::start_item(int row) {
+  if (!item_code_.empty() && item_code_ != ui_.Txt_Code.text()) {
+    for (screen::TextBox* box : {&ui_.Txt_Base, &ui_.Txt_Taux, &ui_.Txt_Montant}) {
+      box->set_enabled(true);
+      box->set_text({});
+    }
+  }
+  item_code_ = ui_.Txt_Code.text();
   allow_figures(row);
 }
 
@@ -263,7 +310,9 @@ void Frm_RubSaisie::filter_number(screen::TextBox& box, int integer_digits, scre
 }
 
 void Frm_RubSaisie::format_number(screen::TextBox& box, int decimals, int integer_digits) {
-  if (!box.is_empty()) box.set_text(entry_.FormatAmount(box.text(), decimals, integer_digits));
+  if (box.shows_more()) return;
+  box.set_text(entry::has_digit(box.text()) ? entry_.FormatAmount(box.text(), decimals, integer_digits)
+                                            : std::string());
 }
 
 // ---- The commands of the edit line.
@@ -319,12 +368,14 @@ void Frm_RubSaisie::Cmd_OK_Click() {
 }
 
 void Frm_RubSaisie::back_to_browsing() {
+  edited_line_ = -1;
   Vider_Texte();
   Degriser_Liste();
   ui_.Cmd_Supprimer.set_enabled(false);
   ui_.Cmd_Ajouter.set_enabled(true);
   ui_.Cmd_Retour.set_enabled(true);
   ui_.Cmd_SaisieAuto.set_enabled(ui_.Lst_Code.count() == 0 && !context_.SaisieAutoBloquee);
+  ui_.set_focus(ui_.Cmd_Ajouter);
 }
 
 void Frm_RubSaisie::abandon_edit_line() {
@@ -346,7 +397,7 @@ void Frm_RubSaisie::Cmd_Annuler_Click() {
 void Frm_RubSaisie::Cmd_Supprimer_Click() {
   if (!screen_.confirm_loss("Etes-vous sûr de vouloir supprimer cette ligne ?", screen::Icon::Exclamation))
     return;
-  remove_line(ui_.Lst_Code.index());
+  remove_line(edited_line_);
   back_to_browsing();
   control::size_scroll_bar(ui_.Bdv_Detail, ui_.Lst_Code, kPageOfLines);
   write_grid();
@@ -356,15 +407,12 @@ void Frm_RubSaisie::Cmd_Supprimer_Click() {
 
 void Frm_RubSaisie::write_grid() {
   const int a = context_.amendment;
-  const int count = ui_.Lst_Code.count();
+  const int count = static_cast<int>(lines_.size());
   store::DbRecord& record = card_.working;
-  const auto columns = ui_.columns();
   for (int n = 1; n <= count; ++n) {
-    record.set(card::kItemCode, a, n, ui_.Lst_Code.line(n - 1));
-    for (const Figure& figure : kFigures) {
-      const std::string_view text = columns[figure.column]->line(n - 1);
-      record.set(figure.attribute, a, n, entry::text_to_stored(text::trim(text), figure.decimals));
-    }
+    const ItemLine& line = lines_[static_cast<std::size_t>(n - 1)];
+    record.set(card::kItemCode, a, n, line.front().stored);
+    for (const Figure& figure : kFigures) record.set(figure.attribute, a, n, line[figure.column].stored);
   }
   for (int attribute : card::kItemColumns) {
     while (record.Count(attribute, a) > count) record.Delete(attribute, a, record.Count(attribute, a));
@@ -405,6 +453,7 @@ void Frm_RubSaisie::Cmd_Retour_Click() {
 void Frm_RubSaisie::unload() {
   FermetureAutorisee = true;
   for (screen::ListBox* list : ui_.columns()) list->clear();
+  lines_.clear();
   catalogue_.release();
   copy_ = {};
   screen_.close(ui_);
@@ -430,13 +479,15 @@ void Frm_RubSaisie::Cmd_SaisieAuto_Click() {
 void Frm_RubSaisie::fill_from(const store::DbRecord& record, const Hours& hours) {
   const screen::Busy busy(screen_.toolkit());
   for (const FilledItem& item : fill_template(record, hours, procedure_.file(control::File::kItems))) {
-    std::array<std::string, 5> line{item.code, item.label, item.base, item.rate, item.amount};
+    ItemLine line{
+        {{item.code, item.code}, {item.label, {}}, {item.base, {}}, {item.rate, {}}, {item.amount, {}}}};
     for (const Figure& figure : kFigures) {
-      std::string& text = line[figure.column];
+      card::Kept& own = line[figure.column];
       const int width = figure.integer_digits + 1 + figure.decimals;
-      text = text.empty() ? text::pad_left("0,00", width) : column_text(figure.column, text);
+      own.shown = own.shown.empty() ? text::pad_left("0,00", width) : column_text(figure.column, own.shown);
+      own.stored = entry::text_to_stored(own.shown, figure.decimals);
     }
-    add_line(ui_.Lst_Code.count(), line);
+    add_line(ui_.Lst_Code.count(), std::move(line));
   }
   control::size_scroll_bar(ui_.Bdv_Detail, ui_.Lst_Code, kPageOfLines);
   ui_.Cmd_SaisieAuto.set_enabled(false);

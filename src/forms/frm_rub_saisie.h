@@ -4,6 +4,7 @@
 #include <array>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "card/card_state.h"
 #include "control/session.h"
@@ -48,6 +49,7 @@ class ItemScreen : public screen::Form {
 
 // What the opener hands to the form.
 struct ItemContext {
+  std::string effective_date;       // of the amendment, as shown
   std::string employee;             // code and name
   std::string period;               // budget year
   std::string establishment_hours;  // monthly, as shown
@@ -83,6 +85,7 @@ class Frm_RubSaisie {
 
   void Cbo_LibRub_Change();
   void Cbo_LibRub_Click();
+  void Cbo_LibRub_LostFocus();
   void Bdv_Detail_Change();
   void Txt_Code_Change();
   void Txt_Code_KeyPress(screen::Key& key);
@@ -103,13 +106,19 @@ class Frm_RubSaisie {
   void bind_columns();
   void filter_number(screen::TextBox& box, int integer_digits, screen::Key& key);
   void format_number(screen::TextBox& box, int decimals, int integer_digits);
+  void start_item(int row);
   void allow_figures(int row);
   void allow(screen::TextBox& box, bool on);
   bool edit_line_is_valid();
   bool refuse(std::string_view message, screen::Control& caret);
   std::string column_text(std::size_t column, std::string_view text) const;
-  std::array<std::string, 5> edit_line() const;
-  void add_line(int position, const std::array<std::string, 5>& line);
+  // A line of the grid, column by column: what it shows beside what is stored.
+  using ItemLine = std::array<card::Kept, 5>;
+  ItemLine stored_line(int line) const;
+  // The edit line; a figure that reads as before is stored as before.
+  ItemLine edit_line() const;
+  void add_line(int position, ItemLine line);
+  void show_line(int position);
   void remove_line(int index);
   void abandon_edit_line();
   void back_to_browsing();
@@ -126,6 +135,9 @@ class Frm_RubSaisie {
   Frm_SaisieHres& hours_;
   screen::Screen& screen_;
 
+  std::vector<ItemLine> lines_;  // as the columns show them
+  int edited_line_ = -1;         // index of the line under edit; -1: none, or a new one
+  std::string item_code_;        // the item that the figures in the edit line were typed for
   ItemContext context_;
   bool TauxParDefaut = false;  // a line is being added
   bool FermetureAutorisee = false;

@@ -10,12 +10,25 @@ namespace {
 constexpr int kId = 1;
 constexpr int kLabel = 2;
 
+// Of a reason in "FINCONTRAT".
+bool is_offered(const store::DbRecord& reasons, int value) {
+  constexpr int kNeverListed = 5;
+  return reasons(kNeverListed, value) != "O";
+}
+
 std::vector<std::string> labels_of(const store::DbResult& result) {
   std::vector<std::string> labels;
   const int count = result.DCount();
   labels.reserve(static_cast<std::size_t>(count));
   for (int i = 1; i <= count; ++i) labels.emplace_back(result(i, kLabel));
   return labels;
+}
+
+std::vector<std::string> employee_codes(const store::DbResult& employees) {
+  std::vector<std::string> codes;
+  for (int i = 1; i <= employees.DCount(); ++i)
+    codes.emplace_back(text::left(employees(i, kId), card::kEmployeeCodeLength));
+  return codes;
 }
 
 }  // namespace
@@ -26,6 +39,14 @@ int find_value(const store::DbRecord& table, int column, std::string_view text) 
     if (table(column, value) == text) return value;
   }
   return 0;
+}
+
+std::string offered_reason(const store::DbRecord& reasons, std::string_view label) {
+  for (int value = 1; !label.empty() && value <= reasons.Count(kTableLabels); ++value) {
+    if (reasons(kTableLabels, value) == label && is_offered(reasons, value))
+      return std::string(reasons(kTableCodes, value));
+  }
+  return {};
 }
 
 std::string table_entry(const store::DbRecord& table, int value) {
@@ -74,6 +95,7 @@ void ReferenceLists::RemplirAssoc() {
 }
 
 void ReferenceLists::RequeteAidant() {
+  kept_.employees = {};  // codes of another entity or year must not be chosen
   const std::string suffix = "[" + ui_.Txt_Asso.text() + std::string(text::trim(ui_.Cbo_Periode.text()));
   kept_.employees =
       procedure_.select("SSELECT VELANORO AVEC 0 = " + store::quoted(suffix) + " PAR 1", "VELANORO", "0 1");
@@ -81,7 +103,10 @@ void ReferenceLists::RequeteAidant() {
 
 void ReferenceLists::RemplirAidant() {
   ui_.Cbo_Aidant.clear();
-  if (!kept_.employees(1, kId).empty()) ui_.Cbo_Aidant.refill(labels_of(kept_.employees));
+  if (!kept_.employees(1, kId).empty()) {
+    ui_.Cbo_Aidant.refill(labels_of(kept_.employees));
+    ui_.Cbo_Aidant.annotate(employee_codes(kept_.employees));
+  }
   ui_.Txt_Aidant.set_enabled(true);
   ui_.Txt_Aidant.set_text({});
   ui_.Cbo_Aidant.set_enabled(true);
@@ -104,10 +129,11 @@ void ReferenceLists::RemplirCommune() {
 }
 
 void ReferenceLists::RemplirAct() {
+  const store::DbResult found =
+      procedure_.select("SSELECT ACTIVITES AVEC 0 = " + store::quoted(ui_.Txt_Asso.text() + "]") + " PAR 1",
+                        "ACTIVITES", "0 1");
   ui_.Cbo_Activites.set_enabled(true);
-  fill(ui_.Cbo_Activites, kept_.activities,
-       procedure_.select("SSELECT ACTIVITES AVEC 0 = " + store::quoted(ui_.Txt_Asso.text() + "]") + " PAR 1",
-                         "ACTIVITES", "0 1"));
+  fill(ui_.Cbo_Activites, kept_.activities, found);
   ui_.Cbo_Activites.set_enabled(false);
 }
 
@@ -124,13 +150,12 @@ void ReferenceLists::RemplirProfil1() { fill(ui_.Cbo_Profil1, kept_.profiles1, s
 void ReferenceLists::RemplirProfil2() { fill(ui_.Cbo_Profil2, kept_.profiles2, select_profiles(procedure_)); }
 
 void ReferenceLists::RemplirFinContrat() {
-  constexpr int kNeverListed = 5;
   const store::DbRecord& table = procedure_.variable().fincontrat;
   ui_.Cbo_MotifFin.set_enabled(true);
   ui_.Cbo_MotifFin.clear();
   if (table(kTableLabels, 1).empty()) return;
   for (int value = 1; value <= table.Count(kTableLabels); ++value) {
-    if (table(kNeverListed, value) != "O") ui_.Cbo_MotifFin.add(table(kTableLabels, value));
+    if (is_offered(table, value)) ui_.Cbo_MotifFin.add(table(kTableLabels, value));
   }
 }
 
@@ -141,6 +166,8 @@ void ReferenceLists::Remplir_Etablissement() {
                    "SSELECT ETABLISSEMENT AVEC @ID = " + store::quoted(ui_.Txt_Asso.text() + "]") + " PAR 1",
                    "ETABLISSEMENT", "0 1"),
                kCodeFrom);
+  card_.only_establishment =
+      kept_.establishments.DCount() == 1 ? text::mid(kept_.establishments(1, kId), kCodeFrom) : "";
   const std::string charge = "\"08\"", amount = "\"Montant\"";
   fill(ui_.Cbo_ChargMutContrat, kept_.charges,
        procedure_.select("SSELECT RUBCHARGE AVEC 16 = " + charge + " AND AVEC 11 = " + amount +

@@ -7,8 +7,25 @@
 namespace velanor::reference {
 namespace {
 
+constexpr std::string_view kNoneMatches = "Aucun libellé de la liste ne correspond à ce texte.";
+constexpr std::string_view kSeveralMatch =
+    "Plusieurs libellés de la liste correspondent à ce texte, veuillez en choisir un.";
+
 void pad(screen::TextBox& box) {
-  if (!box.is_empty()) box.set_text(text::pad_left(box.text(), box.max_length(), '0'));
+  if (!box.is_empty() && text::length(box.text()) < box.max_length())
+    box.set_text(text::pad_left(box.text(), box.max_length(), '0'));
+}
+
+// A text of the user's that is not (yet) a line of the list.
+bool is_typed(const screen::ComboBox& box) { return box.edited() && !box.is_empty() && box.index() < 0; }
+
+// Enter takes what was typed of a label; it is no key of the text.
+void bind_enter(screen::ComboBox& box, const std::function<void()>& typed) {
+  box.key_press = [&box, typed](screen::Key& key) {
+    if (key.code != screen::Key::kEnter) return;
+    key.swallow();
+    if (is_typed(box)) typed();
+  };
 }
 
 std::optional<store::DbRecord> read_code(const LookupPair& pair) {
@@ -37,6 +54,7 @@ void LookupPairs::add(LookupPair description) {
   pair.code.changed += [this, &pair] { code_changed(pair); };
   pair.label.clicked += [this, &pair] { label_chosen(pair); };
   pair.label.lost_focus += [this, &pair] { label_left(pair); };
+  bind_enter(pair.label, [this, &pair] { label_typed(pair); });
 }
 
 void LookupPairs::code_changed(const LookupPair& pair) {
@@ -65,31 +83,58 @@ void LookupPairs::refuse(const LookupPair& pair, std::string_view message) {
 }
 
 void LookupPairs::label_chosen(const LookupPair& pair) {
-  if (pair.label.is_empty() || card_.loading) return;
-  const int entry = find_entry(pair.kept, 2, pair.label.text());
+  if (card_.loading || pair.label.index() < 0) return;
+  const int entry =
+      pair.alike == Alike::kDifferent ? pair.label.index() + 1 : find_entry(pair.kept, 2, pair.label.text());
   if (entry > 0) pair.code.set_text(text::mid(pair.kept(entry, 1), pair.code_from, pair.code.max_length()));
 }
 
-// A label that was typed counts as chosen when it is one of the list; otherwise the box shows
-// its code's label again, so that the two never disagree.
+void LookupPairs::label_typed(const LookupPair& pair) {
+  const Found found = take_typed(pair.label, pair.alike);
+  told_ = nullptr;
+  if (found == Found::kOne) return;
+  screen_.refuse(found == Found::kNone ? kNoneMatches : kSeveralMatch);
+  pair.label.clear_edited();
+  told_ = &pair.label;
+  pair.label.form().set_focus(pair.label);
+}
+
+// What matches nothing is said once and kept; who leaves all the same gets the label of the code
+// back, so that the two never disagree.
 void LookupPairs::label_left(const LookupPair& pair) {
-  if (!pair.label.edited()) return;
-  if (pair.label.is_empty()) return pair.code.set_text({});
-  if (find_entry(pair.kept, 2, pair.label.text()) > 0) return label_chosen(pair);
+  if (is_typed(pair.label)) {
+    label_typed(pair);
+  } else if (pair.label.edited() && pair.label.is_empty()) {
+    pair.code.set_text({});
+  } else if (told_ == &pair.label) {
+    told_ = nullptr;
+    label_restored(pair);
+  }
+}
+
+void LookupPairs::label_restored(const LookupPair& pair) {
   const auto record = pair.code.is_empty() ? std::nullopt : read_code(pair);
   pair.label.set_text(record ? (*record)(1) : std::string_view{});
 }
 
 void LookupPairs::add_town(screen::ComboBox& town, const control::Procedure& procedure) {
-  town.lost_focus += [this, &town, &procedure] {
-    if (!town.edited() || town.is_empty()) return;
-    const auto found =
-        procedure.select("SSELECT COMMUNES AVEC 1 = " + store::quoted(town.text()), "COMMUNES", "0 1");
-    // Brackets that were typed are ordinary characters here, whatever they mean in a statement.
-    if (find_entry(found, 2, town.text()) > 0) return;
-    screen_.refuse("La commune n'est pas référencée dans le fichier des communes.");
-    town.form().set_focus(town);
+  const auto typed = [this, &town, &procedure] { town_typed(town, procedure); };
+  town.lost_focus += [&town, typed] {
+    if (is_typed(town)) typed();
   };
+  bind_enter(town, typed);
+}
+
+void LookupPairs::town_typed(screen::ComboBox& town, const control::Procedure& procedure) {
+  const auto found =
+      procedure.select("SSELECT COMMUNES AVEC 1 = " + store::quoted(town.text()), "COMMUNES", "0 1");
+  // Brackets that were typed are ordinary characters here, whatever they mean in a statement.
+  if (find_entry(found, 2, town.text()) > 0) return;
+  const Found alike = take_typed(town);
+  if (alike == Found::kOne) return;
+  screen_.refuse(alike == Found::kNone ? "La commune n'est pas référencée dans le fichier des communes."
+                                       : kSeveralMatch);
+  town.form().set_focus(town);
 }
 
 }  // namespace velanor::reference

@@ -10,6 +10,7 @@
 
 #include "card/card_screen.h"
 #include "card/card_state.h"
+#include "reference/label_search.h"
 #include "reference/lists.h"
 #include "screen/screen.h"
 
@@ -33,6 +34,8 @@ struct LookupPair {
   std::function<void()> incomplete = {};
   // A failing store ends the operation instead of reading as an empty record.
   bool failures_surface = false;
+  // Of entries that read the same the one that was picked is meant, not the first.
+  Alike alike = Alike::kSame;
 };
 
 class LookupPairs {
@@ -49,11 +52,15 @@ class LookupPairs {
   void code_changed(const LookupPair& pair);
   void refuse(const LookupPair& pair, std::string_view message);
   void label_chosen(const LookupPair& pair);
+  void label_typed(const LookupPair& pair);
   void label_left(const LookupPair& pair);
+  void label_restored(const LookupPair& pair);
+  void town_typed(screen::ComboBox& town, const control::Procedure& procedure);
 
   card::CardState& card_;
   screen::Screen& screen_;
   std::vector<std::unique_ptr<LookupPair>> pairs_;
+  const screen::ComboBox* told_ = nullptr;  // the box whose text was said to match nothing
 };
 
 // Digits alone; Enter pads to the full length and goes no further. Leaving the box pads too.

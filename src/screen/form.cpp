@@ -63,7 +63,7 @@ bool Form::postpone_judgement(Control& control) {
 }
 
 void Form::resume() {
-  if (focus_ && abandons(*focus_) && unjudged_ && can_focus(*unjudged_)) enter(unjudged_);
+  if (focus_ && is_perilous(*focus_) && before_ && can_focus(*before_)) enter(before_);
 }
 
 Control* Form::leave_for(const std::function<Control*()>& target_of) {
@@ -86,6 +86,7 @@ Control* Form::leave_for(const std::function<Control*()>& target_of) {
 }
 
 void Form::enter(Control* control) {
+  if (focus_ && !is_perilous(*focus_)) before_ = focus_;
   focus_ = control;
   const bool returns = control && control == unjudged_;
   if (!control || !abandons(*control)) unjudged_ = nullptr;

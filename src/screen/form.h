@@ -44,10 +44,10 @@ class Form {
   // Those that `passes` names belong to the same stop and are passed over.
   using Passes = std::function<bool(const Control&)>;
   bool step_focus(bool forward, const Passes& passes = {});
-  // The user thought better of a cancel button: back to the field that was left for it.
+  // The user thought better of a button that cancels or deletes: back to where the focus came from.
   void resume();
   // As when the form is shown anew: nothing has the focus, without events.
-  void forget_focus() { focus_ = unjudged_ = nullptr; }
+  void forget_focus() { focus_ = unjudged_ = before_ = nullptr; }
   // A focused control that has become unusable hands the focus to the next usable one in tab
   // order, without events of the one left; never to one that one more Enter would regret.
   void settle_focus();
@@ -85,6 +85,7 @@ class Form {
   Control* focus_ = nullptr;
   Control* wanted_ = nullptr;    // where a handler sent a move under way
   Control* unjudged_ = nullptr;  // field left for a cancel button
+  Control* before_ = nullptr;    // where the focus was before a button that cancels or deletes
   bool leaving_ = false;
   bool redirected_ = false;
 };

@@ -3,10 +3,10 @@
 
 namespace velanor::screen {
 
-// A flag that is set as long as this lives, and then is what it was before.
+// A flag that is set (or has the value given) as long as this lives, and then is what it was before.
 class Scope {
  public:
-  explicit Scope(bool& flag) : flag_(flag), before_(flag) { flag_ = true; }
+  explicit Scope(bool& flag, bool value = true) : flag_(flag), before_(flag) { flag_ = value; }
   ~Scope() { flag_ = before_; }
   Scope(const Scope&) = delete;
   Scope& operator=(const Scope&) = delete;

@@ -46,12 +46,12 @@ const std::string kLineEntry =
 
 struct State {
   const char* name;
-  std::vector<std::string> way;  // control, or control=line, or control:text
+  std::vector<std::string> way;  // control, or control=line, or control:text, control!line, control<
   std::string usable;
 };
 
 void go(Office& office, const std::string& step) {
-  const auto at = step.find_first_of("=:!");
+  const auto at = step.find_first_of("=:!<");
   screen::Control& control = office.control(step.substr(0, at));
   const std::string rest = at == std::string::npos ? "" : step.substr(at + 1);
   screen::Refusal why;
@@ -59,6 +59,8 @@ void go(Office& office, const std::string& step) {
     why = office.hand.click(control);
   } else if (step[at] == ':') {
     why = office.hand.type(dynamic_cast<screen::TextControl&>(control), rest);
+  } else if (step[at] == '<') {
+    why = office.hand.press(control, {screen::Key::kBackspace});
   } else if (step[at] == '!') {
     why = office.hand.double_click(dynamic_cast<screen::ListBox&>(control), std::stoi(rest));
   } else if (auto* box = dynamic_cast<screen::ComboBox*>(&control)) {
@@ -78,8 +80,9 @@ TEST(States, AHandCanUseExactlyWhatItsStateAllows) {
     way.insert(way.end(), more.begin(), more.end());
     return way;
   };
-  const std::string editing = kFields + "Bdv_Detail Cmd_Copier Cmd_AjDetail Cmd_SuppDetail Cmd_Detail ";
-  const std::string no_line_chosen = "Bdv_Detail Cmd_Copier ";
+  // Entering a line and coming back leaves the diploma locked.
+  const std::string after_entry = kFields + "Bdv_Detail Cmd_Copier Cmd_AjDetail Cmd_SuppDetail Cmd_Detail ";
+  const std::string editing = after_entry + "Cbo_EtudeAidant ";
   const State states[] = {
       {"at the start", {}, "Mnu_Aide Mnu_Sommaire Txt_Asso Cbo_Asso Cbo_Periode Cmd_Sortir Ong_FichPers"},
       {"browsing the latest year", entity, kBrowsing + "Cmd_Ajout"},
@@ -93,25 +96,27 @@ TEST(States, AHandCanUseExactlyWhatItsStateAllows) {
       {"editing, saved", then(open, {"Cmd_OK"}), kBrowsing + "Cmd_Ajout"},
       {"deleted", then(open, {"Cmd_Supp"}), kBrowsing + "Cmd_Ajout Cmd_Copier"},
       {"reading an older year", then(entity, {"Cbo_Periode=1", "Cbo_Aidant=0"}),
-       "Ong_FichPers Txt_Aidant Cbo_Aidant Cmd_Annul"},
+       "Ong_FichPers Txt_Aidant Cbo_Aidant Cmd_Annul Cmd_Detail"},
+      {"reading an older year, its code half taken away",
+       then(entity, {"Cbo_Periode=1", "Ong_FichPers=1", "Txt_Aidant:00010", "Txt_Aidant<"}), kBrowsing},
       {"reading an older year, amendments in sight",
        then(entity, {"Cbo_Periode=1", "Cbo_Aidant=0", "Ong_FichPers=1"}),
        "Ong_FichPers Txt_Aidant Cbo_Aidant Cmd_Annul Cmd_Detail"},
-      {"adding a line", then(open, {"Cmd_AjDetail"}), kLineEntry + "Txt_Categorie " + no_line_chosen},
+      {"adding a line", then(open, {"Cmd_AjDetail"}), kLineEntry + "Txt_Categorie "},
       {"adding a line, abandoned", then(open, {"Cmd_AjDetail", "Cmd_AnnulDetail"}),
        kFields + "Bdv_Detail Cmd_Copier Cmd_AjDetail Cmd_SuppDetail "},
       {"changing a line with a grid", then(open, {"Lst_DatEffet!0"}),
-       kLineEntry + "Bdv_Detail Cmd_Copier Cmd_SuppDetail Cmd_Detail "},
+       kLineEntry + "Cmd_SuppDetail Cmd_Detail "},
       {"changing a line with a rate", then(open, {"Lst_TxHor!1"}),
-       kLineEntry + "Bdv_Detail Cmd_Copier Txt_Categorie Cmd_SuppDetail Cmd_Detail "},
-      {"a changed line confirmed", then(open, {"Lst_DatEffet!0", "Cmd_OkDetail"}), editing},
+       kLineEntry + "Txt_Categorie Cmd_SuppDetail Cmd_Detail "},
+      {"a changed line confirmed", then(open, {"Lst_DatEffet!0", "Cmd_OkDetail"}), after_entry},
       {"a line removed", then(open, {"Lst_DatEffet!0", "Cmd_SuppDetail"}),
        kFields + "Cmd_Copier Cmd_AjDetail Cmd_SuppDetail "},
       {"adding an activity", then(open, {"Cmd_AjAct"}),
-       "Ong_FichPers Cbo_Activites Txt_Pourc Cmd_OkAct Cmd_AnnulAct Cmd_Copier"},
+       "Ong_FichPers Cbo_Activites Txt_Pourc Cmd_OkAct Cmd_AnnulAct"},
       {"changing an activity", then(open, {"Lst_Activites!1"}),
-       "Ong_FichPers Txt_Pourc Cmd_OkAct Cmd_AnnulAct Cmd_Copier"},
-      {"an activity abandoned", then(open, {"Cmd_AjAct", "Cmd_AnnulAct"}), editing},
+       "Ong_FichPers Txt_Pourc Cmd_OkAct Cmd_AnnulAct"},
+      {"an activity abandoned", then(open, {"Cmd_AjAct", "Cmd_AnnulAct"}), after_entry},
       {"the items of a line", then(open, {"Lst_DatEffet=0", "Cmd_Detail"}), ""},
   };
   for (const State& state : states) {
