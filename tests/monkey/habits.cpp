@@ -1,0 +1,86 @@
+// What the random user turns to next, and what it types.
+#include "monkey/monkey.h"
+
+namespace velanor::test {
+namespace {
+
+using Steps = std::vector<const char*>;
+
+const Steps kHours{"Txt_NbHresTrav", "Txt_NbHresPayees", "Cmd_OK", "Cmd_OK", "Cmd_Annuler"};
+const Steps kItem{"Cbo_LibRub", "Txt_Code", "Txt_Base",      "Txt_Taux",   "Txt_Montant",
+                  "Cmd_OK",     "Cmd_OK",   "Cmd_Supprimer", "Bdv_Detail", "Cmd_OK"};
+const Steps kItems{"Cmd_Ajouter", "Cmd_Ajouter", "Lst_Code", "Cmd_SaisieAuto", "Cmd_Retour", "Bdv_Detail"};
+const Steps kLine{"Txt_DatEffet", "Cbo_Qualif",   "Cbo_Qualif",   "Cbo_Grille",     "Txt_DatDepGrille",
+                  "Txt_TxHor",    "Cmd_OkDetail", "Cmd_OkDetail", "Txt_DureMens",   "Txt_Categorie",
+                  "Bdv_Detail",   "Cmd_Copier",   "Cmd_Detail",   "Cmd_SuppDetail", "Cmd_OkDetail"};
+const Steps kActivity{"Cbo_Activites", "Txt_Pourc", "Cmd_OkAct"};
+const Steps kCard{"Cmd_OK",       "Cmd_OK",       "Cmd_AjDetail",      "Cmd_AjDetail",   "Lst_DatEffet",
+                  "Lst_DatEffet", "Cmd_Detail",   "Cmd_AjAct",         "Txt_CodEtab",    "Cbo_Etab",
+                  "Cbo_Secteur",  "Cbo_Com",      "Txt_DatDeb",        "Cbo_Profil1",    "Txt_NomAidant",
+                  "Txt_HresExo",  "Cbo_MotifFin", "Lst_Activites",     "Cmd_Copier",     "Cmd_SuppDetail",
+                  "Bdv_Detail",   "Txt_PlafSecu", "Txt_MutSalContrat", "Txt_HorMensEtab"};
+const Steps kAfterDeletion{"Cmd_Copier", "Txt_Asso", "Cbo_Asso", "Cbo_Periode", "Cmd_Copier"};
+
+}  // namespace
+
+const char* Monkey::next_step_of_form() {
+  if (office_->component.screen().top().name() == "Frm_SaisieHres") return any(kHours);
+  return any(entering_item(*item_form(*office_)) ? kItem : kItems);
+}
+
+const char* Monkey::next_step_of_browsing() {
+  const card::CardScreen& ui = office_->ui;
+  if (ui.Cmd_Copier.enabled() && once_in(2)) return any(kAfterDeletion);
+  if (ui.Txt_Asso.is_empty()) return "Cbo_Asso";
+  if (ui.Cbo_Periode.index() != 0 && below(4) > 0) return "Cbo_Periode";
+  return once_in(20) ? "Cbo_Periode" : once_in(4) ? "Cmd_Ajout" : "Cbo_Aidant";
+}
+
+const char* Monkey::next_step() {
+  card::CardScreen& ui = office_->ui;
+  if (&office_->component.screen().top() != &ui) return next_step_of_form();
+  if (entering_amendment(*office_)) return any(kLine);
+  if (entering_activity(*office_)) return any(kActivity);
+  // A card that cannot be saved any more is given up for another.
+  if (card_open(*office_)) return refused_ > 3 ? "Cmd_Annul" : any(kCard);
+  refused_ = 0;
+  return next_step_of_browsing();
+}
+
+// Mostly a control that answers, at times one that does not, and must not mind.
+screen::Control& Monkey::choose() {
+  const auto& all = office_->component.screen().top().controls();
+  screen::Control* control = below(3) > 0 ? &office_->control(next_step()) : any(all);
+  for (int tries = 0; tries < 30 && !office_->usable(*control); ++tries) control = any(all);
+  const bool bar = dynamic_cast<screen::ScrollBar*>(control) && office_->usable(*control);
+  if (!control->takes_focus() && !bar && below(8) > 0) return choose();
+  // Leaving the program, deleting and giving up end what others build: seldom.
+  const std::string& name = control->name();
+  const bool given_up = name == "Cmd_Annul" && refused_ > 3;
+  if (!given_up && (name == "Cmd_Sortir" || name == "Cmd_Supp" || name == "Cmd_Annul") && below(10) > 0)
+    return choose();
+  return *control;
+}
+
+std::string Monkey::word_for(const std::string& name) {
+  static const std::vector<std::string> kDates{"01/01/2026", "1/6/26",    "010925",     "31/12/2025",
+                                               "15 3 24",    "99/99/99",  "01/10/2021", "30092021",
+                                               "5",          "29/02/2024"};
+  static const std::vector<std::string> kNumbers{"0",       "100",    "12,5", "33.33", ",",     ",",
+                                                 "9999999", "151,67", "50",   "0,01",  "100,00"};
+  static const std::vector<std::string> kCodes{"001", "1", "02",    "01",  "06", "03",
+                                               "999", "5", "00010", "010", "3",  "009"};
+  static const std::vector<std::string> kWords{"é", "Martin", "ALBI", "\"]", "[x", "Paris", " ", "Łódź"};
+  if (once_in(12)) return any(kWords);
+  if (name.find("Dat") != std::string::npos && below(3) > 0) {
+    return std::to_string(1 + below(28)) + "/" + std::to_string(1 + below(12)) + "/202" +
+           std::to_string(once_in(4) ? below(4) : 4 + below(4));
+  }
+  if (name.find("Dat") != std::string::npos) return any(kDates);
+  for (const char* code : {"Asso", "Aidant", "Conv", "Secteur", "Profil", "ChargMut", "Etab", "Code"}) {
+    if (name.find(code) != std::string::npos && name != "Txt_HorMensEtab") return any(kCodes);
+  }
+  return name.rfind("Txt_", 0) == 0 ? any(kNumbers) : any(kWords);
+}
+
+}  // namespace velanor::test
