@@ -29,6 +29,7 @@ const std::vector<Invariants::Check>& Invariants::checks() {
       {"dates", &I::dates},
       {"shares", &I::shares},
       {"choices", &I::whole_choices},
+      {"whole-lines", &I::whole_lines},
       {"codes", &I::codes},
       {"labels", &I::labels},
       {"out-of-use", &I::out_of_use},
@@ -95,13 +96,12 @@ std::vector<std::pair<screen::TextBox*, screen::ComboBox*>> pairs(card::CardScre
 
 void Invariants::remember(Office& office, const Act& act) {
   const std::string card = card_name(office);
-  const bool entering = entering_amendment(office);
-  if (entering && !entering_) {
+  if (card != card_) {
     // What a line was loaded with may stay, whatever it is.
-    grid_labels_.insert(office.ui.Cbo_Grille.text());
-    qualifications_.insert(office.ui.Cbo_Qualif.text());
+    for (const std::string& grid : office.ui.Lst_Grille.items()) grid_labels_.insert(grid);
+    for (const std::string& code : office.ui.Lst_Qualif.items()) qualifications_.insert(code);
   }
-  entering_ = entering;
+  entering_ = entering_amendment(office);
   card_ = card;
   dates_ascend_ = ascend(office.ui.Lst_DatEffet);
   activities_ = office.ui.Lst_Activites.items();
@@ -245,12 +245,26 @@ std::string Invariants::empty_screen(Office& office, const Act&) {
   return office.ui.Txt_NomAidant.is_empty() ? "" : "the name of a card that is not open is shown";
 }
 
+std::string Invariants::not_whole(const std::string& grid, const std::string& qualification) const {
+  if (!grid.empty() && !grid_labels_.contains(grid)) return "the grid <" + grid + ">";
+  const bool whole = qualification.empty() || qualifications_.contains(qualification);
+  return whole ? "" : "the qualification <" + qualification + ">";
+}
+
 // Grid and qualification are chosen or removed, never spelt out, never cut.
 std::string Invariants::whole_choices(Office& office, const Act&) {
   if (!entering_amendment(office) || !entering_) return {};
-  const std::string &grid = office.ui.Cbo_Grille.text(), &code = office.ui.Cbo_Qualif.text();
-  if (!grid.empty() && !grid_labels_.contains(grid)) return "Cbo_Grille holds <" + grid + ">";
-  if (!code.empty() && !qualifications_.contains(code)) return "Cbo_Qualif holds <" + code + ">";
+  const std::string part = not_whole(office.ui.Cbo_Grille.text(), office.ui.Cbo_Qualif.text());
+  return part.empty() ? "" : "the entry holds " + part;
+}
+
+std::string Invariants::whole_lines(Office& office, const Act& act) {
+  if (act.control != "Cmd_OkDetail") return {};
+  for (int i = 0; i < office.ui.Lst_Grille.count(); ++i) {
+    const std::string part =
+        not_whole(std::string(office.ui.Lst_Grille.line(i)), std::string(office.ui.Lst_Qualif.line(i)));
+    if (!part.empty()) return "an amendment has " + part;
+  }
   return {};
 }
 

@@ -38,6 +38,8 @@ class Invariants {
   std::string out_of_use(Office& office, const Act& act);
   std::string empty_screen(Office& office, const Act& act);
   std::string whole_choices(Office& office, const Act& act);
+  std::string whole_lines(Office& office, const Act& act);
+  std::string not_whole(const std::string& grid, const std::string& qualification) const;
   std::string codes(Office& office, const Act& act);
   std::string hourglass(Office& office, const Act& act);
   std::string left_alone(Office& office, const Act& act);

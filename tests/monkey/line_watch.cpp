@@ -89,6 +89,7 @@ std::string LineWatch::confirmed_amendment(const Sight& now) const {
   const auto& before = sight_.amendments;
   const auto& after = now.amendments;
   const int edited = sight_.amendment;
+  if (edited >= static_cast<int>(before.size())) return name_of(edited) + " is gone, but was under edit";
   const auto others = edited >= 0 ? without(before, edited) : before;
   int at = added_at(after, others);
   if (at < 0) return "another line than " + name_of(edited) + " was changed by its confirmation";
@@ -114,7 +115,8 @@ std::string LineWatch::visited_amendment(Office& office, const Sight& now, const
                                            : sight_.selected;
   const int at = after.size() == before.size() ? differs_at(before, after) : -2;
   if (at == -2 || (at >= 0 && at != line)) return "the item form changed another line than " + name_of(line);
-  if (now.form || act.store_failed || line < 0 || !office.ui.Opt_Prod.value()) return {};
+  const bool there = line >= 0 && line < static_cast<int>(after.size());
+  if (now.form || act.store_failed || !there || !office.ui.Opt_Prod.value()) return {};
   const Amendment& visited = after[static_cast<std::size_t>(line)];
   const auto items = base_.OpenFile("RUBSAISIE");
   const std::string hours = card::item_hours(office.component.card_in_hand(), line + 1, *items);
@@ -240,7 +242,7 @@ void LineWatch::remember(Office& office, const Act& act) {
                                                  : sight_.selected;
   }
   if (now.amendment == kNone || sight_.amendment == kNone) grid_touched_ = false;
-  if (now.amendment >= 0) {
+  if (now.amendment >= 0 && now.amendment < static_cast<int>(now.grids.size())) {
     const std::string& date = office.ui.Txt_DatEffet.text();
     const std::string& grid = now.grids[static_cast<std::size_t>(now.amendment)];
     grid_touched_ |= act.control == "Cbo_Grille" || (date.size() == 10 && !offers(grid, office, date));

@@ -67,9 +67,9 @@ int play(const Game& game) {
   const Score& score = monkey.score();
   std::cout << game.actions << " actions, "
             << static_cast<long>(static_cast<double>(game.actions) / took.count())
-            << " a second; cards saved: " << score.saved << ", lines added: " << score.added
-            << ", failures survived: " << score.failures << ", ways out proved: " << score.ways_out
-            << "\n1 passed, 0 failed\n";
+            << " a second; cards saved: " << score.saved << " (" << score.created
+            << " new), lines added: " << score.added << ", failures survived: " << score.failures
+            << ", ways out proved: " << score.ways_out << "\n1 passed, 0 failed\n";
   return 0;
 }
 

@@ -47,8 +47,8 @@ screen::Refusal Monkey::press(screen::TextControl& control, char32_t key, int ti
 screen::Refusal Monkey::act_on_text(screen::TextControl& control) {
   screen::Hand& hand = office_->hand;
   auto* combo = dynamic_cast<screen::ComboBox*>(&control);
-  if (combo && once_in(5)) return press(control, screen::Key::kBackspace, 1 + below(4));
-  if (combo && below(4) > 0) {
+  if (combo && !careful_ && once_in(5)) return press(control, screen::Key::kBackspace, 1 + below(4));
+  if (combo && (careful_ || below(4) > 0)) {
     const screen::Refusal why = hand.drop_down(*combo);
     if (!why.empty() || combo->count() == 0) return why;
     const int line = below(combo->count());
@@ -56,7 +56,7 @@ screen::Refusal Monkey::act_on_text(screen::TextControl& control) {
     return hand.choose(*combo, line);
   }
   const std::string word = word_for(control.name());
-  switch (below(8)) {
+  switch (careful_ ? 3 : below(8)) {
     case 0:
       note_more("emptied");
       return hand.replace_text(control, "");
@@ -99,8 +99,10 @@ screen::Refusal Monkey::act_on(screen::Control& control) {
 
 bool Monkey::attempt(screen::Control& control) {
   const int failures = failing_.failures();
-  // A failure soon, or deep in what a card is read with.
-  if (kind_ == Store::kFailing && once_in(25)) failing_.fail_at(1 + below(once_in(2) ? 4 : 40));
+  // A failure soon, or deep in what a card is read with; choices and buttons are what reads and writes.
+  const bool asks =
+      dynamic_cast<screen::CommandButton*>(&control) || dynamic_cast<screen::ComboBox*>(&control);
+  if (kind_ == Store::kFailing && once_in(asks ? 15 : 60)) failing_.fail_at(1 + below(once_in(2) ? 4 : 40));
   try {
     act_on(control);
   } catch (const store::DbError&) {
@@ -137,11 +139,13 @@ std::string Monkey::act() {
   note(name);
   const long changes = store_.changes();
   const int lines = office_->ui.Lst_DatEffet.count();
+  const bool creating = office_->ui.Txt_Etat.text() == "Création";
   invariants_.before(*office_, on_card ? name : "");
   Act done{name};
   done.store_failed = attempt(control);
   done.store_changed = store_.changes() != changes;
   score_.saved += done.store_changed && name == "Cmd_OK";
+  score_.created += done.store_changed && name == "Cmd_OK" && creating;
   refused_ += !done.store_changed && name == "Cmd_OK" && on_card;
   score_.added += name == "Cmd_OkDetail" && office_->ui.Lst_DatEffet.count() > lines;
   if (office_->component.closed()) {

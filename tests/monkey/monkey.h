@@ -16,6 +16,7 @@ enum class Store { kPlain, kFailing };
 
 struct Score {
   long saved = 0;     // cards
+  long created = 0;   // new ones among them
   long added = 0;     // amendment lines
   long failures = 0;  // of the store, after which everything went on
   long ways_out = 0;  // proved after a failure
@@ -47,6 +48,11 @@ class Monkey {
   const char* next_step();
   const char* next_step_of_form();
   const char* next_step_of_browsing();
+  // What a careful user does next on a card, so that some are saved.
+  const char* missing_step();
+  const char* missing_step_of_form();
+  const char* first_empty(std::initializer_list<const char*> boxes, const char* otherwise);
+  bool has_line_without_items() const;
   std::string word_for(const std::string& name);
 
   screen::Refusal act_on(screen::Control& control);
@@ -73,6 +79,7 @@ class Monkey {
   Invariants invariants_;
   std::deque<std::string> trail_;
   bool leaving_ = false;  // answers whatever lets it out
+  bool careful_ = false;  // with the card in hand
   int refused_ = 0;
   Score score_;
 };
