@@ -14,6 +14,8 @@ const Steps kItems{"Cmd_Ajouter", "Cmd_Ajouter", "Lst_Code", "Cmd_SaisieAuto", "
 const Steps kLine{"Txt_DatEffet", "Cbo_Qualif",   "Cbo_Qualif",   "Cbo_Grille",     "Txt_DatDepGrille",
                   "Txt_TxHor",    "Cmd_OkDetail", "Cmd_OkDetail", "Txt_DureMens",   "Txt_Categorie",
                   "Bdv_Detail",   "Cmd_Copier",   "Cmd_Detail",   "Cmd_SuppDetail", "Cmd_OkDetail"};
+const Steps kLineChange{"Txt_DatEffet", "Txt_DatEffet", "Txt_DureMens", "Txt_DureMens",
+                        "Cbo_Qualif",   "Cbo_Grille",   "Cmd_Detail",   "Cmd_SuppDetail"};
 const Steps kActivity{"Cbo_Activites", "Txt_Pourc", "Cmd_OkAct"};
 const Steps kCard{"Cmd_OK",       "Cmd_OK",       "Cmd_AjDetail",      "Cmd_AjDetail",    "Lst_DatEffet",
                   "Lst_DatEffet", "Cmd_Detail",   "Cmd_AjAct",         "Txt_CodEtab",     "Cbo_Etab",
@@ -27,7 +29,10 @@ const Steps kAfterDeletion{"Cmd_Copier", "Txt_Asso", "Cbo_Asso", "Cbo_Periode", 
 const char* Monkey::first_empty(std::initializer_list<const char*> boxes, const char* otherwise) {
   for (const char* name : boxes) {
     const screen::Control& box = office_->control(name);
-    if (office_->usable(box) && dynamic_cast<const screen::TextControl&>(box).is_empty()) return name;
+    const auto* combo = dynamic_cast<const screen::ComboBox*>(&box);
+    const bool choice = !combo || combo->count() > 0;
+    if (choice && office_->usable(box) && dynamic_cast<const screen::TextControl&>(box).is_empty())
+      return name;
   }
   return otherwise;
 }
@@ -49,8 +54,10 @@ const char* Monkey::missing_step_of_form() {
 const char* Monkey::missing_step() {
   const card::CardScreen& ui = office_->ui;
   if (entering_amendment(*office_)) {
-    return first_empty({"Txt_DatEffet", "Cbo_Qualif", "Cbo_Grille", "Txt_DatDepGrille", "Txt_DureMens"},
-                       "Cmd_OkDetail");
+    return first_empty({"Txt_DatEffet", "Cbo_Qualif", "Cbo_Grille", "Txt_DureMens"},
+                       once_in(3)   ? any(kLineChange)
+                       : once_in(5) ? any(kLine)
+                                    : "Cmd_OkDetail");
   }
   if (entering_activity(*office_)) return first_empty({"Cbo_Activites", "Txt_Pourc"}, "Cmd_OkAct");
   if (ui.Lst_Activites.count() == 0 && once_in(2)) return "Cmd_AjAct";
@@ -58,7 +65,7 @@ const char* Monkey::missing_step() {
   if (has_line_without_items()) return once_in(2) ? "Lst_DatEffet" : "Cmd_Detail";
   return first_empty({"Txt_NomAidant", "Txt_CodEtab", "Txt_HorMensEtab", "Cbo_Convcol", "Cbo_Secteur",
                       "Cbo_Com", "Txt_DatDeb", "Cbo_Profil1", "Txt_HresExo"},
-                     once_in(2) ? any(kCard) : "Cmd_OK");
+                     once_in(4) ? "Cmd_OK" : any(kCard));
 }
 
 const char* Monkey::next_step_of_form() {
@@ -79,11 +86,14 @@ const char* Monkey::next_step_of_browsing() {
 const char* Monkey::next_step() {
   card::CardScreen& ui = office_->ui;
   if (&office_->component.screen().top() != &ui) return next_step_of_form();
+  // Where the caret was sent.
+  const screen::Control* const focus = ui.focus();
+  if (focus && dynamic_cast<const screen::TextControl*>(focus) && once_in(4)) return focus->name().c_str();
   if (careful_ && card_open(*office_) && refused_ <= 3) return missing_step();
   if (entering_amendment(*office_)) return any(kLine);
   if (entering_activity(*office_)) return any(kActivity);
   // A card that cannot be saved any more is given up for another.
-  if (card_open(*office_)) return refused_ > 3 ? "Cmd_Annul" : any(kCard);
+  if (card_open(*office_)) return refused_ > 3 && once_in(2) ? "Cmd_Annul" : any(kCard);
   refused_ = 0;
   careful_ = once_in(2);
   return next_step_of_browsing();
@@ -115,7 +125,7 @@ std::string Monkey::word_for(const std::string& name) {
   static const std::vector<std::string> kWords{"é", "Martin", "ALBI", "\"]", "[x", "Paris", " ", "Łódź"};
   if (careful_ && name == "Txt_Pourc") return "100";
   if (!careful_ && once_in(12)) return any(kWords);
-  if (name.find("Dat") != std::string::npos && below(3) > 0) {
+  if (name.find("Dat") != std::string::npos && (careful_ || below(3) > 0)) {
     return std::to_string(1 + below(28)) + "/" + std::to_string(1 + below(12)) + "/202" +
            std::to_string(once_in(4) ? below(4) : 4 + below(4));
   }

@@ -127,8 +127,9 @@ std::string LineWatch::amendments(Office& office, const Act& act) {
   const Sight now = look(office);
   if (!same_card(now)) return {};
   if (sight_.form || now.form) return visited_amendment(office, now, act);
+  const bool confirmed = act.control == "Cmd_OkDetail" && !entering_amendment(office);
+  if (confirmed && sight_.amendment != kNone && !act.store_failed) return confirmed_amendment(now);
   if (now.amendments == sight_.amendments) return {};
-  if (act.control == "Cmd_OkDetail" && sight_.amendment != kNone) return confirmed_amendment(now);
   if (act.control == "Cmd_SuppDetail") {
     const int line = sight_.amendment >= 0 ? sight_.amendment : sight_.selected;
     return without(sight_.amendments, line) == now.amendments && line >= 0

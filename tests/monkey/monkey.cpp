@@ -7,11 +7,15 @@ Monkey::Monkey(store::MemoryDatabase& base, Store kind, std::uint64_t seed)
   store_.judge = [this](std::string_view file, std::string_view id, const store::DbRecord* record) {
     invariants_.judge().judge(file, id, record);
   };
+  base.for_each("VELANORO",
+                [&](std::string_view id, const store::DbRecord& card) { stock_.emplace_back(id, card); });
   start();
 }
 
 void Monkey::start() {
   note("a new component");
+  for (const auto& [id, card] : stock_) base_.put("VELANORO", id, card);
+  acts_ = 0;
   office_ = std::make_unique<Office>(store_);
   office_->toolkit.answer = [this](const screen::Message& message) { return answer(message); };
   office_->component.init();
@@ -132,6 +136,8 @@ void Monkey::other_clerk() {
 }
 
 std::string Monkey::act() {
+  // Cards that were removed come back at last.
+  if (++acts_ > 1500 && !card_open(*office_)) start();
   if (once_in(500)) other_clerk();
   screen::Control& control = choose();
   const std::string name = control.name();

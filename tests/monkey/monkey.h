@@ -40,6 +40,7 @@ class Monkey {
   const T& any(const std::vector<T>& of) {
     return of[static_cast<std::size_t>(below(static_cast<int>(of.size())))];
   }
+  // A component anew, on the cards that the game began with and those that it made.
   void start();
   screen::Answer answer(const screen::Message& message);
 
@@ -80,6 +81,8 @@ class Monkey {
   std::deque<std::string> trail_;
   bool leaving_ = false;  // answers whatever lets it out
   bool careful_ = false;  // with the card in hand
+  std::vector<std::pair<std::string, store::DbRecord>> stock_;
+  int acts_ = 0;  // of this component
   int refused_ = 0;
   Score score_;
 };

@@ -74,8 +74,7 @@ void StoreJudge::before(Office& office, const std::string& control, const LineWa
              : control != "Cmd_OK"   ? Writing::kNothing
              : new_card              ? Writing::kNewCard
                                      : Writing::kCard;
-  if (writing_ != Writing::kCard) return;
-  shows_ = boxes(office.ui);
+  ui_ = &office.ui;
   grids_ = lines.kept_grids();
 }
 
@@ -111,8 +110,9 @@ std::string StoreJudge::new_fault(std::string_view id, const DbRecord& card) con
 // What still shows what it showed is stored as it was; a grid that nobody chose anew as well.
 std::string StoreJudge::lost_field(const DbRecord& card) const {
   if (writing_ != Writing::kCard) return {};
+  const auto shows = boxes(*ui_);
   for (const auto& [attribute, text] : shown_) {
-    if (shows_.at(attribute) == text && card(attribute) != read_(attribute))
+    if (shows.at(attribute) == text && card(attribute) != read_(attribute))
       return "attribute " + std::to_string(attribute) + " was <" + std::string(read_(attribute)) +
              "> and shown as <" + text + "> to the end, but stored as <" + std::string(card(attribute)) + ">";
   }

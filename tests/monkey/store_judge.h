@@ -39,13 +39,14 @@ class StoreJudge {
   std::set<std::pair<int, std::string>> unreadable_;
   std::string breach_[4];
 
-  // The card in hand: as it was read, and what the boxes showed of it then and show now.
+  // The card in hand: as it was read, and what the boxes showed of it then.
   std::string card_;
   store::DbRecord read_;
   bool faultless_ = false;
-  std::map<int, std::string> shown_, shows_;
+  std::map<int, std::string> shown_;
   std::vector<std::string> grids_;
   Writing writing_ = Writing::kNothing;
+  const card::CardScreen* ui_ = nullptr;  // during an act
 };
 
 }  // namespace velanor::test

@@ -126,12 +126,6 @@ std::vector<Change> common_changes() {
   return {
       [](DbRecord&) {},  // namesakes of the card that it was made from
       [](DbRecord&) {},
-      [](DbRecord& card) {
-        put_dates(card, {day(1, 6, 2024), day(1, 1, 2023), day(1, 3, 2025)});
-      },
-      [](DbRecord& card) {
-        put_dates(card, {day(1, 1, 2023), day(1, 1, 2024), day(1, 1, 2024)});
-      },
       put_many_items,
       put_unknown_codes,
       put_long_figures,
@@ -148,15 +142,30 @@ std::vector<Change> common_changes() {
   };
 }
 
-// The changes that fit an agreement, by its code.
-std::vector<Change> changes_of(std::string_view agreement) {
+// Dates out of order and met twice, grids of one label, by the agreement.
+std::vector<Change> changes_of_lines(std::string_view agreement) {
   const std::string before = day(1, 3, 2020), after = day(1, 2, 2023), later = day(1, 9, 2024);
   const auto grids = [=](std::string a, std::string b, std::string c) -> Change {
     return [=](DbRecord& card) { put_grids(card, {before, after, later}, {a, b, c}); };
   };
-  if (agreement == "01") return {grids("01113", "01418", "01418"), grids("01114", "01412", "01418")};
-  if (agreement == "06") return {grids("06203", "06418", "06411"), grids("06203", "06418", "06418")};
-  return {grids("03300", "03310", "03310")};
+  std::vector<Change> changes{
+      [](DbRecord& card) {
+        put_dates(card, {day(1, 6, 2024), day(1, 1, 2025), day(1, 9, 2024)});
+      },
+      [](DbRecord& card) {
+        put_dates(card, {day(1, 1, 2023), day(1, 1, 2024), day(1, 1, 2024)});
+      },
+  };
+  if (agreement == "01") {
+    changes.push_back(grids("01113", "01418", "01418"));
+    changes.push_back(grids("01114", "01412", "01418"));
+  } else if (agreement == "06") {
+    changes.push_back(grids("06203", "06418", "06411"));
+    changes.push_back(grids("06203", "06418", "06418"));
+  } else {
+    changes.push_back(grids("03300", "03310", "03310"));
+  }
+  return changes;
 }
 
 }  // namespace
@@ -171,12 +180,17 @@ void add_awkward_records(store::MemoryDatabase& database) {
         models.push_back(card);
     });
     std::vector<Change> changes = common_changes();
-    for (Change& change : changes_of(agreement)) changes.push_back(std::move(change));
-    int code = 90000;
+    for (int times = 0; times < 3; ++times) {
+      for (Change& change : changes_of_lines(agreement)) changes.push_back(std::move(change));
+    }
+    constexpr int kFirst = 90000, kNamesakes = kFirst + 2;
+    int code = kFirst;
     for (const Change& change : changes) {
-      DbRecord card = models.at(static_cast<std::size_t>(code) % models.size());
+      DbRecord card = models.at(static_cast<std::size_t>(++code) % models.size());
+      // A list opens the first of its namesakes, so most have a name of their own.
+      if (code > kNamesakes) card.set(card::kName, "BIZARRE " + std::to_string(code));
       change(card);
-      database.put("VELANORO", std::to_string(++code) + end, card);
+      database.put("VELANORO", std::to_string(code) + end, card);
     }
   }
 }
