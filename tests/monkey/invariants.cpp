@@ -1,47 +1,121 @@
 #include "monkey/invariants.h"
 
 #include <algorithm>
-#include <map>
-#include <set>
-#include <sstream>
 
 #include "card/activity_line.h"
-#include "card/record_layout.h"
 #include "entry/date.h"
 #include "entry/decimal.h"
 
 namespace velanor::test {
-namespace {
 
-std::string items_of(const store::DbRecord& card, int value) {
-  std::string items;
-  for (int attribute : card::kItemColumns) items += std::string(card(attribute, value)) + "/";
-  // Trailing empty figures are no difference.
-  items.erase(std::remove(items.begin(), items.end(), store::kSubvalueMark), items.end());
-  return items;
+struct Invariants::Check {
+  const char* name;
+  std::string (Invariants::*breach)(Office&, const Act&);
+};
+
+const std::vector<Invariants::Check>& Invariants::checks() {
+  using I = Invariants;
+  static const std::vector<Check> kChecks{
+      {"hourglass", &I::hourglass},
+      {"store-alone", &I::left_alone},
+      {"stored-ids", &I::stored_ids},
+      {"stored-figures", &I::stored_figures},
+      {"stored-cards", &I::stored_cards},
+      {"stored-fields", &I::stored_fields},
+      {"columns", &I::columns},
+      {"amendments", &I::amendments},
+      {"activities", &I::activities},
+      {"items", &I::items},
+      {"dates", &I::dates},
+      {"shares", &I::shares},
+      {"choices", &I::whole_choices},
+      {"whole-lines", &I::whole_lines},
+      {"codes", &I::codes},
+      {"labels", &I::labels},
+      {"out-of-use", &I::out_of_use},
+      {"state", &I::state},
+      {"empty-screen", &I::empty_screen},
+  };
+  return kChecks;
 }
 
-bool line_entry(const Office& office) { return office.ui.Cmd_OkDetail.enabled(); }
-bool activity_entry(const Office& office) { return office.ui.Cmd_OkAct.enabled(); }
+std::vector<std::string> Invariants::names() {
+  std::vector<std::string> names;
+  for (const Check& check : checks()) names.emplace_back(check.name);
+  return names;
+}
+
+Invariants::Invariants(store::MemoryDatabase& base) : lines_(base), judge_(base) {
+  base.for_each("GRILLESCCBUDGET", [&](std::string_view, const store::DbRecord& grid) {
+    grid_labels_.emplace(grid(1));
+    for (int v = 1; v <= grid.Count(9); ++v) qualifications_.emplace(grid(9, v));
+  });
+  const auto table = *base.find("TABLES", "QUALIF");
+  for (int v = 1; v <= table.Count(2); ++v) qualifications_.emplace(table(2, v));
+}
+
+void Invariants::start_anew() {
+  card_.clear();
+  codes_.clear();
+  activities_.clear();
+  entering_ = false;
+}
+
+std::string Invariants::check(Office& office, const Act& act) {
+  std::string breach;
+  for (const Check& check : checks()) {
+    const std::string found = (this->*check.breach)(office, act);
+    if (breach.empty() && !found.empty() && !left_out_.contains(check.name))
+      breach = std::string(check.name) + ": " + found;
+  }
+  remember(office, act);
+  return breach;
+}
+
+namespace {
+
+bool ascend(const screen::ListBox& list) {
+  int before = -1'000'000;
+  for (const std::string& text : list.items()) {
+    const auto date = entry::parse_date(text);
+    const int day = date ? *entry::day_number(*date) : before;
+    if (day <= before) return false;
+    before = day;
+  }
+  return true;
+}
+
+// The boxes of the pairs of code and label, those of the card alone.
+std::vector<std::pair<screen::TextBox*, screen::ComboBox*>> pairs(card::CardScreen& ui) {
+  return {{&ui.Txt_CodEtab, &ui.Cbo_Etab},    {&ui.Txt_ConvCol, &ui.Cbo_Convcol},
+          {&ui.Txt_Secteur, &ui.Cbo_Secteur}, {&ui.Txt_Profil1, &ui.Cbo_Profil1},
+          {&ui.Txt_Profil2, &ui.Cbo_Profil2}, {&ui.Txt_ChargMutContrat, &ui.Cbo_ChargMutContrat}};
+}
 
 }  // namespace
 
-std::string Invariants::check(Office& office, const std::string& acted, bool store_changed) {
-  for (const std::string& breach :
-       {columns_are_parallel(office), dates_ascend(office), shares_can_be_read(office), labels_follow(office),
-        state_is_exact(office), items_stay_with_their_line(office),
-        store_is_left_alone(acted, store_changed)}) {
-    if (!breach.empty()) return breach;
+void Invariants::remember(Office& office, const Act& act) {
+  const std::string card = card_name(office);
+  if (card != card_) {
+    // What a line was loaded with may stay, whatever it is.
+    for (const std::string& grid : office.ui.Lst_Grille.items()) grid_labels_.insert(grid);
+    for (const std::string& code : office.ui.Lst_Qualif.items()) qualifications_.insert(code);
   }
-  return {};
+  entering_ = entering_amendment(office);
+  card_ = card;
+  dates_ascend_ = ascend(office.ui.Lst_DatEffet);
+  activities_ = office.ui.Lst_Activites.items();
+  for (const auto& [code, label] : pairs(office.ui)) codes_[code->name()] = code->text();
+  lines_.remember(office, act);
+  judge_.after(office);
 }
 
-std::string Invariants::columns_are_parallel(Office& office) {
+std::string Invariants::columns(Office& office, const Act&) {
   for (const screen::ListBox* list : office.ui.amendment_lists()) {
     if (list->count() != office.ui.Lst_DatEffet.count()) return list->name() + " has another number of lines";
     if (list->index() != office.ui.Lst_DatEffet.index()) return list->name() + " selects another line";
   }
-  auto* form = dynamic_cast<forms::ItemScreen*>(&office.component.screen().top());
+  forms::ItemScreen* form = item_form(office);
   if (!form) return {};
   for (const screen::ListBox* list : form->columns()) {
     if (list->count() != form->Lst_Code.count() || list->index() != form->Lst_Code.index())
@@ -50,25 +124,24 @@ std::string Invariants::columns_are_parallel(Office& office) {
   return {};
 }
 
-std::string Invariants::dates_ascend(Office& office) {
-  int before = -1'000'000;
-  for (const std::string& text : office.ui.Lst_DatEffet.items()) {
-    const auto date = entry::parse_date(text);
-    const int day = date ? *entry::day_number(*date) : before;
-    if (day <= before) return "amendment dates do not ascend at " + text;
-    before = day;
-  }
-  return {};
+// A stored card may have them otherwise; no act brings them out of order.
+std::string Invariants::dates(Office& office, const Act&) {
+  const bool was = dates_ascend_ || card_.empty();
+  const bool loaded = card_name(office) != card_ && office.ui.Txt_Etat.text() != "Création";
+  return was && !loaded && !ascend(office.ui.Lst_DatEffet) ? "amendment dates do not ascend any more" : "";
 }
 
-std::string Invariants::shares_can_be_read(Office& office) {
+std::string Invariants::shares(Office& office, const Act&) {
+  if (card_name(office) != card_) return {};
   for (const std::string& line : office.ui.Lst_Activites.items()) {
-    if (!entry::parse_decimal(card::activity_share(line), 2)) return "no share in the line <" + line + ">";
+    const bool stood = std::find(activities_.begin(), activities_.end(), line) != activities_.end();
+    if (!stood && !entry::parse_decimal(card::activity_share(line), 2))
+      return "no share in the line <" + line + ">";
   }
   return {};
 }
 
-std::string Invariants::labels_follow(Office& office) {
+std::string Invariants::labels(Office& office, const Act&) {
   for (const screen::Control* control : office.ui.controls()) {
     const bool exempt = control == &office.ui.Lst_Grille;  // its label is left alone by one routine
     if (control->label() && !exempt && control->label()->enabled() != control->enabled())
@@ -77,19 +150,19 @@ std::string Invariants::labels_follow(Office& office) {
   return {};
 }
 
-std::string Invariants::state_is_exact(Office& office) {
+std::string Invariants::state(Office& office, const Act&) {
   card::CardScreen& ui = office.ui;
-  const bool open = ui.Cmd_Annul.enabled() || line_entry(office) || activity_entry(office);
-  const bool latest = ui.Cbo_Periode.index() == 0;
-  const bool entering = line_entry(office) || activity_entry(office);
+  const bool line = entering_amendment(office), activity = entering_activity(office);
+  const bool entering = line || activity;
+  const bool open = card_open(office);
   const bool browsing = !open;
-  const bool editable = open && latest;
-  if (line_entry(office) && activity_entry(office)) return "a line and an activity are entered at once";
+  const bool editable = open && ui.Cbo_Periode.index() == 0;
+  if (line && activity) return "a line and an activity are entered at once";
   struct Rule {
     const screen::Control& control;
     bool expected;
   };
-  std::vector<Rule> rules{
+  const Rule rules[] = {
       {ui.Txt_Asso, browsing},
       {ui.Cbo_Asso, browsing},
       {ui.Cbo_Periode, browsing},
@@ -109,17 +182,17 @@ std::string Invariants::state_is_exact(Office& office) {
       {ui.Lst_Activites, editable && !entering},
       {ui.Lst_DatEffet, editable && !entering},
       {ui.Lst_DureMens, editable && !entering},
-      {ui.Txt_DatEffet, line_entry(office)},
-      {ui.Txt_DatDepGrille, line_entry(office)},
-      {ui.Cbo_Qualif, line_entry(office)},
-      {ui.Cbo_Grille, line_entry(office)},
-      {ui.Cbo_NouvMes, line_entry(office)},
-      {ui.Txt_TxHor, line_entry(office)},
-      {ui.Txt_DureMens, line_entry(office)},
-      {ui.Cmd_AnnulDetail, line_entry(office)},
-      {ui.Txt_Categorie, line_entry(office) && ui.Cbo_Grille.is_empty()},
-      {ui.Txt_Pourc, activity_entry(office)},
-      {ui.Cmd_AnnulAct, activity_entry(office)},
+      {ui.Txt_DatEffet, line},
+      {ui.Txt_DatDepGrille, line},
+      {ui.Cbo_Qualif, line},
+      {ui.Cbo_Grille, line},
+      {ui.Cbo_NouvMes, line},
+      {ui.Txt_TxHor, line},
+      {ui.Txt_DureMens, line},
+      {ui.Cmd_AnnulDetail, line},
+      {ui.Txt_Categorie, line && ui.Cbo_Grille.is_empty()},
+      {ui.Txt_Pourc, activity},
+      {ui.Cmd_AnnulAct, activity},
       {ui.Txt_RegroupBudget, false},
       {ui.Txt_Etat, false},
   };
@@ -139,41 +212,80 @@ std::string Invariants::state_is_exact(Office& office) {
   return {};
 }
 
-// Outside the item form, no action moves an item from the amendment that it belongs to.
-std::string Invariants::items_stay_with_their_line(Office& office) {
+// While a line is entered nothing answers that could act on another.
+std::string Invariants::out_of_use(Office& office, const Act&) {
   card::CardScreen& ui = office.ui;
-  const std::string card =
-      ui.Txt_Etat.text() + ui.Txt_Asso.text() + ui.Cbo_Periode.text() + ui.Txt_Aidant.text();
-  const bool form = office.component.screen().is_open(ui) && &office.component.screen().top() != &ui;
-  std::vector<AmendmentSight> now;
-  for (int i = 0; i < ui.Lst_DatEffet.count(); ++i)
-    now.push_back({ui.Lst_DatEffet.items()[static_cast<std::size_t>(i)],
-                   items_of(office.component.card_in_hand(), i + 1)});
-  std::string breach;
-  if (card == card_ && !form && !form_was_open_) {
-    std::map<std::string, std::string> before;
-    std::multiset<std::string> lost, gained;
-    for (const auto& line : amendments_) before[line.date] = line.items;
-    for (const auto& line : amendments_) lost.insert(line.items);
-    for (const auto& line : now) {
-      const auto same = before.find(line.date);
-      if (same != before.end() && same->second != line.items)
-        breach = "items of " + line.date + " have changed";
-      gained.insert(line.items);
-    }
-    if (now.size() == amendments_.size() && lost != gained) breach = "items were lost or made";
-    if (now.size() > amendments_.size() && gained.count("////") <= lost.count("////"))
-      breach = "a new line has items";
+  std::vector<screen::Control*> idle;
+  if (forms::ItemScreen* form = item_form(office); form && entering_item(*form)) {
+    idle = {&form->Bdv_Detail, &form->Cmd_Ajouter, &form->Cmd_Retour, &form->Cmd_SaisieAuto};
+    for (screen::ListBox* list : form->columns()) idle.push_back(list);
+  } else if (entering_amendment(office) || entering_activity(office)) {
+    idle = {&ui.Bdv_Detail, &ui.Cmd_Copier, &ui.Cmd_Supp, &ui.Cmd_Ajout, &ui.Cmd_AjDetail, &ui.Cmd_AjAct};
+    for (screen::ListBox* list : ui.amendment_lists()) idle.push_back(list);
+    idle.push_back(&ui.Lst_Activites);
+    const bool editing_amendment = entering_amendment(office) && ui.Cmd_SuppDetail.enabled();
+    if (!editing_amendment) idle.insert(idle.end(), {&ui.Cmd_SuppDetail, &ui.Cmd_Detail});
   }
-  card_ = card;
-  form_was_open_ = form;
-  amendments_ = std::move(now);
-  return breach;
+  for (const screen::Control* control : idle) {
+    if (control->usable()) return control->name() + " answers while a line is entered";
+  }
+  return {};
 }
 
-std::string Invariants::store_is_left_alone(const std::string& acted, bool store_changed) {
-  const bool may_change = acted == "Cmd_OK" || acted == "Cmd_Supp" || acted == "Cmd_Copier";
-  return store_changed && !may_change ? "the store was changed by " + acted : std::string();
+// Nothing of a card is left where none is open.
+std::string Invariants::empty_screen(Office& office, const Act&) {
+  if (card_open(office)) return {};
+  for (const screen::Control* control : office.ui.controls()) {
+    if (control->page() < 0) continue;
+    const auto* text = dynamic_cast<const screen::TextControl*>(control);
+    const auto* list = dynamic_cast<const screen::ListBox*>(control);
+    if ((text && !text->is_empty()) || (list && list->count() > 0))
+      return control->name() + " shows something of a card that is not open";
+  }
+  return office.ui.Txt_NomAidant.is_empty() ? "" : "the name of a card that is not open is shown";
+}
+
+std::string Invariants::not_whole(const std::string& grid, const std::string& qualification) const {
+  if (!grid.empty() && !grid_labels_.contains(grid)) return "the grid <" + grid + ">";
+  const bool whole = qualification.empty() || qualifications_.contains(qualification);
+  return whole ? "" : "the qualification <" + qualification + ">";
+}
+
+// Grid and qualification are chosen or removed, never spelt out, never cut.
+std::string Invariants::whole_choices(Office& office, const Act&) {
+  if (!entering_amendment(office) || !entering_) return {};
+  const std::string part = not_whole(office.ui.Cbo_Grille.text(), office.ui.Cbo_Qualif.text());
+  return part.empty() ? "" : "the entry holds " + part;
+}
+
+std::string Invariants::whole_lines(Office& office, const Act& act) {
+  if (act.control != "Cmd_OkDetail") return {};
+  for (int i = 0; i < office.ui.Lst_Grille.count(); ++i) {
+    const std::string part =
+        not_whole(std::string(office.ui.Lst_Grille.line(i)), std::string(office.ui.Lst_Qualif.line(i)));
+    if (!part.empty()) return "an amendment has " + part;
+  }
+  return {};
+}
+
+// A code that was typed is known, or has been refused.
+std::string Invariants::codes(Office& office, const Act& act) {
+  if (act.store_failed || card_name(office).empty() || card_name(office) != card_) return {};
+  for (const auto& [code, label] : pairs(office.ui)) {
+    const bool complete = static_cast<int>(code->text().size()) == code->max_length();
+    if (complete && code->text() != codes_[code->name()] && label->is_empty())
+      return code->name() + " has taken the unknown code " + code->text();
+  }
+  return {};
+}
+
+std::string Invariants::hourglass(Office& office, const Act&) {
+  return office.toolkit.hourglasses == 0 ? "" : "the hourglass was left on";
+}
+
+std::string Invariants::left_alone(Office&, const Act& act) {
+  const bool may_change = act.control == "Cmd_OK" || act.control == "Cmd_Supp" || act.control == "Cmd_Copier";
+  return act.store_changed && !may_change ? "the store was changed by " + act.control : "";
 }
 
 }  // namespace velanor::test

@@ -1,36 +1,66 @@
-// What holds on the screen after every action, whatever the user did.
+// What holds on the screen after every act, whatever the user did.
 #pragma once
 
+#include <map>
+#include <set>
 #include <string>
 #include <vector>
 
-#include "support/office.h"
+#include "monkey/line_watch.h"
+#include "monkey/store_judge.h"
 
 namespace velanor::test {
 
-// One amendment as screen and working record hold it together.
-struct AmendmentSight {
-  std::string date;
-  std::string items;  // attributes 30 to 33 of its value
-};
-
 class Invariants {
  public:
-  // The first breach found; empty when all holds. `acted` is the control that was acted on.
-  std::string check(Office& office, const std::string& acted, bool store_changed);
+  explicit Invariants(store::MemoryDatabase& base);
+
+  // The names of the checks, each of which can be left out.
+  static std::vector<std::string> names();
+  void leave_out(const std::string& name) { left_out_.insert(name); }
+
+  // A new component on the same base.
+  void start_anew();
+  // Around every act. `check` gives the first breach with the name of its check; empty when all holds.
+  void before(Office& office, const std::string& control) { judge_.before(office, control, lines_); }
+  std::string check(Office& office, const Act& act);
+  StoreJudge& judge() { return judge_; }
 
  private:
-  std::string columns_are_parallel(Office& office);
-  std::string dates_ascend(Office& office);
-  std::string shares_can_be_read(Office& office);
-  std::string labels_follow(Office& office);
-  std::string state_is_exact(Office& office);
-  std::string items_stay_with_their_line(Office& office);
-  std::string store_is_left_alone(const std::string& acted, bool store_changed);
+  struct Check;
+  static const std::vector<Check>& checks();
 
-  std::string card_;  // the card that was open at the last check
-  bool form_was_open_ = false;
-  std::vector<AmendmentSight> amendments_;
+  std::string columns(Office& office, const Act& act);
+  std::string dates(Office& office, const Act& act);
+  std::string shares(Office& office, const Act& act);
+  std::string labels(Office& office, const Act& act);
+  std::string state(Office& office, const Act& act);
+  std::string out_of_use(Office& office, const Act& act);
+  std::string empty_screen(Office& office, const Act& act);
+  std::string whole_choices(Office& office, const Act& act);
+  std::string whole_lines(Office& office, const Act& act);
+  std::string not_whole(const std::string& grid, const std::string& qualification) const;
+  std::string codes(Office& office, const Act& act);
+  std::string hourglass(Office& office, const Act& act);
+  std::string left_alone(Office& office, const Act& act);
+  std::string amendments(Office& office, const Act& act) { return lines_.amendments(office, act); }
+  std::string activities(Office& office, const Act& act) { return lines_.activities(office, act); }
+  std::string items(Office& office, const Act& act) { return lines_.items(office, act); }
+  std::string stored_ids(Office&, const Act&) { return judge_.ids(); }
+  std::string stored_figures(Office&, const Act&) { return judge_.figures(); }
+  std::string stored_cards(Office&, const Act&) { return judge_.faultless(); }
+  std::string stored_fields(Office&, const Act&) { return judge_.kept(); }
+  void remember(Office& office, const Act& act);
+
+  std::set<std::string> left_out_;
+  std::set<std::string, std::less<>> grid_labels_, qualifications_;
+  LineWatch lines_;
+  StoreJudge judge_;
+  std::string card_;  // in hand at the last check
+  bool dates_ascend_ = true;
+  std::vector<std::string> activities_;
+  std::map<std::string, std::string> codes_;
+  bool entering_ = false;
 };
 
 }  // namespace velanor::test

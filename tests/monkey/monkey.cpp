@@ -1,162 +1,76 @@
-// A user without a plan: random but possible actions, keys and answers on the whole component,
-// the invariants checked after each. Usage: monkey [ACTIONS] [SEED]; the seed is printed.
-#include <chrono>
-#include <cstdlib>
-#include <deque>
-#include <iostream>
-#include <random>
-
-#include "monkey/counting_database.h"
-#include "monkey/invariants.h"
+#include "monkey/monkey.h"
 
 namespace velanor::test {
-namespace {
 
-class Monkey {
- public:
-  Monkey(store::Database& database, std::uint64_t seed) : database_(database), random_(seed) { start(); }
-
-  // The first breach; empty when there was none.
-  std::string act();
-  long saved() const { return saved_; }
-  long added() const { return added_; }
-  const std::deque<std::string>& trail() const { return trail_; }
-
- private:
-  int below(int n) { return static_cast<int>(random_() % static_cast<std::uint64_t>(n)); }
-  template <typename T>
-  const T& any(const std::vector<T>& of) {
-    return of[static_cast<std::size_t>(below(static_cast<int>(of.size())))];
-  }
-  void start();
-  screen::Control& choose();
-  // What somebody who knows the work would do next, so that the game gets anywhere.
-  const char* next_step();
-  const char* next_step_of_form();
-  std::string word_for(const std::string& name);
-  screen::Refusal act_on(screen::Control& control);
-  screen::Refusal act_on_text(screen::TextControl& control);
-  screen::Refusal act_on_list(screen::ListBox& list);
-  void note(const std::string& what);
-
-  CountingDatabase database_;
-  std::mt19937_64 random_;
-  std::unique_ptr<Office> office_;
-  Invariants invariants_;
-  std::deque<std::string> trail_;
-  int refused_ = 0;
-  long saved_ = 0;
-  long added_ = 0;
-};
+Monkey::Monkey(store::MemoryDatabase& base, Store kind, std::uint64_t seed)
+    : base_(base), kind_(kind), failing_(base), store_(failing_), random_(seed), invariants_(base) {
+  store_.judge = [this](std::string_view file, std::string_view id, const store::DbRecord* record) {
+    invariants_.judge().judge(file, id, record);
+  };
+  base.for_each("VELANORO",
+                [&](std::string_view id, const store::DbRecord& card) { stock_.emplace_back(id, card); });
+  start();
+}
 
 void Monkey::start() {
-  office_ = std::make_unique<Office>(database_);
-  invariants_ = {};
-  office_->toolkit.answer = [this](const screen::Message& message) {
-    const bool first = below(3) > 0;
-    note("  " + message.text);
-    if (message.buttons == screen::Buttons::YesNo) return first ? screen::Answer::Yes : screen::Answer::No;
-    if (message.buttons == screen::Buttons::OkCancel)
-      return first ? screen::Answer::Ok : screen::Answer::Cancel;
-    return screen::Answer::Ok;
-  };
+  note("a new component");
+  for (const auto& [id, card] : stock_) base_.put("VELANORO", id, card);
+  acts_ = 0;
+  office_ = std::make_unique<Office>(store_);
+  office_->toolkit.answer = [this](const screen::Message& message) { return answer(message); };
   office_->component.init();
+  invariants_.start_anew();
 }
 
-void Monkey::note(const std::string& what) {
-  trail_.push_back(what);
-  if (trail_.size() > 40) trail_.pop_front();
+screen::Answer Monkey::answer(const screen::Message& message) {
+  using screen::Answer, screen::Buttons;
+  const bool first = leaving_ || below(3) > 0;
+  const Answer given = message.buttons == Buttons::Ok      ? Answer::Ok
+                       : message.buttons == Buttons::YesNo ? (first ? Answer::Yes : Answer::No)
+                       : /* OkCancel */ first              ? Answer::Ok
+                                                           : Answer::Cancel;
+  static const char* const kNames[] = {"OK", "Annuler", "Oui", "Non"};
+  note_more("« " + message.text + " » " + kNames[static_cast<int>(given)]);
+  return given;
 }
 
-const char* Monkey::next_step_of_form() {
-  const auto& steps = [&]() -> const std::vector<const char*>& {
-    static const std::vector<const char*> kHours{"Txt_NbHresTrav", "Txt_NbHresPayees", "Cmd_OK", "Cmd_OK",
-                                                 "Cmd_Annuler"};
-    static const std::vector<const char*> kEdit{"Cbo_LibRub",  "Txt_Base", "Txt_Taux",
-                                                "Txt_Montant", "Cmd_OK",   "Cmd_OK"};
-    static const std::vector<const char*> kBrowse{"Cmd_Ajouter", "Cmd_Ajouter", "Lst_Code", "Cmd_SaisieAuto",
-                                                  "Cmd_Retour"};
-    if (office_->component.screen().top().name() == "Frm_SaisieHres") return kHours;
-    return office_->control("Txt_Base").enabled() || office_->control("Txt_Montant").enabled() ? kEdit
-                                                                                               : kBrowse;
-  }();
-  return any(steps);
+void Monkey::note(const std::string& step) {
+  trail_.push_back(step);
+  if (trail_.size() > 60) trail_.pop_front();
 }
 
-const char* Monkey::next_step() {
-  card::CardScreen& ui = office_->ui;
-  if (&office_->component.screen().top() != &ui) return next_step_of_form();
-  static const std::vector<const char*> kLine{"Txt_DatEffet", "Cbo_Qualif",       "Cbo_Qualif",
-                                              "Cbo_Grille",   "Txt_DatDepGrille", "Txt_TxHor",
-                                              "Cmd_OkDetail", "Cmd_OkDetail"};
-  static const std::vector<const char*> kActivity{"Cbo_Activites", "Txt_Pourc", "Cmd_OkAct"};
-  static const std::vector<const char*> kCard{
-      "Cmd_OK",       "Cmd_OK",       "Cmd_AjDetail",  "Cmd_AjDetail", "Lst_DatEffet",
-      "Lst_DatEffet", "Cmd_Detail",   "Cmd_AjAct",     "Txt_CodEtab",  "Cbo_Etab",
-      "Cbo_Secteur",  "Cbo_Com",      "Txt_DatDeb",    "Cbo_Profil1",  "Txt_NomAidant",
-      "Txt_HresExo",  "Cbo_MotifFin", "Lst_Activites", "Cmd_Copier",   "Cmd_SuppDetail"};
-  if (ui.Cmd_OkDetail.enabled()) return any(kLine);
-  if (ui.Cmd_OkAct.enabled()) return any(kActivity);
-  // A card that cannot be saved any more is given up for another.
-  if (ui.Cmd_Annul.enabled()) return refused_ > 3 ? "Cmd_Annul" : any(kCard);
-  refused_ = 0;
-  if (ui.Txt_Asso.is_empty()) return "Cbo_Asso";
-  if (ui.Cbo_Periode.index() != 0 && below(4) > 0) return "Cbo_Periode";
-  return below(4) == 0 ? "Cmd_Ajout" : "Cbo_Aidant";
-}
+// ---- Acting.
 
-// Mostly a control that answers, at times one that does not, and must not mind.
-screen::Control& Monkey::choose() {
-  const auto& all = office_->component.screen().top().controls();
-  screen::Control* control = below(3) > 0 ? &office_->control(next_step()) : any(all);
-  for (int tries = 0; tries < 30 && !office_->usable(*control); ++tries) control = any(all);
-  if (!control->takes_focus() && below(8) > 0) return choose();
-  // Leaving the program, deleting and giving up end what others build: seldom.
-  const std::string& name = control->name();
-  const bool given_up = name == "Cmd_Annul" && refused_ > 3;
-  if (!given_up && (name == "Cmd_Sortir" || name == "Cmd_Supp" || name == "Cmd_Annul") && below(10) > 0)
-    return choose();
-  return *control;
-}
-
-std::string Monkey::word_for(const std::string& name) {
-  static const std::vector<std::string> kDates{"01/01/2026", "1/6/26",    "010925",     "31/12/2025",
-                                               "15 3 24",    "99/99/99",  "01/10/2021", "30092021",
-                                               "5",          "29/02/2024"};
-  static const std::vector<std::string> kNumbers{"0",       "100",    "12,5", "33.33", ",",
-                                                 "9999999", "151,67", "50",   "0,01"};
-  static const std::vector<std::string> kCodes{"001", "1", "02",    "01",  "06", "03",
-                                               "999", "5", "00010", "010", "3"};
-  static const std::vector<std::string> kWords{"é", "Martin", "ALBI", "\"]", "[x", "Paris", " ", "Łódź"};
-  if (below(12) == 0) return any(kWords);
-  if (name.find("Dat") != std::string::npos && below(3) > 0) {
-    return std::to_string(1 + below(28)) + "/" + std::to_string(1 + below(12)) + "/202" +
-           std::to_string(4 + below(4));
-  }
-  if (name.find("Dat") != std::string::npos) return any(kDates);
-  for (const char* code : {"Asso", "Aidant", "Conv", "Secteur", "Profil", "Charg", "Etab", "Code"}) {
-    if (name.find(code) != std::string::npos) return any(kCodes);
-  }
-  return name.rfind("Txt_", 0) == 0 ? any(kNumbers) : any(kWords);
+screen::Refusal Monkey::press(screen::TextControl& control, char32_t key, int times) {
+  note_more("key " + std::to_string(key) + " x " + std::to_string(times));
+  screen::Refusal why;
+  for (int i = 0; i < times && why.empty(); ++i) why = office_->hand.press(control, {key});
+  return why;
 }
 
 screen::Refusal Monkey::act_on_text(screen::TextControl& control) {
   screen::Hand& hand = office_->hand;
   auto* combo = dynamic_cast<screen::ComboBox*>(&control);
-  if (combo && below(4) > 0) {
+  if (combo && !careful_ && once_in(5)) return press(control, screen::Key::kBackspace, 1 + below(4));
+  if (combo && (careful_ || below(4) > 0)) {
     const screen::Refusal why = hand.drop_down(*combo);
-    return why.empty() && combo->count() > 0 ? hand.choose(*combo, below(combo->count())) : why;
+    if (!why.empty() || combo->count() == 0) return why;
+    const int line = below(combo->count());
+    note_more("line " + std::to_string(line) + " <" + std::string(combo->line(line)) + ">");
+    return hand.choose(*combo, line);
   }
   const std::string word = word_for(control.name());
-  note("    " + word);
-  switch (below(8)) {
+  switch (careful_ ? 3 : below(8)) {
     case 0:
+      note_more("emptied");
       return hand.replace_text(control, "");
     case 1:
+      note_more("pasted <" + word + ">");
       return hand.replace_text(control, word);
     case 2:
-      return hand.press(control, {any<char32_t>({8, 9, 13, 27, 127, U'7', U'a', U'.'})});
+      return press(control, any<char32_t>({8, 9, 13, 27, 127, U'7', U'a', U'.'}), 1);
     default: {
+      note_more("typed <" + word + ">");
       const screen::Refusal why = hand.replace_text(control, "");
       return why.empty() ? hand.type(control, word) : why;
     }
@@ -166,65 +80,135 @@ screen::Refusal Monkey::act_on_text(screen::TextControl& control) {
 screen::Refusal Monkey::act_on_list(screen::ListBox& list) {
   if (list.count() == 0) return {};
   const int line = below(list.count());
-  return below(2) == 0 ? office_->hand.pick(list, line) : office_->hand.double_click(list, line);
+  const bool twice = once_in(2);
+  note_more((twice ? "double click on " : "click on ") + std::to_string(line));
+  return twice ? office_->hand.double_click(list, line) : office_->hand.pick(list, line);
 }
 
 screen::Refusal Monkey::act_on(screen::Control& control) {
   screen::Hand& hand = office_->hand;
   if (auto* text = dynamic_cast<screen::TextControl*>(&control)) return act_on_text(*text);
   if (auto* list = dynamic_cast<screen::ListBox*>(&control)) return act_on_list(*list);
-  if (auto* bar = dynamic_cast<screen::ScrollBar*>(&control)) return hand.scroll(*bar, below(bar->max() + 1));
+  if (auto* bar = dynamic_cast<screen::ScrollBar*>(&control)) {
+    const int to = below(bar->max() + 1);
+    note_more("to " + std::to_string(to));
+    return hand.scroll(*bar, to);
+  }
   if (dynamic_cast<screen::Tabs*>(&control)) return hand.show_page(below(3));
   if (dynamic_cast<screen::Label*>(&control) || dynamic_cast<screen::Frame*>(&control)) {
-    return below(3) == 0 ? hand.leave() : below(2) == 0 ? hand.right_press() : hand.close();
+    return once_in(3) ? hand.leave() : once_in(2) ? hand.right_press() : hand.close();
   }
   return hand.click(control);
 }
 
+bool Monkey::attempt(screen::Control& control) {
+  const int failures = failing_.failures();
+  // A failure soon, or deep in what a card is read with; choices and buttons are what reads and writes.
+  const bool asks =
+      dynamic_cast<screen::CommandButton*>(&control) || dynamic_cast<screen::ComboBox*>(&control);
+  if (kind_ == Store::kFailing && once_in(asks ? 15 : 60)) failing_.fail_at(1 + below(once_in(2) ? 4 : 40));
+  try {
+    act_on(control);
+  } catch (const store::DbError&) {
+    // As the window does, which goes on.
+    office_->component.screen().top().settle_focus();
+  }
+  failing_.fail_at(0);
+  const bool failed = failing_.failures() != failures;
+  if (failed) note_more("the store fails");
+  score_.failures += failed;
+  return failed;
+}
+
+// Somebody else works on the same store.
+void Monkey::other_clerk() {
+  std::vector<std::string> ids;
+  base_.for_each("VELANORO", [&](std::string_view id, const store::DbRecord&) { ids.emplace_back(id); });
+  const std::string id = any(ids);
+  store::DbRecord card = *base_.find("VELANORO", id);
+  if (once_in(3)) {
+    note("another clerk removes " + id);
+    return base_.remove("VELANORO", id);
+  }
+  note("another clerk renames " + id);
+  card.set(1, "AUTREMENT");
+  base_.put("VELANORO", id, card);
+}
+
 std::string Monkey::act() {
+  // Cards that were removed come back at last.
+  if (++acts_ > 1500 && !card_open(*office_)) start();
+  if (once_in(500)) other_clerk();
   screen::Control& control = choose();
   const std::string name = control.name();
+  const bool on_card = &control.form() == &office_->ui;
   note(name);
-  const long changes = database_.changes();
+  const long changes = store_.changes();
   const int lines = office_->ui.Lst_DatEffet.count();
-  act_on(control);
-  const bool changed = database_.changes() != changes;
-  saved_ += changed && name == "Cmd_OK";
-  refused_ += !changed && name == "Cmd_OK" && &control.form() == &office_->ui;
-  added_ += name == "Cmd_OkDetail" && office_->ui.Lst_DatEffet.count() > lines;
+  const bool creating = office_->ui.Txt_Etat.text() == "Création";
+  invariants_.before(*office_, on_card ? name : "");
+  Act done{name};
+  done.store_failed = attempt(control);
+  done.store_changed = store_.changes() != changes;
+  score_.saved += done.store_changed && name == "Cmd_OK";
+  score_.created += done.store_changed && name == "Cmd_OK" && creating;
+  refused_ += !done.store_changed && name == "Cmd_OK" && on_card;
+  score_.added += name == "Cmd_OkDetail" && office_->ui.Lst_DatEffet.count() > lines;
   if (office_->component.closed()) {
     start();
     return {};
   }
-  return invariants_.check(*office_, name, changed);
+  if (std::string breach = invariants_.check(*office_, done); !breach.empty()) return breach;
+  return done.store_failed && once_in(2) ? way_out() : std::string();
 }
 
-int run(long actions, std::uint64_t seed) {
-  std::cout << "seed " << seed << std::endl;
-  store::MemoryDatabase database;
-  MemorySink sink(database, Towns::kSome);
-  demo::fill(sink, {.employees = 60});
-  Monkey monkey(database, seed);
-  const auto begun = std::chrono::steady_clock::now();
-  for (long i = 0; i < actions; ++i) {
-    const std::string breach = monkey.act();
-    if (breach.empty()) continue;
-    for (const std::string& step : monkey.trail()) std::cout << step << "\n";
-    std::cout << "action " << i << ": " << breach << "\n0 passed, 1 failed\n";
-    return 1;
+// ---- The way out.
+
+// A box that holds what cannot be left keeps the focus, and says so, until it is emptied.
+std::string Monkey::press_way_out(screen::Control& button) {
+  for (int tries = 0; tries < 3; ++tries) {
+    note("  out by " + button.name());
+    const int messages = office_->component.screen().messages_shown();
+    if (const auto why = office_->hand.click(button); !why.empty()) return "way-out: " + why;
+    screen::Control* const focus = office_->component.screen().top().focus();
+    auto* const box = dynamic_cast<screen::TextControl*>(focus);
+    const bool lost = box && office_->component.screen().messages_shown() > messages && button.usable();
+    if (!lost) return {};
+    office_->hand.replace_text(*box, "");
   }
-  const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begun;
-  std::cout << actions << " actions, " << static_cast<long>(static_cast<double>(actions) / took.count())
-            << " a second; cards saved: " << monkey.saved() << ", lines added: " << monkey.added()
-            << "\n1 passed, 0 failed\n";
-  return 0;
+  return "way-out: " + button.name() + " is never reached";
 }
 
-}  // namespace
+std::string Monkey::way_out() {
+  leaving_ = true;
+  card::CardScreen& ui = office_->ui;
+  std::string breach;
+  for (int steps = 0; steps < 6 && breach.empty(); ++steps) {
+    if (&office_->component.screen().top() != &ui) {
+      screen::Control& button = office_->control("Cmd_Annuler");
+      breach = press_way_out(button.usable() ? button : office_->control("Cmd_Retour"));
+    } else if (entering_amendment(*office_)) {
+      breach = press_way_out(ui.Cmd_AnnulDetail);
+    } else if (entering_activity(*office_)) {
+      breach = press_way_out(ui.Cmd_AnnulAct);
+    } else if (ui.Cmd_Annul.usable()) {
+      breach = press_way_out(ui.Cmd_Annul);
+    }
+    if (breach.empty()) breach = invariants_.check(*office_, {.control = "Cmd_Annul"});
+  }
+  if (breach.empty() && once_in(3)) breach = press_way_out(ui.Cmd_Sortir);
+  leaving_ = false;
+  if (!breach.empty()) return breach;
+  ++score_.ways_out;
+  if (office_->component.closed()) {
+    start();
+    return {};
+  }
+  for (const screen::Control* control : std::initializer_list<const screen::Control*>{
+           &ui.Txt_Asso, &ui.Cbo_Asso, &ui.Cbo_Periode, &ui.Cmd_Sortir}) {
+    if (!control->usable()) return "way-out: " + control->name() + " is locked at its end";
+  }
+  return {};
+}
+
 }  // namespace velanor::test
-
-int main(int argc, char** argv) {
-  const long actions = argc > 1 ? std::atol(argv[1]) : 20'000;
-  const std::uint64_t seed = argc > 2 ? std::strtoull(argv[2], nullptr, 10) : std::random_device{}();
-  return velanor::test::run(actions, seed);
-}

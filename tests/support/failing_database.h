@@ -21,6 +21,8 @@ class FailingDatabase : public Database {
   // Lets the n-th call from now on fail (1 is the next one); 0 lets none.
   void fail_at(int n) { failing_call_ = n == 0 ? 0 : calls_ + n; }
   int calls() const { return calls_; }
+  // Calls that have failed so far, also those whose error nobody let through.
+  int failures() const { return failures_; }
 
   std::unique_ptr<DbFile> OpenFile(std::string_view name) override {
     count();
@@ -51,12 +53,15 @@ class FailingDatabase : public Database {
   };
 
   void count() {
-    if (++calls_ == failing_call_) throw DbError(kStoreFailure, kPlannedFailure);
+    if (++calls_ != failing_call_) return;
+    ++failures_;
+    throw DbError(kStoreFailure, kPlannedFailure);
   }
 
   Database* inner_;
   int calls_ = 0;
   int failing_call_ = 0;
+  int failures_ = 0;
 };
 
 }  // namespace velanor::store

@@ -24,6 +24,7 @@ class Answering : public screen::Toolkit {
   }
   void pop_up(screen::Menu& menu) override { popped_up.push_back(menu.name()); }
   void beep() override { ++beeps; }
+  void set_busy(bool on) override { hourglasses += on ? 1 : -1; }
 
   std::function<screen::Answer(const screen::Message&)> answer = [](const screen::Message& message) {
     return message.buttons == screen::Buttons::YesNo ? screen::Answer::Yes : screen::Answer::Ok;
@@ -31,6 +32,7 @@ class Answering : public screen::Toolkit {
   std::vector<std::string> messages;
   std::vector<std::string> popped_up;
   int beeps = 0;
+  int hourglasses = 0;  // turned on and not off again
 };
 
 // The host: notes what the component asks of it.

@@ -1,0 +1,138 @@
+#include "monkey/store_judge.h"
+
+#include <algorithm>
+
+#include "card/record_layout.h"
+
+namespace velanor::test {
+namespace {
+
+using store::DbRecord;
+
+// Figures and dates: whole numbers, whatever the screen showed of them.
+constexpr int kFigures[] = {
+    card::kEstablishmentHours, card::kContractStart,  card::kBirth,
+    card::kExemptedHours,      card::kCeiling,        card::kContractEnd,
+    card::kSocialBase,         card::kMutualEmployee, card::kMutualEmployer,
+    card::kBranchEntry,        card::kShare,          card::kEffective,
+    card::kGridStart,          card::kHourlyRate,     card::kMonthlyTime,
+    card::kItemBase,           card::kItemRate,       card::kItemAmount,
+};
+
+bool all_digits(std::string_view text) {
+  return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+bool whole(std::string_view text) {
+  return text.empty() || all_digits(text.front() == '-' ? text.substr(1) : text);
+}
+
+template <typename Visit>
+void each_figure(const DbRecord& card, const Visit& visit) {
+  for (int attribute : kFigures) {
+    for (int v = 1; v <= card.Count(attribute); ++v) {
+      for (int s = 1; s <= card.Count(attribute, v); ++s)
+        visit(attribute, std::string(card(attribute, v, s)));
+    }
+  }
+}
+
+// The boxes that show one attribute each.
+std::map<int, std::string> boxes(const card::CardScreen& ui) {
+  return {{card::kEstablishmentHours, ui.Txt_HorMensEtab.text()},
+          {card::kAgreement, ui.Txt_ConvCol.text()},
+          {card::kSector, ui.Txt_Secteur.text()},
+          {card::kTown, ui.Cbo_Com.text()},
+          {card::kContractStart, ui.Txt_DatDeb.text()},
+          {card::kBirth, ui.Txt_DatNais.text()},
+          {card::kProfile1, ui.Txt_Profil1.text()},
+          {card::kProfile2, ui.Txt_Profil2.text()},
+          {card::kExemptedHours, ui.Txt_HresExo.text()},
+          {card::kCeiling, ui.Txt_PlafSecu.text()},
+          {card::kSocialBase, ui.Txt_AssSS.text()},
+          {card::kContractEnd, ui.Txt_DatFin.text()},
+          {card::kMutualEmployee, ui.Txt_MutSalContrat.text()},
+          {card::kMutualEmployer, ui.Txt_MutPatContrat.text()},
+          {card::kMutualCharge, ui.Txt_ChargMutContrat.text()},
+          {card::kContractNature, ui.Cbo_NatureContrat.text()},
+          {card::kEducation, ui.Cbo_EtudeAidant.text()}};
+}
+
+}  // namespace
+
+StoreJudge::StoreJudge(store::MemoryDatabase& base) : check_(base) {
+  base.for_each("VELANORO", [&](std::string_view, const DbRecord& card) {
+    each_figure(card, [&](int attribute, const std::string& text) {
+      if (!whole(text)) unreadable_.emplace(attribute, text);
+    });
+  });
+}
+
+void StoreJudge::before(Office& office, const std::string& control, const LineWatch& lines) {
+  const bool new_card = office.ui.Txt_Etat.text() == "Création";
+  writing_ = control == "Cmd_Copier" ? Writing::kCopy
+             : control != "Cmd_OK"   ? Writing::kNothing
+             : new_card              ? Writing::kNewCard
+                                     : Writing::kCard;
+  ui_ = &office.ui;
+  grids_ = lines.kept_grids();
+}
+
+void StoreJudge::after(Office& office) {
+  const std::string name = card_name(office);
+  if (name == card_) return;
+  card_ = name;
+  if (name.empty()) return;
+  const card::CardScreen& ui = office.ui;
+  read_ = office.component.card_in_hand();
+  faultless_ =
+      check_
+          .faults_of(card::record_id(ui.Txt_Aidant.text(), ui.Txt_Asso.text(), ui.Cbo_Periode.text()), read_)
+          .empty();
+  shown_ = boxes(ui);
+}
+
+std::string StoreJudge::bad_figure(const DbRecord& card) const {
+  std::string bad;
+  each_figure(card, [&](int attribute, const std::string& text) {
+    if (!whole(text) && !unreadable_.contains({attribute, text}))
+      bad = "attribute " + std::to_string(attribute) + " is stored as <" + text + ">";
+  });
+  return bad;
+}
+
+std::string StoreJudge::new_fault(std::string_view id, const DbRecord& card) const {
+  if (writing_ != Writing::kNewCard && !faultless_) return {};
+  const auto faults = check_.faults_of(id, card);
+  return faults.empty() ? "" : "stored with a fault it did not have: " + faults.front();
+}
+
+// What still shows what it showed is stored as it was; a grid that nobody chose anew as well.
+std::string StoreJudge::lost_field(const DbRecord& card) const {
+  if (writing_ != Writing::kCard) return {};
+  const auto shows = boxes(*ui_);
+  for (const auto& [attribute, text] : shown_) {
+    if (shows.at(attribute) == text && card(attribute) != read_(attribute))
+      return "attribute " + std::to_string(attribute) + " was <" + std::string(read_(attribute)) +
+             "> and shown as <" + text + "> to the end, but stored as <" + std::string(card(attribute)) + ">";
+  }
+  for (std::size_t i = 0; i < grids_.size(); ++i) {
+    const std::string_view stored = card(card::kGrid, static_cast<int>(i) + 1);
+    if (!grids_[i].empty() && stored != grids_[i])
+      return "amendment " + std::to_string(i + 1) + " was on grid " + grids_[i] +
+             ", which nobody changed, and is stored on " + std::string(stored);
+  }
+  return {};
+}
+
+void StoreJudge::judge(std::string_view file, std::string_view id, const DbRecord* record) {
+  if (file != "VELANORO") return;
+  constexpr std::size_t kLength = card::kEmployeeCodeLength + card::kEntityCodeLength + 4;
+  if (id.size() != kLength || !all_digits(id)) breach_[0] = "a card goes by the id <" + std::string(id) + ">";
+  if (!record) return;
+  breach_[1] = bad_figure(*record);
+  breach_[2] = new_fault(id, *record);
+  breach_[3] = lost_field(*record);
+}
+
+}  // namespace velanor::test
