@@ -28,12 +28,14 @@ void bind_enter(screen::ComboBox& box, const std::function<void()>& typed) {
   };
 }
 
+// Where failures surface, a code that could not be read does not stay: nothing stands behind it.
 std::optional<store::DbRecord> read_code(const LookupPair& pair) {
   try {
     return pair.read(pair.code.text());
   } catch (const store::DbError&) {
-    if (pair.failures_surface) throw;
-    return store::DbRecord();
+    if (!pair.failures_surface) return store::DbRecord();
+    pair.code.set_text({});
+    throw;
   }
 }
 
