@@ -224,5 +224,33 @@ TEST_F(ControlTest, ALabelFollowsItsFieldAndADisabledFrameStopsWhatStandsInIt) {
   EXPECT_EQ(text_.page(), 1) << "the page of its frames";
 }
 
+TEST_F(ControlTest, WhatIsStoredIsShownWholeUntilTheUserMakesItShorter) {
+  text_.show_whole("Évreux");
+  EXPECT_EQ(text_.text(), "Évreux");
+  EXPECT_TRUE(text_.shows_more());
+  text_.edit("Évreu");
+  EXPECT_EQ(text_.text(), "Évreu") << "one character taken away, not all beyond the length";
+  EXPECT_FALSE(text_.shows_more()) << "now it is the user's, and judged";
+  text_.edit("Évreuil");
+  EXPECT_EQ(text_.text(), "Évreu") << "it does not grow";
+  text_.set_text("Évreuil");
+  EXPECT_EQ(text_.text(), "Évre");
+}
+
+TEST_F(ControlTest, PickingTheLineThatIsShownIsAChoiceAndSettingItIsNone) {
+  combo_.refill({"a", "a"});
+  note(combo_.clicked, "clicked");
+  combo_.choose(0);
+  combo_.set_index(0);
+  EXPECT_EQ(log(), Lines{"clicked"});
+  combo_.choose(0);
+  combo_.choose(1);
+  combo_.choose(7);
+  EXPECT_EQ(log(), (Lines{"clicked", "clicked"}));
+  combo_.annotate({"1", "2"});
+  combo_.add("b");
+  EXPECT_TRUE(combo_.notes().empty()) << "notes are those of the lines that they were made for";
+}
+
 }  // namespace
 }  // namespace velanor::screen

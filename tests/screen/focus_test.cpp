@@ -141,5 +141,57 @@ TEST_F(FocusTest, AnEditCountsFromTheLastArrivalOfTheFocus) {
   EXPECT_FALSE(card_.header.edited());
 }
 
+TEST_F(FocusTest, AFieldLeftForACancelButtonIsJudgedWhenTheFocusGoesOn) {
+  card_.cancel_buttons = {&card_.ok};
+  start_on(card_.header);
+  EXPECT_TRUE(card_.move_focus(&card_.ok));
+  EXPECT_EQ(log(), Log{"+Cmd_OK"}) << "its text may be thrown away";
+  EXPECT_TRUE(card_.move_focus(&card_.combo));
+  EXPECT_EQ(log(), (Log{"-Txt_Tete", "+Cbo_Tete"}));
+  card_.move_focus(&card_.header);
+  card_.move_focus(&card_.ok);
+  card_.header.set_enabled(false);
+  log();
+  card_.move_focus(&card_.combo);
+  EXPECT_EQ(log(), (Log{"-Cmd_OK", "+Cbo_Tete"})) << "what is closed by now is not judged any more";
+}
+
+TEST_F(FocusTest, WhoThinksBetterOfACancelButtonIsBackInTheFieldWithItsEdit) {
+  card_.cancel_buttons = {&card_.ok};
+  int judged = 0;
+  card_.header.lost_focus += [&] {
+    ++judged;
+    card_.set_focus(card_.header);
+  };
+  ASSERT_EQ(hand_.type(card_.header, "x"), "");
+  EXPECT_EQ(hand_.click(card_.ok), "");
+  EXPECT_EQ(log(), (Log{"+Txt_Tete", "+Cmd_OK", "clicked", "+Txt_Tete"}));
+  EXPECT_EQ(judged, 0);
+  EXPECT_TRUE(card_.header.edited());
+  EXPECT_FALSE(card_.move_focus(&card_.combo));
+  EXPECT_EQ(judged, 1);
+}
+
+TEST_F(FocusTest, TheFocusComesBackFromAButtonThatDeletesAndNeverSettlesThere) {
+  card_.perilous_buttons = {&card_.ok};
+  start_on(card_.combo);
+  EXPECT_EQ(hand_.click(card_.ok), "");
+  EXPECT_EQ(card_.focus(), &card_.combo);
+  card_.combo.set_enabled(false);
+  card_.settle_focus();
+  EXPECT_EQ(card_.focus(), &card_.pages) << "past the button, which is next in tab order";
+}
+
+TEST_F(FocusTest, TabGoesOnToWhatLeavingHasOpened) {
+  card_.combo.set_enabled(false);
+  card_.header.lost_focus += [this] { card_.combo.set_enabled(!card_.header.is_empty()); };
+  start_on(card_.header);
+  hand_.press(card_.header, {Key::kTab});
+  EXPECT_EQ(card_.focus(), &card_.ok);
+  hand_.type(card_.header, "x");
+  hand_.press(card_.header, {Key::kTab});
+  EXPECT_EQ(card_.focus(), &card_.combo);
+}
+
 }  // namespace
 }  // namespace velanor::screen
