@@ -74,6 +74,7 @@ void CareerGrids::RemplirGrille() {
 
 void CareerGrids::show(const std::string& id, const std::string& label) {
   id_ = id;
+  missed_.clear();
   ui_.Cbo_Grille.set_text(label);
   const int entry = id.empty() ? 0 : reference::find_entry(grids_, kId, id);
   ui_.Cbo_Grille.refill(ui_.Cbo_Grille.items(), entry - 1);
@@ -97,7 +98,10 @@ void CareerGrids::RemplirQualif() {
   }
   ui_.Cbo_Qualif.refill(std::move(codes));
   ui_.Cbo_Qualif.annotate(std::move(labels));
-  if (ui_.Cbo_Qualif.find(ui_.Cbo_Qualif.text()) < 0) ui_.Cbo_Qualif.set_text({});
+  const std::string wanted = ui_.Cbo_Qualif.is_empty() ? missed_ : ui_.Cbo_Qualif.text();
+  const bool offered = ui_.Cbo_Qualif.find(wanted) >= 0;
+  ui_.Cbo_Qualif.set_text(offered ? wanted : std::string());
+  missed_ = offered ? std::string() : wanted;
 }
 
 std::vector<std::string> CareerGrids::offered_qualifications() const {
@@ -183,6 +187,16 @@ void CareerGrids::Cbo_Grille_Click() {
   if (uses_categories()) ui_.Txt_Categorie.set_text(grids_(entry, kCategory));
   update_category();
   RemplirQualif();
+}
+
+void CareerGrids::Cbo_Qualif_KeyPress(screen::Key& key) {
+  missed_.clear();
+  choose_only(ui_.Cbo_Qualif, key);
+}
+
+void CareerGrids::Cbo_Qualif_Change() {
+  if (!ui_.Cbo_Qualif.is_empty()) missed_.clear();
+  lists_.ChercheRegroupBudget(ui_.Cbo_Qualif.text());
 }
 
 void CareerGrids::choose_only(screen::ComboBox& box, screen::Key& key) {

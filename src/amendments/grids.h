@@ -22,16 +22,19 @@ class CareerGrids {
   void release() {
     grids_ = {};
     id_.clear();
+    missed_.clear();
   }
 
   // The grids of the agreement that apply on the effective date. The grid in the box stays while the
   // list has it, gives way to the one of its label where the date has left its generation, and goes
   // when there is none; one that no list had stays.
   void RemplirGrille();
-  // The qualifications of the chosen grid, or of all. The text in the box stays if it is offered.
+  // The qualifications of the chosen grid, or of all. The text in the box stays if it is offered; one
+  // that went because a grid did not offer it comes back with the next grid that does, for who steps
+  // through the grids.
   void RemplirQualif();
 
-  // Puts the grid of a line that is loaded for editing into the box, in silence.
+  // Puts the grid of a line whose entry begins into the box, in silence.
   void show(const std::string& id, const std::string& label);
   // The id of the grid in Cbo_Grille, "" when the box is empty. Labels do not tell: two grids of an
   // agreement may share one.
@@ -44,11 +47,11 @@ class CareerGrids {
  private:
   void Cbo_Grille_Change();
   void Cbo_Grille_Click();
-  void Cbo_Qualif_KeyPress(screen::Key& key) { choose_only(ui_.Cbo_Qualif, key); }
+  void Cbo_Qualif_KeyPress(screen::Key& key);
   void Cbo_Grille_KeyPress(screen::Key& key) { choose_only(ui_.Cbo_Grille, key); }
   void Cbo_NouvMes_KeyPress(screen::Key& key) { key.swallow(); }
   void Cbo_Qualif_DropDown() { RemplirQualif(); }
-  void Cbo_Qualif_Change() { lists_.ChercheRegroupBudget(ui_.Cbo_Qualif.text()); }
+  void Cbo_Qualif_Change();
   void Cbo_Qualif_Click() { Cbo_Qualif_Change(); }
 
   // A whole entry or none: Backspace takes all of it away.
@@ -69,6 +72,7 @@ class CareerGrids {
   entry::UtilSaisie& entry_;
   store::DbResult grids_;  // id, label, category
   std::string id_;
+  std::string missed_;  // qualification that the grids since have not offered
 };
 
 }  // namespace velanor::amendments

@@ -147,6 +147,7 @@ void AmendmentLines::Cmd_AjDetail_Click() {
   ui.Cmd_Detail.set_enabled(false);
   ui.Cbo_NouvMes.set_text("NON");
   fill_entry([&] {
+    on_.grids.show({}, {});
     on_.grids.RemplirGrille();
     // The first amendment of a new contract starts with the contract.
     if (on_.card.Creation && ui.Lst_DatEffet.count() == 0) ui.Txt_DatEffet.set_text(ui.Txt_DatDeb.text());

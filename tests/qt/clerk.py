@@ -61,11 +61,13 @@ def amendment(w):
     w.at("AGD")
     w.key("Return")
     w.shows("Qualification professionnelle", "AGD")
-    w.key("Tab", "Down")
-    w.shows("Grille déroulement de carrière", "Cadre degré 1")
+    # Stepping past grids that do not offer the qualification does not lose it.
+    w.key("Tab", "Down", "Down", "Down", "Down")
+    w.shows("Grille déroulement de carrière", "Intervention employé degré 1")
+    w.shows("Qualification professionnelle", "AGD")
     w.key("alt+o")
     wait("the amendment is not in its list", lambda: w.rows("Avenants") ==
-         [["01/03/2026", "01/03/2026", "AGD", "Cadre degré 1", "", "NON", "", ""]])
+         [["01/03/2026", "01/03/2026", "AGD", "Intervention employé degré 1", "", "NON", "", ""]])
 
 
 def items(w):
