@@ -249,7 +249,8 @@ void LineWatch::remember(Office& office, const Act& act) {
   if (now.amendment >= 0 && now.amendment < static_cast<int>(now.grids.size())) {
     const std::string& date = office.ui.Txt_DatEffet.text();
     const std::string& grid = now.grids[static_cast<std::size_t>(now.amendment)];
-    grid_touched_ |= act.control == "Cbo_Grille" || (date.size() == 10 && !offers(grid, office, date));
+    const bool elsewhere = entry::parse_date(date) && !offers(grid, office, date);
+    grid_touched_ |= act.control == "Cbo_Grille" || elsewhere;
   }
   sight_ = std::move(now);
 }
