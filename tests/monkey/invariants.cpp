@@ -46,8 +46,12 @@ std::vector<std::string> Invariants::names() {
 }
 
 Invariants::Invariants(store::MemoryDatabase& base) : lines_(base), judge_(base) {
-  base.for_each("GRILLESCCBUDGET", [&](std::string_view, const store::DbRecord& grid) {
+  base.for_each("CONVENTIONCOL", [&](std::string_view id, const store::DbRecord& agreement) {
+    if (!agreement(36).empty()) agreements_with_categories_.emplace(id);
+  });
+  base.for_each("GRILLESCCBUDGET", [&](std::string_view id, const store::DbRecord& grid) {
     grid_labels_.emplace(grid(1));
+    categories_.emplace(std::string(id.substr(0, 2)) + std::string(grid(1)), grid(7));
     for (int v = 1; v <= grid.Count(9); ++v) qualifications_.emplace(grid(9, v));
   });
   const auto table = *base.find("TABLES", "QUALIF");
@@ -150,6 +154,17 @@ std::string Invariants::labels(Office& office, const Act&) {
   return {};
 }
 
+// The grid dictates the category, unless it has none where the agreement asks for one. Grids of one
+// label may differ in that.
+bool Invariants::category_is_open(const card::CardScreen& ui) const {
+  const std::string& agreement = ui.Txt_ConvCol.text();
+  if (!agreements_with_categories_.contains(agreement)) return false;
+  const auto [first, last] = categories_.equal_range(agreement + ui.Cbo_Grille.text());
+  const bool some = std::any_of(first, last, [](const auto& grid) { return !grid.second.empty(); });
+  const bool all = std::all_of(first, last, [](const auto& grid) { return !grid.second.empty(); });
+  return some == all ? !some || first == last : ui.Txt_Categorie.enabled();
+}
+
 std::string Invariants::state(Office& office, const Act&) {
   card::CardScreen& ui = office.ui;
   const bool line = entering_amendment(office), activity = entering_activity(office);
@@ -190,7 +205,7 @@ std::string Invariants::state(Office& office, const Act&) {
       {ui.Txt_TxHor, line},
       {ui.Txt_DureMens, line},
       {ui.Cmd_AnnulDetail, line},
-      {ui.Txt_Categorie, line && ui.Cbo_Grille.is_empty()},
+      {ui.Txt_Categorie, line && (ui.Cbo_Grille.is_empty() || category_is_open(ui))},
       {ui.Txt_Pourc, activity},
       {ui.Cmd_AnnulAct, activity},
       {ui.Txt_RegroupBudget, false},
@@ -273,7 +288,8 @@ std::string Invariants::codes(Office& office, const Act& act) {
   if (act.store_failed || card_name(office).empty() || card_name(office) != card_) return {};
   for (const auto& [code, label] : pairs(office.ui)) {
     const bool complete = static_cast<int>(code->text().size()) == code->max_length();
-    if (complete && code->text() != codes_[code->name()] && label->is_empty())
+    const bool emptied = act.control == label->name();  // by the user
+    if (complete && code->text() != codes_[code->name()] && label->is_empty() && !emptied)
       return code->name() + " has taken the unknown code " + code->text();
   }
   return {};

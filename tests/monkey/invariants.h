@@ -50,10 +50,13 @@ class Invariants {
   std::string stored_figures(Office&, const Act&) { return judge_.figures(); }
   std::string stored_cards(Office&, const Act&) { return judge_.faultless(); }
   std::string stored_fields(Office&, const Act&) { return judge_.kept(); }
+  bool category_is_open(const card::CardScreen& ui) const;
   void remember(Office& office, const Act& act);
 
   std::set<std::string> left_out_;
   std::set<std::string, std::less<>> grid_labels_, qualifications_;
+  std::set<std::string, std::less<>> agreements_with_categories_;
+  std::multimap<std::string, std::string> categories_;  // by agreement and label of the grid
   LineWatch lines_;
   StoreJudge judge_;
   std::string card_;  // in hand at the last check

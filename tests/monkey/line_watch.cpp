@@ -202,10 +202,13 @@ std::vector<std::string> LineWatch::carried_grids(const Sight& now, Office& offi
       grids.emplace_back(office.ui.Txt_Etat.text() == "Création" ? "" : card(card::kGrid, i));
     return grids;
   }
-  if (now.amendments == sight_.amendments) return grids;
+  // What is shown may be the same: another grid may bear the same label.
+  const bool confirmed =
+      act.control == "Cmd_OkDetail" && sight_.amendment != kNone && !entering_amendment(office);
+  if (now.amendments == sight_.amendments && !confirmed) return grids;
   if (act.control == "Cmd_SuppDetail")
     return without(grids, sight_.amendment >= 0 ? sight_.amendment : sight_.selected);
-  if (act.control != "Cmd_OkDetail") return grids;
+  if (!confirmed) return grids;
   const int edited = sight_.amendment;
   const auto others = edited >= 0 ? without(sight_.amendments, edited) : sight_.amendments;
   const int at =
@@ -246,7 +249,8 @@ void LineWatch::remember(Office& office, const Act& act) {
   if (now.amendment >= 0 && now.amendment < static_cast<int>(now.grids.size())) {
     const std::string& date = office.ui.Txt_DatEffet.text();
     const std::string& grid = now.grids[static_cast<std::size_t>(now.amendment)];
-    grid_touched_ |= act.control == "Cbo_Grille" || (date.size() == 10 && !offers(grid, office, date));
+    const bool elsewhere = entry::parse_date(date) && !offers(grid, office, date);
+    grid_touched_ |= act.control == "Cbo_Grille" || elsewhere;
   }
   sight_ = std::move(now);
 }

@@ -74,7 +74,7 @@ void StoreJudge::before(Office& office, const std::string& control, const LineWa
              : control != "Cmd_OK"   ? Writing::kNothing
              : new_card              ? Writing::kNewCard
                                      : Writing::kCard;
-  ui_ = &office.ui;
+  office_ = &office;
   grids_ = lines.kept_grids();
 }
 
@@ -103,6 +103,8 @@ std::string StoreJudge::bad_figure(const DbRecord& card) const {
 
 std::string StoreJudge::new_fault(std::string_view id, const DbRecord& card) const {
   if (writing_ != Writing::kNewCard && !faultless_) return {};
+  // Leaving the code box of an employee for the duplicate button opens the card first.
+  if (const std::string now = card_name(*office_); !now.empty() && now != card_) return {};
   const auto faults = check_.faults_of(id, card);
   return faults.empty() ? "" : "stored with a fault it did not have: " + faults.front();
 }
@@ -110,7 +112,7 @@ std::string StoreJudge::new_fault(std::string_view id, const DbRecord& card) con
 // What still shows what it showed is stored as it was; a grid that nobody chose anew as well.
 std::string StoreJudge::lost_field(const DbRecord& card) const {
   if (writing_ != Writing::kCard) return {};
-  const auto shows = boxes(*ui_);
+  const auto shows = boxes(office_->ui);
   for (const auto& [attribute, text] : shown_) {
     if (shows.at(attribute) == text && card(attribute) != read_(attribute))
       return "attribute " + std::to_string(attribute) + " was <" + std::string(read_(attribute)) +

@@ -46,7 +46,7 @@ class StoreJudge {
   std::map<int, std::string> shown_;
   std::vector<std::string> grids_;
   Writing writing_ = Writing::kNothing;
-  const card::CardScreen* ui_ = nullptr;  // during an act
+  const Office* office_ = nullptr;  // during an act
 };
 
 }  // namespace velanor::test

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "card/record_layout.h"
 #include "play/scenario.h"
 #include "play/store_commands.h"
 
@@ -15,9 +16,18 @@ void load(store::Database& database, std::string_view scenario) {
 }
 
 void MemorySink::put(std::string_view file, std::string_view id, const store::DbRecord& record) {
-  const bool wanted =
-      towns_ == Towns::kAll || file != "COMMUNES" || id.substr(0, 2) == "75" || id.substr(0, 2) == "2A";
-  if (wanted) database_.put(file, id, record);
+  const bool other =
+      towns_ == Towns::kSome && file == "COMMUNES" && id.substr(0, 2) != "75" && id.substr(0, 2) != "2A";
+  if (other) {
+    other_towns_.emplace(record(1), id);
+    return;
+  }
+  if (const auto town = other_towns_.extract(file == "VELANORO" ? std::string(record(card::kTown)) : "")) {
+    store::DbRecord named;
+    named.set(1, town.key());
+    database_.put("COMMUNES", town.mapped(), named);
+  }
+  database_.put(file, id, record);
 }
 
 Office::Office(store::Database& database, entry::UtilSaisie* entry)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -53,7 +54,8 @@ class Host : public control::UserRights, public control::HelpViewer, public cont
 // The `put` lines of a scenario of tests/scenarios, carried out on a database.
 void load(store::Database& database, std::string_view scenario);
 
-// Takes generated data into a store. The towns are many and one is like another: some do.
+// Takes generated data into a store. The towns are many and one is like another: some do, and those
+// that the cards name.
 enum class Towns { kAll, kSome };
 class MemorySink : public demo::Sink {
  public:
@@ -64,6 +66,7 @@ class MemorySink : public demo::Sink {
  private:
   store::MemoryDatabase& database_;
   Towns towns_;
+  std::map<std::string, std::string, std::less<>> other_towns_;  // ids by name
 };
 
 class Office {
