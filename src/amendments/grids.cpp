@@ -63,7 +63,7 @@ void CareerGrids::RemplirGrille() {
   grids_ = found;
   std::vector<std::string> labels;
   for (int i = 1; i <= grids_.DCount(); ++i) labels.emplace_back(grids_(i, kLabel));
-  int entry = id_.empty() ? 0 : reference::find_entry(grids_, kId, id_);
+  int entry = meant_.empty() ? 0 : reference::find_entry(grids_, kId, meant_);
   if (entry == 0 && was_listed) entry = reference::find_entry(grids_, kLabel, ui_.Cbo_Grille.text());
   ui_.Cbo_Grille.set_enabled(true);
   ui_.Cbo_Grille.refill(std::move(labels), entry - 1);
@@ -73,7 +73,7 @@ void CareerGrids::RemplirGrille() {
 }
 
 void CareerGrids::show(const std::string& id, const std::string& label) {
-  id_ = id;
+  id_ = meant_ = id;
   missed_.clear();
   ui_.Cbo_Grille.set_text(label);
   const int entry = id.empty() ? 0 : reference::find_entry(grids_, kId, id);
@@ -175,7 +175,7 @@ void CareerGrids::update_category() {
 }
 
 void CareerGrids::Cbo_Grille_Change() {
-  if (ui_.Cbo_Grille.is_empty()) id_.clear();
+  if (ui_.Cbo_Grille.is_empty()) id_ = meant_ = {};
   update_category();
   if (ui_.Cbo_Grille.is_empty() && card_.enters_amendment()) RemplirQualif();
 }
@@ -183,7 +183,7 @@ void CareerGrids::Cbo_Grille_Change() {
 void CareerGrids::Cbo_Grille_Click() {
   const int entry = ui_.Cbo_Grille.index() + 1;
   if (entry == 0) return;
-  id_ = grids_(entry, kId);
+  id_ = meant_ = grids_(entry, kId);
   if (uses_categories()) ui_.Txt_Categorie.set_text(grids_(entry, kCategory));
   update_category();
   RemplirQualif();

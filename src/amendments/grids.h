@@ -22,6 +22,7 @@ class CareerGrids {
   void release() {
     grids_ = {};
     id_.clear();
+    meant_.clear();
     missed_.clear();
   }
 
@@ -72,6 +73,7 @@ class CareerGrids {
   entry::UtilSaisie& entry_;
   store::DbResult grids_;  // id, label, category
   std::string id_;
+  std::string meant_;   // grid that was loaded or picked, of which id_ may be the other generation's
   std::string missed_;  // qualification that the grids since have not offered
 };
 

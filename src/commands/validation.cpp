@@ -61,6 +61,8 @@ long Validation::day(std::string_view date) const {
   return static_cast<long>(entry::parse_decimal(entry_.CheckDate(date).day, 0).value_or(0));
 }
 
+bool Validation::name_missing() const { return text::trim(ui_.Txt_NomAidant.text()).empty(); }
+
 bool Validation::establishment_missing() const { return text::trim(ui_.Txt_CodEtab.text()).empty(); }
 
 bool Validation::shares_differ_from_100() const {

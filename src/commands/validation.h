@@ -33,7 +33,7 @@ class Validation {
   };
   std::vector<Check> checks();
 
-  bool name_missing() const { return ui_.Txt_NomAidant.is_empty(); }
+  bool name_missing() const;
   bool establishment_missing() const;
   bool hours_missing() const { return ui_.Txt_HorMensEtab.is_empty(); }
   bool agreement_missing() const { return ui_.Txt_ConvCol.is_empty(); }
