@@ -24,6 +24,11 @@ class Results : public testing::Test {
                                           {card::kSocialBase, "200000"},
                                           {card::kMutualEmployer, "4321"}})
       card.set(attribute, text);
+    // An item that has a base, a rate and an amount.
+    card.set(card::kItemCode, 1, 3, "002");
+    card.set(card::kItemBase, 1, 3, "200");
+    card.set(card::kItemRate, 1, 3, "125000");
+    card.set(card::kItemAmount, 1, 3, "2500");
     database_.put("VELANORO", kId, card);
   }
 
@@ -172,6 +177,7 @@ TEST_F(Results, AreEmptiedByWhatTheyAreMadeOfAndByNothingElse) {
        },
        kEmptied},
       {"base of an item", card::kItemBase, [](const Clerk& c) { c.reckon("Txt_Base", "105", 0); }, kEmptied},
+      {"rate of an item", card::kItemRate, [](const Clerk& c) { c.reckon("Txt_Taux", "13", 2); }, kEmptied},
       {"amount of an item", card::kItemAmount, [](const Clerk& c) { c.reckon("Txt_Montant", "26", 1); },
        kEmptied},
       {"mutual insurance, employee", card::kMutualEmployee,
