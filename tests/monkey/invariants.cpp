@@ -109,9 +109,13 @@ void Invariants::remember(Office& office, const Act& act) {
   card_ = card;
   dates_ascend_ = ascend(office.ui.Lst_DatEffet);
   activities_ = office.ui.Lst_Activites.items();
-  for (const auto& [code, label] : pairs(office.ui)) codes_[code->name()] = code->text();
   lines_.remember(office, act);
   judge_.after(office);
+  for (const auto& [code, label] : pairs(office.ui)) {
+    // A code that could not be looked up is taken as it comes.
+    if (act.store_failed && codes_[code->name()] != code->text()) judge_.excuse_card();
+    codes_[code->name()] = code->text();
+  }
 }
 
 std::string Invariants::columns(Office& office, const Act&) {

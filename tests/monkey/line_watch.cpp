@@ -246,12 +246,7 @@ void LineWatch::remember(Office& office, const Act& act) {
                                                  : sight_.selected;
   }
   if (now.amendment == kNone || sight_.amendment == kNone) grid_touched_ = false;
-  if (now.amendment >= 0 && now.amendment < static_cast<int>(now.grids.size())) {
-    const std::string& date = office.ui.Txt_DatEffet.text();
-    const std::string& grid = now.grids[static_cast<std::size_t>(now.amendment)];
-    const bool elsewhere = entry::parse_date(date) && !offers(grid, office, date);
-    grid_touched_ |= act.control == "Cbo_Grille" || elsewhere;
-  }
+  grid_touched_ |= act.control == "Cbo_Grille";
   sight_ = std::move(now);
 }
 

@@ -54,7 +54,7 @@ class LineWatch {
 
   store::MemoryDatabase& base_;
   Sight sight_;
-  bool grid_touched_ = false;  // by the user or by a date of the other generation, in this entry
+  bool grid_touched_ = false;  // by the user, in this entry
 };
 
 }  // namespace velanor::test

@@ -82,6 +82,7 @@ void StoreJudge::after(Office& office) {
   const std::string name = card_name(office);
   if (name == card_) return;
   card_ = name;
+  excused_ = false;
   if (name.empty()) return;
   const card::CardScreen& ui = office.ui;
   read_ = office.component.card_in_hand();
@@ -102,7 +103,7 @@ std::string StoreJudge::bad_figure(const DbRecord& card) const {
 }
 
 std::string StoreJudge::new_fault(std::string_view id, const DbRecord& card) const {
-  if (writing_ != Writing::kNewCard && !faultless_) return {};
+  if (excused_ || (writing_ != Writing::kNewCard && !faultless_)) return {};
   // Leaving the code box of an employee for the duplicate button opens the card first.
   if (const std::string now = card_name(*office_); !now.empty() && now != card_) return {};
   const auto faults = check_.faults_of(id, card);

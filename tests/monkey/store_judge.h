@@ -21,6 +21,8 @@ class StoreJudge {
   void before(Office& office, const std::string& control, const LineWatch& lines);
   // After an act: a card that came in hand.
   void after(Office& office);
+  // The card in hand has taken what could not be checked.
+  void excuse_card() { excused_ = true; }
   void judge(std::string_view file, std::string_view id, const store::DbRecord* record);
 
   // The first breach since they were last asked for, each of its own kind.
@@ -42,7 +44,7 @@ class StoreJudge {
   // The card in hand: as it was read, and what the boxes showed of it then.
   std::string card_;
   store::DbRecord read_;
-  bool faultless_ = false;
+  bool faultless_ = false, excused_ = false;
   std::map<int, std::string> shown_;
   std::vector<std::string> grids_;
   Writing writing_ = Writing::kNothing;
