@@ -110,7 +110,7 @@ void Invariants::remember(Office& office, const Act& act) {
   dates_ascend_ = ascend(office.ui.Lst_DatEffet);
   activities_ = office.ui.Lst_Activites.items();
   lines_.remember(office, act);
-  judge_.after(office);
+  judge_.after(office, act);
   for (const auto& [code, label] : pairs(office.ui)) {
     // A code that could not be looked up is taken as it comes.
     if (act.store_failed && codes_[code->name()] != code->text()) judge_.excuse_card();
@@ -158,15 +158,15 @@ std::string Invariants::labels(Office& office, const Act&) {
   return {};
 }
 
-// The grid dictates the category, unless it has none where the agreement asks for one. Grids of one
-// label may differ in that.
+// A grid of the list dictates the category, unless it has none where the agreement asks for one. Of
+// grids that the list does not have, or that share their label, both may be.
 bool Invariants::category_is_open(const card::CardScreen& ui) const {
   const std::string& agreement = ui.Txt_ConvCol.text();
   if (!agreements_with_categories_.contains(agreement)) return false;
   const auto [first, last] = categories_.equal_range(agreement + ui.Cbo_Grille.text());
-  const bool some = std::any_of(first, last, [](const auto& grid) { return !grid.second.empty(); });
-  const bool all = std::all_of(first, last, [](const auto& grid) { return !grid.second.empty(); });
-  return some == all ? !some || first == last : ui.Txt_Categorie.enabled();
+  const auto with = std::count_if(first, last, [](const auto& grid) { return !grid.second.empty(); });
+  const bool unsure = ui.Cbo_Grille.index() < 0 || (with > 0 && with < std::distance(first, last));
+  return unsure ? ui.Txt_Categorie.enabled() : with == 0;
 }
 
 std::string Invariants::state(Office& office, const Act&) {

@@ -78,7 +78,7 @@ void StoreJudge::before(Office& office, const std::string& control, const LineWa
   grids_ = lines.kept_grids();
 }
 
-void StoreJudge::after(Office& office) {
+void StoreJudge::after(Office& office, const Act& act) {
   const std::string name = card_name(office);
   if (name == card_) return;
   card_ = name;
@@ -90,7 +90,10 @@ void StoreJudge::after(Office& office) {
       check_
           .faults_of(card::record_id(ui.Txt_Aidant.text(), ui.Txt_Asso.text(), ui.Cbo_Periode.text()), read_)
           .empty();
-  shown_ = boxes(ui);
+  // A code that is completed by leaving its box opens the card on the way to something else, which may
+  // have changed it by now.
+  const bool chosen = act.control == "Txt_Aidant" || act.control == "Cbo_Aidant";
+  shown_ = chosen ? boxes(ui) : std::map<int, std::string>();
 }
 
 std::string StoreJudge::bad_figure(const DbRecord& card) const {

@@ -20,7 +20,7 @@ class StoreJudge {
   // Before an act: what the screen is about to be asked.
   void before(Office& office, const std::string& control, const LineWatch& lines);
   // After an act: a card that came in hand.
-  void after(Office& office);
+  void after(Office& office, const Act& act);
   // The card in hand has taken what could not be checked.
   void excuse_card() { excused_ = true; }
   void judge(std::string_view file, std::string_view id, const store::DbRecord* record);

@@ -126,7 +126,6 @@ std::vector<Change> common_changes() {
   return {
       [](DbRecord&) {},  // namesakes of the card that it was made from
       [](DbRecord&) {},
-      put_many_items,
       put_unknown_codes,
       put_long_figures,
       put_unreadable_figures,
@@ -142,13 +141,14 @@ std::vector<Change> common_changes() {
   };
 }
 
-// Dates out of order and met twice, grids of one label, by the agreement.
+// Dates out of order and met twice, many items, grids of one label, by the agreement.
 std::vector<Change> changes_of_lines(std::string_view agreement) {
   const std::string before = day(1, 3, 2020), after = day(1, 2, 2023), later = day(1, 9, 2024);
   const auto grids = [=](std::string a, std::string b, std::string c) -> Change {
     return [=](DbRecord& card) { put_grids(card, {before, after, later}, {a, b, c}); };
   };
   std::vector<Change> changes{
+      put_many_items,
       [](DbRecord& card) {
         put_dates(card, {day(1, 6, 2024), day(1, 1, 2025), day(1, 9, 2024)});
       },
