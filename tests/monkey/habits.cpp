@@ -7,7 +7,7 @@ namespace {
 
 using Steps = std::vector<const char*>;
 
-const Steps kHours{"Txt_NbHresTrav", "Txt_NbHresPayees", "Cmd_OK", "Cmd_OK", "Cmd_Annuler"};
+const Steps kHours{"Txt_NbHresTrav", "Txt_NbHresPayees", "Cmd_OK", "Cmd_OK", "Cmd_OK", "Cmd_Annuler"};
 const Steps kItem{"Cbo_LibRub", "Txt_Code", "Txt_Base",      "Txt_Taux",   "Txt_Montant",
                   "Cmd_OK",     "Cmd_OK",   "Cmd_Supprimer", "Bdv_Detail", "Cmd_OK"};
 const Steps kItems{"Cmd_Ajouter", "Cmd_Ajouter", "Lst_Code", "Cmd_SaisieAuto", "Cmd_Retour", "Bdv_Detail"};
@@ -70,9 +70,9 @@ const char* Monkey::missing_step() {
 
 const char* Monkey::next_step_of_form() {
   if (office_->component.screen().top().name() == "Frm_SaisieHres") return any(kHours);
+  if (office_->control("Cmd_SaisieAuto").usable() && once_in(2)) return "Cmd_SaisieAuto";
   if (careful_) return missing_step_of_form();
-  if (entering_item(*item_form(*office_))) return any(kItem);
-  return office_->control("Cmd_SaisieAuto").usable() && once_in(3) ? "Cmd_SaisieAuto" : any(kItems);
+  return any(entering_item(*item_form(*office_)) ? kItem : kItems);
 }
 
 const char* Monkey::next_step_of_browsing() {

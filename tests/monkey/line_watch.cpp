@@ -123,9 +123,26 @@ std::string LineWatch::visited_amendment(Office& office, const Sight& now, const
   return visited.columns[kHours] == hours ? "" : "the hours of its items did not come to " + name_of(line);
 }
 
+// A line comes into its entry boxes whole, or not at all.
+std::string LineWatch::loaded_amendment(Office& office) const {
+  const auto lists = office.ui.amendment_lists();
+  const auto entries = office.ui.amendment_entries();
+  for (std::size_t c = 0; c < lists.size(); ++c) {
+    const std::string_view shown = lists[c]->line(office.ui.Lst_DatEffet.index());
+    if (entries[c]->text() != shown)
+      return entries[c]->name() + " shows <" + entries[c]->text() + "> of a line with <" +
+             std::string(shown) + ">";
+  }
+  return {};
+}
+
 std::string LineWatch::amendments(Office& office, const Act& act) {
   const Sight now = look(office);
   if (!same_card(now)) return {};
+  const bool opened = entering_amendment(office) && sight_.amendment == kNone;
+  if (opened && act.control != "Cmd_AjDetail") {
+    if (std::string breach = loaded_amendment(office); !breach.empty()) return breach;
+  }
   if (sight_.form || now.form) return visited_amendment(office, now, act);
   const bool confirmed = act.control == "Cmd_OkDetail" && !entering_amendment(office);
   if (confirmed && sight_.amendment != kNone && !act.store_failed) return confirmed_amendment(now);

@@ -47,6 +47,7 @@ class LineWatch {
 
   Sight look(Office& office) const;
   bool same_card(const Sight& now) const { return !now.card.empty() && now.card == sight_.card; }
+  std::string loaded_amendment(Office& office) const;
   std::string confirmed_amendment(const Sight& now) const;
   std::string visited_amendment(Office& office, const Sight& now, const Act& act) const;
   std::vector<std::string> carried_grids(const Sight& now, Office& office, const Act& act) const;
