@@ -1,7 +1,6 @@
 // Sees to it that an act changes no other line than the one it is about.
 #pragma once
 
-#include <map>
 #include <string>
 #include <vector>
 

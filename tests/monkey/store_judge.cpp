@@ -113,10 +113,15 @@ std::string StoreJudge::new_fault(std::string_view id, const DbRecord& card) con
   return faults.empty() ? "" : "stored with a fault it did not have: " + faults.front();
 }
 
-// What still shows what it showed is stored as it was; a grid that nobody chose anew as well.
+// What is shown is stored. What still shows what it showed is stored as it was; a grid that nobody chose
+// anew as well.
 std::string StoreJudge::lost_field(const DbRecord& card) const {
   if (writing_ != Writing::kCard) return {};
   const auto shows = boxes(office_->ui);
+  for (const auto& [attribute, text] : shows) {
+    if (!text.empty() && card(attribute).empty())
+      return "attribute " + std::to_string(attribute) + " is shown as <" + text + "> and stored as nothing";
+  }
   for (const auto& [attribute, text] : shown_) {
     if (shows.at(attribute) == text && card(attribute) != read_(attribute))
       return "attribute " + std::to_string(attribute) + " was <" + std::string(read_(attribute)) +
