@@ -5,6 +5,7 @@ namespace velanor::test {
 Monkey::Monkey(store::MemoryDatabase& base, Store kind, std::uint64_t seed)
     : base_(base), kind_(kind), failing_(base), store_(failing_), random_(seed), invariants_(base) {
   store_.judge = [this](std::string_view file, std::string_view id, const store::DbRecord* record) {
+    if (failing_.failures() != failures_) invariants_.judge().excuse_card();
     invariants_.judge().judge(file, id, record);
   };
   base.for_each("VELANORO",
@@ -102,7 +103,7 @@ screen::Refusal Monkey::act_on(screen::Control& control) {
 }
 
 bool Monkey::attempt(screen::Control& control) {
-  const int failures = failing_.failures();
+  failures_ = failing_.failures();
   // A failure soon, or deep in what a card is read with; choices and buttons are what reads and writes.
   const bool asks =
       dynamic_cast<screen::CommandButton*>(&control) || dynamic_cast<screen::ComboBox*>(&control);
@@ -114,7 +115,7 @@ bool Monkey::attempt(screen::Control& control) {
     office_->component.screen().top().settle_focus();
   }
   failing_.fail_at(0);
-  const bool failed = failing_.failures() != failures;
+  const bool failed = failing_.failures() != failures_;
   if (failed) note_more("the store fails");
   score_.failures += failed;
   return failed;

@@ -82,7 +82,8 @@ class Monkey {
   bool leaving_ = false;  // answers whatever lets it out
   bool careful_ = false;  // with the card in hand
   std::vector<std::pair<std::string, store::DbRecord>> stock_;
-  int acts_ = 0;  // of this component
+  int acts_ = 0;      // of this component
+  int failures_ = 0;  // of the store, before this act
   int refused_ = 0;
   Score score_;
 };
