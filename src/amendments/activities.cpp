@@ -62,10 +62,10 @@ void ActivityLines::Lst_Activites_DblClick() {
   if (changed_line_ < 0) return;
   const std::string line(ui_.Lst_Activites.line(changed_line_));
   begin_entry();
-  const card::Kept& activity = card_.activities[static_cast<std::size_t>(changed_line_)].activity;
+  const std::string_view code = card_.draft.record()(card::kActivity, changed_line_ + 1);
   // What stands in the line is what the file called it when the line was made; an activity that
   // has left the list shows the line's own text.
-  int entry = reference::find_entry(lists_.kept().activities, 1, activity.stored) - 1;
+  int entry = reference::find_entry(lists_.kept().activities, 1, code) - 1;
   for (int i = 0; entry < 0 && i < ui_.Cbo_Activites.count(); ++i) {
     if (card::is_activity_label(ui_.Cbo_Activites.line(i), line)) entry = i;
   }
@@ -105,20 +105,18 @@ void ActivityLines::add_line() {
   const int entry = ui_.Cbo_Activites.index() + 1;
   const std::string share = ui_.Txt_Pourc.text();
   ui_.Lst_Activites.add(card::activity_line(ui_.Cbo_Activites.text(), share));
-  card_.activities.push_back({{ui_.Cbo_Activites.text(), std::string(lists_.kept().activities(entry, 1))},
-                              {share, entry::text_to_stored(share, 2)}});
+  card_.draft.add_activity(lists_.kept().activities(entry, 1), share);
 }
 
 void ActivityLines::change_line() {
   const std::string share = ui_.Txt_Pourc.text();
-  const auto memory = card_.activities.begin() + changed_line_;
   if (share.empty() || share == "0,00") {
     ui_.Lst_Activites.remove(changed_line_);
-    card_.activities.erase(memory);
+    card_.draft.remove_activity(changed_line_);
     return;
   }
   ui_.Lst_Activites.replace(changed_line_, card::activity_line(ui_.Cbo_Activites.text(), share));
-  if (share != memory->share.shown) memory->share = {share, entry::text_to_stored(share, 2)};
+  card_.draft.change_share(changed_line_, share);
 }
 
 void ActivityLines::Cmd_OkAct_Click() {

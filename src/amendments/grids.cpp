@@ -93,8 +93,8 @@ void CareerGrids::RemplirQualif() {
   const store::DbRecord& table = procedure_.variable().qualif;
   std::vector<std::string> labels;
   for (const std::string& code : codes) {
-    const int value = reference::find_value(table, reference::kTableCodes, code);
-    labels.emplace_back(value > 0 ? table(reference::kTableLabels, value) : std::string_view());
+    const int value = card::find_value(table, card::kTableCodes, code);
+    labels.emplace_back(value > 0 ? table(card::kTableLabels, value) : std::string_view());
   }
   ui_.Cbo_Qualif.refill(std::move(codes));
   ui_.Cbo_Qualif.annotate(std::move(labels));
@@ -108,8 +108,8 @@ std::vector<std::string> CareerGrids::offered_qualifications() const {
   if (!splits_generations()) {
     const store::DbRecord& table = procedure_.variable().qualif;
     std::vector<std::string> codes;
-    for (int value = 1; !table(reference::kTableCodes, value).empty(); ++value)
-      codes.emplace_back(table(reference::kTableCodes, value));
+    for (int value = 1; !table(card::kTableCodes, value).empty(); ++value)
+      codes.emplace_back(table(card::kTableCodes, value));
     return codes;
   }
   const std::string id = listed_id();
@@ -154,12 +154,6 @@ std::string CareerGrids::listed_id() const {
   if (ui_.Cbo_Grille.is_empty()) return {};
   if (reference::find_entry(grids_, kId, id_) > 0) return id_;
   return std::string(grids_(reference::find_entry(grids_, kLabel, ui_.Cbo_Grille.text()), kId));
-}
-
-std::string CareerGrids::label_of(std::string_view id) const {
-  if (id.empty()) return {};
-  const auto grid = procedure_.file(control::File::kGrids).find(id);
-  return grid && !(*grid)(1).empty() ? std::string((*grid)(1)) : std::string(id);
 }
 
 bool CareerGrids::uses_categories() const {

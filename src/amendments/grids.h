@@ -40,8 +40,6 @@ class CareerGrids {
   // The id of the grid in Cbo_Grille, "" when the box is empty. Labels do not tell: two grids of an
   // agreement may share one.
   const std::string& chosen_id() const { return id_; }
-  // Label of a grid; its id when the file has it no more.
-  std::string label_of(std::string_view id) const;
   // The agreement in hand asks for a category.
   bool uses_categories() const;
 

@@ -6,24 +6,12 @@
 
 namespace velanor::amendments {
 
-using card::kAmendmentColumns;
-
 namespace {
 
 // clang-format off
 constexpr std::string_view kBeforeContract = "La date d'effet doit être supérieure ou égale à la date de début de contrat et à la date de début de période budgétaire.";
 constexpr std::string_view kGridOrRate = "Vous devez indiquer soit une date de départ de calcul dans la grille et une grille de déroulement de carrière, soit un taux horaire.";
 // clang-format on
-
-// Moves a value with its subvalues to another position of its attribute.
-void move_value(store::DbRecord& record, int attribute, int from, int to) {
-  std::vector<std::string> subvalues;
-  for (int s = 1; s <= record.Count(attribute, from); ++s) subvalues.emplace_back(record(attribute, from, s));
-  record.Delete(attribute, from);
-  if (record.Count(attribute) >= to) record.Insert(attribute, to, {});
-  for (std::size_t s = 0; s < subvalues.size(); ++s)
-    record.set(attribute, to, static_cast<int>(s) + 1, subvalues[s]);
-}
 
 }  // namespace
 
@@ -56,10 +44,20 @@ void AmendmentLines::bind() {
   };
 }
 
-void AmendmentLines::append(const card::AmendmentMemory& line) {
+void AmendmentLines::show_all() {
+  for (screen::ListBox* list : on_.ui.amendment_lists()) list->clear();
+  for (int line = 0; line < on_.card.draft.amendments(); ++line)
+    insert_line(line, on_.card.draft.amendment(line));
+  size_scroll_bar();
+}
+
+void AmendmentLines::insert_line(int position, const card::AmendmentText& line) {
   const auto lists = on_.ui.amendment_lists();
-  for (std::size_t c = 0; c < lists.size(); ++c) lists[c]->add(line[c].shown);
-  on_.card.amendments.push_back(line);
+  for (std::size_t c = 0; c < lists.size(); ++c) lists[c]->insert(position, line.shown[c]);
+}
+
+void AmendmentLines::remove_line(int position) {
+  for (screen::ListBox* list : on_.ui.amendment_lists()) list->remove(position);
 }
 
 void AmendmentLines::size_scroll_bar() {
@@ -164,8 +162,8 @@ void AmendmentLines::SelListe() {
   ui.Cmd_SuppDetail.set_enabled(true);
   fill_entry([&] {
     for (std::size_t c = 0; c < lists.size(); ++c) entries[c]->show_whole(lists[c]->line(index));
-    const card::Kept& grid = on_.card.amendments[static_cast<std::size_t>(index)][card::kGridColumn];
-    on_.grids.show(grid.stored, grid.shown);
+    const std::string grid(on_.card.draft.record()(card::kGrid, index + 1));
+    on_.grids.show(grid, std::string(ui.Lst_Grille.line(index)));
   });
   ui.Cmd_Detail.set_enabled(true);
 }
@@ -232,64 +230,30 @@ bool AmendmentLines::entry_is_valid() {
   return grid_or_rate_is_valid() && category_is_valid();
 }
 
-// What the entry controls hold, each beside what will be stored. A column that still shows what
-// it was loaded with keeps what was stored.
-card::AmendmentMemory AmendmentLines::entered_line() const {
-  const card::Codec codec(on_.entry);
+card::AmendmentText AmendmentLines::entered_line() const {
+  card::AmendmentText line;
   const auto entries = on_.ui.amendment_entries();
-  const card::AmendmentMemory* before =
-      on_.card.AjoutDetail ? nullptr : &on_.card.amendments[static_cast<std::size_t>(on_.card.edited_line)];
-  card::AmendmentMemory line;
-  for (std::size_t c = 0; c < line.size(); ++c) {
-    line[c] = {entries[c]->text(), kAmendmentColumns[c].stored(codec, entries[c]->text())};
-    if (before && (*before)[c].shown == line[c].shown) line[c] = (*before)[c];
-  }
-  line[card::kGridColumn].stored = on_.grids.chosen_id();
+  for (std::size_t c = 0; c < entries.size(); ++c) line.shown[c] = entries[c]->text();
+  line.grid = on_.grids.chosen_id();
   return line;
 }
 
-int AmendmentLines::insertion_position() const {
-  const screen::ListBox& dates = on_.ui.Lst_DatEffet;
-  const long entered = day(on_.ui.Txt_DatEffet.text());
-  int position = 0;
-  while (!dates.line(position).empty() && day(dates.line(position)) < entered) ++position;
+int AmendmentLines::add_line(card::AmendmentText line) {
+  card::Draft& draft = on_.card.draft;
+  const int position = draft.position_for(day(on_.ui.Txt_DatEffet.text()));
+  if (position < draft.amendments())
+    line.shown[card::kMonthlyColumn] = entry::format_pattern(on_.ui.Txt_HorMensEtab.text(), 2);
+  draft.insert_amendment(position, line);
+  insert_line(position, line);
   return position;
 }
 
-void AmendmentLines::show_line(int position, const card::AmendmentMemory& line) {
-  const auto lists = on_.ui.amendment_lists();
-  for (std::size_t c = 0; c < lists.size(); ++c) lists[c]->replace(position, line[c].shown);
-}
-
-void AmendmentLines::insert_line(int position, card::AmendmentMemory line) {
-  if (position < on_.ui.Lst_DatEffet.count()) {
-    const std::string hours = entry::format_pattern(on_.ui.Txt_HorMensEtab.text(), 2);
-    line[card::kMonthlyColumn] = {
-        hours, kAmendmentColumns[card::kMonthlyColumn].stored(card::Codec(on_.entry), hours)};
-  }
-  for (screen::ListBox* list : on_.ui.amendment_lists()) list->insert(position, {});
-  show_line(position, line);
-  on_.card.amendments.insert(on_.card.amendments.begin() + position, std::move(line));
-  // The items of the later lines move down with them.
-  for (int attribute : card::kItemColumns) {
-    if (on_.card.working.Count(attribute) > position) on_.card.working.Insert(attribute, position + 1, {});
-  }
-}
-
-// A line whose date has passed its neighbours' takes its place among them, items and all.
-int AmendmentLines::move_into_order(int position) {
-  const card::AmendmentMemory line = on_.card.amendments[static_cast<std::size_t>(position)];
-  for (screen::ListBox* list : on_.ui.amendment_lists()) list->remove(position);
-  on_.card.amendments.erase(on_.card.amendments.begin() + position);
-  const int target = insertion_position();
-  for (screen::ListBox* list : on_.ui.amendment_lists()) list->insert(target, {});
-  on_.card.amendments.insert(on_.card.amendments.begin() + target, line);
-  show_line(target, line);
-  if (target != position) {
-    for (int attribute : card::kItemColumns)
-      move_value(on_.card.working, attribute, position + 1, target + 1);
-  }
-  return target;
+int AmendmentLines::change_line(const card::AmendmentText& line) {
+  const int before = on_.card.edited_line;
+  const int position = on_.card.draft.change_amendment(before, line);
+  remove_line(before);
+  insert_line(position, line);
+  return position;
 }
 
 void AmendmentLines::Cmd_OkDetail_Click() {
@@ -297,18 +261,7 @@ void AmendmentLines::Cmd_OkDetail_Click() {
   if (!entry_is_valid()) return;
   ui.Txt_Categorie.show_whole(text::upper(ui.Txt_Categorie.text()));
   if (ui.Cbo_NouvMes.is_empty()) ui.Cbo_NouvMes.set_text("NON");
-  card::AmendmentMemory line = entered_line();
-  int position = on_.card.edited_line;
-  if (on_.card.AjoutDetail) {
-    position = insertion_position();
-    insert_line(position, std::move(line));
-  } else {
-    card::AmendmentMemory& own = on_.card.amendments[static_cast<std::size_t>(position)];
-    const bool dated = own[card::kEffectiveColumn].shown != line[card::kEffectiveColumn].shown;
-    own = line;
-    show_line(position, line);
-    if (dated) position = move_into_order(position);
-  }
+  const int position = on_.card.AjoutDetail ? add_line(entered_line()) : change_line(entered_line());
   on_.card.current_line = position + 1;
   end_entry();
   size_scroll_bar();
@@ -328,11 +281,8 @@ void AmendmentLines::Cmd_AnnulDetail_Click() {
 void AmendmentLines::Cmd_SuppDetail_Click() {
   const int line = line_in_hand();
   if (line < 0 || !on_.screen.confirm_loss("Voulez-vous supprimer cette ligne ?")) return;
-  for (int attribute : card::kItemColumns) {
-    if (on_.card.working.Count(attribute) > line) on_.card.working.Delete(attribute, line + 1);
-  }
-  for (screen::ListBox* list : on_.ui.amendment_lists()) list->remove(line);
-  on_.card.amendments.erase(on_.card.amendments.begin() + line);
+  on_.card.draft.remove_amendment(line);
+  remove_line(line);
   end_entry();
   size_scroll_bar();
   select(-1);
@@ -347,6 +297,7 @@ void AmendmentLines::Cmd_Detail_Click() {
   on_.card.current_line = line + 1;
   open_items_([this, line](const MonthlyTime& monthly_time) {
     if (!monthly_time) return;
+    on_.card.draft.put_monthly_time(line, *monthly_time);
     on_.ui.Lst_DureMens.replace(line, *monthly_time);
     on_.ui.Txt_DureMens.show_whole(*monthly_time);
   });

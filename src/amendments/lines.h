@@ -34,8 +34,8 @@ class AmendmentLines {
 
   void bind();
 
-  // A line at the end, as a record was loaded: what each list shows and what was stored.
-  void append(const card::AmendmentMemory& line);
+  // The lists show the amendments of the draft.
+  void show_all();
   // The scroll bar follows the number of lines.
   void size_scroll_bar();
   // The whole line becomes the selected one; -1: none.
@@ -80,11 +80,12 @@ class AmendmentLines {
   // Fills an entry that has just begun; if that fails there is none.
   template <typename Fill>
   void fill_entry(Fill fill);
-  card::AmendmentMemory entered_line() const;
-  int insertion_position() const;
-  void insert_line(int position, card::AmendmentMemory line);
-  int move_into_order(int position);
-  void show_line(int position, const card::AmendmentMemory& line);
+  card::AmendmentText entered_line() const;
+  int add_line(card::AmendmentText line);
+  int change_line(const card::AmendmentText& line);
+  // The lists get a line (or lose it), and show it.
+  void insert_line(int position, const card::AmendmentText& line);
+  void remove_line(int position);
   long day(std::string_view date) const;
 
   Ground on_;

@@ -37,6 +37,24 @@ inline constexpr std::array<AmendmentColumn, 8> kAmendmentColumns{
 inline constexpr std::size_t kEffectiveColumn = 0;
 inline constexpr std::size_t kQualificationColumn = 2;
 inline constexpr std::size_t kGridColumn = 3;
+inline constexpr std::size_t kHourlyRateColumn = 6;
 inline constexpr std::size_t kMonthlyColumn = 7;
+
+// The figures of a payroll item, in the order in which they are shown.
+struct ItemFigure {
+  int attribute;
+  int integer_digits;
+  int decimals;
+  std::string (*shown)(const Codec&, std::string_view stored);
+};
+
+template <auto A>
+constexpr ItemFigure item_figure(int integer_digits, int decimals) {
+  return {A.number, integer_digits, decimals,
+          [](const Codec& codec, std::string_view stored) { return codec.shown(A, stored); }};
+}
+
+inline constexpr std::array<ItemFigure, 3> kItemFigures{
+    item_figure<kItemBase>(5, 2), item_figure<kItemRate>(3, 4), item_figure<kItemAmount>(5, 2)};
 
 }  // namespace velanor::card

@@ -1,34 +1,19 @@
-// The card in hand: its records, its flags, and what its lines were loaded from.
+// The card in hand: its draft and its flags.
 #pragma once
 
-#include <array>
-#include <map>
 #include <optional>
 #include <string>
-#include <vector>
 
+#include "card/record/draft.h"
 #include "store/database.h"
 
 namespace velanor::card {
 
-// A stored value beside what the screen showed of it. While the screen still shows the same, the
-// stored value is given back, so that an untouched card is saved as it was, whatever it held.
-struct Kept {
-  std::string shown;
-  std::string stored;
-};
-
-// One line of the amendments, column by column in the order of CardScreen::amendment_lists.
-using AmendmentMemory = std::array<Kept, 8>;
-
-struct ActivityMemory {
-  Kept activity;  // line's label, ACTIVITES id
-  Kept share;
-};
-
 // No behaviour: the rules read and write it. One card after another.
 struct CardState {
-  store::DbRecord working;                // what saving will write
+  explicit CardState(const Reading& reading) : draft(reading) {}
+
+  Draft draft;                            // what saving will write; lines at once, fields when it is saved
   std::optional<store::FileRecord> file;  // bound to the stored card, with its content
   std::string CodeAidant;                 // employee code of the card
   bool Creation = false;                  // a new card is being entered
@@ -48,10 +33,6 @@ struct CardState {
   std::string only_establishment;  // code of the entity's establishment when it has just one
   std::string grouping;            // current budget grouping code
   store::DbRecord agreement;       // the collective agreement last read by its code
-
-  std::map<int, Kept> kept;  // single-valued attributes
-  std::vector<AmendmentMemory> amendments;
-  std::vector<ActivityMemory> activities;
 };
 
 }  // namespace velanor::card

@@ -100,6 +100,10 @@ void CardCommands::list_employees() {
   if (failure) std::rethrow_exception(failure);
 }
 
+void CardCommands::put_in_hand(const store::DbRecord& record) {
+  on_.card.draft = card::Draft(on_.card.draft.reading(), record);
+}
+
 void CardCommands::keep_or_end_copying() {
   if (on_.card.open) return;
   const bool same = entity() == on_.card.entity && year() == on_.card.year;
@@ -113,9 +117,6 @@ void CardCommands::start_card(bool creation) {
   on_.card.year = year();
   on_.card.AjoutDetail = on_.card.AjoutActivite = false;
   on_.card.edited_line = -1;
-  on_.card.kept.clear();
-  on_.card.activities.clear();
-  on_.card.amendments.clear();
   on_.states.empty_fields();
   on_.lists.ChercheRegroupBudget({});
   {
@@ -131,7 +132,7 @@ void CardCommands::open_or_browse(Open open) {
   try {
     open();
   } catch (...) {
-    on_.card.working = {};
+    put_in_hand({});
     on_.card.file.reset();
     clear_display();
     close_card();
@@ -149,7 +150,7 @@ void CardCommands::show_employee(const store::DbRecord& record) {
   card::CardScreen& ui = on_.ui;
   start_card(false);
   on_.card.CodeAidant = ui.Txt_Aidant.text();
-  on_.card.working = record;
+  put_in_hand(record);
   on_.card.file = on_.procedure.file(control::File::kCards).Record(id_of(on_.card.CodeAidant));
   on_.card.file->assign(record);
   on_.record.ChargerAidant();
@@ -172,7 +173,7 @@ void CardCommands::show_employee(const store::DbRecord& record) {
 
 void CardCommands::employee_left() {
   if (!on_.card.open || on_.card.loading || on_.states.year_is_open()) return;
-  on_.card.working = {};
+  put_in_hand({});
   on_.card.file.reset();
   clear_display();
   close_card();
@@ -187,7 +188,7 @@ void CardCommands::Cmd_Ajout_Click() {
 void CardCommands::show_new_card() {
   card::CardScreen& ui = on_.ui;
   on_.card.CodeAidant.clear();
-  on_.card.working = {};
+  put_in_hand({});
   on_.card.file.reset();
   start_card(true);
   on_.states.DeGriserOng();
@@ -220,7 +221,7 @@ void CardCommands::Cmd_OK_Click() {
   if (on_.card.Erreur) return;
   on_.card.CodeAidant = on_.ui.Txt_Aidant.text();
   // What the clerk sees stays what is in hand if the store fails.
-  const store::DbRecord in_hand = on_.card.working;
+  const card::Draft in_hand = on_.card.draft;
   try {
     on_.record.ChargerDonnees();
     if (on_.card.Creation) {
@@ -228,11 +229,11 @@ void CardCommands::Cmd_OK_Click() {
       on_.card.file = on_.procedure.file(control::File::kCards).Record(id_of(on_.card.CodeAidant));
     }
     store::FileRecord file = *on_.card.file;
-    file.assign(on_.card.working);
+    file.assign(on_.card.draft.record());
     write_card(file);
     on_.card.file = file;
   } catch (...) {
-    on_.card.working = in_hand;
+    on_.card.draft = in_hand;
     if (on_.card.Creation) on_.card.file.reset();
     throw;
   }

@@ -64,6 +64,7 @@ class CardCommands {
   static void write_card(store::FileRecord& card);
   void enter_entity();
   void list_employees();
+  void put_in_hand(const store::DbRecord& record);
   void start_card(bool creation);
   void show_employee(const store::DbRecord& record);
   void show_new_card();

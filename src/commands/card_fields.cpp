@@ -51,7 +51,7 @@ void CardFields::Txt_DatFin_LostFocus(entry::DateOutcome outcome) {
   const bool passed = outcome == entry::DateOutcome::kPassed;
   if (!passed) {
     on_.ui.Cbo_MotifFin.set_text({});
-    on_.card.kept.erase(card::kEndReason);
+    on_.card.draft.put_stored(card::kEndReason, {});
   }
   on_.ui.Cbo_MotifFin.set_enabled(passed);
 }
@@ -195,8 +195,7 @@ void CardFields::bind_labels() {
 void CardFields::Cbo_NatureContrat_LostFocus() {
   screen::ComboBox& box = on_.ui.Cbo_NatureContrat;
   if (!box.edited() || box.is_empty() || box.find(box.text()) >= 0) return;
-  const auto kept = on_.card.kept.find(card::kContractNature);
-  if (kept != on_.card.kept.end() && kept->second.shown == box.text()) return;
+  if (on_.card.draft.nature() == box.text()) return;
   if (reference::take_typed(box) == reference::Found::kOne) return;
   on_.screen.refuse("La nature saisie n'existe pas, veuillez la ressaisir.");
   on_.ui.set_focus(box);

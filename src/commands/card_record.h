@@ -4,13 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "amendments/grids.h"
 #include "amendments/lines.h"
 #include "card/card_screen.h"
 #include "card/card_state.h"
-#include "card/codec.h"
+#include "card/record/draft.h"
 #include "card/states.h"
-#include "control/session.h"
 
 namespace velanor::commands {
 
@@ -22,55 +20,43 @@ class CardRecord {
   struct Ground {
     card::CardScreen& ui;
     card::CardState& card;
-    const control::Procedure& procedure;
     entry::UtilSaisie& entry;
     reference::ReferenceLists& lists;
-    amendments::CareerGrids& grids;
     amendments::AmendmentLines& amendments;
   };
   explicit CardRecord(const Ground& ground);
 
-  // Every control of the card from the working record. The fields must be empty. Says nothing,
-  // whatever codes the record holds.
+  // Every control of the card from the draft. The fields must be empty. Says nothing, whatever codes the
+  // record holds.
   void ChargerAidant();
-  // Every attribute of the working record from the controls.
+  // The draft with what the controls hold; its lines are in it already.
+  card::Draft entered() const;
+  // Every attribute of the draft, as it is saved.
   void ChargerDonnees();
 
  private:
-  // A text control and the attribute that it shows.
+  // A text control and the field that it shows.
   struct Field {
-    int attribute;
     screen::TextControl* box;
-    std::string (*shown)(const card::Codec&, std::string_view stored);
-    std::string (*stored)(const card::Codec&, std::string_view shown);
+    std::string (*shown)(const card::Draft&);
+    void (*put)(card::Draft&, std::string_view shown);
   };
   template <auto A>
   static Field field(screen::TextControl& box);
-
-  void show(int attribute, screen::TextControl& box, const std::string& text);
-  // What to store for a box: what was loaded while it reads the same, else `otherwise`.
-  std::string kept_or(int attribute, const screen::TextControl& box, std::string otherwise) const;
 
   void load_options();
   void load_activities();
   void load_amendments();
   void load_end_reason();
   void load_establishment();
-  void load_table_entry(int attribute, screen::ComboBox& box, const store::DbRecord& table);
+  void load_mutual_shares();
+  static void load_entry(screen::ComboBox& box, const std::string& entry);
   void load_charge();
-
-  void save_activities();
-  void save_amendments();
-  void save_end_reason();
-  void save_results();
 
   card::CardScreen& ui_;
   card::CardState& card_;
-  const control::Procedure& procedure_;
-  card::Codec codec_;
   entry::UtilSaisie& entry_;
   reference::ReferenceLists& lists_;
-  amendments::CareerGrids& grids_;
   amendments::AmendmentLines& amendments_;
   std::vector<Field> fields_;
 };

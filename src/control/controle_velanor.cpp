@@ -7,7 +7,6 @@
 #include "amendments/lines.h"
 #include "card/card_screen.h"
 #include "card/card_state.h"
-#include "card/item_hours.h"
 #include "card/states.h"
 #include "card/years.h"
 #include "commands/card_commands.h"
@@ -34,6 +33,7 @@ struct Rules {
   card::CardScreen& ui;
   screen::Screen& screen;
   control::Procedure procedure;
+  card::Reading reading;
   card::CardState card;
   card::YearTable years;
   std::string default_agreement;
@@ -57,6 +57,8 @@ Rules::Rules(card::CardScreen& card_ui, screen::Screen& forms, entry::UtilSaisie
     : ui(card_ui),
       screen(forms),
       procedure(database),
+      reading{card::Codec(entry), card::Labels(procedure)},
+      card(reading),
       states(ui, card, years),
       lists(ui, card, procedure),
       pairs(card, screen),
@@ -67,8 +69,8 @@ Rules::Rules(card::CardScreen& card_ui, screen::Screen& forms, entry::UtilSaisie
       lines({ui, card, states, grids, lists, entry, screen},
             [this](auto closed) { open_items(std::move(closed)); }),
       activities(ui, card, states, lists, screen),
-      record({ui, card, procedure, entry, lists, grids, lines}),
-      validation(ui, card, procedure, entry, screen),
+      record({ui, card, entry, lists, lines}),
+      validation(ui, card, record, procedure, screen),
       commands({ui, card, states, years, procedure, lists, record, validation, screen},
                [this] { return default_agreement; }),
       card_fields({ui, card, states, procedure, lists, grids, screen}) {}
@@ -101,7 +103,7 @@ forms::ItemContext Rules::item_context() const {
 void Rules::open_items(std::function<void(const amendments::AmendmentLines::MonthlyTime&)> closed) {
   item_form.open(item_context(), [this, closed = std::move(closed)] {
     if (ui.Opt_Admin.value()) return closed(std::nullopt);
-    closed(card::item_hours(card.working, card.current_line, procedure.file(control::File::kItems)));
+    closed(card.draft.item_hours(card.current_line - 1));
   });
 }
 
@@ -141,7 +143,7 @@ void ControleVelanor::TheDatabase(store::Database& database) { parts_->database 
 screen::Screen& ControleVelanor::screen() { return parts_->screen; }
 const store::DbRecord& ControleVelanor::card_in_hand() const {
   static const store::DbRecord kNone;
-  return parts_->rules ? parts_->rules->card.working : kNone;
+  return parts_->rules ? parts_->rules->card.draft.record() : kNone;
 }
 bool ControleVelanor::closed() const { return parts_->closed; }
 

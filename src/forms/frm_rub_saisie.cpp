@@ -1,7 +1,5 @@
 #include "forms/frm_rub_saisie.h"
 
-#include "card/item_hours.h"
-#include "card/record_compare.h"
 #include "card/record_layout.h"
 #include "entry/amount.h"
 #include "entry/decimal.h"
@@ -14,21 +12,11 @@ namespace {
 
 constexpr int kPageOfLines = 15;
 
-// The figures of a line: which attribute stores a column, and how it is shown.
-struct Figure {
-  std::size_t column;
-  int attribute;
-  int integer_digits;
-  int decimals;
-};
-constexpr std::array<Figure, 3> kFigures{
-    {{2, card::kItemBase, 5, 2}, {3, card::kItemRate, 3, 4}, {4, card::kItemAmount, 5, 2}}};
-
 }  // namespace
 
 Frm_RubSaisie::Frm_RubSaisie(card::CardState& card, const control::Procedure& procedure,
                              entry::UtilSaisie& entry, Frm_SaisieHres& hours, screen::Screen& screen)
-    : card_(card), procedure_(procedure), entry_(entry), hours_(hours), screen_(screen) {
+    : card_(card), procedure_(procedure), entry_(entry), hours_(hours), screen_(screen), copy_(card.draft) {
   using screen::Key;
   bind_columns();
   ui_.Bdv_Detail.changed += [this] { Bdv_Detail_Change(); };
@@ -82,7 +70,7 @@ void Frm_RubSaisie::open(const ItemContext& context, std::function<void()> close
 
 void Frm_RubSaisie::Form_Load() {
   for (screen::ListBox* list : ui_.columns()) list->clear();
-  copy_ = card_.working;
+  copy_ = card_.draft;
   FermetureAutorisee = false;
   TauxParDefaut = false;
   edited_line_ = -1;
@@ -103,8 +91,8 @@ void Frm_RubSaisie::Remplir_RubSaisie() {
 void Frm_RubSaisie::Afficher_Donnees() {
   for (screen::ListBox* list : ui_.columns()) list->clear();
   lines_.clear();
-  for (int n = 1; !card_.working(card::kItemCode, context_.amendment, n).empty(); ++n)
-    add_line(ui_.Lst_Code.count(), stored_line(n));
+  for (card::ItemText& item : card_.draft.items(context_.amendment - 1))
+    add_line(ui_.Lst_Code.count(), in_columns(std::move(item)));
   ui_.Cmd_SaisieAuto.set_enabled(ui_.Lst_Code.count() == 0 && !context_.SaisieAutoBloquee);
   control::size_scroll_bar(ui_.Bdv_Detail, ui_.Lst_Code, kPageOfLines);
   if (context_.ModifAutorisee) return;
@@ -115,55 +103,43 @@ void Frm_RubSaisie::Afficher_Donnees() {
 
 // ---- The grid and the edit line.
 
-std::string Frm_RubSaisie::column_text(std::size_t column, std::string_view text) const {
-  for (const Figure& figure : kFigures) {
-    if (figure.column == column && !text.empty())
-      return entry_.FormatColumn(text, figure.integer_digits, figure.decimals);
-  }
-  return std::string(text);
+std::string Frm_RubSaisie::column_text(std::size_t figure, std::string_view text) const {
+  const card::ItemFigure& column = card::kItemFigures[figure];
+  return text.empty() ? std::string() : entry_.FormatColumn(text, column.integer_digits, column.decimals);
 }
 
-Frm_RubSaisie::ItemLine Frm_RubSaisie::stored_line(int line) const {
-  const auto stored = [&](int attribute) {
-    return std::string(card_.working(attribute, context_.amendment, line));
-  };
-  const std::string code = stored(card::kItemCode);
-  const auto item = procedure_.file(control::File::kItems).find(code);
-  ItemLine shown{{{code, code}, {item ? std::string((*item)(1)) : std::string(), {}}}};
-  for (const Figure& figure : kFigures) {
-    const std::string value = stored(figure.attribute);
-    const std::string text = entry::stored_to_text(value, figure.decimals, figure.decimals);
-    shown[figure.column] = {column_text(figure.column, text), value};
-  }
-  return shown;
+card::ItemText Frm_RubSaisie::in_columns(card::ItemText line) const {
+  for (std::size_t f = 0; f < line.figures.size(); ++f)
+    line.figures[f].shown = column_text(f, line.figures[f].shown);
+  return line;
 }
 
-Frm_RubSaisie::ItemLine Frm_RubSaisie::edit_line() const {
-  const std::string& code = ui_.Txt_Code.text();
-  ItemLine line{{{code, code}, {ui_.Cbo_LibRub.text(), {}}}};
+card::ItemText Frm_RubSaisie::edit_line() const {
+  card::ItemText line{ui_.Txt_Code.text(), ui_.Cbo_LibRub.text(), {}};
   const screen::TextBox* const boxes[] = {&ui_.Txt_Base, &ui_.Txt_Taux, &ui_.Txt_Montant};
-  for (std::size_t f = 0; f < kFigures.size(); ++f) {
-    const Figure& figure = kFigures[f];
+  for (std::size_t f = 0; f < line.figures.size(); ++f) {
     const std::string& text = boxes[f]->text();
-    card::Kept& own = line[figure.column];
-    own = {column_text(figure.column, text), entry::text_to_stored(text, figure.decimals)};
+    card::ItemText::Figure& own = line.figures[f];
+    own = {column_text(f, text), entry::text_to_stored(text, card::kItemFigures[f].decimals)};
     if (edited_line_ < 0) continue;
-    const card::Kept& before = lines_[static_cast<std::size_t>(edited_line_)][figure.column];
+    const card::ItemText::Figure& before = lines_[static_cast<std::size_t>(edited_line_)].figures[f];
     if (before.shown == own.shown) own = before;
   }
   return line;
 }
 
-void Frm_RubSaisie::add_line(int position, ItemLine line) {
+void Frm_RubSaisie::add_line(int position, card::ItemText line) {
   for (screen::ListBox* list : ui_.columns()) list->insert(position, {});
   lines_.insert(lines_.begin() + position, std::move(line));
   show_line(position);
 }
 
 void Frm_RubSaisie::show_line(int position) {
-  const auto columns = ui_.columns();
-  const ItemLine& line = lines_[static_cast<std::size_t>(position)];
-  for (std::size_t c = 0; c < columns.size(); ++c) columns[c]->replace(position, line[c].shown);
+  const card::ItemText& line = lines_[static_cast<std::size_t>(position)];
+  ui_.Lst_Code.replace(position, line.code);
+  ui_.Lst_LibRub.replace(position, line.label);
+  screen::ListBox* const lists[] = {&ui_.Lst_Base, &ui_.Lst_Taux, &ui_.Lst_Montant};
+  for (std::size_t f = 0; f < line.figures.size(); ++f) lists[f]->replace(position, line.figures[f].shown);
 }
 
 void Frm_RubSaisie::remove_line(int index) {
@@ -403,32 +379,12 @@ void Frm_RubSaisie::Cmd_Supprimer_Click() {
   write_grid();
 }
 
-// ---- Between the grid and the working record.
+// ---- Between the grid and the card.
 
-void Frm_RubSaisie::write_grid() {
-  const int a = context_.amendment;
-  const int count = static_cast<int>(lines_.size());
-  store::DbRecord& record = card_.working;
-  for (int n = 1; n <= count; ++n) {
-    const ItemLine& line = lines_[static_cast<std::size_t>(n - 1)];
-    record.set(card::kItemCode, a, n, line.front().stored);
-    for (const Figure& figure : kFigures) record.set(figure.attribute, a, n, line[figure.column].stored);
-  }
-  for (int attribute : card::kItemColumns) {
-    while (record.Count(attribute, a) > count) record.Delete(attribute, a, record.Count(attribute, a));
-  }
-}
-
-bool Frm_RubSaisie::items_changed() const {
-  for (int attribute : card::kItemColumns) {
-    if (!card::same_value(card_.working, copy_, attribute, context_.amendment)) return true;
-  }
-  return false;
-}
+void Frm_RubSaisie::write_grid() { card_.draft.put_items(context_.amendment - 1, lines_); }
 
 bool Frm_RubSaisie::hours_accepted() {
-  const std::string entered =
-      card::item_hours(card_.working, context_.amendment, procedure_.file(control::File::kItems));
+  const std::string entered = card_.draft.item_hours(context_.amendment - 1);
   constexpr int kLegalMonthlyHours = 15167;  // hundredths: 35 hours a week over a year
   const auto legal = entry::parse_decimal(context_.establishment_hours, 2).value_or(kLegalMonthlyHours);
   if (entry::parse_decimal(entered, 2).value_or(0) <= legal) return true;
@@ -437,14 +393,14 @@ bool Frm_RubSaisie::hours_accepted() {
 }
 
 void Frm_RubSaisie::Cmd_Retour_Click() {
-  if (items_changed()) {
+  if (!card_.draft.same_items(copy_, context_.amendment - 1)) {
     screen_.toolkit().beep();
     if (screen_.confirm("Voulez-vous enregistrer les modifications apportées à cet article ?",
                         screen::Icon::Exclamation)) {
       write_grid();
       if (!hours_accepted()) return;
     } else {
-      card_.working = copy_;
+      card_.draft = copy_;
     }
   }
   unload();
@@ -455,7 +411,6 @@ void Frm_RubSaisie::unload() {
   for (screen::ListBox* list : ui_.columns()) list->clear();
   lines_.clear();
   catalogue_.release();
-  copy_ = {};
   screen_.close(ui_);
 }
 
@@ -479,19 +434,24 @@ void Frm_RubSaisie::Cmd_SaisieAuto_Click() {
 void Frm_RubSaisie::fill_from(const store::DbRecord& record, const Hours& hours) {
   const screen::Busy busy(screen_.toolkit());
   for (const FilledItem& item : fill_template(record, hours, procedure_.file(control::File::kItems))) {
-    ItemLine line{
-        {{item.code, item.code}, {item.label, {}}, {item.base, {}}, {item.rate, {}}, {item.amount, {}}}};
-    for (const Figure& figure : kFigures) {
-      card::Kept& own = line[figure.column];
-      const int width = figure.integer_digits + 1 + figure.decimals;
-      own.shown = own.shown.empty() ? text::pad_left("0,00", width) : column_text(figure.column, own.shown);
-      own.stored = entry::text_to_stored(own.shown, figure.decimals);
-    }
-    add_line(ui_.Lst_Code.count(), std::move(line));
+    add_line(ui_.Lst_Code.count(), filled_line(item));
   }
   control::size_scroll_bar(ui_.Bdv_Detail, ui_.Lst_Code, kPageOfLines);
   ui_.Cmd_SaisieAuto.set_enabled(false);
   write_grid();
+}
+
+// Empty figures of filled lines show as "0,00".
+card::ItemText Frm_RubSaisie::filled_line(const FilledItem& item) const {
+  card::ItemText line{item.code, item.label, {{{item.base, {}}, {item.rate, {}}, {item.amount, {}}}}};
+  for (std::size_t f = 0; f < line.figures.size(); ++f) {
+    const card::ItemFigure& column = card::kItemFigures[f];
+    card::ItemText::Figure& own = line.figures[f];
+    const int width = column.integer_digits + 1 + column.decimals;
+    own.shown = own.shown.empty() ? text::pad_left("0,00", width) : column_text(f, own.shown);
+    own.stored = entry::text_to_stored(own.shown, column.decimals);
+  }
+  return line;
 }
 
 }  // namespace velanor::forms

@@ -10,6 +10,7 @@
 #include "control/session.h"
 #include "forms/frm_saisie_hres.h"
 #include "forms/item_catalogue.h"
+#include "forms/item_template.h"
 
 namespace velanor::forms {
 
@@ -61,7 +62,7 @@ struct ItemContext {
   bool SaisieAutoBloquee = true;
 };
 
-// Works on the working record of the card; nothing here reaches the database.
+// Works on the draft of the card; nothing here reaches the database.
 class Frm_RubSaisie {
  public:
   Frm_RubSaisie(card::CardState& card, const control::Procedure& procedure, entry::UtilSaisie& entry,
@@ -111,19 +112,18 @@ class Frm_RubSaisie {
   void allow(screen::TextBox& box, bool on);
   bool edit_line_is_valid();
   bool refuse(std::string_view message, screen::Control& caret);
-  std::string column_text(std::size_t column, std::string_view text) const;
-  // A line of the grid, column by column: what it shows beside what is stored.
-  using ItemLine = std::array<card::Kept, 5>;
-  ItemLine stored_line(int line) const;
+  std::string column_text(std::size_t figure, std::string_view text) const;
+  // A line as the columns show it.
+  card::ItemText in_columns(card::ItemText line) const;
+  card::ItemText filled_line(const FilledItem& item) const;
   // The edit line; a figure that reads as before is stored as before.
-  ItemLine edit_line() const;
-  void add_line(int position, ItemLine line);
+  card::ItemText edit_line() const;
+  void add_line(int position, card::ItemText line);
   void show_line(int position);
   void remove_line(int index);
   void abandon_edit_line();
   void back_to_browsing();
   void write_grid();
-  bool items_changed() const;
   bool hours_accepted();
   void fill_from(const store::DbRecord& record, const Hours& hours);
   void unload();
@@ -135,15 +135,15 @@ class Frm_RubSaisie {
   Frm_SaisieHres& hours_;
   screen::Screen& screen_;
 
-  std::vector<ItemLine> lines_;  // as the columns show them
-  int edited_line_ = -1;         // index of the line under edit; -1: none, or a new one
-  std::string item_code_;        // the item that the figures in the edit line were typed for
+  std::vector<card::ItemText> lines_;  // of the grid, as the columns show them
+  int edited_line_ = -1;               // index of the line under edit; -1: none, or a new one
+  std::string item_code_;              // the item that the figures in the edit line were typed for
   ItemContext context_;
   bool TauxParDefaut = false;  // a line is being added
   bool FermetureAutorisee = false;
   int PositionInsertion = 0;
   ItemCatalogue catalogue_;
-  store::DbRecord copy_;  // the working record as it was when the form opened
+  card::Draft copy_;  // the card as it was when the form opened
 };
 
 }  // namespace velanor::forms

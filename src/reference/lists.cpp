@@ -1,5 +1,6 @@
 #include "reference/lists.h"
 
+#include "card/record/labels.h"
 #include "card/record_layout.h"
 #include "store/text_literal.h"
 #include "text/utf8.h"
@@ -9,12 +10,6 @@ namespace {
 
 constexpr int kId = 1;
 constexpr int kLabel = 2;
-
-// Of a reason in "FINCONTRAT".
-bool is_offered(const store::DbRecord& reasons, int value) {
-  constexpr int kNeverListed = 5;
-  return reasons(kNeverListed, value) != "O";
-}
 
 std::vector<std::string> labels_of(const store::DbResult& result) {
   std::vector<std::string> labels;
@@ -32,26 +27,6 @@ std::vector<std::string> employee_codes(const store::DbResult& employees) {
 }
 
 }  // namespace
-
-int find_value(const store::DbRecord& table, int column, std::string_view text) {
-  const int count = table.Count(column);
-  for (int value = 1; value <= count; ++value) {
-    if (table(column, value) == text) return value;
-  }
-  return 0;
-}
-
-std::string offered_reason(const store::DbRecord& reasons, std::string_view label) {
-  for (int value = 1; !label.empty() && value <= reasons.Count(kTableLabels); ++value) {
-    if (reasons(kTableLabels, value) == label && is_offered(reasons, value))
-      return std::string(reasons(kTableCodes, value));
-  }
-  return {};
-}
-
-std::string table_entry(const store::DbRecord& table, int value) {
-  return std::string(table(kTableCodes, value)).append(" ").append(table(kTableLabels, value));
-}
 
 int find_entry(const store::DbResult& result, int field, std::string_view text) {
   const int count = result.DCount();
@@ -153,9 +128,9 @@ void ReferenceLists::RemplirFinContrat() {
   const store::DbRecord& table = procedure_.variable().fincontrat;
   ui_.Cbo_MotifFin.set_enabled(true);
   ui_.Cbo_MotifFin.clear();
-  if (table(kTableLabels, 1).empty()) return;
-  for (int value = 1; value <= table.Count(kTableLabels); ++value) {
-    if (is_offered(table, value)) ui_.Cbo_MotifFin.add(table(kTableLabels, value));
+  if (table(card::kTableLabels, 1).empty()) return;
+  for (int value = 1; value <= table.Count(card::kTableLabels); ++value) {
+    if (card::is_offered(table, value)) ui_.Cbo_MotifFin.add(table(card::kTableLabels, value));
   }
 }
 
@@ -180,15 +155,15 @@ void ReferenceLists::fill_natures() {
   constexpr int kListed = 4;
   if (ui_.Cbo_NatureContrat.count() > 0) return;
   const store::DbRecord& table = procedure_.variable().naturecontrat;
-  for (int value = 1; value <= table.Count(kTableCodes); ++value) {
-    if (table(kListed, value) == "O") ui_.Cbo_NatureContrat.add(table_entry(table, value));
+  for (int value = 1; value <= table.Count(card::kTableCodes); ++value) {
+    if (table(kListed, value) == "O") ui_.Cbo_NatureContrat.add(card::table_entry(table, value));
   }
 }
 
 void ReferenceLists::fill_diplomas() {
   const store::DbRecord& table = procedure_.variable().diplomes;
-  for (int value = 1; value <= table.Count(kTableCodes); ++value)
-    ui_.Cbo_EtudeAidant.add(table_entry(table, value));
+  for (int value = 1; value <= table.Count(card::kTableCodes); ++value)
+    ui_.Cbo_EtudeAidant.add(card::table_entry(table, value));
 }
 
 void ReferenceLists::fill_card_lists() {
@@ -213,11 +188,13 @@ void ReferenceLists::ChercheRegroupBudget(std::string_view qualification) {
   }
   const store::DbRecord& qualifications = procedure_.variable().qualif;
   const store::DbRecord& groupings = procedure_.variable().regroupbudget;
-  const int i = find_value(qualifications, kTableCodes, qualification);
-  const int j = i == 0 ? 0 : find_value(groupings, kTableCodes, qualifications(kGroupingOfQualification, i));
+  const int i = card::find_value(qualifications, card::kTableCodes, qualification);
+  const int j =
+      i == 0 ? 0
+             : card::find_value(groupings, card::kTableCodes, qualifications(kGroupingOfQualification, i));
   if (j == 0) return;
-  ui_.Txt_RegroupBudget.set_text(groupings(kTableLabels, j));
-  ui_.Txt_CodeRegBud.set_text(groupings(kTableCodes, j));
+  ui_.Txt_RegroupBudget.set_text(groupings(card::kTableLabels, j));
+  ui_.Txt_CodeRegBud.set_text(groupings(card::kTableCodes, j));
   card_.grouping = ui_.Txt_CodeRegBud.text();
 }
 

@@ -69,15 +69,6 @@ class ReferenceLists {
   KeptResults kept_;
 };
 
-// Columns of the records cached from the file TABLES, value by value.
-inline constexpr int kTableCodes = 2;
-inline constexpr int kTableLabels = 3;
-// The value position of a text in a column, from 1; 0 when it is not there.
-int find_value(const store::DbRecord& table, int column, std::string_view text);
-// The code of an end reason by its label; "" when the table does not offer it.
-std::string offered_reason(const store::DbRecord& reasons, std::string_view label);
-// "code label", as the lists of natures and diplomas read.
-std::string table_entry(const store::DbRecord& table, int value);
 // The first entry of a result whose field k reads `text`, from 1; 0 when there is none.
 int find_entry(const store::DbResult& result, int field, std::string_view text);
 

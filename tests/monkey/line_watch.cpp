@@ -5,6 +5,7 @@
 #include "card/item_hours.h"
 #include "card/record_layout.h"
 #include "entry/date.h"
+#include "entry/decimal.h"
 
 namespace velanor::test {
 namespace {
@@ -60,6 +61,18 @@ std::vector<std::string> rows_of(const std::vector<screen::ListBox*>& columns) {
 }
 
 std::string name_of(int line) { return line < 0 ? "a new line" : "line " + std::to_string(line + 1); }
+
+// What the items of an amendment make, reckoned on our own.
+std::string hours_of(const store::DbRecord& card, int amendment, store::DbFile& items) {
+  std::int64_t sum = 0;
+  int line = 1;
+  for (; !card(card::kItemCode, amendment, line).empty(); ++line) {
+    const auto item = items.find(card(card::kItemCode, amendment, line));
+    const bool hours = item && card::is_hours((*item)(card::kItemType));
+    if (hours) sum += entry::parse_decimal(card(card::kItemBase, amendment, line), 0).value_or(0);
+  }
+  return line == 1 ? std::string() : entry::format_decimal(sum, 2, 2);
+}
 
 }  // namespace
 
@@ -119,7 +132,7 @@ std::string LineWatch::visited_amendment(Office& office, const Sight& now, const
   if (now.form || act.store_failed || !there || !office.ui.Opt_Prod.value()) return {};
   const Amendment& visited = after[static_cast<std::size_t>(line)];
   const auto items = base_.OpenFile("RUBSAISIE");
-  const std::string hours = card::item_hours(office.component.card_in_hand(), line + 1, *items);
+  const std::string hours = hours_of(office.component.card_in_hand(), line + 1, *items);
   return visited.columns[kHours] == hours ? "" : "the hours of its items did not come to " + name_of(line);
 }
 
