@@ -24,7 +24,7 @@ class CheckOfCards : public testing::Test {
   }
   std::string faults() const {
     std::string text;
-    for (const auto& fault : check_.faults_of(id_, card_)) text += fault + "\n";
+    for (const auto& fault : check_.faults_of(id_, card_)) text += fault.sentence() + "\n";
     return text;
   }
 
@@ -41,7 +41,7 @@ TEST_F(CheckOfCards, EveryCardOfTheDemonstrationIsRight) {
   ASSERT_GT(ids.DCount(), 500);
   for (int i = 1; i <= ids.DCount(); ++i) {
     const auto faults = check_.faults_of(ids(i), cards->Read(ids(i)));
-    ASSERT_TRUE(faults.empty()) << ids(i) << " " << faults.front();
+    ASSERT_TRUE(faults.empty()) << ids(i) << " " << faults.front().sentence();
   }
 }
 
@@ -132,8 +132,10 @@ TEST(CheckOfReferences, WhatTheScreenCannotStartWithoutIsTold) {
   store::MemoryDatabase empty;
   const CardCheck check(empty);
   ASSERT_EQ(check.faults_of_references().size(), 6u);
-  EXPECT_EQ(check.faults_of_references().front(), "L'enregistrement « FINCONTRAT » manque dans TABLES.");
-  EXPECT_EQ(check.faults_of_references().back(), "L'enregistrement « 1 » manque dans BUDGETPARAM.");
+  EXPECT_EQ(check.faults_of_references().front().sentence(),
+            "L'enregistrement « FINCONTRAT » manque dans TABLES.");
+  EXPECT_EQ(check.faults_of_references().back().sentence(),
+            "L'enregistrement « 1 » manque dans BUDGETPARAM.");
 }
 
 }  // namespace

@@ -49,7 +49,14 @@ TEST_F(Program, BuildsTheDemonstrationOnceAndChecksIt) {
 TEST_F(Program, TellsAFaultyCardAndEndsWithOne) {
   run("demo base");
   write("faute.csv", "id;1\n000010092026;X\n");
-  EXPECT_EQ(run("import faute.csv --store base --file VELANORO").status, 0);
+  EXPECT_EQ(
+      run("import faute.csv --store base --file VELANORO").output,
+      "faute.csv:2: L'entité « 009 » n'existe pas.\n"
+      "Importez d'abord les fichiers de référence ; --accepter-inconnus admet les codes qui n'y sont pas.\n"
+      "Rien n'a été importé. Corrigez le tableau, puis recommencez.\n");
+  EXPECT_EQ(run("import faute.csv --store base --file VELANORO --accepter-inconnus").output,
+            "Attention : faute.csv:2: L'entité « 009 » n'existe pas.\n"
+            "VELANORO : enregistrements créés : 1, modifiés : 0, inchangés : 0.\n");
   const Outcome check = run("check --store sqlite:base");
   EXPECT_EQ(check.status, 1);
   EXPECT_NE(check.output.find("000010092026 : L'entité « 009 » n'existe pas.\n"), std::string::npos);
@@ -65,13 +72,13 @@ TEST_F(Program, ImportsATableOrNothingOfIt) {
             0u)
       << "a refused import made the database";
   EXPECT_EQ(run("import bon.csv --store base --file SECTEUR").output,
-            "SECTEUR : enregistrements créés : 2, modifiés : 0.\n");
+            "SECTEUR : enregistrements créés : 2, modifiés : 0, inchangés : 0.\n");
   const Outcome bad = run("import faux.csv --store base --file SECTEUR");
   EXPECT_EQ(bad.status, 1);
   EXPECT_EQ(bad.output,
-            "faux.csv:3: 1 champs au lieu de 2\n"
+            "faux.csv:3: 1 champ au lieu de 2\n"
             "Rien n'a été importé. Corrigez le tableau, puis recommencez.\n");
-  EXPECT_EQ(run("export --store base --file SECTEUR").output, "id;1\n001;Ville\n002;Bourg\n");
+  EXPECT_EQ(run("export --store base --file SECTEUR").output, "\xEF\xBB\xBFid;1 Nom\n001;Ville\n002;Bourg\n");
 }
 
 TEST_F(Program, PrintsSelectionsLinedUpAndRecordsElementByElement) {

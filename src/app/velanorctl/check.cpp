@@ -26,8 +26,8 @@ int report_database(store::Database& database, const CardCheck& check) {
     std::cout << "Base endommagée : " << damage << "\n";
     ++faults;
   }
-  for (const std::string& fault : check.faults_of_references()) {
-    std::cout << fault << "\n";
+  for (const Fault& fault : check.faults_of_references()) {
+    std::cout << fault.sentence() << "\n";
     ++faults;
   }
   return faults;
@@ -46,7 +46,7 @@ int check_all(store::Database& database) {
     const auto card = cards->find(ids(i));
     if (!card) continue;
     const auto found = check.faults_of(ids(i), *card);
-    for (const std::string& fault : found) std::cout << ids(i) << " : " << fault << "\n";
+    for (const Fault& fault : found) std::cout << ids(i) << " : " << fault.sentence() << "\n";
     faults += static_cast<int>(found.size());
     faulty += found.empty() ? 0 : 1;
   }
