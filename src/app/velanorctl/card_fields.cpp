@@ -4,7 +4,7 @@
 #include <charconv>
 #include <cstdint>
 
-#include "entry/date.h"
+#include "app/velanorctl/card_dates.h"
 #include "entry/decimal.h"
 #include "text/utf8.h"
 
@@ -97,9 +97,7 @@ std::optional<Fault> fault_of_flag(const CardField& field, std::string_view stor
 }
 
 std::optional<Fault> fault_of_date(const CardField& field, std::string_view stored) {
-  static const int first = *entry::day_number({1, 1, 1}), last = *entry::day_number({31, 12, 9999});
-  const auto day = whole_number(stored);
-  if (day && *day >= first && *day <= last) return std::nullopt;
+  if (stored_day(stored)) return std::nullopt;
   return fault(field, "est illisible", stored);
 }
 

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <utility>
 
+#include "app/velanorctl/card_dates.h"
 #include "demo/source.h"
 #include "demo/table.h"
 #include "entry/date.h"
@@ -153,12 +154,6 @@ std::string read_number(std::string_view field, int scale, std::string& stored) 
   return {};
 }
 
-bool is_number(std::string_view text) {
-  int number = 0;
-  const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
-  return read.ec == std::errc() && read.ptr == text.data() + text.size();
-}
-
 std::string flag_word(int attribute, std::string_view letter) {
   for (const FlagWord& flag : flag_words()) {
     if (flag.attribute == attribute && flag.letter == letter) return std::string(flag.word);
@@ -168,9 +163,8 @@ std::string flag_word(int attribute, std::string_view letter) {
 
 // What is no day of a calendar is shown as it stands.
 std::string date_or_itself(std::string_view stored) {
-  if (!is_number(stored)) return std::string(stored);
-  const std::string text = entry::date_text(entry::date_of(std::stoi(std::string(stored))));
-  return entry::parse_date(text) ? text : std::string(stored);
+  const auto day = stored_day(stored);
+  return day ? entry::date_text(entry::date_of(*day)) : std::string(stored);
 }
 
 int or_whole(int number) { return number == 0 ? store::kWhole : number; }
