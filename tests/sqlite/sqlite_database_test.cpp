@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
 #include <random>
 
@@ -13,6 +14,7 @@
 #include "store/contract.h"
 #include "store/memory_database.h"
 #include "store/notation.h"
+#include "store/sqlite/failure.h"
 
 namespace velanor::store {
 namespace {
@@ -281,6 +283,53 @@ TEST_F(SqliteFile, ABackupHoldsAllThatWasWrittenAndRefusesToReplaceAFile) {
   EXPECT_EQ(status.st_mode & 0777, 0600u);
   EXPECT_EQ(failure([&] { database->back_up(copy); }),
             "Le fichier « " + copy + " » existe déjà. Donnez un autre nom à la sauvegarde, ou ôtez-le.");
+}
+
+TEST_F(SqliteFile, ABackupOfADamagedBaseIsRefusedAndLeavesNoFile) {
+  {
+    const auto database = open();
+    for (int n = 0; n < 500; ++n) database->put("F", std::to_string(n), record("contenu"));
+  }
+  {
+    // Past the schema, in the middle of the records: opening sees nothing of it.
+    std::fstream file(path_, std::ios::in | std::ios::out | std::ios::binary);
+    const auto size = std::filesystem::file_size(path_);
+    file.seekp(static_cast<std::streamoff>(size / 2 / 4096 * 4096));
+    file << std::string(4096, 'x');
+  }
+  SqliteDatabase damaged(path_);
+  EXPECT_THROW(damaged.back_up(folder_.file("copie")), sqlite::DamagedError);
+  EXPECT_EQ(
+      failure([&] { damaged.back_up(folder_.file("copie")); }),
+      "La base « " + path_ +
+          " » est endommagée, elle n'a pas été sauvegardée. Fermez le programme et reprenez la dernière "
+          "sauvegarde.");
+  for (const auto& entry : std::filesystem::directory_iterator(folder_.file("")))
+    EXPECT_EQ(entry.path().filename().string().find("copie"), std::string::npos) << entry.path();
+}
+
+TEST_F(SqliteFile, ABackupThatIsBeingMadeElsewhereIsLeftAlone) {
+  const auto database = open();
+  std::ofstream(folder_.file("copie.partiel")) << "en cours";
+  EXPECT_THROW(database->back_up(folder_.file("copie")), NameTaken);
+  EXPECT_TRUE(std::filesystem::exists(folder_.file("copie.partiel")));
+  EXPECT_FALSE(std::filesystem::exists(folder_.file("copie")));
+}
+
+TEST_F(SqliteFile, ANameThatIsTakenMeanwhileIsNotTakenAway) {
+  const auto database = open();
+  const std::string copy = folder_.file("copie");
+  EXPECT_THROW(database->back_up(copy, [&](double) { std::ofstream(copy) << "à un autre"; }), NameTaken);
+  EXPECT_EQ(std::filesystem::file_size(copy), std::string("à un autre").size());
+  EXPECT_FALSE(std::filesystem::exists(copy + ".partiel"));
+}
+
+TEST_F(SqliteFile, ADatabaseIsKnownByItsFile) {
+  open();
+  EXPECT_TRUE(SqliteDatabase::is_at(path_));
+  EXPECT_FALSE(SqliteDatabase::is_at(folder_.file("absente")));
+  std::ofstream(folder_.file("texte")) << std::string(200, 'x');
+  EXPECT_FALSE(SqliteDatabase::is_at(folder_.file("texte")));
 }
 
 TEST_F(SqliteFile, ABackupThatFailsLeavesNoFile) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "app/velanorctl/fault_list.h"
 #include "app/velanorctl/open_store.h"
 #include "store/memory_database.h"
 #include "store/query.h"
@@ -24,12 +25,12 @@ class CheckOfCards : public testing::Test {
   }
   std::string faults() const {
     std::string text;
-    for (const auto& fault : check_.faults_of(id_, card_)) text += fault + "\n";
+    for (const auto& fault : check_.faults_of(id_, card_)) text += fault.sentence() + "\n";
     return text;
   }
 
   std::unique_ptr<store::Database> database_ = open_store({.url = "", .demo = true});
-  CardCheck check_{*database_};
+  CardCheck check_{*database_, [] { return entry::Date{15, 3, 2026}; }};
   std::string id_;
   DbRecord card_;
 };
@@ -41,7 +42,7 @@ TEST_F(CheckOfCards, EveryCardOfTheDemonstrationIsRight) {
   ASSERT_GT(ids.DCount(), 500);
   for (int i = 1; i <= ids.DCount(); ++i) {
     const auto faults = check_.faults_of(ids(i), cards->Read(ids(i)));
-    ASSERT_TRUE(faults.empty()) << ids(i) << " " << faults.front();
+    ASSERT_TRUE(faults.empty()) << ids(i) << " " << faults.front().sentence();
   }
 }
 
@@ -49,6 +50,7 @@ TEST_F(CheckOfCards, EveryCardOfTheDemonstrationIsRight) {
 TEST_F(CheckOfCards, EachFaultIsToldInItsOwnWords) {
   const DbRecord good = card_;
   const auto start = std::string(good(8));
+  const int today = *entry::day_number({15, 3, 2026});
   const struct {
     int attribute;
     std::string text, told;
@@ -70,6 +72,17 @@ TEST_F(CheckOfCards, EachFaultIsToldInItsOwnWords) {
       {23, start, "Un motif de fin de contrat est obligatoire.\n"},
       {40, "001", "L'établissement est obligatoire.\nL'établissement « 001 » n'existe pas.\n"},
       {40, "002001", "L'établissement « 002001 » n'est pas de l'entité de la fiche.\n"},
+      {1, std::string(51, 'A'),
+       "Le nom dépasse les 50 caractères de sa case : « " + std::string(51, 'A') + " ».\n"},
+      {22, "10000000",
+       "Le plafond de sécurité sociale dépasse les 8 caractères de sa case : « 100000,00 ».\n"},
+      {41, "-150", "La part salariale de la mutuelle est au-dessous de zéro : « -1,50 ».\n"},
+      {9, "999999999", "La date de naissance est illisible : « 999999999 ».\n"},
+      {9, std::to_string(std::stoi(start) + 1),
+       "La date de naissance est après la date de début de contrat.\n"},
+      {9, start, ""},
+      {45, std::to_string(today + 1), "La date d'entrée dans la branche est dans le futur.\n"},
+      {45, std::to_string(today), ""},
       {43, "000", "La charge de mutuelle « 000 » n'existe pas.\n"},
   };
   for (const auto& c : cases) {
@@ -103,6 +116,16 @@ TEST_F(CheckOfCards, ListsAreJudgedAsTheScreenReadsThem) {
   EXPECT_EQ(faults(), "Les dates d'effet des avenants ne se suivent pas.\n");
 }
 
+// Someone who is to be hired later has been born all the same, and may be new to the branch then.
+TEST_F(CheckOfCards, NobodyIsBornAfterToday) {
+  const std::string tomorrow = std::to_string(*entry::day_number({16, 3, 2026}));
+  for (const int attribute : {8, 9, 45}) card_.set(attribute, tomorrow);
+  EXPECT_NE(faults().find("La date de naissance est dans le futur.\n"), std::string::npos) << faults();
+  EXPECT_EQ(faults().find("branche"), std::string::npos);
+  card_.set(9, std::to_string(*entry::day_number({15, 3, 2026})));
+  EXPECT_EQ(faults().find("naissance"), std::string::npos);
+}
+
 TEST_F(CheckOfCards, AmendmentsStartWhereTheContractOrTheBudgetDoes) {
   for (int attribute : {12, 13, 14, 15, 16, 17, 18, 30, 31, 32, 33, 38}) card_.set(attribute, "");
   card_.set(30, 1, "001");
@@ -128,12 +151,34 @@ TEST_F(CheckOfCards, AmendmentsStartWhereTheContractOrTheBudgetDoes) {
   }
 }
 
+TEST(FaultsOfManyCards, AreGroupedByKindTheMostFrequentFirst) {
+  FaultList list;
+  list.add("1", {Fault("Le secteur « … » n'existe pas.", "7"), Fault("Le nom manque.")});
+  list.add("2", {});
+  list.add("3", {Fault("Le nom manque.")});
+  list.add("4", {Fault("La grille « … » n'existe pas.", "8"), Fault("La grille « … » n'existe pas.", "9")});
+  std::string shown;
+  for (const auto* kind : list.most_frequent_first()) {
+    shown += std::to_string(kind->cards) + " " + kind->sentence + "\n";
+    for (const auto& line : kind->lines) shown += line + "\n";
+  }
+  EXPECT_EQ(shown,
+            "2 Le nom manque.\n1 : Le nom manque.\n3 : Le nom manque.\n"
+            "1 La grille « … » n'existe pas.\n4 : La grille « 8 » n'existe pas.\n4 : La grille « 9 » "
+            "n'existe pas.\n"
+            "1 Le secteur « … » n'existe pas.\n1 : Le secteur « 7 » n'existe pas.\n");
+  EXPECT_EQ(list.cards(), 3);
+  EXPECT_EQ(list.faults(), 5);
+}
+
 TEST(CheckOfReferences, WhatTheScreenCannotStartWithoutIsTold) {
   store::MemoryDatabase empty;
   const CardCheck check(empty);
   ASSERT_EQ(check.faults_of_references().size(), 6u);
-  EXPECT_EQ(check.faults_of_references().front(), "L'enregistrement « FINCONTRAT » manque dans TABLES.");
-  EXPECT_EQ(check.faults_of_references().back(), "L'enregistrement « 1 » manque dans BUDGETPARAM.");
+  EXPECT_EQ(check.faults_of_references().front().sentence(),
+            "L'enregistrement « FINCONTRAT » manque dans TABLES.");
+  EXPECT_EQ(check.faults_of_references().back().sentence(),
+            "L'enregistrement « 1 » manque dans BUDGETPARAM.");
 }
 
 }  // namespace

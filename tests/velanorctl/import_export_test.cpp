@@ -19,10 +19,12 @@ using store::record;
 class Import : public testing::Test {
  protected:
   // "created changed", or the faults a line each.
-  std::string import(const std::string& table, const std::string& file = "SECTEUR") {
+  std::string import(const std::string& table, const std::string& file = "SECTEUR",
+                     const ImportOptions& options = {}) {
     std::istringstream in(table);
-    const ImportReport report = import_csv(in, database_, file);
-    if (report.faults.empty()) return std::to_string(report.created) + " " + std::to_string(report.changed);
+    const ImportReport report = import_csv(in, database_, file, options);
+    if (report.faults.empty())
+      return std::to_string(report.created.size()) + " " + std::to_string(report.changed.size());
     std::string faults;
     for (const auto& fault : report.faults)
       faults += std::to_string(fault.line) + ": " + fault.sentence + "\n";
@@ -45,15 +47,16 @@ TEST_F(Import, PutsFieldsWhereTheirHeadingsSay) {
 TEST_F(Import, KeepsNothingWhenARowIsWrongAndNamesEachByItsLine) {
   EXPECT_EQ(import("id;1\n001;Ville\n;vide\n002\n001;Encore\n\"3\"x;y\n"),
             "3: l'identifiant est vide\n"
-            "4: 1 champs au lieu de 2\n"
+            "4: 1 champ au lieu de 2\n"
             "5: l'identifiant « 001 » est déjà dans une ligne au-dessus\n"
             "6: un guillemet fermant est suivi d'autre chose que d'un séparateur\n");
   EXPECT_TRUE(database_.files().empty());
 }
 
 TEST_F(Import, AskForColumnsThatItCanPlace) {
-  EXPECT_EQ(import("id;Nom;0\n1;a;b\n"),
-            "1: la colonne « Nom » n'est pas connue\n1: la colonne « 0 » n'est pas connue\n");
+  EXPECT_EQ(import("id;Nom;Surnom;0;1 Encore\n1;a;b;c;d\n"),
+            "1: la colonne « Surnom » n'est pas connue\n1: la colonne « 0 » n'est pas connue\n"
+            "1: la colonne « 1 Encore » est là deux fois\n");
   EXPECT_EQ(import("1;2\na;b\n"), "1: il faut une colonne « id »\n");
   EXPECT_EQ(import("Code;Nom\n1;A\n", "VELANORO"),
             "1: il faut une colonne « id », ou les colonnes « Code », « Entité » et « Année »\n");
@@ -66,46 +69,74 @@ TEST_F(Import, ChangesOnlyTheElementsThatHaveAColumn) {
   EXPECT_EQ(shown("SECTEUR", "001"), "Bourg^^c");
 }
 
-TEST_F(Import, APersonnelListGivesAnEntityItsFirstYear) {
-  EXPECT_EQ(import("Code;Entité;Année;Nom;Convention;Établissement;Type de contrat;Personnel;"
-                   "Début de contrat;Horaire de l'établissement;Date d'effet 1;Taux horaire 1;Base 1.2\n"
-                   "12;7;2026;Müller Zoé;1;2;cdi;Production;1/2/2024;151,67;01/02/24;12,345;10\n",
-                   "VELANORO"),
-            "1 0");
-  const auto card = database_.find("VELANORO", "000120072026");
-  ASSERT_TRUE(card);
+TEST_F(Import, BarsPartTheValuesOfAnAttributeAndANumberedColumnKeepsThem) {
+  EXPECT_EQ(import("id;1;2;3,1\n1;a|b||c;d|;e|f\n"), "1 0");
+  EXPECT_EQ(shown("SECTEUR", "001"), "a|b||c^d^e|f");
+  EXPECT_EQ((*database_.find("SECTEUR", "001"))(3, 1), "e|f");
+  EXPECT_EQ(import("id;1\n1;x\n"), "0 1");
+  EXPECT_EQ((*database_.find("SECTEUR", "001"))(1), "x");
+}
+
+TEST_F(Import, RowsOfOneIdAreTheValuesOfAListAndAFaultElsewhere) {
+  EXPECT_EQ(import("id;2 Code;3 Libellé\nFINCONTRAT;1;Démission\nFINCONTRAT;2;\nQUALIF;AS;Soins\n", "TABLES"),
+            "2 0");
+  EXPECT_EQ(shown("TABLES", "FINCONTRAT"), "^01|02^Démission");
+  EXPECT_EQ(import("id;2 Code\nFINCONTRAT;05\n", "TABLES"), "0 1");
+  EXPECT_EQ(shown("TABLES", "FINCONTRAT"), "^05^Démission");
+  const std::string twice = "3: l'identifiant « A » est déjà dans une ligne au-dessus\n";
+  EXPECT_EQ(import("id;2,1\nA;x\nA;y\n", "TABLES"), twice) << "a column that names its value";
+  EXPECT_EQ(import("id;2\nA;x\nA;y\n"), twice) << "a file that is no list";
+  EXPECT_EQ(import("id;2\nA;x\nB;y\nA;z\n", "TABLES"), "4" + twice.substr(1)) << "rows apart";
+}
+
+TEST_F(Import, IdsAndCodesThatASpreadsheetHasStrippedFindTheirZeros) {
   const struct {
-    int attribute;
-    const char* stored;
-  } expected[] = {{1, "MÜLLER ZOÉ"}, {2, "15167"},  {3, "01"},     {6, "I"},  {7, "P"},
-                  {8, "20486"},      {12, "20486"}, {17, "12345"}, {39, "0"}, {40, "007002"}};
-  for (const auto& e : expected) EXPECT_EQ((*card)(e.attribute), e.stored) << "attribute " << e.attribute;
-  EXPECT_EQ((*card)(31, 1, 2), "1000");
-  const auto years = database_.Select(
-      store::DbQuery("SSELECT VELANORO PAR CodeAsso PAR-DECR Annee", "VELANORO", "0").encoded());
-  EXPECT_EQ(years.DCount(), 1);
+    const char *file, *id, *stored;
+  } cases[] = {
+      {"ASSOCIATION", "1", "001"},
+      {"CONVENTIONCOL", "1", "01"},
+      {"SECTEUR", " 10 ", "010"},
+      {"PROFIL", "7", "007"},
+      {"RUBCHARGE", "801", "801"},
+      {"RUBSAISIE", "2", "002"},
+      {"COMMUNES", "1001", "01001"},
+      {"COMMUNES", "2A004", "2A004"},
+      {"ETABLISSEMENT", "1002", "001002"},
+      {"ACTIVITES", "12900", "012900"},
+      {"GRILLESCCBUDGET", "1101", "01101"},
+      {"BUDGETTRAMESAISIE", "102", "0102"},
+      {"BUDGETHISTORCUMUL", "10012026", "000010012026"},
+      {"TABLES", "7", "7"},
+      {"BUDGETPARAM", "1", "1"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.file) + " " + c.id);
+    EXPECT_EQ(import("id;1\n" + std::string(c.id) + ";x\n", c.file), "1 0");
+    EXPECT_NE(shown(c.file, c.stored), "absent");
+  }
+  EXPECT_EQ(import("id;1\n12;x\n", "ETABLISSEMENT"), "2: « 12 » n'est pas un identifiant de ETABLISSEMENT\n");
+  EXPECT_EQ(import("id;10\n1;1|6\n", "BUDGETPARAM"), "0 1");
+  EXPECT_EQ((*database_.find("BUDGETPARAM", "1"))(10, 2), "06");
 }
 
-TEST_F(Import, AFieldThatTheScreenWouldRefuseIsAFault) {
-  EXPECT_EQ(import("id;Début de contrat;Plafond;Personnel\n"
-                   "000010012026;31/02/2024;cher;Z\n12;;;\n",
-                   "VELANORO"),
-            "2: Début de contrat : « 31/02/2024 » n'est pas une date (jj/mm/aaaa)\n"
-            "2: Plafond : « cher » n'est pas un nombre\n"
-            "2: Personnel : « Z » n'est pas PRODUCTION ou ADMINISTRATION\n"
-            "3: « 12 » n'est pas un code de salarié (5 chiffres), d'entité (3) et une année (4)\n");
+TEST_F(Import, WhatSpreadsheetsLeaveBesideATableIsNoFault) {
+  EXPECT_EQ(import("\xEF\xBB\xBFid;1 Nom;;\r\n1;Ville;;\r\n2;Bourg\r\n;;;\r\n;;;\r\n"), "2 0");
+  EXPECT_EQ(import("id;1;\n1;Ville;note\n"), "2: 3 champs au lieu de 2\n");
 }
 
-TEST_F(Import, ResultsThatNoLongerFitACardAreEmptiedAndOthersKept) {
-  store::DbRecord card = record("MARTIN^15167^01^001");
-  card.set(25, "99");
-  card.set(39, "1");
-  database_.put("VELANORO", "000010012026", card);
-  import("id;Secteur\n000010012026;2\n", "VELANORO");
-  EXPECT_EQ((*database_.find("VELANORO", "000010012026"))(25), "99");
-  import("id;Convention\n000010012026;3\n", "VELANORO");
-  EXPECT_EQ((*database_.find("VELANORO", "000010012026"))(25), "");
-  EXPECT_EQ((*database_.find("VELANORO", "000010012026"))(39), "1");
+TEST_F(Import, ARehearsalSaysEverythingAndWritesNothing) {
+  database_.put("SECTEUR", "001", record("Ville^b"));
+  database_.put("SECTEUR", "002", record("Bourg^b"));
+  std::istringstream in("id;1;2\n1;Ville;c\n2;Bourg;b\n3;Port;\n");
+  const ImportReport report = import_csv(in, database_, "SECTEUR", {.rehearsal = true});
+  ASSERT_EQ(report.created.size(), 1u);
+  EXPECT_EQ(report.created.front().id, "003");
+  ASSERT_EQ(report.changed.size(), 1u);
+  EXPECT_EQ(report.changed.front().changes, std::vector<std::string>{"2"});
+  EXPECT_EQ(report.unchanged, 1);
+  EXPECT_EQ(shown("SECTEUR", "001"), "Ville^b");
+  EXPECT_EQ(shown("SECTEUR", "003"), "absent");
+  EXPECT_EQ(import("id;1\n1;x;y\n", "SECTEUR", {.rehearsal = true}), "2: 3 champs au lieu de 2\n");
 }
 
 TEST(ImportIntoAFile, AFailureInTheMiddleLeavesTheBaseAsItWas) {
@@ -115,7 +146,7 @@ TEST(ImportIntoAFile, AFailureInTheMiddleLeavesTheBaseAsItWas) {
   store::SqliteDatabase database(folder.file("base"), created);
   std::istringstream in("id;1\n001;Ville\n002;Bourg\n");
   int rows = 0;
-  EXPECT_THROW(import_csv(in, database, "SECTEUR",
+  EXPECT_THROW(import_csv(in, database, "SECTEUR", {},
                           [&] {
                             if (++rows == 2) throw std::runtime_error("stop");
                           }),
@@ -139,20 +170,22 @@ TEST(Export, AValueHasOneColumnHoweverManyEachRecordHas) {
             "1;a;x;;;\n2;;y;z;;q\n3;;;;;\n");
 }
 
-TEST(Export, WhatItWritesComesBackTheSameInEveryForm) {
-  const auto demonstration = open_store({.url = "", .demo = true});
-  for (const char* file : {"VELANORO", "TABLES", "GRILLESCCBUDGET", "RUBSAISIE", "BUDGETPARAM"}) {
-    for (const char separator : {';', ','}) {
-      for (const Headings headings : {Headings::kPositions, Headings::kNames}) {
-        SCOPED_TRACE(std::string(file) + separator);
-        MemoryDatabase copy;
-        std::istringstream table(
-            exported(*demonstration, file, {.headings = headings, .separator = separator}));
-        EXPECT_TRUE(import_csv(table, copy, file).faults.empty());
-        EXPECT_EQ(exported(copy, file), exported(*demonstration, file));
-      }
-    }
-  }
+TEST(Export, HeadsItsColumnsByWhatStandsThere) {
+  MemoryDatabase database;
+  const auto headings = [&](const char* file, const char* stored, Headings kind) {
+    database.put(file, "1", record(stored));
+    const std::string table = exported(database, file, {.headings = kind});
+    return table.substr(0, table.find('\n'));
+  };
+  EXPECT_EQ(headings("SECTEUR", "Ville", Headings::kPositions), "id;1 Nom");
+  EXPECT_EQ(headings("SECTEUR", "Ville", Headings::kNames), "id;1 Nom");
+  EXPECT_EQ(headings("COMMUNES", "Ville", Headings::kPositions), "id;1 nom");
+  EXPECT_EQ(headings("BUDGETPARAM", "1|2^^x", Headings::kPositions),
+            "id;1,1 Date de référence;1,2 Date de référence;3");
+  EXPECT_EQ(headings("VELANORO", "A^1^^^^^^^^^001|002", Headings::kPositions),
+            "id;1 Nom;2 Horaire de l'établissement;11,1 Part;11,2 Part");
+  EXPECT_EQ(headings("VELANORO", "A^1^^^^^^^^^001|002", Headings::kNames),
+            "id;Nom;Horaire de l'établissement;Part 1;Part 2");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 
 #include "app/velanorctl/table.h"
@@ -49,7 +50,14 @@ TEST_F(Program, BuildsTheDemonstrationOnceAndChecksIt) {
 TEST_F(Program, TellsAFaultyCardAndEndsWithOne) {
   run("demo base");
   write("faute.csv", "id;1\n000010092026;X\n");
-  EXPECT_EQ(run("import faute.csv --store base --file VELANORO").status, 0);
+  EXPECT_EQ(
+      run("import faute.csv --store base --file VELANORO").output,
+      "faute.csv:2: L'entité « 009 » n'existe pas.\n"
+      "Importez d'abord les fichiers de référence ; --accepter-inconnus admet les codes qui n'y sont pas.\n"
+      "Rien n'a été importé. Corrigez le tableau, puis recommencez.\n");
+  EXPECT_EQ(run("import faute.csv --store base --file VELANORO --accepter-inconnus").output,
+            "Attention : faute.csv:2: L'entité « 009 » n'existe pas.\n"
+            "VELANORO : enregistrements créés : 1, modifiés : 0, inchangés : 0.\n");
   const Outcome check = run("check --store sqlite:base");
   EXPECT_EQ(check.status, 1);
   EXPECT_NE(check.output.find("000010092026 : L'entité « 009 » n'existe pas.\n"), std::string::npos);
@@ -65,13 +73,13 @@ TEST_F(Program, ImportsATableOrNothingOfIt) {
             0u)
       << "a refused import made the database";
   EXPECT_EQ(run("import bon.csv --store base --file SECTEUR").output,
-            "SECTEUR : enregistrements créés : 2, modifiés : 0.\n");
+            "SECTEUR : enregistrements créés : 2, modifiés : 0, inchangés : 0.\n");
   const Outcome bad = run("import faux.csv --store base --file SECTEUR");
   EXPECT_EQ(bad.status, 1);
   EXPECT_EQ(bad.output,
-            "faux.csv:3: 1 champs au lieu de 2\n"
+            "faux.csv:3: 1 champ au lieu de 2\n"
             "Rien n'a été importé. Corrigez le tableau, puis recommencez.\n");
-  EXPECT_EQ(run("export --store base --file SECTEUR").output, "id;1\n001;Ville\n002;Bourg\n");
+  EXPECT_EQ(run("export --store base --file SECTEUR").output, "\xEF\xBB\xBFid;1 Nom\n001;Ville\n002;Bourg\n");
 }
 
 TEST_F(Program, PrintsSelectionsLinedUpAndRecordsElementByElement) {
@@ -98,6 +106,47 @@ TEST_F(Program, BacksUpToAFileThatOpens) {
   EXPECT_EQ(run("backup copie --store base").status, 0);
   EXPECT_EQ(run("show SECTEUR 001 --store copie").output, "1 = Ville\n");
   EXPECT_EQ(run("backup copie --store base").status, 1);
+}
+
+TEST_F(Program, ADamagedBaseIsRefusedUnderAStatusOfItsOwn) {
+  run("demo base");
+  std::filesystem::resize_file(folder_.file("base"), 2'000'000);
+  const Outcome check = run("check --store base");
+  EXPECT_EQ(check.status, 3);
+  EXPECT_NE(check.output.find("La base « base » est endommagée."), std::string::npos) << check.output;
+  EXPECT_EQ(run("backup copie --store base").status, 3);
+  std::filesystem::create_directory(folder_.file("sauvegardes"));
+  EXPECT_EQ(run("backup sauvegardes --store base --garder 5").status, 3);
+  EXPECT_TRUE(std::filesystem::is_empty(folder_.file("sauvegardes")));
+  EXPECT_EQ(run("show SECTEUR 001 --store copie").status, 1) << "a file was left";
+  std::filesystem::resize_file(folder_.file("base"), 0);
+  EXPECT_EQ(run("check --store base").status, 3);
+  EXPECT_EQ(run("backup copie --store base").status, 3);
+  EXPECT_EQ(std::filesystem::file_size(folder_.file("base")), 0u) << "an empty file was made a base of";
+}
+
+TEST_F(Program, ARotationOfBackupsIsKeptOnRequest) {
+  write("t.csv", "id;1\n001;Ville\n");
+  run("import t.csv --store base.db --file SECTEUR");
+  std::filesystem::create_directory(folder_.file("d"));
+  for (int n = 0; n < 3; ++n) EXPECT_EQ(run("backup d --store base.db --garder 2").status, 0);
+  const std::filesystem::directory_iterator files(folder_.file("d"));
+  EXPECT_EQ(std::distance(begin(files), end(files)), 2);
+  EXPECT_EQ(run("backup d --store base.db").output,
+            "velanorctl : « d » est un dossier. Donnez le nom du fichier à créer, ou --garder pour y tenir "
+            "plusieurs sauvegardes.\n");
+  EXPECT_EQ(run("backup d --store base.db --garder 0").status, 64);
+}
+
+TEST_F(Program, ARehearsalOfAnImportLeavesNoBase) {
+  write("t.csv", "id;Nom\r\n1;Ch\xE2teau\r\n;\r\n");
+  EXPECT_EQ(run("import t.csv --store base --file SECTEUR --essai").output,
+            "Attention : t.csv:1: le tableau n'est pas en UTF-8 ; il est lu en Windows-1252\n"
+            "créerait 001\n"
+            "Essai, rien n'a été écrit. SECTEUR : enregistrements créés : 1, modifiés : 0, inchangés : 0.\n");
+  EXPECT_FALSE(std::filesystem::exists(folder_.file("base")));
+  run("import t.csv --store base --file SECTEUR");
+  EXPECT_EQ(run("show SECTEUR 001 --store base").output, "1 = Château\n");
 }
 
 TEST_F(Program, AStoreThatIsNotThereOrNotNamedIsSaidSo) {

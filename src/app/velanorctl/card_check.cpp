@@ -2,38 +2,19 @@
 
 #include <algorithm>
 #include <charconv>
-#include <map>
-#include <memory>
 #include <optional>
+#include <set>
 
+#include "app/velanorctl/card_dates.h"
+#include "app/velanorctl/card_fields.h"
 #include "card/record_layout.h"
 #include "entry/date.h"
-#include "entry/decimal.h"
 #include "text/utf8.h"
 
 namespace velanor::app {
 
 using store::DbRecord;
-using Codes = std::set<std::string, std::less<>>;
-
-struct CardCheck::References {
-  // The ids of a file, the codes of a record of TABLES, the names of the towns.
-  std::map<std::string, Codes, std::less<>> codes;
-  int reference_day = 0;
-
-  bool has(std::string_view list, std::string_view code) const {
-    const auto found = codes.find(list);
-    return found != codes.end() && found->second.contains(code);
-  }
-};
-
 namespace {
-
-constexpr std::string_view kTowns = "COMMUNES";
-constexpr std::string_view kIdLists[] = {"ASSOCIATION", "ETABLISSEMENT",   "CONVENTIONCOL",
-                                         "SECTEUR",     "PROFIL",          "RUBCHARGE",
-                                         "ACTIVITES",   "GRILLESCCBUDGET", "RUBSAISIE"};
-constexpr std::string_view kTables[] = {"FINCONTRAT", "QUALIF", "REGROUPBUDGET", "NATURECONTRAT", "DIPLOMES"};
 
 std::optional<std::int64_t> whole_number(std::string_view text) {
   std::int64_t number = 0;
@@ -45,65 +26,6 @@ std::optional<std::int64_t> whole_number(std::string_view text) {
 std::int64_t number_or_0(std::string_view text) { return whole_number(text).value_or(0); }
 
 std::string date_shown(std::int64_t day) { return entry::date_text(entry::date_of(static_cast<int>(day))); }
-
-// ---- What a card may hold where.
-
-// A code and the list that must have it.
-struct Reference {
-  int attribute;
-  std::string_view list, noun;
-};
-constexpr Reference kReferences[] = {
-    {card::kAgreement, "CONVENTIONCOL", "La convention collective"},
-    {card::kSector, "SECTEUR", "Le secteur"},
-    {card::kTown, kTowns, "La commune"},
-    {card::kProfile1, "PROFIL", "Le profil de paie"},
-    {card::kProfile2, "PROFIL", "Le second profil de paie"},
-    {card::kEndReason, "FINCONTRAT", "Le motif de fin de contrat"},
-    {card::kEstablishment, "ETABLISSEMENT", "L'établissement"},
-    {card::kMutualCharge, "RUBCHARGE", "La charge de mutuelle"},
-    {card::kContractNature, "NATURECONTRAT", "La nature du contrat"},
-    {card::kEducation, "DIPLOMES", "Le niveau d'études"},
-    {card::kActivity, "ACTIVITES", "L'activité"},
-    {card::kQualification, "QUALIF", "La qualification"},
-    {card::kGrid, "GRILLESCCBUDGET", "La grille"},
-    {card::kItemCode, "RUBSAISIE", "La rubrique"},
-};
-
-// Attributes that hold whole numbers: day numbers and scaled figures.
-struct Figure {
-  int attribute;
-  std::string_view noun;
-};
-constexpr Figure kFigures[] = {
-    {card::kEstablishmentHours, "L'horaire mensuel de l'établissement"},
-    {card::kContractStart, "La date de début de contrat"},
-    {card::kBirth, "La date de naissance"},
-    {card::kExemptedHours, "Le pourcentage des heures exonérées"},
-    {card::kCeiling, "Le plafond de sécurité sociale"},
-    {card::kContractEnd, "La date de fin de contrat"},
-    {card::kSocialBase, "L'assiette de sécurité sociale"},
-    {card::kMutualEmployee, "La part salariale de la mutuelle"},
-    {card::kMutualEmployer, "La part patronale de la mutuelle"},
-    {card::kBranchEntry, "La date d'entrée dans la branche"},
-    {card::kShare, "La part d'une activité"},
-    {card::kEffective, "Une date d'effet"},
-    {card::kGridStart, "Une date de départ de grille"},
-    {card::kHourlyRate, "Un taux horaire"},
-    {card::kMonthlyTime, "Une durée mensuelle"},
-    {card::kItemBase, "Une base de rubrique"},
-    {card::kItemRate, "Un taux de rubrique"},
-    {card::kItemAmount, "Un montant de rubrique"},
-};
-
-// A flag and its letters.
-struct Flag {
-  int attribute;
-  std::string_view letters, noun;
-};
-constexpr Flag kFlags[] = {{card::kContractType, "DI", "Le type de contrat"},
-                           {card::kStaffKind, "PA", "La catégorie de personnel"},
-                           {card::kNewMeasure, "ON", "Une nouvelle mesure"}};
 
 // Lists whose lines go by the values of another attribute: a value behind its end is on no line.
 struct Line {
@@ -206,40 +128,43 @@ constexpr Rule kRules[] = {
 
 class Examination {
  public:
-  Examination(const CardCheck::References& references, std::string_view id, const DbRecord& card)
+  Examination(const References& references, int today, std::string_view id, const DbRecord& card)
       : references_(references),
+        today_(today),
         id_(id),
-        facts_{card, references.reference_day, list_of(card, card::kActivity),
+        facts_{card, references.reference_day(), list_of(card, card::kActivity),
                list_of(card, card::kEffective)} {}
 
-  std::vector<std::string> faults() {
+  std::vector<Fault> faults() {
     check_id();
     for (const Rule& rule : kRules) {
       if (rule.broken(facts_)) fault(std::string(rule.sentence));
     }
     check_dates_of_amendments();
+    for (Fault& found : faults_of_dates(card(), today_)) faults_.push_back(std::move(found));
     check_items();
-    check_references();
-    check_encodings();
+    check_fields();
     check_lines();
     return std::move(faults_);
   }
 
  private:
   const DbRecord& card() const { return facts_.card; }
-  void fault(std::string sentence) { faults_.push_back(std::move(sentence)); }
+  void fault(std::string pattern, std::string_view value = {}) {
+    faults_.emplace_back(std::move(pattern), std::string(value));
+  }
 
   void check_id();
   void check_dates_of_amendments();
   void check_items();
-  void check_references();
-  void check_encodings();
+  void check_fields();
   void check_lines();
 
-  const CardCheck::References& references_;
+  const References& references_;
+  int today_;
   std::string_view id_;
   Facts facts_;
-  std::vector<std::string> faults_;
+  std::vector<Fault> faults_;
 };
 
 void Examination::check_id() {
@@ -248,11 +173,10 @@ void Examination::check_id() {
   if (!digits || text::length(id_) != kLength)
     return fault("L'identifiant n'est pas un code de salarié, un code d'entité et une année.");
   const auto entity = id_.substr(card::kEmployeeCodeLength, card::kEntityCodeLength);
-  if (!references_.has("ASSOCIATION", entity))
-    fault("L'entité « " + std::string(entity) + " » n'existe pas.");
+  if (!references_.has("ASSOCIATION", entity)) faults_.push_back(unknown_entity(entity));
   const auto establishment = card()(card::kEstablishment);
   if (!establishment.empty() && !establishment.starts_with(entity))
-    fault("L'établissement « " + std::string(establishment) + " » n'est pas de l'entité de la fiche.");
+    fault("L'établissement « … » n'est pas de l'entité de la fiche.", establishment);
 }
 
 void Examination::check_dates_of_amendments() {
@@ -275,32 +199,22 @@ void Examination::check_dates_of_amendments() {
 void Examination::check_items() {
   for (int i = 1; i <= static_cast<int>(facts_.effective_dates.size()); ++i) {
     if (card()(card::kItemCode, i).empty())
-      fault("Aucun détail n'a été saisi pour l'avenant du " +
-            date_shown(number_or_0(card()(card::kEffective, i))) + ".");
+      fault("Aucun détail n'a été saisi pour l'avenant du ….",
+            date_shown(number_or_0(card()(card::kEffective, i))));
   }
 }
 
-void Examination::check_references() {
-  for (const Reference& reference : kReferences) {
+// A text that is met again in the same field is told once.
+void Examination::check_fields() {
+  for (const CardField& field : card_fields()) {
     std::set<std::string_view> told;
-    each_element(card(), reference.attribute, [&](std::string_view code) {
-      if (references_.has(reference.list, code) || !told.insert(code).second) return;
-      fault(std::string(reference.noun) + " « " + std::string(code) + " » n'existe pas.");
-    });
-  }
-}
-
-void Examination::check_encodings() {
-  for (const Figure& figure : kFigures) {
-    each_element(card(), figure.attribute, [&](std::string_view text) {
-      if (!whole_number(text))
-        fault(std::string(figure.noun) + " est illisible : « " + std::string(text) + " ».");
-    });
-  }
-  for (const Flag& flag : kFlags) {
-    each_element(card(), flag.attribute, [&](std::string_view text) {
-      if (text.size() != 1 || flag.letters.find(text) == flag.letters.npos)
-        fault(std::string(flag.noun) + " est illisible : « " + std::string(text) + " ».");
+    each_element(card(), field.attribute, [&](std::string_view text) {
+      if (!told.insert(text).second) return;
+      if (auto found = fault_of(field, text)) {
+        faults_.push_back(std::move(*found));
+      } else if (!field.list.empty() && !references_.has(field.list, text)) {
+        faults_.push_back(unknown_code(field, text));
+      }
     });
   }
 }
@@ -318,37 +232,13 @@ void Examination::check_lines() {
   }
 }
 
-Codes column_of_selection(store::Database& database, std::string_view file, int attribute) {
-  const store::DbResult found = database.Select(
-      store::DbQuery("SSELECT " + std::string(file), file, std::to_string(attribute)).encoded());
-  Codes codes;
-  for (int i = 1; i <= found.DCount(); ++i) codes.emplace(found(i, 1));
-  return codes;
-}
-
 }  // namespace
 
-CardCheck::~CardCheck() = default;
+CardCheck::CardCheck(store::Database& database, const entry::Clock& clock)
+    : references_(database), today_(*entry::day_number(clock())) {}
 
-CardCheck::CardCheck(store::Database& database) : references_(std::make_unique<References>()) {
-  for (const std::string_view list : kIdLists)
-    references_->codes[std::string(list)] = column_of_selection(database, list, 0);
-  references_->codes[std::string(kTowns)] = column_of_selection(database, kTowns, 1);
-  const auto tables = database.OpenFile("TABLES");
-  for (const std::string_view table : kTables) {
-    const auto record = tables->find(table);
-    if (!record) faults_.push_back("L'enregistrement « " + std::string(table) + " » manque dans TABLES.");
-    Codes& codes = references_->codes[std::string(table)];
-    for (int v = 1; record && v <= record->Count(2); ++v) codes.emplace((*record)(2, v));
-  }
-  const auto parameters = database.OpenFile("BUDGETPARAM")->find("1");
-  if (!parameters) faults_.emplace_back("L'enregistrement « 1 » manque dans BUDGETPARAM.");
-  if (parameters)
-    references_->reference_day = static_cast<int>(number_or_0((*parameters)(1, parameters->Count(1))));
-}
-
-std::vector<std::string> CardCheck::faults_of(std::string_view id, const DbRecord& card) const {
-  return Examination(*references_, id, card).faults();
+std::vector<Fault> CardCheck::faults_of(std::string_view id, const DbRecord& card) const {
+  return Examination(references_, today_, id, card).faults();
 }
 
 }  // namespace velanor::app

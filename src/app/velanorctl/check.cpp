@@ -7,6 +7,7 @@
 #include "app/velanorctl/card_check.h"
 #include "app/velanorctl/columns.h"
 #include "app/velanorctl/commands.h"
+#include "app/velanorctl/fault_list.h"
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/progress.h"
 #include "store/sqlite/sqlite_database.h"
@@ -20,45 +21,51 @@ std::vector<std::string> damages_of(store::Database& database) {
   return sqlite != nullptr ? sqlite->damages() : std::vector<std::string>();
 }
 
-int report_database(store::Database& database, const CardCheck& check) {
-  int faults = 0;
-  for (const std::string& damage : damages_of(database)) {
-    std::cout << "Base endommagée : " << damage << "\n";
-    ++faults;
-  }
-  for (const std::string& fault : check.faults_of_references()) {
-    std::cout << fault << "\n";
-    ++faults;
-  }
-  return faults;
+// Nothing more is asked of a base that is damaged: its answers could be wrong.
+int report_damages(const std::vector<std::string>& damages) {
+  for (const std::string& damage : damages) std::cout << "Base endommagée : " << damage << "\n";
+  std::cout << "La base est endommagée. Fermez les programmes et reprenez la dernière sauvegarde.\n";
+  return kDamaged;
 }
 
-int check_all(store::Database& database) {
+std::string counted(int count, const std::string& noun) {
+  return std::to_string(count) + " " + noun + (count > 1 ? "s" : "");
+}
+
+int check_records(store::Database& database) {
   const CardCheck check(database);
-  int faults = report_database(database, check);
+  FaultList list;
+  for (const Fault& fault : check.faults_of_references()) std::cout << fault.sentence() << "\n";
   const auto cards = database.OpenFile(kCardFile);
   const store::DbResult ids =
       database.Select(store::DbQuery("SSELECT VELANORO PAR 0", kCardFile, "0").encoded());
-  int faulty = 0;
-  Progress progress("Vérification", static_cast<std::size_t>(ids.DCount()));
-  for (int i = 1; i <= ids.DCount(); ++i) {
-    progress.step();
-    const auto card = cards->find(ids(i));
-    if (!card) continue;
-    const auto found = check.faults_of(ids(i), *card);
-    for (const std::string& fault : found) std::cout << ids(i) << " : " << fault << "\n";
-    faults += static_cast<int>(found.size());
-    faulty += found.empty() ? 0 : 1;
+  {
+    Progress progress("Vérification", static_cast<std::size_t>(ids.DCount()));
+    for (int i = 1; i <= ids.DCount(); ++i) {
+      progress.step();
+      if (const auto card = cards->find(ids(i))) list.add(ids(i), check.faults_of(ids(i), *card));
+    }
   }
-  std::cout << "Fiches vérifiées : " << ids.DCount() << ", fiches en faute : " << faulty
+  for (const FaultList::Kind* kind : list.most_frequent_first()) {
+    std::cout << counted(kind->cards, "fiche") << " : " << kind->sentence << "\n";
+    for (const std::string& line : kind->lines) std::cout << line << "\n";
+    std::cout << "\n";
+  }
+  const int faults = list.faults() + static_cast<int>(check.faults_of_references().size());
+  std::cout << "Fiches vérifiées : " << ids.DCount() << ", fiches en faute : " << list.cards()
             << ", fautes : " << faults << ".\n";
   return faults == 0 ? 0 : 1;
 }
 
 int check(const StoreOptions& options) {
-  const auto database = open_named_store(options);
+  const bool file = !options.url.empty() && options.url != kMemoryStore;
+  const std::unique_ptr<store::Database> database =
+      file ? open_to_examine(options.url) : open_named_store(options);
   int status = 0;
-  in_one_view(*database, [&] { status = check_all(*database); });
+  in_one_view(*database, [&] {
+    const auto damages = damages_of(*database);
+    status = damages.empty() ? check_records(*database) : report_damages(damages);
+  });
   return status;
 }
 
@@ -69,6 +76,9 @@ void add_check(CLI::App& program, int& status) {
   CLI::App* command = program.add_subcommand(
       "check", "Vérifie chaque fiche : règles d'enregistrement, codes, et la base elle-même");
   add_store_options(*command, *options);
+  command->footer(
+      "Les fautes sont rangées par sorte, les plus fréquentes d'abord. Statut de sortie : 0 rien n'est en\n"
+      "faute, 1 une fiche ou un fichier de référence est en faute, 3 la base elle-même est endommagée.");
   command->callback([options, &status] { status = check(*options); });
 }
 

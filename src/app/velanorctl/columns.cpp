@@ -2,58 +2,17 @@
 
 #include <algorithm>
 #include <charconv>
+#include <utility>
 
+#include "app/velanorctl/card_dates.h"
+#include "demo/source.h"
+#include "demo/table.h"
 #include "entry/date.h"
 #include "entry/decimal.h"
 #include "text/utf8.h"
 
 namespace velanor::app {
 namespace {
-
-template <card::Encoding E>
-constexpr NamedAttribute named(std::string_view name, card::Attribute<E> attribute, int length = 0) {
-  return {name, attribute.number, E, length};
-}
-
-constexpr NamedAttribute kNames[] = {
-    named("Nom", card::kName),
-    named("Horaire de l'établissement", card::kEstablishmentHours),
-    named("Convention", card::kAgreement, 2),
-    named("Secteur", card::kSector, 3),
-    named("Commune", card::kTown),
-    named("Type de contrat", card::kContractType),
-    named("Personnel", card::kStaffKind),
-    named("Début de contrat", card::kContractStart),
-    named("Date de naissance", card::kBirth),
-    named("Profil 1", card::kProfile1, 3),
-    named("Profil 2", card::kProfile2, 3),
-    named("Heures exonérées", card::kExemptedHours),
-    named("Plafond", card::kCeiling),
-    named("Fin de contrat", card::kContractEnd),
-    named("Motif de fin", card::kEndReason),
-    named("Assiette", card::kSocialBase),
-    named("Établissement", card::kEstablishment, card::kEstablishmentCodeLength),
-    named("Mutuelle salarié", card::kMutualEmployee),
-    named("Mutuelle employeur", card::kMutualEmployer),
-    named("Charge de mutuelle", card::kMutualCharge, 3),
-    named("Nature du contrat", card::kContractNature),
-    named("Entrée dans la branche", card::kBranchEntry),
-    named("Niveau d'études", card::kEducation),
-    named("Activité", card::kActivity, 6),
-    named("Part", card::kShare),
-    named("Date d'effet", card::kEffective),
-    named("Départ de grille", card::kGridStart),
-    named("Qualification", card::kQualification),
-    named("Grille", card::kGrid),
-    named("Catégorie", card::kCategory),
-    named("Taux horaire", card::kHourlyRate),
-    named("Durée mensuelle", card::kMonthlyTime),
-    named("Nouvelle mesure", card::kNewMeasure),
-    named("Rubrique", card::kItemCode, 3),
-    named("Base", card::kItemBase),
-    named("Taux", card::kItemRate),
-    named("Montant", card::kItemAmount),
-};
 
 struct IdName {
   std::string_view name;
@@ -62,29 +21,18 @@ struct IdName {
 constexpr IdName kIdNames[] = {
     {"Code", IdPart::kEmployee}, {"Entité", IdPart::kEntity}, {"Année", IdPart::kYear}};
 
-// The letters of a flag, and the words that the screen has for them.
-struct FlagWord {
+// What has a position but no name of its own.
+struct Label {
+  std::string_view file;
   int attribute;
-  std::string_view letter, word;
+  std::string_view text;
 };
-constexpr FlagWord kFlagWords[] = {
-    {card::kContractType, "D", "CDD"},     {card::kContractType, "I", "CDI"},
-    {card::kStaffKind, "P", "PRODUCTION"}, {card::kStaffKind, "A", "ADMINISTRATION"},
-    {card::kNewMeasure, "O", "OUI"},       {card::kNewMeasure, "N", "NON"},
+constexpr Label kLabels[] = {
+    {"BUDGETPARAM", 1, "Date de référence"}, {"BUDGETHISTORCUMUL", 1, "Brut"},
+    {"BUDGETHISTORCUMUL", 2, "Charges"},     {"BUDGETDETAILCALCUL", 1, "Brut"},
+    {"BUDGETDETAILCALCUL", 2, "Charges"},    {kCardFile, card::kStatus, "État du calcul"},
 };
-
-int decimals(card::Encoding encoding) {
-  switch (encoding) {
-    case card::Encoding::kHundredths:
-      return 2;
-    case card::Encoding::kThousandths:
-      return 3;
-    case card::Encoding::kTenThousandths:
-      return 4;
-    default:
-      return 0;
-  }
-}
+constexpr std::string_view kResultLabel = "Résultat du calcul";
 
 bool same_name(std::string_view a, std::string_view b) { return text::upper(a) == text::upper(b); }
 
@@ -113,14 +61,59 @@ std::optional<Column> position_column(std::string_view heading) {
   return column;
 }
 
-const NamedAttribute* find_name(std::string_view name) {
-  const auto* const found =
-      std::find_if(std::begin(kNames), std::end(kNames),
-                   [&](const NamedAttribute& known) { return same_name(known.name, name); });
-  return found == std::end(kNames) ? nullptr : found;
+// The first line of the source that the demonstration makes the file of; empty where it has none.
+demo::Row source_headings(std::string_view file) {
+  const std::string name = file == "COMMUNES" ? "communes.csv" : "reference/" + std::string(file) + ".csv";
+  for (const demo::Source& source : demo::sources()) {
+    if (source.name == name) return demo::read_table(source.text).columns;
+  }
+  return {};
 }
 
-std::optional<Column> named_column(std::string_view heading) {
+// The attribute that a heading of a source stands for, and its text without the number.
+std::pair<int, std::string_view> source_column(const demo::Row& headings, std::size_t index) {
+  const std::string_view heading = headings[index];
+  const int number = demo::number_of(heading);
+  if (number == 0) return {static_cast<int>(index), heading};
+  return {number, text::trim(heading.substr(std::min(heading.find(' '), heading.size())))};
+}
+
+std::optional<Column> source_named_column(std::string_view name, std::string_view file) {
+  const demo::Row headings = source_headings(file);
+  for (std::size_t i = 0; i < headings.size(); ++i) {
+    const auto [attribute, label] = source_column(headings, i);
+    if (!same_name(label, name)) continue;
+    return i == 0 ? Column{.id = IdPart::kWhole} : Column{.position = {attribute}};
+  }
+  return std::nullopt;
+}
+
+std::string label_of(int attribute, std::string_view file) {
+  if (file == kCardFile) {
+    if (const CardField* field = card_field(attribute)) return std::string(field->name);
+    const auto& results = card::kResults;
+    if (std::find(results.begin(), results.end(), attribute) != results.end())
+      return std::string(kResultLabel);
+  }
+  for (const Label& label : kLabels) {
+    if (label.file == file && label.attribute == attribute) return std::string(label.text);
+  }
+  const demo::Row headings = source_headings(file);
+  for (std::size_t i = 1; i < headings.size(); ++i) {
+    const auto [number, label] = source_column(headings, i);
+    if (number == attribute) return std::string(label);
+  }
+  return {};
+}
+
+const CardField* find_name(std::string_view name) {
+  const auto fields = card_fields();
+  const auto found = std::find_if(fields.begin(), fields.end(),
+                                  [&](const CardField& known) { return same_name(known.name, name); });
+  return found == fields.end() ? nullptr : &*found;
+}
+
+std::optional<Column> card_named_column(std::string_view heading) {
   for (const IdName& known : kIdNames) {
     if (same_name(known.name, heading)) return Column{.id = known.part};
   }
@@ -136,7 +129,7 @@ std::optional<Column> named_column(std::string_view heading) {
 
 std::string read_flag(int attribute, std::string_view field, std::string& stored) {
   std::string words;
-  for (const FlagWord& flag : kFlagWords) {
+  for (const FlagWord& flag : flag_words()) {
     if (flag.attribute != attribute) continue;
     if (same_name(field, flag.word) || same_name(field, flag.letter)) {
       stored = flag.letter;
@@ -161,14 +154,8 @@ std::string read_number(std::string_view field, int scale, std::string& stored) 
   return {};
 }
 
-bool is_number(std::string_view text) {
-  int number = 0;
-  const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
-  return read.ec == std::errc() && read.ptr == text.data() + text.size();
-}
-
 std::string flag_word(int attribute, std::string_view letter) {
-  for (const FlagWord& flag : kFlagWords) {
+  for (const FlagWord& flag : flag_words()) {
     if (flag.attribute == attribute && flag.letter == letter) return std::string(flag.word);
   }
   return std::string(letter);
@@ -176,9 +163,8 @@ std::string flag_word(int attribute, std::string_view letter) {
 
 // What is no day of a calendar is shown as it stands.
 std::string date_or_itself(std::string_view stored) {
-  if (!is_number(stored)) return std::string(stored);
-  const std::string text = entry::date_text(entry::date_of(std::stoi(std::string(stored))));
-  return entry::parse_date(text) ? text : std::string(stored);
+  const auto day = stored_day(stored);
+  return day ? entry::date_text(entry::date_of(*day)) : std::string(stored);
 }
 
 int or_whole(int number) { return number == 0 ? store::kWhole : number; }
@@ -189,23 +175,22 @@ std::optional<Column> column_of(std::string_view heading, std::string_view file)
   heading = text::trim(heading);
   if (same_name(heading, "id")) return Column{.id = IdPart::kWhole};
   if (auto column = position_column(heading)) return column;
-  return file == kCardFile ? named_column(heading) : std::nullopt;
+  return file == kCardFile ? card_named_column(heading) : source_named_column(heading, file);
 }
 
-std::string heading_of(const play::Position& position) {
+std::string heading_of(const play::Position& position, std::string_view file) {
   std::string heading = std::to_string(position.attribute);
   for (const int level : {position.value, position.subvalue}) {
     if (level != 0) heading += "," + std::to_string(level);
   }
-  return heading;
+  const std::string label = label_of(position.attribute, file);
+  return label.empty() ? heading : heading + " " + label;
 }
 
-std::string name_of(const play::Position& position) {
-  const auto* const found =
-      std::find_if(std::begin(kNames), std::end(kNames),
-                   [&](const NamedAttribute& known) { return known.attribute == position.attribute; });
-  if (found == std::end(kNames)) return heading_of(position);
-  std::string name(found->name);
+std::string name_of(const play::Position& position, std::string_view file) {
+  const CardField* field = file == kCardFile ? card_field(position.attribute) : nullptr;
+  if (field == nullptr) return heading_of(position, file);
+  std::string name(field->name);
   if (position.value != 0) name += " " + std::to_string(position.value);
   if (position.subvalue != 0) name += "." + std::to_string(position.subvalue);
   return name;
@@ -227,7 +212,6 @@ std::string read_field(const Column& column, std::string_view field, std::string
     case card::Encoding::kTenThousandths:
       return read_number(field, decimals(column.named->encoding), stored);
     default:
-      if (is_number(field)) stored = text::pad_left(field, column.named->length, '0');
       return {};
   }
 }
@@ -261,6 +245,13 @@ void set_element(store::DbRecord& record, const play::Position& position, std::s
     record.set(position.attribute, position.value, text);
   } else {
     record.set(position.attribute, position.value, position.subvalue, text);
+  }
+}
+
+void set_values(store::DbRecord& record, int attribute, int first, std::string_view field) {
+  const demo::Row values = demo::split(field, kValueSeparator);
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    if (!values[i].empty()) record.set(attribute, first + static_cast<int>(i), values[i]);
   }
 }
 

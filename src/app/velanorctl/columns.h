@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "card/record_layout.h"
+#include "app/velanorctl/card_fields.h"
 #include "play/command.h"
 #include "store/record.h"
 
@@ -17,28 +17,28 @@ inline constexpr std::string_view kCardFile = "VELANORO";
 
 enum class IdPart { kNone, kWhole, kEmployee, kEntity, kYear };
 
-struct NamedAttribute {
-  std::string_view name;
-  int attribute;
-  card::Encoding encoding;
-  // Codes that spreadsheets strip of their leading zeros get them back; 0: no fixed length.
-  int length = 0;
-};
+// Between the values of an attribute in one field.
+inline constexpr char kValueSeparator = '|';
 
 struct Column {
   IdPart id = IdPart::kNone;
   play::Position position{};
   // nullptr: fields are stored texts as they stand.
-  const NamedAttribute* named = nullptr;
+  const CardField* named = nullptr;
+
+  // A field holds all values of the attribute, between bars.
+  bool holds_values() const { return id == IdPart::kNone && named == nullptr && position.value == 0; }
 };
 
 // The column of a heading: "id", a position such as "1" or "30,1,2" (what follows a blank behind it
-// is a remark), or in VELANORO a name, followed for what a card has several of by the number of
-// the value, and of the subvalue: "Date d'effet 2", "Montant 2.1". Nothing for any other text.
+// is a remark), or a name. In VELANORO that is one of its fields, followed for what a card has several
+// of by the number of the value, and of the subvalue: "Date d'effet 2", "Montant 2.1"; elsewhere what
+// the file of the demonstration calls it. Nothing for any other text.
 std::optional<Column> column_of(std::string_view heading, std::string_view file);
-// The heading of a position, or its name where it has one; both read back by column_of.
-std::string heading_of(const play::Position& position);
-std::string name_of(const play::Position& position);
+// The heading of a position, with what stands there as its remark, or its name in VELANORO where it
+// has one; both read back by column_of.
+std::string heading_of(const play::Position& position, std::string_view file);
+std::string name_of(const play::Position& position, std::string_view file);
 
 // What is stored for a field, in `stored`; otherwise returns what is wrong with it.
 std::string read_field(const Column& column, std::string_view field, std::string& stored);
@@ -48,5 +48,7 @@ std::string write_field(const Column& column, std::string_view stored);
 // The element of a record at a position.
 std::string_view element(const store::DbRecord& record, const play::Position& position);
 void set_element(store::DbRecord& record, const play::Position& position, std::string_view text);
+// Writes the values of a field, which stand between bars, from value `first` of the attribute on.
+void set_values(store::DbRecord& record, int attribute, int first, std::string_view field);
 
 }  // namespace velanor::app

@@ -8,6 +8,9 @@ class App;
 
 namespace velanor::app {
 
+// The exit status when the database file itself is damaged.
+inline constexpr int kDamaged = 3;
+
 // Adds its sub-command to the program; when that is called, it leaves the exit status in `status`.
 // A failure that ends it is an exception, whose sentence the program prints.
 void add_play(CLI::App& program, int& status);

@@ -3,12 +3,16 @@
 #include <algorithm>
 #include <iterator>
 
+#include "app/velanorctl/windows_1252.h"
 #include "store/record.h"
+#include "text/utf8.h"
 
 namespace velanor::app {
 namespace {
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view kUnreadable =
+    "le tableau n'est écrit ni en UTF-8 ni en Windows-1252 ; enregistrez-le au format « CSV UTF-8 », puis "
+    "recommencez";
 
 // A single semicolon decides: headings such as 30,1,2 hold commas of their own.
 char separator_of_first_row(std::string_view text) {
@@ -22,6 +26,19 @@ char separator_of_first_row(std::string_view text) {
     before = c;
   }
   return ',';
+}
+
+bool is_blank(const std::string& field) { return text::trim(field).empty(); }
+
+int line_of(std::string_view text, std::size_t at) {
+  return 1 + static_cast<int>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
+}
+
+// Where the first byte stands that cannot enter a record.
+std::size_t first_foreign(std::string_view text) {
+  const std::string clean = store::clean_text(text);
+  return static_cast<std::size_t>(std::mismatch(text.begin(), text.end(), clean.begin(), clean.end()).first -
+                                  text.begin());
 }
 
 bool needs_quotes(std::string_view field, char separator) {
@@ -39,14 +56,37 @@ std::string doubled_quotes(std::string_view field) {
 }  // namespace
 
 CsvReader::CsvReader(std::istream& in) : text_(std::istreambuf_iterator<char>(in), {}) {
+  if (const std::size_t foreign = first_foreign(text_); foreign < text_.size()) {
+    auto converted = from_windows_1252(text_);
+    if (!converted) {
+      fault_ = kUnreadable;
+      line_ = line_of(text_, foreign);
+      text_.clear();
+      return;
+    }
+    text_ = std::move(*converted);
+    was_windows_1252_ = true;
+  }
   if (text_.starts_with(kByteOrderMark)) at_ = kByteOrderMark.size();
+  skip_remarks();
   separator_ = separator_of_first_row(std::string_view(text_).substr(at_));
+}
+
+// A spreadsheet may have put a remark between quotes, or separators behind it.
+void CsvReader::skip_remarks() {
+  const auto is_remark = [this] {
+    return text_.compare(at_, 1, "#") == 0 || text_.compare(at_, 2, "\"#") == 0;
+  };
+  while (!at_end() && is_remark()) {
+    at_ = std::min(text_.find('\n', at_), text_.size());
+    skip_line_end();
+  }
 }
 
 bool CsvReader::next(CsvRow& row) {
   while (read(row)) {
-    const bool empty = row.fields.size() == 1 && row.fields.front().empty();
-    if (!empty || !row.fault.empty()) return true;
+    const bool blank = std::all_of(row.fields.begin(), row.fields.end(), is_blank);
+    if (!blank || !row.fault.empty()) return true;
   }
   return false;
 }
@@ -62,14 +102,11 @@ void CsvReader::skip_line_end() {
 bool CsvReader::read(CsvRow& row) {
   if (at_end()) return false;
   row = {.line = line_, .fields = {}, .fault = {}};
-  const std::size_t begin = at_;
   while (true) {
     read_field(row);
     if (at_end() || text_[at_] != separator_) break;
     ++at_;
   }
-  const std::string_view read = std::string_view(text_).substr(begin, at_ - begin);
-  if (store::clean_text(read) != read) row.fault = "des caractères ne sont pas de l'UTF-8";
   skip_line_end();
   return true;
 }

@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "app/velanorctl/commands.h"
+#include "app/velanorctl/csv.h"
 #include "app/velanorctl/export_csv.h"
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/progress.h"
@@ -23,6 +24,7 @@ struct Options {
 void write(const Options& options, std::ostream& out) {
   const auto database = open_named_store(options.store);
   Progress progress("Exportation");
+  out << kByteOrderMark;
   in_one_view(*database, [&] {
     export_csv(out, *database, options.file,
                {.headings = options.names ? Headings::kNames : Headings::kPositions,
@@ -62,7 +64,7 @@ void add_export(CLI::App& program, int& status) {
       ->required()
       ->type_name("NAME");
   command->add_flag("--names", options->names,
-                    "Pour VELANORO : colonnes par leur nom, dates et montants comme à l'écran");
+                    "Pour VELANORO : colonnes par leur seul nom, dates et montants comme à l'écran");
   command->add_option("--separator", options->separator, "Le séparateur, « ; » ou « , »")
       ->type_name("CAR")
       ->check(CLI::IsMember({";", ","}));

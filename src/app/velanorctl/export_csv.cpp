@@ -18,6 +18,8 @@ struct Shape {
   int values = 1;
   std::map<int, int> subvalues;
   bool has_subvalues = false;
+  // A value holds what would part it in two where a field holds all of them.
+  bool has_separator = false;
 };
 using Shapes = std::map<int, Shape>;
 
@@ -27,6 +29,7 @@ void take_shape(const DbRecord& record, Shapes& shapes) {
     if (values == 0) continue;
     Shape& shape = shapes[a];
     shape.values = std::max(shape.values, values);
+    shape.has_separator |= record(a).find(kValueSeparator) != std::string_view::npos;
     for (int v = 1; v <= values; ++v) {
       const int subvalues = record.Count(a, v);
       int& most = shape.subvalues[v];
@@ -37,7 +40,8 @@ void take_shape(const DbRecord& record, Shapes& shapes) {
 }
 
 void add_columns(int attribute, const Shape& shape, std::vector<play::Position>& columns) {
-  if (shape.values == 1 && !shape.has_subvalues) return columns.push_back({attribute});
+  if (shape.values == 1 && !shape.has_subvalues && !shape.has_separator)
+    return columns.push_back({attribute});
   for (const auto& [value, subvalues] : shape.subvalues) {
     if (!shape.has_subvalues) {
       columns.push_back({attribute, value});
@@ -53,16 +57,17 @@ std::vector<Column> columns_of(const Shapes& shapes, std::string_view file, Head
   std::vector<Column> columns;
   for (const play::Position& position : positions) {
     const bool named = headings == Headings::kNames;
-    const std::string heading = named ? name_of(position) : heading_of(position);
+    const std::string heading = named ? name_of(position, file) : heading_of(position, file);
     columns.push_back(column_of(heading, file).value_or(Column{.position = position}));
   }
   return columns;
 }
 
-std::vector<std::string> header_of(const std::vector<Column>& columns) {
+std::vector<std::string> header_of(const std::vector<Column>& columns, std::string_view file) {
   std::vector<std::string> header{"id"};
   for (const Column& column : columns)
-    header.push_back(column.named != nullptr ? name_of(column.position) : heading_of(column.position));
+    header.push_back(column.named != nullptr ? name_of(column.position, file)
+                                             : heading_of(column.position, file));
   return header;
 }
 
@@ -83,7 +88,7 @@ int export_csv(std::ostream& out, store::Database& database, std::string_view fi
   Shapes shapes;
   each([&](std::string_view, const DbRecord& record) { take_shape(record, shapes); });
   const auto columns = columns_of(shapes, file, options.headings);
-  write_row(out, header_of(columns), options.separator);
+  write_row(out, header_of(columns, file), options.separator);
   int written = 0;
   each([&](std::string_view id, const DbRecord& record) {
     std::vector<std::string> row{std::string(id)};

@@ -18,16 +18,51 @@ namespace {
 struct Options {
   StoreOptions store;
   std::string table, file;
+  ImportOptions how;
 };
 
-constexpr std::size_t kFaultsShown = 20;
+constexpr std::size_t kLinesShown = 20;
 
-int report_faults(const Options& options, const std::vector<ImportFault>& faults) {
-  for (std::size_t i = 0; i < std::min(faults.size(), kFaultsShown); ++i)
-    std::cerr << options.table << ":" << faults[i].line << ": " << faults[i].sentence << "\n";
-  if (faults.size() > kFaultsShown) std::cerr << "et " << faults.size() - kFaultsShown << " autres fautes\n";
+void tell(const Options& options, const ImportRemark& remark) {
+  std::cerr << options.table << ":" << remark.line << ": " << remark.sentence << "\n";
+}
+
+int report_faults(const Options& options, const ImportReport& report) {
+  const auto& faults = report.faults;
+  for (std::size_t i = 0; i < std::min(faults.size(), kLinesShown); ++i) tell(options, faults[i]);
+  if (faults.size() > kLinesShown) std::cerr << "et " << faults.size() - kLinesShown << " autres fautes\n";
+  if (report.unknown_codes) {
+    std::cerr
+        << "Importez d'abord les fichiers de référence ; --accepter-inconnus admet les codes qui n'y sont "
+           "pas.\n";
+  }
   std::cerr << "Rien n'a été importé. Corrigez le tableau, puis recommencez.\n";
   return 1;
+}
+
+void report_records(std::string_view verb, const std::vector<ImportReport::Record>& records) {
+  for (std::size_t i = 0; i < std::min(records.size(), kLinesShown); ++i) {
+    std::cout << verb << " " << records[i].id;
+    const auto& changes = records[i].changes;
+    for (std::size_t k = 0; k < changes.size(); ++k) std::cout << (k == 0 ? " : " : ", ") << changes[k];
+    std::cout << "\n";
+  }
+  if (records.size() > kLinesShown)
+    std::cout << verb << " encore " << records.size() - kLinesShown << " enregistrements\n";
+}
+
+void report_success(const Options& options, const ImportReport& report) {
+  for (const ImportRemark& remark : report.remarks) {
+    std::cerr << "Attention : ";
+    tell(options, remark);
+  }
+  if (options.how.rehearsal) {
+    report_records("créerait", report.created);
+    report_records("modifierait", report.changed);
+    std::cout << "Essai, rien n'a été écrit. ";
+  }
+  std::cout << options.file << " : enregistrements créés : " << report.created.size()
+            << ", modifiés : " << report.changed.size() << ", inchangés : " << report.unchanged << ".\n";
 }
 
 std::ifstream open_table(const std::string& path) {
@@ -44,7 +79,7 @@ ImportReport import_into(const StoreOptions& store, const Options& options) {
   std::ifstream in = open_table(options.table);
   const auto database = open_named_store(store, IfMissing::kCreate);
   Progress progress("Importation");
-  return import_csv(in, *database, options.file, [&] { progress.step(); });
+  return import_csv(in, *database, options.file, options.how, [&] { progress.step(); });
 }
 
 // A database that does not exist yet appears with what is imported, or not at all.
@@ -64,17 +99,23 @@ std::string new_database(const StoreOptions& store) {
   return std::filesystem::exists(path) ? std::string() : path;
 }
 
+ImportReport import_as_told(const Options& options) {
+  const std::string path = new_database(options.store);
+  if (path.empty()) return import_into(options.store, options);
+  if (!options.how.rehearsal) return import_into_new(path, options);
+  StoreOptions empty;
+  empty.url = kMemoryStore;
+  return import_into(empty, options);
+}
+
 int import(const Options& options) {
   if (!is_known_file(options.file)) {
     std::cerr << "Attention : « " << options.file << " » n'est pas un des fichiers du composant ("
               << known_files() << ").\n";
   }
-  const std::string path = new_database(options.store);
-  const ImportReport report =
-      path.empty() ? import_into(options.store, options) : import_into_new(path, options);
-  if (!report.faults.empty()) return report_faults(options, report.faults);
-  std::cout << options.file << " : enregistrements créés : " << report.created
-            << ", modifiés : " << report.changed << ".\n";
+  const ImportReport report = import_as_told(options);
+  if (!report.faults.empty()) return report_faults(options, report);
+  report_success(options, report);
   return 0;
 }
 
@@ -86,14 +127,23 @@ void add_import(CLI::App& program, int& status) {
   command->footer(
       "La première ligne nomme les colonnes : id, puis des positions (1 ou 30,1,2) ou, dans VELANORO, les\n"
       "noms de la fiche (Nom, Début de contrat, Date d'effet 1, Montant 1.2). Une ligne fausse est signalée\n"
-      "avec son numéro, et alors rien n'est gardé. Une base qui n'existe pas est créée.");
-  command->add_option("FICHIER", options->table, "Le tableau, en UTF-8, à points-virgules ou à virgules")
+      "avec son numéro, et alors rien n'est gardé. Une base qui n'existe pas est créée. Les codes "
+      "retrouvent\n"
+      "les zéros qu'un tableur leur a ôtés.");
+  command
+      ->add_option("FICHIER", options->table,
+                   "Le tableau, en UTF-8 ou en Windows-1252, à points-virgules ou à virgules")
       ->required()
       ->type_name("");
   add_store_options(*command, options->store);
   command->add_option("--file", options->file, "Le fichier de la base, par exemple VELANORO")
       ->required()
       ->type_name("NAME");
+  command->add_flag("--essai", options->how.rehearsal,
+                    "Dit ce qui serait créé ou modifié, et ce qui est faux, sans rien écrire");
+  command->add_flag(
+      "--accepter-inconnus", options->how.accept_unknown,
+      "Dans VELANORO, admet les codes qu'aucun fichier de référence ne contient, et les signale");
   command->callback([options, &status] { status = import(*options); });
 }
 

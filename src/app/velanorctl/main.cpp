@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/velanorctl/commands.h"
+#include "store/sqlite/failure.h"
 
 namespace {
 
@@ -38,6 +39,10 @@ std::string reason(const CLI::App& program, const CLI::ParseError& error) {
       return "deux options s'excluent";
     case CLI::ExitCodes::ArgumentMismatch:
       return "une option attend une valeur";
+    case CLI::ExitCodes::ValidationError: {
+      const std::string told = error.what();
+      return "la valeur de " + told.substr(0, told.find(':')) + " n'est pas admise";
+    }
     default:
       return std::string("la ligne de commande n'est pas comprise : ") + error.what();
   }
@@ -60,9 +65,16 @@ int main(int argc, char** argv) try {
   CLI::App program("Fiches du personnel : le composant et sa base, à la ligne de commande", "velanorctl");
   speak_french(program);
   program.require_subcommand(1);
+  program.footer(
+      "Statut de sortie : 0 tout est fait, 1 l'opération a échoué ou une faute a été trouvée, 2 (play) le\n"
+      "scénario n'est pas de son langage, 3 la base elle-même est endommagée, 64 la ligne de commande\n"
+      "n'est pas comprise.");
   for (const auto add : kCommands) add(program, status);
   for (CLI::App* command : program.get_subcommands({})) command->group("Sous-commandes");
   return parse_and_run(program, argc, argv, status);
+} catch (const velanor::store::sqlite::DamagedError& error) {
+  std::cerr << "velanorctl : " << error.what() << "\n";
+  return kDamaged;
 } catch (const std::exception& error) {
   std::cerr << "velanorctl : " << error.what() << "\n";
   return kFailed;

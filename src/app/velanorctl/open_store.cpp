@@ -1,9 +1,10 @@
 #include "app/velanorctl/open_store.h"
 
 #include <CLI/CLI.hpp>
+#include <filesystem>
 
 #include "store/memory_database.h"
-#include "store/sqlite/sqlite_database.h"
+#include "store/sqlite/failure.h"
 
 namespace velanor::app {
 namespace {
@@ -50,6 +51,18 @@ std::unique_ptr<store::Database> open_store(const StoreOptions& options, IfMissi
 std::unique_ptr<store::Database> open_named_store(const StoreOptions& options, IfMissing if_missing) {
   if (options.url.empty() && !options.demo) throw CLI::RequiredError("--store");
   return open_store(options, if_missing);
+}
+
+std::unique_ptr<store::SqliteDatabase> open_to_examine(std::string_view url) {
+  const std::string path = path_of(url);
+  std::error_code absent;
+  if (std::filesystem::file_size(path, absent) == 0 && !absent) {
+    throw store::sqlite::DamagedError(store::kStoreFailure,
+                                      "La base « " + path +
+                                          " » est endommagée : son fichier est vide. Reprenez la "
+                                          "dernière sauvegarde.");
+  }
+  return std::make_unique<store::SqliteDatabase>(path);
 }
 
 void in_one_change(store::Database& database, const std::function<void()>& writes) {

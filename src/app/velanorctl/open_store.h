@@ -8,6 +8,7 @@
 
 #include "demo/demo.h"
 #include "store/database.h"
+#include "store/sqlite/sqlite_database.h"
 
 namespace CLI {
 class App;
@@ -37,6 +38,10 @@ std::unique_ptr<store::Database> open_store(const StoreOptions& options,
 // usage.
 std::unique_ptr<store::Database> open_named_store(const StoreOptions& options,
                                                   IfMissing if_missing = IfMissing::kFail);
+
+// A database file that must be there already, for a command that looks at the file itself. One without
+// a byte, which would else pass for a new one, is a sqlite::DamagedError.
+std::unique_ptr<store::SqliteDatabase> open_to_examine(std::string_view url);
 
 // The path that a URL or a plain path names. Throws store::DbError for a kind that is not known.
 std::string path_of(std::string_view url);

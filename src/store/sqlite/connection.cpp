@@ -12,21 +12,19 @@
 namespace velanor::store::sqlite {
 namespace {
 
-// SQLite would give a new file the rights that the user's mask allows; its companions get the
-// rights of the file.
-void create_private(const std::string& path) {
-  const int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
-  if (file >= 0) {
-    ::close(file);
-  } else if (errno != EEXIST) {
-    throw failure(errno == ENOSPC ? SQLITE_FULL : SQLITE_CANTOPEN, path, "");
-  }
-}
-
 // A null pointer would bind NULL, which is not the empty text.
 const char* start_of(std::string_view bytes) { return bytes.empty() ? "" : bytes.data(); }
 
 }  // namespace
+
+// SQLite would give a new file the rights that the user's mask allows; its companions get the
+// rights of the file.
+bool create_private(const std::string& path) {
+  const int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+  if (file < 0 && errno != EEXIST) throw failure(errno == ENOSPC ? SQLITE_FULL : SQLITE_CANTOPEN, path, "");
+  if (file >= 0) ::close(file);
+  return file >= 0;
+}
 
 void Statement::Finalize::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 
@@ -100,7 +98,10 @@ std::string Connection::text(std::string_view sql) {
 bool Connection::in_transaction() const { return sqlite3_get_autocommit(handle()) == 0; }
 
 void Connection::fail(int code) {
-  throw failure(code, path_, handle_ ? sqlite3_errmsg(handle()) : sqlite3_errstr(code));
+  const DbError error = failure(code, path_, handle_ ? sqlite3_errmsg(handle()) : sqlite3_errstr(code));
+  constexpr int kPrimaryCode = 0xFF;
+  if ((code & kPrimaryCode) == SQLITE_CORRUPT) throw DamagedError(error.number(), error.what());
+  throw error;
 }
 
 Transaction::Transaction(Connection& connection)

@@ -56,6 +56,9 @@ class Run {
 
 enum class Missing { kFail, kCreate };
 
+// Creates an empty file that its owner alone can read. False when there is a file already.
+bool create_private(const std::string& path);
+
 class Connection {
  public:
   // Opens the file; one that is created can be read by its owner alone. Looks at nothing in it.

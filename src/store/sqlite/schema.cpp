@@ -36,9 +36,6 @@ CREATE TRIGGER record_deleted AFTER DELETE ON record
 
 constexpr const char* kSteps[] = {kVersion1};
 
-// "VLNR", where SQLite keeps what kind of database a file is.
-constexpr std::int64_t kOurs = 0x564C4E52;
-
 std::int64_t version(Connection& connection) { return connection.number("PRAGMA user_version"); }
 
 bool is_new(Connection& connection) {
@@ -46,7 +43,7 @@ bool is_new(Connection& connection) {
 }
 
 void refuse_others(Connection& connection, std::int64_t known) {
-  const bool ours = connection.number("PRAGMA application_id") == kOurs;
+  const bool ours = connection.number("PRAGMA application_id") == kApplicationId;
   if (!ours && !is_new(connection)) throw failure(SQLITE_NOTADB, connection.path(), "");
   if (version(connection) > known) {
     throw DbError(kStoreFailure, "La base « " + connection.path() +
@@ -61,7 +58,7 @@ void take_steps(Connection& connection, std::span<const char* const> steps) {
   const auto from = static_cast<std::size_t>(version(connection));
   for (std::size_t step = from; step < steps.size(); ++step) connection.run(steps[step]);
   if (from < steps.size()) {
-    connection.run(("PRAGMA application_id = " + std::to_string(kOurs)).c_str());
+    connection.run(("PRAGMA application_id = " + std::to_string(kApplicationId)).c_str());
     connection.run(("PRAGMA user_version = " + std::to_string(steps.size())).c_str());
   }
   transaction.commit();

@@ -1,12 +1,16 @@
 // The tables of the database file, and bringing an older file up to them.
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <string_view>
 
 #include "store/sqlite/connection.h"
 
 namespace velanor::store::sqlite {
+
+// "VLNR", where SQLite keeps what kind of database a file is.
+inline constexpr std::uint32_t kApplicationId = 0x564C4E52;
 
 // Step n (from 0) turns a file of version n into one of version n + 1.
 std::span<const char* const> schema_steps();

@@ -14,6 +14,12 @@ namespace sqlite {
 class SqliteBackend;
 }
 
+// A file stands where another was to be made; it is left as it is.
+class NameTaken : public DbError {
+ public:
+  using DbError::DbError;
+};
+
 // What is written is on the disk once the call returns; a failure leaves the file as it was. Several
 // programs, and several of these, may use one database file; each sees at once what the others
 // write. Every failure is a DbError (kStoreFailure) whose sentence says what to do.
@@ -46,12 +52,15 @@ class SqliteDatabase : public StoreDatabase {
   void put(std::string_view file, std::string_view id, const DbRecord& record);
   // The files that hold records, by name.
   std::vector<std::string> files();
-  // Copies the database, as it stands now, to a new file (mode 0600) that appears when it is
-  // complete; others may write meanwhile. A file that exists is an error. `progress` hears what
-  // part is done, from 0 to 1.
+  // Copies the database, as it stands now, to a new file (mode 0600) that appears when it is complete
+  // and has been found sound; others may write meanwhile. A file that exists, or is being made by
+  // another copy, is a NameTaken. `progress` hears what part is copied, from 0 to 1.
   void back_up(const std::string& path, const std::function<void(double)>& progress = {});
   // What is damaged in the file itself, in SQLite's words; nothing for a sound file.
   std::vector<std::string> damages();
+
+  // Whether the file says of itself that it is such a database; nothing else of it is looked at.
+  static bool is_at(const std::string& path);
 
  private:
   SqliteDatabase(std::unique_ptr<sqlite::SqliteBackend> backend, select::Dictionary dictionary);
