@@ -47,8 +47,9 @@ bool Monkey::has_line_without_items() const {
 const char* Monkey::missing_step_of_form() {
   const forms::ItemScreen& form = *item_form(*office_);
   if (entering_item(form))
-    return first_empty({"Cbo_LibRub", "Txt_Base", "Txt_Taux", "Txt_Montant"}, "Cmd_OK");
-  return form.Lst_Code.count() == 0 || once_in(4) ? "Cmd_Ajouter" : "Cmd_Retour";
+    return first_empty({"Cbo_LibRub", "Txt_Base", "Txt_Taux", "Txt_Montant"},
+                       once_in(3) ? any(kItem) : "Cmd_OK");
+  return form.Lst_Code.count() == 0 || once_in(4) ? "Cmd_Ajouter" : once_in(2) ? "Lst_Code" : "Cmd_Retour";
 }
 
 const char* Monkey::missing_step() {

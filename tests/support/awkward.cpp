@@ -72,12 +72,14 @@ void put_dates(DbRecord& card, const std::vector<std::string>& dates) {
 
 // More items than the form shows at once, some that cannot be entered by hand or have left their file.
 void put_many_items(DbRecord& card) {
-  for (int n = 1; n <= 20; ++n) {
-    const char* const code = n == 4 ? "041" : n == 8 ? "999" : n % 2 == 0 ? "022" : "001";
-    card.set(card::kItemCode, 1, n, code);
-    card.set(card::kItemBase, 1, n, std::to_string(100 * n));
-    card.set(card::kItemRate, 1, n, n % 2 == 0 ? "3800" : "0");
-    card.set(card::kItemAmount, 1, n, n % 2 == 0 ? std::to_string(38 * n) : "");
+  for (int i = 1; i <= card.Count(card::kEffective); ++i) {
+    for (int n = 1; n <= 20; ++n) {
+      const char* const code = n == 4 ? "041" : n == 8 ? "999" : n % 2 == 0 ? "022" : "001";
+      card.set(card::kItemCode, i, n, code);
+      card.set(card::kItemBase, i, n, std::to_string(100 * n));
+      card.set(card::kItemRate, i, n, n % 2 == 0 ? "3800" : "0");
+      card.set(card::kItemAmount, i, n, n % 2 == 0 ? std::to_string(38 * n) : "");
+    }
   }
 }
 
