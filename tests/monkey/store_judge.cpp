@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "app/velanorctl/card_dates.h"
 #include "card/record_layout.h"
+#include "entry/date.h"
 
 namespace velanor::test {
 namespace {
@@ -18,6 +20,8 @@ constexpr int kFigures[] = {
     card::kGridStart,          card::kHourlyRate,     card::kMonthlyTime,
     card::kItemBase,           card::kItemRate,       card::kItemAmount,
 };
+
+constexpr entry::Date kToday{1, 1, 2027};
 
 bool all_digits(std::string_view text) {
   return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
@@ -60,7 +64,7 @@ std::map<int, std::string> boxes(const card::CardScreen& ui) {
 
 }  // namespace
 
-StoreJudge::StoreJudge(store::MemoryDatabase& base) : check_(base) {
+StoreJudge::StoreJudge(store::MemoryDatabase& base) : check_(base, [] { return kToday; }) {
   base.for_each("VELANORO", [&](std::string_view, const DbRecord& card) {
     each_figure(card, [&](int attribute, const std::string& text) {
       if (!whole(text)) unreadable_.emplace(attribute, text);
@@ -86,10 +90,8 @@ void StoreJudge::after(Office& office, const Act& act) {
   if (name.empty()) return;
   const card::CardScreen& ui = office.ui;
   read_ = office.component.card_in_hand();
-  faultless_ =
-      check_
-          .faults_of(card::record_id(ui.Txt_Aidant.text(), ui.Txt_Asso.text(), ui.Cbo_Periode.text()), read_)
-          .empty();
+  const std::string id = card::record_id(ui.Txt_Aidant.text(), ui.Txt_Asso.text(), ui.Cbo_Periode.text());
+  faultless_ = faults_of(id, read_).empty();
   // A code that is completed by leaving its box opens the card on the way to something else, which may
   // have changed it by now.
   const bool chosen = act.control == "Txt_Aidant" || act.control == "Cbo_Aidant";
@@ -105,11 +107,21 @@ std::string StoreJudge::bad_figure(const DbRecord& card) const {
   return bad;
 }
 
+std::vector<std::string> StoreJudge::faults_of(std::string_view id, const DbRecord& card) const {
+  std::vector<std::string> sentences;
+  const auto of_dates = app::faults_of_dates(card, *entry::day_number(kToday));
+  for (const app::Fault& fault : check_.faults_of(id, card)) {
+    const auto same = [&](const app::Fault& other) { return other.kind() == fault.kind(); };
+    if (std::none_of(of_dates.begin(), of_dates.end(), same)) sentences.push_back(fault.sentence());
+  }
+  return sentences;
+}
+
 std::string StoreJudge::new_fault(std::string_view id, const DbRecord& card) const {
   if (excused_ || (writing_ != Writing::kNewCard && !faultless_)) return {};
   // Leaving the code box of an employee for the duplicate button opens the card first.
   if (const std::string now = card_name(*office_); !now.empty() && now != card_) return {};
-  const auto faults = check_.faults_of(id, card);
+  const auto faults = faults_of(id, card);
   return faults.empty() ? "" : "stored with a fault it did not have: " + faults.front();
 }
 

@@ -33,6 +33,8 @@ class StoreJudge {
 
  private:
   enum class Writing { kNothing, kNewCard, kCard, kCopy };
+  // What the check finds but for dates that cannot be, which the screen does not judge.
+  std::vector<std::string> faults_of(std::string_view id, const store::DbRecord& card) const;
   std::string bad_figure(const store::DbRecord& card) const;
   std::string new_fault(std::string_view id, const store::DbRecord& card) const;
   std::string lost_field(const store::DbRecord& card) const;
