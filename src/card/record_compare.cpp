@@ -22,6 +22,12 @@ bool same_attribute(const store::DbRecord& a, const store::DbRecord& b, int attr
   return true;
 }
 
+int lines_of(const store::DbRecord& card, int attribute) {
+  int lines = 0;
+  while (!card(attribute, lines + 1).empty()) ++lines;
+  return lines;
+}
+
 bool same_record(const store::DbRecord& a, const store::DbRecord& b) {
   const int count = std::max(a.DCount(), b.DCount());
   for (int attribute = 1; attribute <= count; ++attribute) {

@@ -132,9 +132,10 @@ Draft CardRecord::entered() const {
 }
 
 void CardRecord::ChargerDonnees() {
-  card_.draft = entered();
-  complete(card_.draft);
-  drop_stale_results(card_.draft, card_.Creation ? nullptr : &*card_.file);
+  store::DbRecord record = entered().record();
+  complete(record);
+  drop_stale_results(record, card_.Creation ? nullptr : &*card_.file);
+  card_.draft = Draft(card_.draft.reading(), std::move(record));
 }
 
 }  // namespace velanor::commands

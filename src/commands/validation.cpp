@@ -34,9 +34,10 @@ screen::Control* Validation::control_of(int attribute) const {
 
 void Validation::VerifZone() {
   const auto reference = entry::parse_decimal(card::reference_date(procedure_), 0).value_or(0);
-  const auto fault = card::first_fault(record_.entered(), static_cast<long>(reference));
+  const card::Draft card = record_.entered();
+  const auto fault = card::first_fault(card.record(), card.reading().codec, static_cast<long>(reference));
   if (!fault) return;
-  screen_.refuse(fault->sentence);
+  screen_.refuse(fault->sentence());
   card_.Erreur = true;
   screen::Control* control = control_of(fault->attribute);
   auto* box = dynamic_cast<screen::TextControl*>(control);

@@ -1,9 +1,9 @@
 #include "entry/decimal.h"
 
-#include <charconv>
 #include <limits>
 
 #include "entry/blanks.h"
+#include "text/number.h"
 #include "text/utf8.h"
 
 namespace velanor::entry {
@@ -87,13 +87,6 @@ class DecimalReader {
   bool bad_ = false;
 };
 
-std::optional<std::int64_t> whole_number(std::string_view text) {
-  std::int64_t value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc{} || end != text.data() + text.size()) return {};
-  return value;
-}
-
 // Digits of a value divided by a power of ten, rounded half away from zero.
 std::uint64_t divided(std::uint64_t value, int powers) {
   bool up = false;
@@ -129,7 +122,7 @@ std::string format_pattern(std::string_view text, int decimals) {
 }
 
 std::string stored_to_text(std::string_view stored, int scale, int decimals) {
-  const auto value = whole_number(stored);
+  const auto value = text::whole_number(stored);
   return value ? format_decimal(*value, scale, decimals) : std::string(stored);
 }
 

@@ -46,7 +46,8 @@ void Fields::bind(const DecimalField& field) {
 }
 
 bool Fields::holds_entry(screen::TextBox& box) {
-  if (box.shows_more()) return false;
+  const bool number = parse_decimal(box.text(), 0).has_value();
+  if (box.shows_more() || (!box.edited() && !number)) return false;
   if (!has_digit(box.text())) box.set_text({});
   return !box.is_empty();
 }
@@ -54,6 +55,7 @@ bool Fields::holds_entry(screen::TextBox& box) {
 void Fields::leave_decimal(const DecimalField& field) {
   screen::TextBox& box = field.box;
   if (!holds_entry(box)) return;
+  if (!parse_decimal(box.text(), 0)) return refuse_number(box, field.caret);
   box.set_text(format_pattern(box.text(), field.decimals));
   // A value that the box has cut formats to something else.
   if (format_pattern(box.text(), field.decimals) != box.text()) refuse_number(box, field.caret);
@@ -84,8 +86,9 @@ void Fields::bind(const AmountField& field) {
     key.code = entry_.FilterNumericKey(field.box.text(), key.code, field.integer_digits);
   };
   field.box.lost_focus += [this, field] {
-    if (holds_entry(field.box))
-      field.box.set_text(entry_.FormatAmount(field.box.text(), field.decimals, field.integer_digits));
+    if (!holds_entry(field.box)) return;
+    if (!parse_decimal(field.box.text(), 0)) return field.box.set_text({});
+    field.box.set_text(entry_.FormatAmount(field.box.text(), field.decimals, field.integer_digits));
   };
 }
 

@@ -1,6 +1,6 @@
 // The free-entry boxes: what may be typed, and what leaving one makes of its text. A text without
-// a digit is no number: leaving a number box empties it of that. A stored value that is longer than
-// its box is let be as long as the user has not touched it.
+// a digit is no entry: leaving a number box empties it of that. A stored value that is no number, or
+// longer than its box, is let be as long as the user has not touched it.
 #pragma once
 
 #include <functional>
@@ -56,10 +56,10 @@ class Fields {
   void bind(const BoundedField& field);
   void bind(const AmountField& field);
   static void bind_letters(screen::TextBox& box);
+  // Empties a number box of what is no entry. Whether there is something to judge.
+  static bool holds_entry(screen::TextBox& box);
 
  private:
-  // Empties a number box of what is no entry. Whether there is a number to judge.
-  static bool holds_entry(screen::TextBox& box);
   void bind_decimal_keys(screen::TextBox& box, int decimals);
   DateOutcome leave_date(const DateField& field);
   void leave_decimal(const DecimalField& field);

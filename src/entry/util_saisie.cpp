@@ -6,18 +6,15 @@
 
 #include "entry/blanks.h"
 #include "entry/decimal.h"
+#include "text/number.h"
 #include "text/utf8.h"
 
 namespace velanor::entry {
 namespace {
 
-bool all_digits(std::string_view text) {
-  return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
-}
-
 std::vector<std::string_view> parts_of(std::string_view text) {
   // Six or eight digits need no slash.
-  if (all_digits(text) && (text.size() == 6 || text.size() == 8)) {
+  if (text::is_digits(text) && (text.size() == 6 || text.size() == 8)) {
     return {text.substr(0, 2), text.substr(2, 2), text.substr(4)};
   }
   std::vector<std::string_view> parts;
@@ -30,7 +27,7 @@ std::vector<std::string_view> parts_of(std::string_view text) {
 }
 
 std::optional<int> number_of(std::string_view part, std::size_t longest) {
-  if (!all_digits(part) || part.size() > longest) return {};
+  if (!text::is_digits(part) || part.size() > longest) return {};
   int number = 0;
   for (char digit : part) number = number * 10 + (digit - '0');
   return number;

@@ -286,9 +286,9 @@ void Frm_RubSaisie::filter_number(screen::TextBox& box, int integer_digits, scre
 }
 
 void Frm_RubSaisie::format_number(screen::TextBox& box, int decimals, int integer_digits) {
-  if (box.shows_more()) return;
-  box.set_text(entry::has_digit(box.text()) ? entry_.FormatAmount(box.text(), decimals, integer_digits)
-                                            : std::string());
+  if (!entry::Fields::holds_entry(box)) return;
+  const bool number = entry::parse_decimal(box.text(), decimals).has_value();
+  box.set_text(number ? entry_.FormatAmount(box.text(), decimals, integer_digits) : std::string());
 }
 
 // ---- The commands of the edit line.

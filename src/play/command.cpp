@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <optional>
 #include <utility>
 
+#include "text/number.h"
 #include "text/utf8.h"
 
 namespace velanor::play {
@@ -91,10 +91,8 @@ std::optional<Meaning> meaning(const std::array<Meanings<Meaning>, Count>& words
 
 // Digits only; the bound keeps a slip of the pen from asking for a record of gigabytes.
 std::optional<int> whole_number(std::string_view text) {
-  int number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  const bool whole = error == std::errc{} && end == text.data() + text.size();
-  return whole && text.front() != '-' && number <= 99999 ? std::optional(number) : std::nullopt;
+  const auto number = text::is_digits(text) ? text::whole_number(text) : std::nullopt;
+  return number && *number <= 99999 ? std::optional(static_cast<int>(*number)) : std::nullopt;
 }
 
 std::optional<int> line_number(const Word& word) {

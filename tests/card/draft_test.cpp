@@ -100,8 +100,8 @@ TEST_F(DraftTest, SavingWritesOutWhatTheScreenImplies) {
   card.put_stored(kContractType, {});
   card.put_stored(kEndReason, "01");
   card.put_monthly_time(0, "100,00");
-  complete(card);
-  const store::DbRecord& record = card.record();
+  store::DbRecord record = card.record();
+  complete(record);
   EXPECT_EQ(record(kName), "ZOÉ");
   EXPECT_EQ(record(kContractType), "I");
   EXPECT_EQ(record(kEndReason), "") << "no end";
@@ -111,18 +111,19 @@ TEST_F(DraftTest, SavingWritesOutWhatTheScreenImplies) {
 }
 
 TEST_F(DraftTest, EveryFaultIsFoundAndTheFirstIsTheOneTold) {
-  EXPECT_EQ(faults_of(stored(), 21186).size(), 0u);
+  EXPECT_EQ(faults_of(stored().record(), reading_.codec, 21186).size(), 0u);
   Draft card = stored();
   for (int attribute : {kSector.number, kProfile1.number, kExemptedHours.number})
     card.put_stored(attribute, {});
   card.put_items(1, {});
   std::vector<std::string> sentences;
-  for (const Fault& fault : faults_of(card, 21186)) sentences.push_back(fault.sentence);
+  for (const Fault& fault : faults_of(card.record(), reading_.codec, 21186))
+    sentences.push_back(fault.sentence());
   EXPECT_EQ(sentences,
             (std::vector<std::string>{"Le secteur est obligatoire.", "Le profil de paie est obligatoire.",
                                       "Le pourcentage des heures exonérées est obligatoire.",
                                       "Aucun détail n'a été saisi pour l'avenant du 01/01/2026."}));
-  EXPECT_EQ(first_fault(card, 21186)->attribute, kSector);
+  EXPECT_EQ(first_fault(card.record(), reading_.codec, 21186)->attribute, kSector);
 }
 
 }  // namespace

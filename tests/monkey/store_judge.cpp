@@ -110,9 +110,11 @@ std::string StoreJudge::bad_figure(const DbRecord& card) const {
 std::vector<std::string> StoreJudge::faults_of(std::string_view id, const DbRecord& card) const {
   std::vector<std::string> sentences;
   const auto of_dates = app::faults_of_dates(card, *entry::day_number(kToday));
-  for (const app::Fault& fault : check_.faults_of(id, card)) {
-    const auto same = [&](const app::Fault& other) { return other.kind() == fault.kind(); };
-    if (std::none_of(of_dates.begin(), of_dates.end(), same)) sentences.push_back(fault.sentence());
+  for (const card::Fault& fault : check_.faults_of(id, card)) {
+    const auto same = [&](const card::Fault& other) { return other.kind() == fault.kind(); };
+    // The hours of the items have no box that would bound them.
+    const bool hours = fault.kind().starts_with("Une durée mensuelle dépasse");
+    if (!hours && std::none_of(of_dates.begin(), of_dates.end(), same)) sentences.push_back(fault.sentence());
   }
   return sentences;
 }

@@ -153,10 +153,11 @@ TEST_F(CheckOfCards, AmendmentsStartWhereTheContractOrTheBudgetDoes) {
 
 TEST(FaultsOfManyCards, AreGroupedByKindTheMostFrequentFirst) {
   FaultList list;
-  list.add("1", {Fault("Le secteur « … » n'existe pas.", "7"), Fault("Le nom manque.")});
+  list.add("1", {card::Fault("Le secteur « … » n'existe pas.", "7"), card::Fault("Le nom manque.")});
   list.add("2", {});
-  list.add("3", {Fault("Le nom manque.")});
-  list.add("4", {Fault("La grille « … » n'existe pas.", "8"), Fault("La grille « … » n'existe pas.", "9")});
+  list.add("3", {card::Fault("Le nom manque.")});
+  list.add("4", {card::Fault("La grille « … » n'existe pas.", "8"),
+                 card::Fault("La grille « … » n'existe pas.", "9")});
   std::string shown;
   for (const auto* kind : list.most_frequent_first()) {
     shown += std::to_string(kind->cards) + " " + kind->sentence + "\n";

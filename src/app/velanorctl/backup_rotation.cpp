@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "app/velanorctl/known_files.h"
+#include "text/number.h"
 
 namespace velanor::app {
 namespace {
@@ -40,8 +41,8 @@ std::optional<Age> age_of(const Rotation& rotation, const std::string& path) {
   count.remove_prefix(begin + length);
   count.remove_suffix(kEnding.size());
   if (!count.empty()) std::from_chars(count.data() + 1, count.data() + count.size(), age.second);
-  const bool moment = is_all_digits(age.first.substr(0, kDayLength)) && age.first[kDayLength] == '-' &&
-                      is_all_digits(age.first.substr(kDayLength + 1));
+  const bool moment = text::is_digits(age.first.substr(0, kDayLength)) && age.first[kDayLength] == '-' &&
+                      text::is_digits(age.first.substr(kDayLength + 1));
   return moment && path_of_backup(rotation, age) == path ? std::optional(age) : std::nullopt;
 }
 

@@ -1,11 +1,12 @@
 // Whether stored cards are such as the screen would save them, and use only codes that exist.
 #pragma once
 
+#include <memory>
 #include <string_view>
 #include <vector>
 
 #include "app/velanorctl/references.h"
-#include "entry/date.h"
+#include "entry/util_saisie.h"
 #include "store/database.h"
 
 namespace velanor::app {
@@ -17,12 +18,13 @@ class CardCheck {
   explicit CardCheck(store::Database& database, const entry::Clock& clock = entry::system_clock());
 
   // What is wrong with the reference files themselves, so that no card could be right.
-  const std::vector<Fault>& faults_of_references() const { return references_.faults(); }
+  const std::vector<card::Fault>& faults_of_references() const { return references_.faults(); }
   // Every fault of a card; the rules of saving in the words of the screen.
-  std::vector<Fault> faults_of(std::string_view id, const store::DbRecord& card) const;
+  std::vector<card::Fault> faults_of(std::string_view id, const store::DbRecord& card) const;
 
  private:
   References references_;
+  std::unique_ptr<entry::UtilSaisie> entry_;
   int today_;
 };
 

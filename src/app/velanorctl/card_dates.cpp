@@ -15,8 +15,8 @@ std::optional<int> stored_day(std::string_view stored) {
   return whole && day >= first && day <= last ? std::optional(day) : std::nullopt;
 }
 
-std::vector<Fault> faults_of_dates(const store::DbRecord& card, int today) {
-  std::vector<Fault> faults;
+std::vector<card::Fault> faults_of_dates(const store::DbRecord& card, int today) {
+  std::vector<card::Fault> faults;
   const auto birth = stored_day(card(card::kBirth)), start = stored_day(card(card::kContractStart));
   const auto branch = stored_day(card(card::kBranchEntry));
   if (birth && start && *birth > *start) {

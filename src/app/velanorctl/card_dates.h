@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/velanorctl/fault.h"
+#include "card/record/fault.h"
 #include "store/record.h"
 
 namespace velanor::app {
@@ -14,6 +14,6 @@ namespace velanor::app {
 std::optional<int> stored_day(std::string_view stored);
 
 // `today` is a day number. Dates that cannot be read say nothing here.
-std::vector<Fault> faults_of_dates(const store::DbRecord& card, int today);
+std::vector<card::Fault> faults_of_dates(const store::DbRecord& card, int today);
 
 }  // namespace velanor::app

@@ -1,11 +1,11 @@
 #include "app/velanorctl/card_fields.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdint>
 
 #include "app/velanorctl/card_dates.h"
 #include "entry/decimal.h"
+#include "text/number.h"
 #include "text/utf8.h"
 
 namespace velanor::app {
@@ -72,37 +72,30 @@ constexpr FlagWord kFlagWords[] = {
     {card::kNewMeasure, "O", "OUI"},       {card::kNewMeasure, "N", "NON"},
 };
 
-std::optional<std::int64_t> whole_number(std::string_view text) {
-  std::int64_t number = 0;
-  const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (read.ec != std::errc() || read.ptr != text.data() + text.size()) return std::nullopt;
-  return number;
+card::Fault fault(const CardField& field, const std::string& is_wrong, std::string_view value) {
+  return card::Fault(std::string(field.noun) + " " + is_wrong + " : « … ».", std::string(value));
 }
 
-Fault fault(const CardField& field, const std::string& is_wrong, std::string_view value) {
-  return Fault(std::string(field.noun) + " " + is_wrong + " : « … ».", std::string(value));
-}
-
-std::optional<Fault> fault_of_length(const CardField& field, std::string_view shown) {
+std::optional<card::Fault> fault_of_length(const CardField& field, std::string_view shown) {
   const int most = field.box.length();
   if (most == 0 || text::length(shown) <= most) return std::nullopt;
   return fault(field, "dépasse les " + std::to_string(most) + " caractères de sa case", shown);
 }
 
-std::optional<Fault> fault_of_flag(const CardField& field, std::string_view stored) {
+std::optional<card::Fault> fault_of_flag(const CardField& field, std::string_view stored) {
   const bool known = std::any_of(std::begin(kFlagWords), std::end(kFlagWords), [&](const FlagWord& flag) {
     return flag.attribute == field.attribute && flag.letter == stored;
   });
   return known ? std::nullopt : std::optional(fault(field, "est illisible", stored));
 }
 
-std::optional<Fault> fault_of_date(const CardField& field, std::string_view stored) {
+std::optional<card::Fault> fault_of_date(const CardField& field, std::string_view stored) {
   if (stored_day(stored)) return std::nullopt;
   return fault(field, "est illisible", stored);
 }
 
-std::optional<Fault> fault_of_figure(const CardField& field, std::string_view stored) {
-  const auto figure = whole_number(stored);
+std::optional<card::Fault> fault_of_figure(const CardField& field, std::string_view stored) {
+  const auto figure = text::whole_number(stored);
   if (!figure) return fault(field, "est illisible", stored);
   const int scale = decimals(field.encoding);
   const std::string shown = entry::format_decimal(*figure, scale, scale);
@@ -144,7 +137,7 @@ int decimals(card::Encoding encoding) {
   }
 }
 
-std::optional<Fault> fault_of(const CardField& field, std::string_view stored) {
+std::optional<card::Fault> fault_of(const CardField& field, std::string_view stored) {
   if (stored.empty()) return std::nullopt;
   if (field.encoding == card::Encoding::kFlag) return fault_of_flag(field, stored);
   if (field.encoding == card::Encoding::kDate) return fault_of_date(field, stored);

@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "app/velanorctl/fault.h"
 #include "card/card_screen.h"
+#include "card/record/fault.h"
 #include "card/record_layout.h"
 #include "forms/frm_rub_saisie.h"
 
@@ -52,6 +52,6 @@ std::span<const FlagWord> flag_words();
 int decimals(card::Encoding encoding);
 
 // What the screen would not take, or could not show, of a text that a record holds.
-std::optional<Fault> fault_of(const CardField& field, std::string_view stored);
+std::optional<card::Fault> fault_of(const CardField& field, std::string_view stored);
 
 }  // namespace velanor::app

@@ -4,15 +4,14 @@
 
 #include "app/velanorctl/card_dates.h"
 #include "app/velanorctl/known_files.h"
-#include "card/record_compare.h"
+#include "card/record/saving.h"
+#include "text/number.h"
 #include "text/utf8.h"
 
 namespace velanor::app {
 namespace {
 
 using store::DbRecord;
-
-constexpr std::size_t kYearLength = 4;
 
 std::string not_an_id(std::string_view text) {
   return "« " + std::string(text) +
@@ -40,11 +39,11 @@ std::string card_id(const CardIdParts& parts, std::string& wrong) {
     wrong = "le code de l'entité est vide";
   } else if (parts.year.empty()) {
     wrong = "l'année est vide";
-  } else if (!is_all_digits(employee) || employee.size() != card::kEmployeeCodeLength) {
+  } else if (!text::is_digits(employee) || employee.size() != card::kEmployeeCodeLength) {
     wrong = "« " + std::string(parts.employee) + " » n'est pas un code de salarié (5 chiffres)";
-  } else if (!is_all_digits(entity) || entity.size() != card::kEntityCodeLength) {
+  } else if (!text::is_digits(entity) || entity.size() != card::kEntityCodeLength) {
     wrong = "« " + std::string(parts.entity) + " » n'est pas un code d'entité (3 chiffres)";
-  } else if (!is_all_digits(parts.year) || parts.year.size() != kYearLength) {
+  } else if (!text::is_digits(parts.year) || parts.year.size() != card::kYearLength) {
     wrong = "« " + std::string(parts.year) + " » n'est pas une année (4 chiffres)";
   } else {
     return card::record_id(employee, entity, parts.year);
@@ -54,7 +53,7 @@ std::string card_id(const CardIdParts& parts, std::string& wrong) {
 
 std::string card_id(std::string_view whole, std::string& wrong) {
   const auto id = completed_id(kCardFile, text::trim(whole));
-  if (id && is_all_digits(*id) && text::length(*id) == id_length(kCardFile)) return *id;
+  if (id && text::is_digits(*id) && text::length(*id) == id_length(kCardFile)) return *id;
   wrong = not_an_id(whole);
   return {};
 }
@@ -80,7 +79,7 @@ CardImport::Findings CardImport::finish(std::string_view id, const DbRecord* bef
     return std::pair(record(card::kBirth), record(card::kContractStart));
   };
   if (before == nullptr || dates(*before) != dates(card)) {
-    for (const Fault& fault : faults_of_dates(card, today_)) findings.faults.push_back(fault);
+    for (const card::Fault& fault : faults_of_dates(card, today_)) findings.faults.push_back(fault);
   }
   follow_saving(before, card);
   return findings;
@@ -111,16 +110,10 @@ bool CardImport::has_column(int attribute) const {
   });
 }
 
+// A column of the table has the last word.
 void CardImport::follow_saving(const DbRecord* before, DbRecord& card) const {
-  if (before == nullptr) {
-    if (!has_column(card::kStatus)) card.set(card::kStatus, "0");
-    return;
-  }
-  bool stale = false;
-  for (int attribute = 1; attribute <= card::kLastComparedAttribute; ++attribute) {
-    stale |= card::affects_calculation(attribute) && !card::same_attribute(card, *before, attribute);
-  }
-  if (!stale) return;
+  if (before == nullptr && !has_column(card::kStatus)) card.set(card::kStatus, "0");
+  if (before == nullptr || !card::results_are_stale(card, before)) return;
   for (const int result : card::kResults) {
     if (!has_column(result)) card.set(result, {});
   }

@@ -23,7 +23,7 @@ std::string card_id(std::string_view whole, std::string& wrong);
 class CardImport {
  public:
   struct Findings {
-    std::vector<Fault> faults, unknown_codes;
+    std::vector<card::Fault> faults, unknown_codes;
   };
 
   // Keeps the columns, whose owner outlives it.

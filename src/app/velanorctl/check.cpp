@@ -35,7 +35,7 @@ std::string counted(int count, const std::string& noun) {
 int check_records(store::Database& database) {
   const CardCheck check(database);
   FaultList list;
-  for (const Fault& fault : check.faults_of_references()) std::cout << fault.sentence() << "\n";
+  for (const card::Fault& fault : check.faults_of_references()) std::cout << fault.sentence() << "\n";
   const auto cards = database.OpenFile(kCardFile);
   const store::DbResult ids =
       database.Select(store::DbQuery("SSELECT VELANORO PAR 0", kCardFile, "0").encoded());

@@ -5,9 +5,9 @@
 
 namespace velanor::app {
 
-void FaultList::add(std::string_view id, const std::vector<Fault>& faults) {
+void FaultList::add(std::string_view id, const std::vector<card::Fault>& faults) {
   std::set<std::string_view> met;
-  for (const Fault& fault : faults) {
+  for (const card::Fault& fault : faults) {
     Kind& kind = kinds_[fault.kind()];
     kind.sentence = fault.kind();
     kind.cards += met.insert(fault.kind()).second ? 1 : 0;

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/velanorctl/fault.h"
+#include "card/record/fault.h"
 
 namespace velanor::app {
 
@@ -19,7 +19,7 @@ class FaultList {
     std::vector<std::string> lines;
   };
 
-  void add(std::string_view id, const std::vector<Fault>& faults);
+  void add(std::string_view id, const std::vector<card::Fault>& faults);
 
   // Views into this.
   std::vector<const Kind*> most_frequent_first() const;

@@ -261,9 +261,10 @@ void Import::take_record() {
 void Import::finish_card() {
   const DbRecord* before = pending_->before ? &*pending_->before : nullptr;
   const auto findings = cards_->finish(pending_->id, before, pending_->record);
-  for (const Fault& found : findings.faults) fault(pending_->line, found.sentence());
+  for (const card::Fault& found : findings.faults) fault(pending_->line, found.sentence());
   auto& unknown = options_.accept_unknown ? report_.remarks : report_.faults;
-  for (const Fault& found : findings.unknown_codes) unknown.push_back({pending_->line, found.sentence()});
+  for (const card::Fault& found : findings.unknown_codes)
+    unknown.push_back({pending_->line, found.sentence()});
   report_.unknown_codes |= !options_.accept_unknown && !findings.unknown_codes.empty();
   pending_->good = findings.faults.empty() && (options_.accept_unknown || findings.unknown_codes.empty());
 }

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "control/session.h"
+#include "text/number.h"
 #include "text/utf8.h"
 
 namespace velanor::app {
@@ -72,14 +73,10 @@ std::string known_files() {
   return list;
 }
 
-bool is_all_digits(std::string_view text) {
-  return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
-}
-
 std::optional<std::string> completed_id(std::string_view file, std::string_view shown) {
   const std::string_view trimmed = text::trim(shown);
   const IdShape* shape = shape_of(file);
-  if (shape == nullptr || !is_all_digits(trimmed)) return std::string(shown);
+  if (shape == nullptr || !text::is_digits(trimmed)) return std::string(shown);
   const int length = text::length(trimmed);
   if (length < shape->least) return std::nullopt;
   return text::pad_left(trimmed, shape->length, '0');
@@ -99,7 +96,7 @@ std::string completed_cell(std::string_view file, int attribute, std::string_vie
   const auto* const found = std::find_if(
       std::begin(kCodeColumns), std::end(kCodeColumns),
       [&](const CodeColumn& column) { return column.file == file && column.attribute == attribute; });
-  const bool code = found != std::end(kCodeColumns) && is_all_digits(cell);
+  const bool code = found != std::end(kCodeColumns) && text::is_digits(cell);
   return code ? text::pad_left(cell, found->length, '0') : std::string(cell);
 }
 

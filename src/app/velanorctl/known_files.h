@@ -11,8 +11,6 @@ bool is_known_file(std::string_view name);
 // Their names, separated by commas.
 std::string known_files();
 
-bool is_all_digits(std::string_view text);
-
 // An establishment or an activity, behind the code of its entity.
 inline constexpr int kOwnCodeLength = 3;
 

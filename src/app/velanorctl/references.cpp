@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include "app/velanorctl/known_files.h"
+#include "text/number.h"
 #include "text/utf8.h"
 
 namespace velanor::app {
@@ -56,10 +57,10 @@ std::string References::completed(std::string_view list, std::string_view code,
   if (code.empty() || has(list, code)) return std::string(code);
   if (belongs_to_entity(list)) {
     const int length = text::length(code);
-    if (length == kOwnCodeLength || (length < kOwnCodeLength && is_all_digits(code)))
+    if (length == kOwnCodeLength || (length < kOwnCodeLength && text::is_digits(code)))
       return std::string(entity) + text::pad_left(code, kOwnCodeLength, '0');
   }
-  if (!is_all_digits(code)) return std::string(code);
+  if (!text::is_digits(code)) return std::string(code);
   constexpr int kLongest = 6;
   for (int length = text::length(code) + 1; length <= kLongest; ++length) {
     std::string padded = text::pad_left(code, length, '0');
@@ -68,12 +69,12 @@ std::string References::completed(std::string_view list, std::string_view code,
   return text::pad_left(code, list_code_length(list), '0');
 }
 
-Fault unknown_code(const CardField& field, std::string_view code) {
-  return Fault(std::string(field.noun) + " « … » n'existe pas.", std::string(code));
+card::Fault unknown_code(const CardField& field, std::string_view code) {
+  return card::Fault(std::string(field.noun) + " « … » n'existe pas.", std::string(code));
 }
 
-Fault unknown_entity(std::string_view entity) {
-  return Fault("L'entité « … » n'existe pas.", std::string(entity));
+card::Fault unknown_entity(std::string_view entity) {
+  return card::Fault("L'entité « … » n'existe pas.", std::string(entity));
 }
 
 }  // namespace velanor::app

@@ -26,7 +26,7 @@ class References {
   // As a day number; 0 when there is none.
   int reference_day() const { return reference_day_; }
   // What is wrong with the reference files themselves, so that no card could be right.
-  const std::vector<Fault>& faults() const { return faults_; }
+  const std::vector<card::Fault>& faults() const { return faults_; }
 
  private:
   void read_table(store::DbFile& tables, std::string_view table);
@@ -34,11 +34,11 @@ class References {
 
   std::map<std::string, std::set<std::string, std::less<>>, std::less<>> codes_;
   int reference_day_ = 0;
-  std::vector<Fault> faults_;
+  std::vector<card::Fault> faults_;
 };
 
 // That the list of the field does not have the code.
-Fault unknown_code(const CardField& field, std::string_view code);
-Fault unknown_entity(std::string_view entity);
+card::Fault unknown_code(const CardField& field, std::string_view code);
+card::Fault unknown_entity(std::string_view entity);
 
 }  // namespace velanor::app

@@ -1,6 +1,5 @@
 #include "card/record/draft.h"
 
-#include "card/record_compare.h"
 #include "entry/decimal.h"
 
 namespace velanor::card {
@@ -32,12 +31,6 @@ void move_value(store::DbRecord& record, int attribute, int from, int to) {
 std::string_view code_of_entry(std::string_view entry) { return entry.substr(0, entry.find(' ')); }
 
 }  // namespace
-
-int Draft::lines_of(int attribute) const {
-  int lines = 0;
-  while (!record_(attribute, lines + 1).empty()) ++lines;
-  return lines;
-}
 
 void Draft::put_end_reason(std::string_view label) {
   if (label != end_reason()) record_.set(kEndReason, reading_->labels.offered_reason(label));
@@ -196,18 +189,6 @@ bool Draft::same_items(const Draft& other, int amendment) const {
     if (!same_value(record_, other.record_, attribute, amendment + 1)) return false;
   }
   return true;
-}
-
-void Draft::end_lists() {
-  for (int attribute : {kActivity.number, kShare.number}) cut(record_, attribute, activities());
-  for (const AmendmentColumn& column : kAmendmentColumns) cut(record_, column.attribute, amendments());
-}
-
-void Draft::write_new_measures() {
-  for (int line = 0; line < amendments(); ++line) {
-    const std::string_view stored = record_(kNewMeasure, line + 1);
-    record_.set(kNewMeasure, line + 1, stored == "O" ? "O" : "N");
-  }
 }
 
 }  // namespace velanor::card

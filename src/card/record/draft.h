@@ -9,6 +9,7 @@
 #include "card/amendment_columns.h"
 #include "card/codec.h"
 #include "card/record/labels.h"
+#include "card/record_compare.h"
 #include "store/record.h"
 
 namespace velanor::card {
@@ -71,14 +72,14 @@ class Draft {
   void put_stored(int attribute, std::string_view stored) { record_.set(attribute, stored); }
 
   // ---- Activities.
-  int activities() const { return lines_of(kActivity); }
+  int activities() const { return lines_of(record_, kActivity); }
   ActivityText activity(int line) const;
   void add_activity(std::string_view code, std::string_view share);
   void change_share(int line, std::string_view share);
   void remove_activity(int line);
 
   // ---- Amendments, with their items.
-  int amendments() const { return lines_of(kEffective); }
+  int amendments() const { return lines_of(record_, kEffective); }
   AmendmentText amendment(int line) const;
   // Before which line one of this day number stands; `amendments()`: behind the last.
   int position_for(long day) const;
@@ -95,13 +96,7 @@ class Draft {
   void put_items(int amendment, const std::vector<ItemText>& items);
   bool same_items(const Draft& other, int amendment) const;
 
-  // Cuts off what stands behind the end of a list, where no screen shows it.
-  void end_lists();
-  // Each amendment's flag as one of its two letters.
-  void write_new_measures();
-
  private:
-  int lines_of(int attribute) const;
   long day(int line) const;
   void put_columns(int line, const AmendmentText& text);
   void move_amendment(int from, int to);

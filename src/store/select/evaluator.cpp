@@ -4,13 +4,10 @@
 
 #include "store/mark_scanner.h"
 #include "store/utf8.h"
+#include "text/number.h"
 
 namespace velanor::store::select {
 namespace {
-
-bool is_whole_number(std::string_view text) {
-  return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
-}
 
 std::string_view without_zeros(std::string_view digits) {
   return digits.substr(std::min(digits.find_first_not_of('0'), digits.size()));
@@ -18,7 +15,7 @@ std::string_view without_zeros(std::string_view digits) {
 
 // Two whole numbers of any length by their value, anything else by its bytes.
 bool is_below(std::string_view value, std::string_view bound) {
-  if (!is_whole_number(value) || !is_whole_number(bound)) return value < bound;
+  if (!text::is_digits(value) || !text::is_digits(bound)) return value < bound;
   value = without_zeros(value);
   bound = without_zeros(bound);
   return value.size() != bound.size() ? value.size() < bound.size() : value < bound;

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "store/select/lexer.h"
+#include "text/number.h"
 
 namespace velanor::store::select {
 namespace {
@@ -18,13 +19,9 @@ bool is_keyword(std::string_view word) {
   return std::find(kKeywords.begin(), kKeywords.end(), word) != kKeywords.end();
 }
 
-bool is_number(std::string_view word) {
-  return !word.empty() && word.find_first_not_of("0123456789") == std::string_view::npos;
-}
-
 // No attribute number needs more than nine digits; a longer one is not read.
 std::optional<int> attribute_number(std::string_view word) {
-  if (!is_number(word) || word.size() > 9) return std::nullopt;
+  if (!text::is_digits(word) || word.size() > 9) return std::nullopt;
   return std::stoi(std::string(word));
 }
 
@@ -68,7 +65,7 @@ class Parser {
       criteria();
       expected = "AND, OR, un numéro d'attribut, PAR, PAR-DECR ou la fin était attendu";
     }
-    if (token_.kind == Token::Kind::kWord && is_number(token_.text)) {
+    if (token_.kind == Token::Kind::kWord && text::is_digits(token_.text)) {
       take();
       expected = "PAR, PAR-DECR ou la fin était attendu";
     }
@@ -139,7 +136,7 @@ class Parser {
   Designator designator() {
     if (token_.kind != Token::Kind::kWord || is_keyword(token_.text)) throw error(kDesignators);
     const auto number = attribute_number(token_.text);
-    if (!number && is_number(token_.text)) throw error(kDesignators);
+    if (!number && text::is_digits(token_.text)) throw error(kDesignators);
     Designator result{.attribute = number.value_or(0)};
     if (!number && token_.text != "@ID") result = named();
     take();

@@ -1,11 +1,11 @@
-// A sentence about a fault, of which many records may have one of the same kind.
+// What is wrong with a card, of which many cards may have one of the same kind.
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <utility>
 
-namespace velanor::app {
+namespace velanor::card {
 
 class Fault {
  public:
@@ -21,8 +21,13 @@ class Fault {
     return text;
   }
 
+  // The attribute that it is about; 0: none on its own.
+  int attribute = 0;
+  // A value that is emptied, for a right one to be entered.
+  bool is_a_wrong_value = false;
+
  private:
   std::string pattern_, value_;
 };
 
-}  // namespace velanor::app
+}  // namespace velanor::card
