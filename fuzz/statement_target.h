@@ -9,6 +9,7 @@
 #include "check.h"
 #include "store/memory_backend.h"
 #include "store/memory_database.h"
+#include "store/store_database.h"
 
 namespace velanor::store::fuzz {
 
@@ -39,7 +40,7 @@ inline void fill(Backend& backend) {
       {"01400", "œuf\xFE\xFD"},
       {"9", ""},
   };
-  for (const auto& [id, text] : kCards) backend.put("VELANORO", id, DbRecord::from_encoded(text));
+  for (const auto& [id, text] : kCards) put_checked(backend, "VELANORO", id, DbRecord::from_encoded(text));
 }
 
 template <class B>

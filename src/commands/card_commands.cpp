@@ -22,14 +22,31 @@ std::string CardCommands::id_of(const std::string& employee) const {
   return card::record_id(employee, on_.card.entity, on_.card.year);
 }
 
-void CardCommands::write_card(store::FileRecord& card) {
+void CardCommands::write_card(store::FileRecord& card, store::Expected expected) {
   if (!card::is_record_id(card.id())) {
     throw store::DbError(store::kStoreFailure,
                          "La fiche « " + card.id() +
                              " » ne peut pas être enregistrée : il manque un code de salarié, une entité ou "
                              "une année.");
   }
-  card.DBWrite();
+  card.DBWrite(expected);
+}
+
+// Another clerk may take a code between the search for it and the write: then it is the next one.
+store::FileRecord CardCommands::write_new_card(
+    const std::function<store::DbRecord(const std::string& code)>& content) {
+  const screen::Scope own_code(on_.card.CodeAidant, std::string());
+  while (true) {
+    RechCode();
+    store::FileRecord card = on_.procedure.file(control::File::kCards).Record(id_of(on_.card.CodeAidant));
+    card.assign(content(on_.card.CodeAidant));
+    try {
+      write_card(card, store::Expected::absent());
+      return card;
+    } catch (const store::DbError& error) {
+      if (error.number() != store::kConflict) throw;
+    }
+  }
 }
 
 // ---- Entity, year, employee.
@@ -225,13 +242,13 @@ void CardCommands::Cmd_OK_Click() {
   try {
     on_.record.ChargerDonnees();
     if (on_.card.Creation) {
-      RechCode();
-      on_.card.file = on_.procedure.file(control::File::kCards).Record(id_of(on_.card.CodeAidant));
+      on_.card.file = write_new_card([this](const std::string&) { return on_.card.draft.record(); });
+    } else {
+      store::FileRecord file = *on_.card.file;
+      file.assign(on_.card.draft.record());
+      write_card(file, store::Expected::anything());
+      on_.card.file = file;
     }
-    store::FileRecord file = *on_.card.file;
-    file.assign(on_.card.draft.record());
-    write_card(file);
-    on_.card.file = file;
   } catch (...) {
     on_.card.draft = in_hand;
     if (on_.card.Creation) on_.card.file.reset();
@@ -353,14 +370,14 @@ void CardCommands::SupprimerCalculs(const std::string& id) {
 
 void CardCommands::Cmd_Copier_Click() {
   if (!on_.card.file || !on_.years.is_latest(on_.card.entity, on_.card.year)) return;
-  const std::string own_code = on_.card.CodeAidant;
-  RechCode();
-  const std::string code = std::exchange(on_.card.CodeAidant, own_code);
-  store::FileRecord copy = on_.procedure.file(control::File::kCards).Record(id_of(code));
-  copy.assign(*on_.card.file);
-  copy.set(card::kName, code);
-  for (int attribute : card::kResults) copy.set(attribute, {});
-  write_card(copy);
+  std::string code;
+  write_new_card([&](const std::string& new_code) {
+    code = new_code;
+    store::DbRecord copy = *on_.card.file;
+    copy.set(card::kName, code);
+    for (int attribute : card::kResults) copy.set(attribute, {});
+    return copy;
+  });
   on_.screen.inform("Cet aidant a été dupliqué sur le code " + code + ".");
   if (!on_.card.open) list_employees();
 }

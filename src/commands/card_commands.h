@@ -61,7 +61,9 @@ class CardCommands {
   // The id of a card of the entity and year in hand.
   std::string id_of(const std::string& employee) const;
   bool year_is_locked();
-  static void write_card(store::FileRecord& card);
+  static void write_card(store::FileRecord& card, store::Expected expected);
+  // Writes a card under the next free code, as `content` makes it of its code; returns it.
+  store::FileRecord write_new_card(const std::function<store::DbRecord(const std::string& code)>& content);
   void enter_entity();
   void list_employees();
   void put_in_hand(const store::DbRecord& record);

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "store/database.h"
 #include "store/record.h"
 #include "store/select/evaluator.h"
 
@@ -32,8 +33,9 @@ class Backend {
   // Throws where the file cannot be used.
   virtual void open(std::string_view file) = 0;
   virtual std::optional<DbRecord> find(std::string_view file, std::string_view id) = 0;
-  // Durable, where the backend is, once it returns.
-  virtual void put(std::string_view file, std::string_view id, const DbRecord& record) = 0;
+  // Durable, where the backend is, once it returns. False, and nothing written, where the record was
+  // not as expected; no other writer comes between the look and the write.
+  virtual bool put(std::string_view file, std::string_view id, const DbRecord& record, Expected expected) = 0;
   // A record that is not there is not an error.
   virtual void erase(std::string_view file, std::string_view id) = 0;
   // Visits every record that the narrowing admits, once each, in any order; ascending ids make the
@@ -45,6 +47,9 @@ class Backend {
   // Differs from every earlier answer for the file if the file has changed since, by whichever
   // process.
   virtual std::uint64_t revision(std::string_view file) = 0;
+  // See Database.
+  virtual void in_one_change(const std::function<void()>& writes) = 0;
+  virtual void in_one_view(const std::function<void()>& reads) = 0;
 };
 
 }  // namespace velanor::store

@@ -2,7 +2,17 @@
 
 namespace velanor::store {
 
-void FileRecord::DBWrite() { file_->write(id_, *this); }
+void FileRecord::DBWrite(Expected expected) { file_->write(id_, *this, expected); }
+
+void Database::in_one_change(const std::function<void()>&) {
+  throw DbError(
+      kStoreFailure,
+      "Cette base ne sait pas écrire plusieurs enregistrements d'un seul tenant : rien n'a été écrit.");
+}
+
+void Database::in_one_view(const std::function<void()>&) {
+  throw DbError(kStoreFailure, "Cette base ne sait pas être lue à un instant donné : rien n'a été lu.");
+}
 
 DbRecord DbFile::Read(std::string_view id) {
   if (auto record = find(id)) return std::move(*record);

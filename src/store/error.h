@@ -14,6 +14,9 @@ inline constexpr std::uint32_t kStoreFailure = 0x80040001;
 // Number of a selection statement that is not of the language.
 inline constexpr std::uint32_t kBadStatement = 0x80040002;
 
+// Number of a write that found under its id something else than it expected; nothing was written.
+inline constexpr std::uint32_t kConflict = 0x80040003;
+
 class DbError : public std::runtime_error {
  public:
   DbError(std::uint32_t number, const std::string& sentence)

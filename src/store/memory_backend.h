@@ -15,10 +15,13 @@ class MemoryBackend : public Backend {
  public:
   void open(std::string_view file) override;
   std::optional<DbRecord> find(std::string_view file, std::string_view id) override;
-  void put(std::string_view file, std::string_view id, const DbRecord& record) override;
+  bool put(std::string_view file, std::string_view id, const DbRecord& record, Expected expected) override;
   void erase(std::string_view file, std::string_view id) override;
   void scan(std::string_view file, const Narrowing& narrowing, Content content, const Visit& visit) override;
   std::uint64_t revision(std::string_view file) override;
+  void in_one_change(const std::function<void()>& writes) override;
+  // Nobody else writes meanwhile.
+  void in_one_view(const std::function<void()>& reads) override { reads(); }
 
   // The files that hold records.
   std::vector<std::string> files() const;
@@ -27,7 +30,17 @@ class MemoryBackend : public Backend {
   // nullptr for a file that was never written.
   MemoryFile* file(std::string_view name);
 
+  // What a record was before the change under way touched it.
+  struct Before {
+    std::string file, id;
+    std::optional<DbRecord> record;
+  };
+  void note(std::string_view file, std::string_view id);
+  void undo();
+
   std::map<std::string, MemoryFile, std::less<>> files_;
+  std::vector<Before> journal_;
+  bool in_change_ = false;
 };
 
 }  // namespace velanor::store

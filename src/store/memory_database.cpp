@@ -16,14 +16,50 @@ std::optional<DbRecord> MemoryBackend::find(std::string_view name, std::string_v
   return found == nullptr ? std::nullopt : found->find(id);
 }
 
-void MemoryBackend::put(std::string_view name, std::string_view id, const DbRecord& record) {
+bool MemoryBackend::put(std::string_view name, std::string_view id, const DbRecord& record,
+                        Expected expected) {
   MemoryFile* known = file(name);
   if (known == nullptr) known = &files_[std::string(name)];
+  if (expected.wants_absence() && known->find(id)) return false;
+  note(name, id);
   known->put(id, record.encoded());
+  return true;
 }
 
 void MemoryBackend::erase(std::string_view name, std::string_view id) {
-  if (MemoryFile* found = file(name)) found->erase(id);
+  MemoryFile* found = file(name);
+  if (found == nullptr) return;
+  note(name, id);
+  found->erase(id);
+}
+
+void MemoryBackend::note(std::string_view name, std::string_view id) {
+  if (in_change_) journal_.push_back({std::string(name), std::string(id), find(name, id)});
+}
+
+void MemoryBackend::in_one_change(const std::function<void()>& writes) {
+  if (in_change_) return writes();
+  in_change_ = true;
+  try {
+    writes();
+  } catch (...) {
+    undo();
+    throw;
+  }
+  in_change_ = false;
+  journal_.clear();
+}
+
+void MemoryBackend::undo() {
+  in_change_ = false;
+  for (auto before = journal_.rbegin(); before != journal_.rend(); ++before) {
+    if (before->record) {
+      put(before->file, before->id, *before->record, Expected::anything());
+    } else {
+      erase(before->file, before->id);
+    }
+  }
+  journal_.clear();
 }
 
 void MemoryBackend::scan(std::string_view name, const Narrowing& narrowing, Content content,

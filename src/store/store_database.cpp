@@ -13,8 +13,8 @@ class StoreFile : public DbFile {
   StoreFile(Backend& backend, std::string_view name) : backend_(&backend), name_(name) {}
 
   std::optional<DbRecord> find(std::string_view id) override { return backend_->find(name_, id); }
-  void write(std::string_view id, const DbRecord& record) override {
-    put_checked(*backend_, name_, id, record);
+  void write(std::string_view id, const DbRecord& record, Expected expected) override {
+    put_checked(*backend_, name_, id, record, expected);
   }
   void DeleteRecord(std::string_view id) override { backend_->erase(name_, id); }
 
@@ -25,12 +25,16 @@ class StoreFile : public DbFile {
 
 }  // namespace
 
-void put_checked(Backend& backend, std::string_view file, std::string_view id, const DbRecord& record) {
+void put_checked(Backend& backend, std::string_view file, std::string_view id, const DbRecord& record,
+                 Expected expected) {
   if (id.empty() || clean_text(id) != id) {
     throw DbError(kStoreFailure, "L'enregistrement n'a pas été écrit : son identifiant « " + clean_text(id) +
                                      " » doit être un texte non vide. Vérifiez les codes saisis.");
   }
-  backend.put(file, id, record);
+  if (backend.put(file, id, record, expected)) return;
+  throw DbError(kConflict, "L'enregistrement « " + std::string(id) + " » du fichier " + std::string(file) +
+                               " n'a pas été écrit : un autre poste vient de le créer. Reprenez-le pour voir "
+                               "ce qu'il contient.");
 }
 
 StoreDatabase::StoreDatabase(std::unique_ptr<Backend> backend, select::Dictionary dictionary)

@@ -19,6 +19,8 @@ class StoreDatabase : public Database {
   std::unique_ptr<DbFile> OpenFile(std::string_view name) override;
   // A request that was run before answers at once while its file has not changed.
   DbResult Select(std::string_view request, std::string_view option = {}) override;
+  void in_one_change(const std::function<void()>& writes) override { backend_->in_one_change(writes); }
+  void in_one_view(const std::function<void()>& reads) override { backend_->in_one_view(reads); }
 
  protected:
   Backend& backend() { return *backend_; }
@@ -31,7 +33,9 @@ class StoreDatabase : public Database {
   ResultCache cache_;
 };
 
-// Writes through here: an id must not be empty and must be clean text (DbError kStoreFailure).
-void put_checked(Backend& backend, std::string_view file, std::string_view id, const DbRecord& record);
+// Writes through here: an id must not be empty and must be clean text (DbError kStoreFailure), and what
+// stands there as expected (kConflict).
+void put_checked(Backend& backend, std::string_view file, std::string_view id, const DbRecord& record,
+                 Expected expected = Expected::anything());
 
 }  // namespace velanor::store

@@ -251,38 +251,20 @@ class Removal : public Results {
 };
 
 // Removals and openings fail by their file or id; everything else works.
-class Refusing : public store::Database {
+class Refusing : public store::WrappedDatabase {
  public:
-  Refusing(store::Database& inner, std::string refused) : inner_(inner), refused_(std::move(refused)) {}
-  std::unique_ptr<store::DbFile> OpenFile(std::string_view name) override {
-    check(name);
-    return std::make_unique<File>(*this, inner_.OpenFile(name));
-  }
-  store::DbResult Select(std::string_view request, std::string_view option) override {
-    return inner_.Select(request, option);
+  Refusing(store::Database& inner, std::string refused)
+      : WrappedDatabase(inner), refused_(std::move(refused)) {}
+
+ protected:
+  void before(const store::DatabaseCall& call) override {
+    using Kind = store::DatabaseCall::Kind;
+    const bool opens = call.kind == Kind::kOpen && call.file == refused_;
+    const bool removes = call.kind == Kind::kDelete && call.id == refused_;
+    if (opens || removes) throw store::DbError(store::kStoreFailure, store::kPlannedFailure);
   }
 
  private:
-  class File : public store::DbFile {
-   public:
-    File(const Refusing& owner, std::unique_ptr<store::DbFile> inner)
-        : owner_(owner), inner_(std::move(inner)) {}
-    std::optional<store::DbRecord> find(std::string_view id) override { return inner_->find(id); }
-    void write(std::string_view id, const store::DbRecord& record) override { inner_->write(id, record); }
-    void DeleteRecord(std::string_view id) override {
-      owner_.check(id);
-      inner_->DeleteRecord(id);
-    }
-
-   private:
-    const Refusing& owner_;
-    std::unique_ptr<store::DbFile> inner_;
-  };
-  void check(std::string_view what) const {
-    if (what == refused_) throw store::DbError(store::kStoreFailure, store::kPlannedFailure);
-  }
-
-  store::Database& inner_;
   std::string refused_;
 };
 

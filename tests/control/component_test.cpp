@@ -10,25 +10,22 @@ namespace {
 using Names = std::vector<std::string>;
 
 // Notes the files that are opened and the statements that are sent; a file can be made to fail.
-class Watched : public store::Database {
+class Watched : public store::WrappedDatabase {
  public:
-  explicit Watched(store::Database& database) : database_(database) {}
-  std::unique_ptr<store::DbFile> OpenFile(std::string_view name) override {
-    if (name == broken_file) throw store::DbError(store::kStoreFailure, "fichier abîmé");
-    opened.emplace_back(name);
-    return database_.OpenFile(name);
-  }
-  store::DbResult Select(std::string_view request, std::string_view option) override {
-    statements.emplace_back(store::DbRecord::from_encoded(request)(1));
-    return database_.Select(request, option);
-  }
+  using WrappedDatabase::WrappedDatabase;
 
   std::string broken_file;
   Names opened;
   Names statements;
 
- private:
-  store::Database& database_;
+ protected:
+  using Kind = store::DatabaseCall::Kind;
+  void before(const store::DatabaseCall& call) override {
+    if (call.kind == Kind::kSelect) statements.emplace_back(store::DbRecord::from_encoded(call.id)(1));
+    if (call.kind != Kind::kOpen) return;
+    if (call.file == broken_file) throw store::DbError(store::kStoreFailure, "fichier abîmé");
+    opened.emplace_back(call.file);
+  }
 };
 
 class Component : public testing::Test {
@@ -224,6 +221,41 @@ TEST_F(Component, AFailureWhileSavingLosesNothing) {
     EXPECT_EQ((*memory.find("VELANORO", "000100012026"))(2), "14000");
     EXPECT_EQ((*memory.find("VELANORO", "000100012026"))(25), "");
   }
+}
+
+// Another clerk's new card takes the code that was just found free.
+class Overtaken : public store::WrappedDatabase {
+ public:
+  Overtaken(store::Database& database, store::MemoryDatabase& other)
+      : WrappedDatabase(database), other_(other) {}
+
+ protected:
+  void before(const store::DatabaseCall& call) override {
+    if (call.kind != store::DatabaseCall::Kind::kWrite || overtaken_ == 2) return;
+    ++overtaken_;
+    store::DbRecord theirs;
+    theirs.set(1, "LEUR FICHE");
+    other_.put(call.file, call.id, theirs);
+  }
+
+ private:
+  store::MemoryDatabase& other_;
+  int overtaken_ = 0;
+};
+
+TEST_F(Component, TheLaterOfTwoClerksGetsTheNextFreeCode) {
+  Overtaken database(memory_, memory_);
+  Office office(database);
+  office.component.init();
+  office.hand.type(office.ui.Txt_Asso, "001");
+  office.hand.type(office.ui.Txt_Aidant, "00010");
+  EXPECT_EQ(office.hand.click(office.ui.Cmd_Copier), "");
+  EXPECT_EQ(office.toolkit.messages, Names{"Cet aidant a été dupliqué sur le code 99997."});
+  EXPECT_EQ((*memory_.find("VELANORO", "999990012026"))(1), "LEUR FICHE");
+  EXPECT_EQ((*memory_.find("VELANORO", "999980012026"))(1), "LEUR FICHE");
+  EXPECT_EQ((*memory_.find("VELANORO", "999970012026"))(1), "99997");
+  EXPECT_EQ(office.hand.click(office.ui.Cmd_Supp), "");
+  EXPECT_FALSE(memory_.find("VELANORO", "000100012026")) << "the card in hand is still the one that was open";
 }
 
 }  // namespace

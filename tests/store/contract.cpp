@@ -222,5 +222,46 @@ TEST_P(StoreContract, ATypedTextNeverChangesTheShapeOfAStatement) {
   EXPECT_EQ(select("SSELECT COMMUNES AVEC 1 = " + store::quoted(typed), "COMMUNES"), Rows({"1"}));
 }
 
+TEST_P(StoreContract, AWriteThatExpectsNothingThereNeverTakesThePlaceOfARecord) {
+  const auto file = database_->OpenFile("SECTEUR");
+  file->write("001", record("Aide"), Expected::absent());
+  try {
+    file->write("001", record("Soin"), Expected::absent());
+    ADD_FAILURE() << "written";
+  } catch (const DbError& error) {
+    EXPECT_EQ(error.number(), kConflict);
+  }
+  EXPECT_EQ(shown(file->Read("001")), "Aide");
+  file->DeleteRecord("001");
+  file->write("001", record("Soin"), Expected::absent());
+  file->write("001", record("Autre"), Expected::anything());
+  EXPECT_EQ(shown(file->Read("001")), "Autre");
+}
+
+TEST_P(StoreContract, AChangeThatFailsLeavesEverythingAsItWas) {
+  put("SECTEUR", "001", "Aide");
+  put("SECTEUR", "002", "Soin");
+  EXPECT_EQ(select("SSELECT SECTEUR PAR 1", "SECTEUR", "1"), Rows({"Aide", "Soin"}));
+  const auto change = [&](bool fails) {
+    database_->in_one_change([&] {
+      put("SECTEUR", "001", "x");
+      put("SECTEUR", "001", "y");
+      put("SECTEUR", "003", "z");
+      database_->OpenFile("SECTEUR")->DeleteRecord("002");
+      database_->in_one_change([&] { put("PROFIL", "001", "Neuf"); });
+      EXPECT_EQ(select("SSELECT SECTEUR PAR 0", "SECTEUR", "1"), Rows({"y", "z"}));
+      if (fails) throw std::runtime_error("no");
+    });
+  };
+  EXPECT_THROW(change(true), std::runtime_error);
+  EXPECT_EQ(select("SSELECT SECTEUR PAR 1", "SECTEUR", "1"), Rows({"Aide", "Soin"}));
+  EXPECT_EQ(select("SSELECT PROFIL", "PROFIL"), Rows());
+  change(false);
+  database_->in_one_view([&] {
+    EXPECT_EQ(select("SSELECT SECTEUR PAR 0", "SECTEUR", "1"), Rows({"y", "z"}));
+    EXPECT_EQ(select("SSELECT PROFIL", "PROFIL"), Rows({"001"}));
+  });
+}
+
 }  // namespace
 }  // namespace velanor::store

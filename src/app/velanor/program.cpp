@@ -96,7 +96,7 @@ bool Program::fill(Base& base) {
   }
   QGuiApplication::setOverrideCursor(Qt::WaitCursor);
   const auto restore = qScopeGuard([] { QGuiApplication::restoreOverrideCursor(); });
-  in_one_change(*base.store, [&] {
+  base.store->in_one_change([&] {
     StoreSink sink(
         [&](auto file, auto id, const auto& record) { base.store->OpenFile(file)->write(id, record); });
     demo::fill(sink);

@@ -62,7 +62,7 @@ int check(const StoreOptions& options) {
   const std::unique_ptr<store::Database> database =
       file ? open_to_examine(options.url) : open_named_store(options);
   int status = 0;
-  in_one_view(*database, [&] {
+  database->in_one_view([&] {
     const auto damages = damages_of(*database);
     status = damages.empty() ? check_records(*database) : report_damages(damages);
   });

@@ -25,7 +25,7 @@ void write(const Options& options, std::ostream& out) {
   const auto database = open_named_store(options.store);
   Progress progress("Exportation");
   out << kByteOrderMark;
-  in_one_view(*database, [&] {
+  database->in_one_view([&] {
     export_csv(out, *database, options.file,
                {.headings = options.names ? Headings::kNames : Headings::kPositions,
                 .separator = options.separator.front()},

@@ -291,7 +291,7 @@ ImportReport import_csv(std::istream& in, store::Database& database, std::string
   ImportReport report;
   const auto run = [&] { report = Import(in, database, file, options).run(row_read); };
   // What is read of the records that exist must still be so when they are written.
-  options.rehearsal ? in_one_view(database, run) : in_one_change(database, run);
+  options.rehearsal ? database.in_one_view(run) : database.in_one_change(run);
   return report;
 }
 

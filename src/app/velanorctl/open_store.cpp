@@ -65,14 +65,4 @@ std::unique_ptr<store::SqliteDatabase> open_to_examine(std::string_view url) {
   return std::make_unique<store::SqliteDatabase>(path);
 }
 
-void in_one_change(store::Database& database, const std::function<void()>& writes) {
-  auto* sqlite = dynamic_cast<store::SqliteDatabase*>(&database);
-  sqlite != nullptr ? sqlite->in_one_change(writes) : writes();
-}
-
-void in_one_view(store::Database& database, const std::function<void()>& reads) {
-  auto* sqlite = dynamic_cast<store::SqliteDatabase*>(&database);
-  sqlite != nullptr ? sqlite->in_one_view(reads) : reads();
-}
-
 }  // namespace velanor::app

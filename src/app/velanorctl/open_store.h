@@ -46,12 +46,6 @@ std::unique_ptr<store::SqliteDatabase> open_to_examine(std::string_view url);
 // The path that a URL or a plain path names. Throws store::DbError for a kind that is not known.
 std::string path_of(std::string_view url);
 
-// Runs writes to a database as one change where the database can: all of them, or none when it throws.
-void in_one_change(store::Database& database, const std::function<void()>& writes);
-
-// Runs reads of a database that see it as it stood at the first of them, whatever others write meanwhile.
-void in_one_view(store::Database& database, const std::function<void()>& reads);
-
 // Brings the demonstration data into a store.
 class StoreSink : public demo::Sink {
  public:

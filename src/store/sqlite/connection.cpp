@@ -95,6 +95,8 @@ std::string Connection::text(std::string_view sql) {
   return statement.step() ? std::string(statement.bytes(0)) : std::string();
 }
 
+int Connection::changes() const { return sqlite3_changes(handle_.get()); }
+
 bool Connection::in_transaction() const { return sqlite3_get_autocommit(handle()) == 0; }
 
 void Connection::fail(int code) {

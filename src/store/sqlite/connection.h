@@ -73,6 +73,8 @@ class Connection {
   // The first column of the first row; 0 or "" without rows.
   std::int64_t number(std::string_view sql);
   std::string text(std::string_view sql);
+  // Rows that the last write changed.
+  int changes() const;
   // Whether a transaction is open.
   bool in_transaction() const;
 

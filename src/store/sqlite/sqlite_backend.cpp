@@ -23,6 +23,8 @@ SqliteBackend::SqliteBackend(std::string path, Missing missing, int patience)
       put_(connection_,
            "INSERT INTO record(file, id, tail, content) VALUES (?1, ?2, ?3, ?4) "
            "ON CONFLICT(file, id) DO UPDATE SET content = excluded.content"),
+      create_(connection_,
+              "INSERT INTO record(file, id, tail, content) VALUES (?1, ?2, ?3, ?4) ON CONFLICT DO NOTHING"),
       erase_(connection_, "DELETE FROM record WHERE file = ?1 AND id = ?2"),
       ids_(connection_, "SELECT id FROM record WHERE file = ?1 AND id >= ?2 ORDER BY id"),
       records_(connection_, "SELECT id, content FROM record WHERE file = ?1 AND id >= ?2 ORDER BY id"),
@@ -64,15 +66,17 @@ std::optional<DbRecord> SqliteBackend::find(std::string_view file, std::string_v
   return DbRecord::from_encoded(run->bytes(0));
 }
 
-void SqliteBackend::put(std::string_view file, std::string_view id, const DbRecord& record) {
+bool SqliteBackend::put(std::string_view file, std::string_view id, const DbRecord& record,
+                        Expected expected) {
   const std::int64_t number = number_for_writing(file);
   const std::string tail = reversed(id);
-  Run run(put_);
+  Run run(expected.wants_absence() ? create_ : put_);
   run->bind(1, number);
   run->bind_text(2, id);
   run->bind_blob(3, tail);
   run->bind_blob(4, record.encoded());
   run->step();
+  return connection_.changes() > 0;
 }
 
 void SqliteBackend::erase(std::string_view file, std::string_view id) {
@@ -150,6 +154,13 @@ void SqliteBackend::in_one_change(const std::function<void()>& writes) {
     ++undone_;
     throw;
   }
+}
+
+// A statement that is not at its end keeps the view of its connection.
+void SqliteBackend::in_one_view(const std::function<void()>& reads) {
+  Statement view(connection_, "SELECT 1 FROM sqlite_schema");
+  view.step();
+  reads();
 }
 
 }  // namespace velanor::store::sqlite

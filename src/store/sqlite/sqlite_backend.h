@@ -20,7 +20,7 @@ class SqliteBackend : public Backend {
 
   void open(std::string_view file) override;
   std::optional<DbRecord> find(std::string_view file, std::string_view id) override;
-  void put(std::string_view file, std::string_view id, const DbRecord& record) override;
+  bool put(std::string_view file, std::string_view id, const DbRecord& record, Expected expected) override;
   void erase(std::string_view file, std::string_view id) override;
   void scan(std::string_view file, const Narrowing& narrowing, Content content, const Visit& visit) override;
   std::uint64_t revision(std::string_view file) override;
@@ -28,7 +28,8 @@ class SqliteBackend : public Backend {
   // The files that hold records, by name.
   std::vector<std::string> files();
   // Makes the writes of `writes` one change, undone if it throws.
-  void in_one_change(const std::function<void()>& writes);
+  void in_one_change(const std::function<void()>& writes) override;
+  void in_one_view(const std::function<void()>& reads) override;
   Connection& connection() { return connection_; }
 
  private:
@@ -42,7 +43,7 @@ class SqliteBackend : public Backend {
   void scan_tails(std::int64_t file, std::string_view suffix, const Visit& visit);
 
   Connection connection_;
-  Statement find_, put_, erase_, ids_, records_, tails_, number_, add_file_, revision_;
+  Statement find_, put_, create_, erase_, ids_, records_, tails_, number_, add_file_, revision_;
   std::map<std::string, std::int64_t, std::less<>> numbers_;
   // Changes undone here: what was read inside them must not pass for what comes after.
   std::uint64_t undone_ = 0;

@@ -105,15 +105,6 @@ SqliteDatabase::SqliteDatabase(std::unique_ptr<SqliteBackend> backend, select::D
     : StoreDatabase(std::move(backend), std::move(dictionary)),
       backend_(static_cast<SqliteBackend*>(&StoreDatabase::backend())) {}
 
-void SqliteDatabase::in_one_change(const std::function<void()>& writes) { backend_->in_one_change(writes); }
-
-// A statement that is not at its end keeps the view of its connection.
-void SqliteDatabase::in_one_view(const std::function<void()>& reads) {
-  Statement view(backend_->connection(), "SELECT 1 FROM sqlite_schema");
-  view.step();
-  reads();
-}
-
 void SqliteDatabase::put(std::string_view file, std::string_view id, const DbRecord& record) {
   put_checked(*backend_, file, id, record);
 }

@@ -39,14 +39,8 @@ class SqliteDatabase : public StoreDatabase {
   explicit SqliteDatabase(const std::string& path) : SqliteDatabase(path, Options()) {}
   SqliteDatabase(const std::string& path, Options options);
 
-  // Writes everything that `writes` writes through this database as one change, which is both fast
-  // and complete: when it throws, nothing of it remains. Others wait with their writes meanwhile,
-  // and see nothing before the end.
-  void in_one_change(const std::function<void()>& writes);
-
-  // Runs reads that see the file as it stands now, whatever others write meanwhile; nobody waits for
-  // them. To write inside is an error.
-  void in_one_view(const std::function<void()>& reads);
+  // One change of many records is also fast. Others wait with their writes meanwhile, and see nothing
+  // before its end. Nobody waits for a view; to write inside one is an error.
 
   // Writes a record without opening its file.
   void put(std::string_view file, std::string_view id, const DbRecord& record);
