@@ -64,7 +64,7 @@ MessageSheet::MessageSheet(const screen::Message& message, QWidget& over)
     : Sheet(to_qt(message.title), over), message_(message) {
   setAccessibleDescription(to_qt(message.text));
   set_contents(make_contents());
-  connect(this, &Sheet::close_asked, this, [this] { emit answered(closing_answer(message_.buttons)); });
+  connect(this, &Sheet::close_asked, this, [this] { emit answered(closing_answer()); });
 }
 
 QWidget* MessageSheet::make_contents() {
@@ -114,7 +114,7 @@ void MessageSheet::move_focus(bool forward) {
 void MessageSheet::keyPressEvent(QKeyEvent* event) {
   switch (event->key()) {
     case Qt::Key_Escape:
-      return void(emit answered(closing_answer(message_.buttons)));
+      return void(emit answered(closing_answer()));
     case Qt::Key_Left:
     case Qt::Key_Up:
       return move_focus(false);

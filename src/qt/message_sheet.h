@@ -20,6 +20,7 @@ class MessageSheet : public Sheet {
 
   // What closing the box without an answer means.
   static screen::Answer closing_answer(screen::Buttons buttons);
+  screen::Answer closing_answer() const { return closing_answer(message_.buttons); }
   ActionButton* button(screen::Answer answer) const;
   const screen::Message& message() const { return message_; }
   void focus_first();

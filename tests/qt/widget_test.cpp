@@ -1,136 +1,22 @@
 // What reaches the widgets past the keyboard: pasted and assistive values, sheets, long lists.
-#include <gtest/gtest.h>
-
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QApplication>
-#include <QClipboard>
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTabWidget>
-#include <QTimer>
-#include <iostream>
 #include <set>
 
-#include "play/player.h"
 #include "qt/action_button.h"
-#include "qt/controle_velanor_widget.h"
-#include "qt/message_sheet.h"
 #include "qt/strings.h"
-#include "store/memory_database.h"
+#include "window_test.h"
 
 namespace velanor::qt {
 namespace {
 
-// Fails its writes on demand.
-class FailingFile : public store::DbFile {
- public:
-  FailingFile(std::unique_ptr<store::DbFile> file, const bool& fail) : file_(std::move(file)), fail_(fail) {}
-  std::optional<store::DbRecord> find(std::string_view id) override { return file_->find(id); }
-  void write(std::string_view id, const store::DbRecord& record) override {
-    if (fail_) throw store::DbError(store::kStoreFailure, "Le disque est plein.");
-    file_->write(id, record);
-  }
-  void DeleteRecord(std::string_view id) override { file_->DeleteRecord(id); }
-
- private:
-  std::unique_ptr<store::DbFile> file_;
-  const bool& fail_;
-};
-
-class FailingDatabase : public store::Database {
- public:
-  explicit FailingDatabase(store::Database& database) : database_(database) {}
-  std::unique_ptr<store::DbFile> OpenFile(std::string_view name) override {
-    return std::make_unique<FailingFile>(database_.OpenFile(name), fail);
-  }
-  store::DbResult Select(std::string_view request, std::string_view option) override {
-    return database_.Select(request, option);
-  }
-  bool fail = false;
-
- private:
-  store::Database& database_;
-};
-
-class WidgetTest : public testing::Test, private control::UserRights {
- protected:
-  WidgetTest() {
-    play::RecordingDatabase recording(memory_);
-    play::MessageBoxes boxes;
-    play::Player player({recording, boxes, nullptr, std::cout, std::cerr});
-    player.play(play::read_scenario(VELANOR_SCENARIOS "/lib/cards.play"));
-  }
-
-  void open_card() {
-    start();
-    type("Txt_Asso", "001");
-    type("Txt_Aidant", "00010");
-    ASSERT_EQ(text("Txt_Etat"), "Modification");
-  }
-
-  void open_items_of_first_amendment() {
-    widget<QTabWidget>("Ong_FichPers").setCurrentIndex(1);
-    auto& amendments = widget<QWidget>("Lst_DatEffet");
-    amendments.setFocus(Qt::TabFocusReason);
-    QKeyEvent home(QEvent::KeyPress, Qt::Key_Home, Qt::NoModifier);
-    QCoreApplication::sendEvent(&amendments, &home);
-    widget<QAbstractButton>("Cmd_Detail").click();
-    ASSERT_EQ(widget_.screen().top().name(), "Frm_RubSaisie");
-  }
-
-  void start() {
-    widget_.DroitsUtilisateur(*this);
-    widget_.TheDatabase(database_);
-    widget_.show();
-    widget_.activateWindow();
-    QCoreApplication::processEvents();
-    widget_.init();
-  }
-
-  template <typename Widget>
-  Widget& widget(const char* name) {
-    return *widget_.findChild<Widget*>(name);
-  }
-  std::string text(const char* name) {
-    return static_cast<screen::TextControl*>(widget_.screen().base().find(name))->text();
-  }
-  void type(const char* name, const QString& characters) {
-    widget<QWidget>(name).setFocus(Qt::TabFocusReason);
-    type_on(characters);
-  }
-  void type_on(const QString& characters) {
-    for (const QChar character : characters) {
-      QKeyEvent key(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, QString(character));
-      QCoreApplication::sendEvent(widget_.window()->focusWidget(), &key);
-    }
-  }
-  void paste(const char* name, const QString& value) {
-    QGuiApplication::clipboard()->setText(value);
-    widget<QLineEdit>(name).selectAll();
-    widget<QLineEdit>(name).paste();
-  }
-  // Runs while the next message waits, then gives its first answer.
-  void at_next_message(std::function<void(MessageSheet&)> look) {
-    QObject::connect(&widget_, &ControleVelanorWidget::message_opened, &widget_,
-                     [this, look = std::move(look)] {
-                       QTimer::singleShot(0, &widget_, [this, look] {
-                         MessageSheet& sheet = *widget_.open_message();
-                         look(sheet);
-                         emit sheet.answered(MessageSheet::closing_answer(sheet.message().buttons));
-                       });
-                     });
-  }
-
-  store::MemoryDatabase memory_;
-  FailingDatabase database_{memory_};
-  ControleVelanorWidget widget_;
-
- private:
-  std::string rights(std::string_view) override { return {}; }
-};
+using WidgetTest = WindowTest;
 
 TEST_F(WidgetTest, PastedValueIsJudgedAsIfItWereTyped) {
   open_card();
@@ -292,10 +178,3 @@ TEST_F(WidgetTest, SheetsAreDialogsThatSayWhatTheyAsk) {
 
 }  // namespace
 }  // namespace velanor::qt
-
-int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  testing::InitGoogleTest(&argc, argv);
-  QApplication application(argc, argv);
-  return RUN_ALL_TESTS();
-}
