@@ -39,6 +39,9 @@ TextEdit& ComboEdit::make_editable() {
   completer->setCompletionMode(QCompleter::PopupCompletion);
   completer->setCaseSensitivity(Qt::CaseInsensitive);
   completer->setMaxVisibleItems(kVisibleLines);
+  // Heard before the box, which is tied to it by the next line.
+  connect(completer, qOverload<const QModelIndex&>(&QCompleter::activated), this,
+          [this] { before_choice(); });
   setCompleter(completer);
   return *edit;
 }
@@ -53,7 +56,9 @@ void ComboEdit::hide_completion() {
 
 void ComboEdit::showPopup() {
   hide_completion();
-  if (!before_opening || before_opening()) QComboBox::showPopup();
+  if (before_opening && !before_opening()) return;
+  before_choice();
+  QComboBox::showPopup();
 }
 
 // The keys that open the list; left to the box they would open it past `before_opening`'s sight of them.
@@ -63,6 +68,7 @@ void ComboEdit::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_F4 || alt_arrow) return showPopup();
   // Filled when it opens: there is nothing yet to step through.
   if (event->key() == Qt::Key_Down && count() == 0) return showPopup();
+  if (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up) before_choice();
   QComboBox::keyPressEvent(event);
 }
 

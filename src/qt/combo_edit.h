@@ -19,6 +19,8 @@ class ComboEdit : public QComboBox {
 
   // Asked before the list opens: it may be filled then. False keeps it closed.
   std::function<bool()> before_opening;
+  // Before the user chooses a line, by whatever way.
+  std::function<void()> before_choice;
   void showPopup() override;
 
  protected:

@@ -131,6 +131,7 @@ void ControleVelanorWidget::Stage::act(const std::function<void(screen::Hand&)>&
   if (!idle()) return;
   const Frame frame(*this);
   std::exception_ptr failure;
+  refused_ = false;
   {
     const Scope acting(acting_);
     failure = run([&] {
@@ -183,14 +184,14 @@ bool ControleVelanorWidget::Stage::step_focus(bool forward) {
   if (!idle()) return false;
   if (const QWidget* focus = QApplication::focusWidget(); focus && !focus->isVisible())
     return true;  // likewise
-  act([&](screen::Hand&) {
-    screen::Form& form = screen().top();
-    const View* here = form.focus() ? view_of(*form.focus()) : nullptr;
-    screen::Control* next = form.neighbour(form.focus(), forward);
-    for (int stops = 0; next && here && view_of(*next) == here && stops < 8; ++stops)
-      next = form.neighbour(next, forward);
-    if (next) form.move_focus(next);
-  });
+  screen::Form& form = screen().top();
+  const View* here = form.focus() ? view_of(*form.focus()) : nullptr;
+  const auto same_stop = [&](const screen::Control& control) { return here && view_of(control) == here; };
+  stepped_ = form.neighbour(form.focus(), forward);
+  while (stepped_ && stepped_ != form.focus() && same_stop(*stepped_))
+    stepped_ = form.neighbour(stepped_, forward);
+  act([&](screen::Hand&) { form.step_focus(forward, same_stop); });
+  stepped_ = nullptr;
   return true;
 }
 
@@ -230,13 +231,22 @@ void ControleVelanorWidget::Stage::place_focus() {
   if (!form.focus() && open.sheet && !open.sheet->isAncestorOf(QApplication::focusWidget()))
     form.move_focus(form.neighbour(nullptr, true));
   View* view = form.focus() ? view_of(*form.focus()) : nullptr;
+  const Arrival arrival = view ? arrival_at(*form.focus()) : Arrival::kSent;
+  placed_ = form.focus();
   open.views->leave_all_but(view);
   QWidget* target = view ? &view->focus_widget() : boards_;
   QWidget* window = boards_->window();
   if (window->focusWidget() == target) return;
   window->setAttribute(Qt::WA_KeyboardFocusChange);
   target->setFocus(Qt::OtherFocusReason);
-  if (view) view->focus_placed();
+  if (view) view->focus_placed(arrival);
+}
+
+// A step that opened a card on its way has gone elsewhere than the user saw.
+Arrival ControleVelanorWidget::Stage::arrival_at(const screen::Control& control) const {
+  if (&control != placed_) return &control == stepped_ ? Arrival::kStepped : Arrival::kSent;
+  const auto* text = dynamic_cast<const screen::TextControl*>(&control);
+  return refused_ && text && text->edited() ? Arrival::kRefused : Arrival::kBack;
 }
 
 // What had borrowed the focus gives it back to where it was then; the keys may have moved it since. What

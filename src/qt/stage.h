@@ -81,6 +81,7 @@ class ControleVelanorWidget::Stage : public QObject,
   std::exception_ptr run(const std::function<void()>& rules);
   void refresh();
   void place_focus();
+  Arrival arrival_at(const screen::Control& control) const;
   void keep_focus();
   void set_mnemonics();
   void window_closed(bool closed);
@@ -94,11 +95,14 @@ class ControleVelanorWidget::Stage : public QObject,
   std::vector<MessageSheet*> messages_;  // that wait, the topmost last
   InputGate gate_;
   LateKeys late_keys_;
+  const screen::Control* placed_ = nullptr;   // had the focus last
+  const screen::Control* stepped_ = nullptr;  // where the user's step goes to
   int frames_ = 0;
   bool acting_ = false;
   bool placing_ = false;
   bool in_rules_ = false;
   bool called_out_ = false;  // by the rules
+  bool refused_ = false;     // the act under way
   bool closed_ = false;      // the window is
 };
 

@@ -57,6 +57,7 @@ screen::Answer ControleVelanorWidget::Stage::message(const screen::Message& mess
 
 screen::Answer ControleVelanorWidget::Stage::ask(const screen::Message& message) {
   const Frame frame(*this);
+  refused_ = message.buttons == screen::Buttons::Ok && message.icon == screen::Icon::Exclamation;
   std::optional<screen::Answer> answer;
   if (widget_ && !closed_) {
     refresh();

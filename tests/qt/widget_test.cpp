@@ -37,6 +37,90 @@ TEST_F(WidgetTest, KeyReplacesTheSelectionOfAFieldEnteredByTab) {
   EXPECT_EQ(text("Txt_HorMensEtab"), ",5");
 }
 
+TEST_F(WidgetTest, AStrayKeyReplacesNothingOnACardThatHasJustOpened) {
+  open_card();
+  ASSERT_EQ(text("Txt_NomAidant"), "MARTIN JEANNE");
+  auto& name = widget<QLineEdit>("Txt_NomAidant");
+  ASSERT_TRUE(name.hasFocus());
+  EXPECT_FALSE(name.hasSelectedText());
+  EXPECT_EQ(name.cursorPosition(), 13);
+  press(Qt::Key_Tab);
+  press(Qt::Key_Backtab);
+  EXPECT_EQ(name.selectedText(), "MARTIN JEANNE");
+}
+
+// Chosen by her name, and gone on from there: the same.
+TEST_F(WidgetTest, AStepThatOpensACardSelectsNothing) {
+  start();
+  type("Txt_Asso", "001");
+  type("Cbo_Aidant", "MARTIN JEANNE");
+  press(Qt::Key_Tab);
+  ASSERT_EQ(text("Txt_Etat"), "Modification");
+  const auto* field = qobject_cast<QLineEdit*>(widget_.window()->focusWidget());
+  EXPECT_TRUE(!field || !field->hasSelectedText());
+}
+
+TEST_F(WidgetTest, WhatWasRefusedIsThereToBeTypedOver) {
+  open_card();
+  type("Txt_DatNais", "320126");
+  press(Qt::Key_Tab);
+  auto& date = widget<QLineEdit>("Txt_DatNais");
+  EXPECT_EQ(told().size(), 1U);
+  ASSERT_TRUE(date.hasFocus());
+  EXPECT_EQ(date.selectedText(), date.text());
+}
+
+TEST_F(WidgetTest, AQuestionGivesTheFieldBackAsItWas) {
+  open_card();
+  widget<QLineEdit>("Txt_NomAidant").selectAll();
+  type("Txt_NomAidant", "DUP");
+  press(Qt::Key_Escape);
+  ASSERT_EQ(told().size(), 1U);
+  type_on("ONT");
+  EXPECT_EQ(text("Txt_NomAidant"), "DUPONT");
+}
+
+TEST_F(WidgetTest, WhatWasTypedOverASelectionCanBeTakenBack) {
+  open_card();
+  const auto expect_back = [&](const char* name, const char* typed, const char* stood, QLineEdit& edit) {
+    SCOPED_TRACE(name);
+    ASSERT_EQ(text(name), stood);
+    edit.selectAll();
+    type(name, typed);
+    EXPECT_NE(text(name), stood);
+    press(Qt::Key_Z, Qt::ControlModifier, "\x1a");
+    EXPECT_EQ(text(name), stood);
+    EXPECT_EQ(edit.text().toStdString(), stood);
+    press(Qt::Key_Tab);
+    EXPECT_EQ(told().size(), 0U);
+  };
+  expect_back("Txt_NomAidant", "x", "MARTIN JEANNE", widget<QLineEdit>("Txt_NomAidant"));
+  expect_back("Txt_HorMensEtab", "12,5", "151,67", widget<QLineEdit>("Txt_HorMensEtab"));
+  expect_back("Txt_DatNais", "5", "01/01/1988", widget<QLineEdit>("Txt_DatNais"));
+  expect_back("Cbo_Com", "Eze", "Albi", *widget<QComboBox>("Cbo_Com").lineEdit());
+}
+
+// The history of a field is that of one visit: behind it stands another card.
+TEST_F(WidgetTest, NothingIsTakenBackFromTheCardBefore) {
+  open_card();
+  widget<QLineEdit>("Txt_NomAidant").selectAll();
+  type("Txt_NomAidant", "DUPONT");
+  press(Qt::Key_Tab);
+  widget<QLineEdit>("Txt_NomAidant").setFocus(Qt::TabFocusReason);
+  press(Qt::Key_Z, Qt::ControlModifier, "\x1a");
+  EXPECT_EQ(text("Txt_NomAidant"), "DUPONT");
+}
+
+TEST_F(WidgetTest, LongTextsShowTheirBeginningWhereNobodyWorks) {
+  open_card();
+  widget<QLineEdit>("Txt_NomAidant").selectAll();
+  type("Txt_NomAidant", "Un nom qui est bien trop long pour sa zone");
+  EXPECT_EQ(widget<QLineEdit>("Txt_NomAidant").cursorPosition(), 42);
+  press(Qt::Key_Tab);
+  EXPECT_EQ(widget<QLineEdit>("Txt_NomAidant").cursorPosition(), 0);
+  EXPECT_EQ(widget<QComboBox>("Cbo_Etab").lineEdit()->cursorPosition(), 0);
+}
+
 TEST_F(WidgetTest, APageTurnedByTheKeyboardOpensWhereTheRulesPutTheFocus) {
   open_card();
   auto& pages = widget<QTabWidget>("Ong_FichPers");
