@@ -99,7 +99,9 @@ ActionButton* MessageSheet::button(Answer answer) const {
   return nullptr;
 }
 
-void MessageSheet::focus_first() { buttons_.front().second->setFocus(Qt::TabFocusReason); }
+Answer MessageSheet::preset() const { return button(message_.preset) ? message_.preset : closing_answer(); }
+
+void MessageSheet::focus_preset() { button(preset())->setFocus(Qt::TabFocusReason); }
 
 void MessageSheet::move_focus(bool forward) {
   const std::size_t count = buttons_.size();
@@ -108,7 +110,7 @@ void MessageSheet::move_focus(bool forward) {
       return buttons_[(i + (forward ? 1 : count - 1)) % count].second->setFocus(Qt::TabFocusReason);
     }
   }
-  focus_first();
+  focus_preset();
 }
 
 void MessageSheet::keyPressEvent(QKeyEvent* event) {

@@ -40,7 +40,7 @@ class ControleVelanorWidget::Stage::OpenMessage {
   static void come_up(MessageSheet& sheet) {
     sheet.show();
     sheet.raise();
-    sheet.focus_first();
+    sheet.focus_preset();
   }
 
   Stage& stage_;

@@ -241,6 +241,28 @@ TEST_F(WidgetTest, EveryControlOfEveryFormTellsAssistiveToolsWhatItIs) {
   expect_named(widget_, widget_.screen().top());
 }
 
+TEST_F(WidgetTest, EnterGivesTheAnswerThatTheMessageNames) {
+  using screen::Answer;
+  using screen::Buttons;
+  start();
+  const struct {
+    Buttons buttons;
+    Answer preset, given;
+  } kCases[]{{Buttons::Ok, Answer::Ok, Answer::Ok},
+             {Buttons::YesNo, Answer::Yes, Answer::Yes},
+             {Buttons::YesNo, Answer::No, Answer::No},
+             {Buttons::YesNo, Answer::Ok, Answer::No},  // named none of its own
+             {Buttons::OkCancel, Answer::Ok, Answer::Ok},
+             {Buttons::OkCancel, Answer::Cancel, Answer::Cancel}};
+  for (const auto& [buttons, preset, given] : kCases) {
+    at_next_message([this](MessageSheet&) { press(Qt::Key_Return); });
+    EXPECT_EQ(widget_.ask({.title = "T", .text = "?", .buttons = buttons, .preset = preset}), given);
+    at_next_message([this](MessageSheet&) { press(Qt::Key_Escape); });
+    EXPECT_EQ(widget_.ask({.title = "T", .text = "?", .buttons = buttons, .preset = preset}),
+              MessageSheet::closing_answer(buttons));
+  }
+}
+
 TEST_F(WidgetTest, SheetsAreDialogsThatSayWhatTheyAsk) {
   open_card();
   std::string role, name, description;

@@ -4,7 +4,7 @@
 #include <QDeadlineTimer>
 #include <QEvent>
 #include <QKeyEvent>
-#include <chrono>
+#include <QTimer>
 #include <iostream>
 #include <thread>
 
@@ -15,19 +15,29 @@ namespace {
 
 int mistakes_made = 0;
 
-// Tells when the key has come that nothing else types.
+// Tells when the key has come that nothing else types. A message that waits then would keep whoever waits for
+// the key: it is closed.
 class LastKey : public QObject {
  public:
-  LastKey() { QCoreApplication::instance()->installEventFilter(this); }
+  explicit LastKey(qt::ControleVelanorWidget& widget) : widget_(widget) {
+    QCoreApplication::instance()->installEventFilter(this);
+  }
   bool seen = false;
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
     if (event->type() == QEvent::KeyRelease && watched->isWindowType() &&
-        static_cast<QKeyEvent*>(event)->key() == Qt::Key_F12)
+        static_cast<QKeyEvent*>(event)->key() == Qt::Key_F12) {
       seen = true;
+      QTimer::singleShot(0, this, [this] {
+        if (qt::MessageSheet* open = widget_.open_message()) emit open->answered(open->closing_answer());
+      });
+    }
     return false;
   }
+
+ private:
+  qt::ControleVelanorWidget& widget_;
 };
 
 }  // namespace
@@ -50,23 +60,25 @@ bool wait_for(const std::function<bool()>& state) {
 // A database that takes its time, as one over a network does.
 class Desk::SlowDatabase : public store::Database {
  public:
-  explicit SlowDatabase(store::Database& database) : database_(database) {}
+  SlowDatabase(store::Database& database, std::chrono::milliseconds delay)
+      : database_(database), delay_(delay) {}
   std::unique_ptr<store::DbFile> OpenFile(std::string_view name) override { return database_.OpenFile(name); }
   store::DbResult Select(std::string_view request, std::string_view option) override {
-    std::this_thread::sleep_for(std::chrono::milliseconds(60));
+    std::this_thread::sleep_for(delay_);
     return database_.Select(request, option);
   }
 
  private:
   store::Database& database_;
+  std::chrono::milliseconds delay_;
 };
 
 class Desk::NoRights : public control::UserRights {
   std::string rights(std::string_view) override { return {}; }
 };
 
-Desk::Desk()
-    : database_(std::make_unique<SlowDatabase>(memory_)),
+Desk::Desk(std::chrono::milliseconds delay)
+    : database_(std::make_unique<SlowDatabase>(memory_, delay)),
       rights_(std::make_unique<NoRights>()),
       widget_(std::make_unique<qt::ControleVelanorWidget>()) {
   play::RecordingDatabase recording(memory_);
@@ -99,7 +111,7 @@ void Desk::finish_typing() {
 }
 
 void Desk::type_through(const std::vector<std::string>& keys, int delay) {
-  LastKey last;
+  LastKey last(*widget_);
   auto with_last = keys;
   with_last.emplace_back("F12");
   type(with_last, delay);
@@ -128,6 +140,8 @@ std::string Desk::focus() { return top().focus() ? top().focus()->name() : ""; }
 std::string Desk::message() const {
   return widget_ && widget_->open_message() ? widget_->open_message()->message().text : "";
 }
+
+bool Desk::card_exists() { return memory_.OpenFile("VELANORO")->find("000100012026").has_value(); }
 
 store::DbRecord Desk::stored() { return memory_.OpenFile("VELANORO")->find("000100012026").value(); }
 

@@ -3,6 +3,7 @@
 
 #include <QProcess>
 #include <QStringList>
+#include <chrono>
 #include <functional>
 #include <initializer_list>
 #include <memory>
@@ -23,7 +24,8 @@ bool wait_for(const std::function<bool()>& state);
 
 class Desk {
  public:
-  Desk();
+  // Every selection takes so long.
+  explicit Desk(std::chrono::milliseconds delay = std::chrono::milliseconds(60));
   ~Desk();
 
   // Whether the window has come and is active.
@@ -35,7 +37,7 @@ class Desk {
   // Keys as xdotool names them, one after another without waiting for what they do.
   void type(const std::vector<std::string>& keys, int delay);
   void finish_typing();
-  // Types and waits until the program has seen the last key.
+  // Types and waits until the program has seen the last key; a message that waits then is closed.
   void type_through(const std::vector<std::string>& keys, int delay = 0);
   bool typed_in_vain() const;
   bool wait_for(const std::function<bool()>& state) { return x::wait_for(state); }
@@ -48,6 +50,7 @@ class Desk {
   std::string focus();
   // The text of the message that waits, "" where none does.
   std::string message() const;
+  bool card_exists();
   store::DbRecord stored();
 
  private:
