@@ -14,8 +14,8 @@ ComboView::ComboView(Acts& acts, screen::ComboBox& box, ComboEdit& widget, QObje
       box_(box),
       widget_(widget),
       lines_(new LinesModel({&box}, this)) {
-  widget.setModel(lines_);
-  if (widget.completer()) widget.completer()->setModel(lines_);
+  lines_->set_notes(box.notes());
+  widget.set_lines(*lines_);
   widget.before_opening = [this] { return may_open(); };
   widget.before_choice = [this] { follow_index(); };
   connect(&widget, &QComboBox::activated, this, [this](int index) { chosen(index); });
@@ -54,13 +54,18 @@ void ComboView::show() {
 
 bool ComboView::key(QKeyEvent& event) {
   const bool enter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
-  // The line under the bar of the completion is the completion's to choose.
+  // The line under the bar of the completion is the completion's to choose, and the only one needs no bar.
   if (enter && widget_.completing() && widget_.completer()->popup()->currentIndex().isValid()) {
     event.ignore();
     return true;
   }
-  if (enter) widget_.hide_completion();
-  return TextView::key(event);
+  if (!enter) return TextView::key(event);
+  const int only = widget_.only_completion();
+  widget_.hide_completion();
+  if (only < 0) return TextView::key(event);
+  follow_index();
+  chosen(only);
+  return true;
 }
 
 // The box also writes the line that was just chosen; that is told by its index and reported as a choice.

@@ -3,6 +3,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
+#include <QCompleter>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -201,6 +202,72 @@ TEST_F(WidgetTest, ListOfThirtyFiveThousandTownsOpensAndIsTypedInto) {
   box.lineEdit()->selectAll();
   type("Cbo_Com", "Commune 3");
   EXPECT_EQ(text("Cbo_Com"), "Commune 3");
+}
+
+std::vector<std::string> offered(QComboBox& box) {
+  std::vector<std::string> lines;
+  const QAbstractItemView* list = box.completer()->popup();
+  for (int row = 0; list->isVisible() && row < list->model()->rowCount(); ++row)
+    lines.push_back(list->model()->index(row, 0).data(Qt::AccessibleTextRole).toString().toStdString());
+  return lines;
+}
+
+TEST_F(WidgetTest, EveryEditableListOffersWhatHoldsTheTypedTextAtAnyPlace) {
+  open_card();
+  auto& towns = static_cast<screen::ComboBox&>(*top().find("Cbo_Com"));
+  towns.refill({"Saint-Étienne", "Nœux", "L'Étang", "Albi"});
+  auto& box = widget<QComboBox>("Cbo_Com");
+  using Lines = std::vector<std::string>;
+  const std::vector<std::pair<const char*, Lines>> kTyped{
+      {"etan", {"L'Étang"}}, {"ST ETIENNE", {"Saint-Étienne"}},
+      {"noeux", {"Nœux"}},   {"e", {"Saint-Étienne", "Nœux", "L'Étang"}},
+      {"xyz", {}},           {"-", {}}};
+  for (const auto& [typed, lines] : kTyped) {
+    SCOPED_TRACE(typed);
+    box.setFocus(Qt::TabFocusReason);
+    box.lineEdit()->selectAll();
+    type_on(typed);
+    EXPECT_EQ(offered(box), lines);
+    box.completer()->popup()->hide();
+    widget_.activateWindow();
+    QCoreApplication::processEvents();
+  }
+}
+
+TEST_F(WidgetTest, EnterTakesTheOnlyOneThatIsOffered) {
+  open_card();
+  type("Cbo_Secteur", "agglo");
+  press(*widget<QComboBox>("Cbo_Secteur").lineEdit(), Qt::Key_Return, Qt::NoModifier, "\r");
+  EXPECT_EQ(text("Cbo_Secteur"), "Agglomération");
+  EXPECT_EQ(text("Txt_Secteur"), "007");
+}
+
+// Two lines that read the same are told apart by their notes, for eyes and ears, and each can be chosen.
+TEST_F(WidgetTest, LinesThatReadTheSameAreToldApart) {
+  open_card();
+  auto& towns = static_cast<screen::ComboBox&>(*top().find("Cbo_Com"));
+  towns.refill({"Saint-Denis", "Saint-Denis", ""});
+  towns.annotate({"93066", "97411", "00000"});
+  auto& box = widget<QComboBox>("Cbo_Com");
+  box.setFocus(Qt::TabFocusReason);
+  box.lineEdit()->selectAll();
+  type_on("denis");
+  EXPECT_EQ(offered(box), (std::vector<std::string>{"Saint-Denis, 93066", "Saint-Denis, 97411"}));
+  QAbstractItemView& list = *box.completer()->popup();
+  list.setCurrentIndex(list.model()->index(1, 0));
+  press(list, Qt::Key_Return);
+  EXPECT_EQ(towns.index(), 1);
+  EXPECT_EQ(text("Cbo_Com"), "Saint-Denis");
+  box.lineEdit()->selectAll();
+  type_on("97411");
+  EXPECT_EQ(offered(box), std::vector<std::string>{"Saint-Denis, 97411"});
+  list.hide();
+  box.showPopup();
+  EXPECT_EQ(box.itemText(2), "");
+  box.view()->setCurrentIndex(box.model()->index(2, 0));
+  press(*box.view(), Qt::Key_Return);
+  EXPECT_EQ(towns.index(), 2);
+  EXPECT_EQ(text("Cbo_Com"), "");
 }
 
 // What a screen reader says of a control that the user can reach; empty when it could not be told from
