@@ -61,7 +61,6 @@ TextEdit& ComboEdit::make_editable() {
   matches_ = new MatchesModel(this);
   auto* completer = new Completion(*this, *matches_);
   completer->setMaxVisibleItems(kVisibleLines);
-  completer->popup()->setItemDelegate(new NotedLine(this));
   // Heard before the box, which is tied to it by the next line.
   connect(completer, qOverload<const QModelIndex&>(&QCompleter::activated), this,
           [this] { before_choice(); });
@@ -76,6 +75,7 @@ void ComboEdit::set_lines(QAbstractItemModel& lines) {
   matches_->setSourceModel(&lines);
   // The box has given its completion the whole list.
   completer()->setModel(matches_);
+  completer()->popup()->setItemDelegate(new NotedLine(this));
 }
 
 int ComboEdit::only_completion() const { return completing() ? matches_->only_line() : -1; }

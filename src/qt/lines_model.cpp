@@ -62,7 +62,18 @@ QVariant LinesModel::data(const QModelIndex& index, int role) const {
     const QString beside = note(index.row());
     return beside.isEmpty() ? line : line.isEmpty() ? beside : line + ", " + beside;
   }
-  return role == Qt::DisplayRole || role == Qt::EditRole || role == Qt::ToolTipRole ? line : QVariant();
+  if (role == Qt::ToolTipRole) return hint(index, line);
+  return role == Qt::DisplayRole || role == Qt::EditRole ? line : QVariant();
+}
+
+// A code in a column says what it stands for, where the list of its entry knows it.
+QString LinesModel::hint(const QModelIndex& index, const QString& line) const {
+  const auto c = static_cast<std::size_t>(index.column());
+  const auto* box = c < entries_.size() ? dynamic_cast<const screen::ComboBox*>(entries_[c]) : nullptr;
+  const int at = box ? box->find(from_qt(line)) : -1;
+  const auto known = static_cast<std::size_t>(at);
+  if (at < 0 || known >= box->notes().size() || box->notes()[known].empty()) return line;
+  return line + QStringLiteral(" – ") + to_qt(box->notes()[known]);
 }
 
 QString LinesModel::note(int row) const {

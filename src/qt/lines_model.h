@@ -39,6 +39,7 @@ class LinesModel : public QAbstractTableModel {
   QVariant alignment(int column) const;
   QVariant ink(std::size_t column) const;
   QString note(int row) const;
+  QString hint(const QModelIndex& index, const QString& line) const;
   std::size_t fingerprint() const;
 
   std::vector<const screen::Lines*> lists_;

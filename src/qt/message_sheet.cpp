@@ -4,9 +4,9 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QStyle>
 
 #include "qt/action_button.h"
+#include "qt/message_icon.h"
 #include "qt/strings.h"
 
 namespace velanor::qt {
@@ -16,18 +16,6 @@ using screen::Answer;
 using screen::Buttons;
 
 constexpr int kTextWidth = 460;
-constexpr int kIconSize = 40;
-
-QStyle::StandardPixmap picture(screen::Icon icon) {
-  switch (icon) {
-    case screen::Icon::Question:
-      return QStyle::SP_MessageBoxQuestion;
-    case screen::Icon::Information:
-      return QStyle::SP_MessageBoxInformation;
-    default:
-      return QStyle::SP_MessageBoxWarning;
-  }
-}
 
 QString caption(Answer answer) {
   switch (answer) {
@@ -73,10 +61,7 @@ QWidget* MessageSheet::make_contents() {
   grid->setContentsMargins(16, 14, 16, 12);
   grid->setHorizontalSpacing(14);
   grid->setVerticalSpacing(14);
-  auto* icon = new QLabel;
-  icon->setPixmap(
-      style()->standardIcon(picture(message_.icon)).pixmap(QSize(kIconSize, kIconSize), devicePixelRatioF()));
-  grid->addWidget(icon, 0, 0, Qt::AlignTop);
+  grid->addWidget(new MessageIcon(message_.icon), 0, 0, Qt::AlignTop);
   grid->addWidget(make_text(message_.text), 0, 1, Qt::AlignVCenter);
   auto* row = new QHBoxLayout;
   row->addStretch();

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QMenu>
 #include <QMenuBar>
+#include <QScrollArea>
 #include <QVBoxLayout>
 
 #include "qt/stage_frame.h"
@@ -20,10 +21,24 @@ using screen::Scope;
 // A menu bar gives the focus back to where it took it.
 bool is_borrower(const QWidget& widget) { return qobject_cast<const QMenuBar*>(&widget) != nullptr; }
 
+// A page that is higher than its window has scrolled.
+void bring_in_sight(QWidget& widget) {
+  constexpr int kAround = 12;
+  for (QWidget* around = widget.parentWidget(); around; around = around->parentWidget()) {
+    auto* area = qobject_cast<QScrollArea*>(around);
+    if (area && area->isVisible()) area->ensureWidgetVisible(&widget, kAround, kAround);
+  }
+}
+
 template <typename Pages>
 QWidget* make() {
   auto* widget = new QWidget;
   Pages().setupUi(widget);
+  // What scrolls stands on the ground of its page.
+  for (QScrollArea* area : widget->template findChildren<QScrollArea*>()) {
+    area->viewport()->setAutoFillBackground(false);
+    area->widget()->setAutoFillBackground(false);
+  }
   return widget;
 }
 
@@ -235,6 +250,7 @@ void ControleVelanorWidget::Stage::place_focus() {
   placed_ = form.focus();
   open.views->leave_all_but(view);
   QWidget* target = view ? &view->focus_widget() : boards_;
+  bring_in_sight(*target);
   QWidget* window = boards_->window();
   if (window->focusWidget() == target) return;
   window->setAttribute(Qt::WA_KeyboardFocusChange);

@@ -83,7 +83,7 @@ screen::Answer ControleVelanorWidget::Stage::ask(const screen::Message& message)
 
 void ControleVelanorWidget::Stage::form_opened(screen::Form& form) {
   const CallOut call(*this);
-  auto* sheet = new Sheet(to_qt(form.caption()), *boards_);
+  auto* sheet = new Sheet(to_qt(form.caption()), *boards_, to_qt(form.subtitle()));
   QWidget* pages = make_pages(form);
   sheet->set_contents(pages);
   forms_.back().views->leave_all_but(nullptr);
