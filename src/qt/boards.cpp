@@ -17,8 +17,10 @@ Boards::Boards(QWidget& host) : QWidget(&host) {
 bool Boards::focusNextPrevChild(bool next) { return on_step(next); }
 
 void Boards::keyPressEvent(QKeyEvent* event) {
-  if (event->key() != Qt::Key_Escape) return QWidget::keyPressEvent(event);
-  on_escape();
+  if (event->key() == Qt::Key_Escape) return on_escape();
+  if (event->key() == Qt::Key_C && event->modifiers() == (Qt::ControlModifier | Qt::ShiftModifier))
+    return on_copy();
+  QWidget::keyPressEvent(event);
 }
 
 void Boards::focusInEvent(QFocusEvent* event) {

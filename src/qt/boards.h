@@ -15,6 +15,8 @@ class Boards : public QWidget {
   // Tab and Shift+Tab; true when they have been dealt with.
   std::function<bool(bool forward)> on_step;
   std::function<void()> on_escape;
+  // Ctrl+Shift+C, wherever the focus is: also where the lists are out of use.
+  std::function<void()> on_copy;
   // The focus was put on none of the fields.
   std::function<void()> on_focus;
   // The window was closed, or is there again.

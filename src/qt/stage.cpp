@@ -48,6 +48,7 @@ ControleVelanorWidget::Stage::Stage(ControleVelanorWidget& widget)
     : widget_(&widget), boards_(new Boards(widget)), component_({*this, *this, *this}) {
   boards_->on_step = [this](bool forward) { return step_focus(forward); };
   boards_->on_escape = [this] { escape(); };
+  boards_->on_copy = [this] { forms_.back().views->copy_table(); };
   boards_->on_focus = [this] { focus_left(); };
   boards_->on_closed = [this](bool closed) { window_closed(closed); };
   screen::Form& base = component_.screen().base();

@@ -2,16 +2,22 @@
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
 #include <QCompleter>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QTabWidget>
 #include <set>
+#include <stdexcept>
 
 #include "qt/action_button.h"
+#include "qt/binder.h"
 #include "qt/strings.h"
+#include "qt/text_edit.h"
 #include "window_test.h"
 
 namespace velanor::qt {
@@ -268,6 +274,61 @@ TEST_F(WidgetTest, LinesThatReadTheSameAreToldApart) {
   press(*box.view(), Qt::Key_Return);
   EXPECT_EQ(towns.index(), 2);
   EXPECT_EQ(text("Cbo_Com"), "");
+}
+
+std::string copied() { return QGuiApplication::clipboard()->text().toStdString(); }
+
+TEST_F(WidgetTest, TablesAreCopiedAsCellsWithTheirHeadings) {
+  open_card();
+  press(Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier, "\x3");
+  EXPECT_EQ(copied(), "Activité\t%\nAide ménagère\t66,67\nSoins à domicile des personnes\t33,33\n");
+  open_items_of_first_amendment();
+  press(Qt::Key_Home);
+  press(Qt::Key_C, Qt::ControlModifier, "\x3");
+  EXPECT_EQ(copied(), "Code\tLibellé rubrique\tBase\tTaux\tMontant\n001\tHeures contrat\t104,00\t\t\n");
+}
+
+// In a year that can only be read the lists are out of use, and still there to be copied.
+TEST_F(WidgetTest, ATableOfAClosedYearIsCopiedByTheKeyboardAndByItsMenu) {
+  start();
+  type("Txt_Asso", "001");
+  auto& years = widget<QComboBox>("Cbo_Periode");
+  emit years.activated(1);
+  type("Txt_Aidant", "00010");
+  ASSERT_EQ(text("Txt_Etat"), "Consultation");
+  widget<QTabWidget>("Ong_FichPers").setCurrentIndex(1);
+  auto& table = widget<QAbstractItemView>("Lst_DatEffet");
+  ASSERT_FALSE(table.isEnabled());
+  QWidget* focus = widget_.window()->focusWidget();
+  press(focus ? *focus : widget_, Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier, "\x3");
+  const std::string by_key = copied();
+  EXPECT_NE(by_key.find("\n01/01/2024\t"), by_key.npos) << by_key;
+  QGuiApplication::clipboard()->clear();
+  const QPoint at(5, 5);
+  QContextMenuEvent asked(QContextMenuEvent::Mouse, at, table.viewport()->mapToGlobal(at));
+  QCoreApplication::sendEvent(table.viewport(), &asked);
+  auto* menu = table.findChild<QMenu*>();
+  ASSERT_NE(menu, nullptr);
+  menu->actions().last()->trigger();
+  EXPECT_EQ(copied(), by_key);
+}
+
+// A page file that forgets a control, or gives it another kind of widget, is found out at the start.
+TEST_F(WidgetTest, EveryControlHasAWidgetOfItsKind) {
+  class NoActs : public Acts {
+    bool open_to(const screen::Control&) const override { return false; }
+    void act(const std::function<void(screen::Hand&)>&) override {}
+    bool press(screen::Control&) override { return false; }
+    void focus_came(screen::Control&, Qt::FocusReason) override {}
+  } acts;
+  screen::Form form("Frm", "");
+  screen::TextBox box(form, {.name = "Txt_Nom"});
+  QWidget empty, wrong, right;
+  (new QLabel(&wrong))->setObjectName("Txt_Nom");
+  (new TextEdit(&right))->setObjectName("Txt_Nom");
+  EXPECT_THROW(FormViews(acts, form, empty), std::logic_error);
+  EXPECT_THROW(FormViews(acts, form, wrong), std::logic_error);
+  EXPECT_NO_THROW(FormViews(acts, form, right));
 }
 
 // What a screen reader says of a control that the user can reach; empty when it could not be told from
