@@ -19,7 +19,7 @@ void show_caption(Widget& widget, const QString& shown, const std::string& capti
 // The style hardly tells which tab bar has the focus, in dark colours least of all.
 class TabFocus : public QWidget {
  public:
-  explicit TabFocus(QTabBar& bar) : QWidget(&bar), bar_(bar) {
+  explicit TabFocus(QTabBar& bar) : QWidget(&bar) {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     bar.installEventFilter(this);
     connect(&bar, &QTabBar::currentChanged, this, [this] { follow(); });
@@ -39,11 +39,13 @@ class TabFocus : public QWidget {
   }
 
  private:
+  // Focus events still come while the bar is being destroyed, and is none any more.
   void follow() {
-    setGeometry(bar_.tabRect(bar_.currentIndex()));
-    setVisible(bar_.hasFocus());
+    const auto* bar = qobject_cast<const QTabBar*>(parentWidget());
+    if (!bar) return;
+    setGeometry(bar->tabRect(bar->currentIndex()));
+    setVisible(bar->hasFocus());
   }
-  QTabBar& bar_;
 };
 
 }  // namespace
