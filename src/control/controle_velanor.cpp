@@ -162,6 +162,12 @@ void ControleVelanor::init() {
   parts.closed = false;
 }
 
+void ControleVelanor::abandon() {
+  if (parts_->rules) parts_->rules->procedure.FermerFichiers();
+  parts_->closed = true;
+  parts_->screen.finish();
+}
+
 void ControleVelanor::Parts::start() {
   rules->procedure.OuvrirFichiers();
   rules->bind();

@@ -44,6 +44,9 @@ class ControleVelanor {
   // The working record of the card that is open: what saving would start from. Empty before
   // `init`.
   const store::DbRecord& card_in_hand() const;
+  // The window was destroyed while the component called it: closes the files at once. What is still
+  // under way in the component may only unwind.
+  void abandon();
   // The user left it (or it was never started).
   bool closed() const;
 

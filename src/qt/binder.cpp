@@ -3,7 +3,9 @@
 #include <QFontMetrics>
 #include <QMap>
 #include <algorithm>
+#include <stdexcept>
 
+#include "qt/action_button.h"
 #include "qt/columns_view.h"
 #include "qt/combo_view.h"
 #include "qt/simple_views.h"
@@ -46,10 +48,35 @@ std::vector<Column> columns_from(const std::string& first) {
   return {};
 }
 
+// Further columns and their headings stand in the table that bears the name of the first, and menus come
+// with the pointer.
+bool needs_no_widget(const screen::Control& control) {
+  if (dynamic_cast<const screen::Menu*>(&control)) return true;
+  for (const auto& table : tables()) {
+    for (const Column& column : table) {
+      if (control.name() == column.label) return true;
+      if (control.name() == column.list && control.name() != table.front().list) return true;
+    }
+  }
+  return false;
+}
+
+template <typename Widget>
+Widget& as(QWidget& widget) {
+  if (auto* as_wanted = dynamic_cast<Widget*>(&widget)) return *as_wanted;
+  throw std::logic_error("La page fait de " + from_qt(widget.objectName()) + " un " +
+                         widget.metaObject()->className() + ".");
+}
+
 // A field is as wide as the characters that its form file asks for.
 void size_field(QWidget& widget) {
-  static const int kHeight = QComboBox().sizeHint().height();
-  if (qobject_cast<QLineEdit*>(&widget)) widget.setMinimumHeight(kHeight);
+  static const int kHeight = [] {
+    ComboEdit box;
+    box.make_editable();
+    return box.sizeHint().height();
+  }();
+  if (qobject_cast<QLineEdit*>(&widget) || qobject_cast<QComboBox*>(&widget))
+    widget.setMinimumHeight(kHeight);
   const int characters = widget.property("widthInCharacters").toInt();
   if (characters > 0) {
     const int frame = 14 + (qobject_cast<QComboBox*>(&widget) ? 24 : 0);
@@ -64,8 +91,11 @@ void size_field(QWidget& widget) {
 
 FormViews::FormViews(Acts& acts, screen::Form& form, QWidget& pages) : form_(&form), pages_(&pages) {
   for (screen::Control* control : form.controls()) {
-    auto* widget = pages.findChild<QWidget*>(to_qt(control->name()));
-    if (widget) bind(acts, *control, *widget);
+    if (auto* widget = pages.findChild<QWidget*>(to_qt(control->name()))) {
+      bind(acts, *control, *widget);
+    } else if (!needs_no_widget(*control)) {
+      throw std::logic_error("La page de " + form.name() + " n'a pas de contrôle " + control->name() + ".");
+    }
   }
   describe();
 }
@@ -75,24 +105,25 @@ void FormViews::bind(Acts& acts, screen::Control& control, QWidget& widget) {
   size_field(widget);
   View* view = nullptr;
   if (auto* combo = dynamic_cast<ComboBox*>(&control))
-    view = new ComboView(acts, *combo, static_cast<ComboEdit&>(widget), *pages_);
+    view = new ComboView(acts, *combo, as<ComboEdit>(widget), *pages_);
   else if (auto* text = dynamic_cast<TextControl*>(&control))
-    view = new TextView(acts, *text, static_cast<TextEdit&>(widget), *pages_);
+    view = new TextView(acts, *text, as<TextEdit>(widget), *pages_);
   else if (auto* option = dynamic_cast<OptionButton*>(&control))
-    view = new OptionView(acts, *option, static_cast<QRadioButton&>(widget), *pages_);
+    view = new OptionView(acts, *option, as<QRadioButton>(widget), *pages_);
   else if (auto* button = dynamic_cast<CommandButton*>(&control))
-    view = new ButtonView(acts, *button, static_cast<QAbstractButton&>(widget), *pages_);
+    view = new ButtonView(acts, *button, as<ActionButton>(widget), *pages_);
   else if (auto* label = dynamic_cast<Label*>(&control))
-    view = new LabelView(acts, *label, static_cast<QLabel&>(widget), *pages_);
+    view = new LabelView(acts, *label, as<QLabel>(widget), *pages_);
   else if (auto* frame = dynamic_cast<Frame*>(&control))
-    view = new FrameView(acts, *frame, static_cast<QGroupBox&>(widget), *pages_);
+    view = new FrameView(acts, *frame, as<QGroupBox>(widget), *pages_);
   else if (auto* bar = dynamic_cast<ScrollBar*>(&control))
-    view = new ScrollBarView(acts, *bar, static_cast<QScrollBar&>(widget), *pages_);
+    view = new ScrollBarView(acts, *bar, as<QScrollBar>(widget), *pages_);
   else if (auto* tabs = dynamic_cast<Tabs*>(&control))
-    view = new TabsView(acts, *tabs, static_cast<QTabWidget&>(widget), *pages_);
+    view = new TabsView(acts, *tabs, as<QTabWidget>(widget), *pages_);
   else if (auto* list = dynamic_cast<ListBox*>(&control))
     return bind_columns(acts, *list, widget);
-  if (view) views_.push_back(view);
+  if (!view) throw std::logic_error("Aucun contrôle de fenêtre ne montre " + control.name() + ".");
+  views_.push_back(view);
 }
 
 void FormViews::bind_columns(Acts& acts, screen::ListBox& first, QWidget& widget) {
@@ -107,11 +138,9 @@ void FormViews::bind_columns(Acts& acts, screen::ListBox& first, QWidget& widget
     entry_controls.push_back(form_->find(column.entry));
     entries.push_back(pages_->findChild<QWidget*>(column.entry));
     figures.push_back(column.figures);
-    if (auto* edit = qobject_cast<QLineEdit*>(entries.back()); edit && column.figures)
-      edit->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
   }
   if (lists.empty()) lists.push_back(&first);
-  auto& table = static_cast<ColumnsTable&>(widget);
+  auto& table = as<ColumnsTable>(widget);
   auto* view = new ColumnsView(acts, lists, table, *pages_);
   view->lines().set_headings(labels, entry_controls);
   view->lines().set_figures(figures);
@@ -167,6 +196,13 @@ void FormViews::refresh() {
 
 void FormViews::set_mnemonics(bool on) {
   for (View* view : views_) view->set_mnemonic(on);
+}
+
+void FormViews::copy_table() const {
+  for (const View* view : views_) {
+    const auto* table = dynamic_cast<const ColumnsView*>(view);
+    if (table && table->widget().isVisible()) table->copy_table();
+  }
 }
 
 void FormViews::leave_all_but(const View* kept) {

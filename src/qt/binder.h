@@ -11,14 +11,16 @@ namespace velanor::qt {
 // The views of one form, children of its pages.
 class FormViews {
  public:
-  // Every control of the form is looked for among the pages; the columns of a table have only the one
-  // widget that bears the name of its first list.
+  // Every control of the form has a widget of its name and kind among the pages; the columns of a table have
+  // only the one that bears the name of its first list. Throws std::logic_error where one has none.
   FormViews(Acts& acts, screen::Form& form, QWidget& pages);
 
   screen::Form& form() const { return *form_; }
   View* view_of(const screen::Control& control) const;
   void refresh();
   void set_mnemonics(bool on);
+  // The table in sight, of which every page has one at most, into the clipboard.
+  void copy_table() const;
   // The focus is in none of the views but this one.
   void leave_all_but(const View* kept);
 

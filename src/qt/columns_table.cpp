@@ -3,6 +3,7 @@
 #include <QEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QPainter>
 
 namespace velanor::qt {
 
@@ -19,6 +20,7 @@ ColumnsTable::ColumnsTable(QWidget* parent) : QTableView(parent) {
   verticalHeader()->hide();
   verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
 
+  horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
   horizontalHeader()->setSectionsClickable(false);
   horizontalHeader()->setHighlightSections(false);
   horizontalHeader()->setMinimumSectionSize(10);
@@ -26,6 +28,11 @@ ColumnsTable::ColumnsTable(QWidget* parent) : QTableView(parent) {
 
 void ColumnsTable::keyPressEvent(QKeyEvent* event) {
   if (!on_key || !on_key(*event)) QTableView::keyPressEvent(event);
+}
+
+QSize ColumnsTable::sizeHint() const {
+  const QSize asked = property("preferredSize").toSize();
+  return asked.isValid() ? asked : QTableView::sizeHint();
 }
 
 void ColumnsTable::stand_over(std::vector<QWidget*> widgets) {
@@ -44,6 +51,14 @@ bool ColumnsTable::eventFilter(QObject* watched, QEvent* event) {
 void ColumnsTable::resizeEvent(QResizeEvent* event) {
   QTableView::resizeEvent(event);
   align();
+}
+
+void ColumnsTable::paintEvent(QPaintEvent* event) {
+  QTableView::paintEvent(event);
+  if (!hasFocus()) return;
+  QPainter painter(viewport());
+  painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+  painter.drawRect(viewport()->rect().adjusted(1, 1, -1, -1));
 }
 
 void ColumnsTable::align() {

@@ -13,13 +13,17 @@ class ColumnsTable : public QTableView {
 
   // Arrows and Enter are the owner's: true when it has dealt with the key.
   std::function<bool(QKeyEvent&)> on_key;
-  // The columns stand over these widgets, as wide as they are.
+  // The columns stand over these widgets, as wide as they are; the user does not size them.
   void stand_over(std::vector<QWidget*> widgets);
+  // What the form file asks for as `preferredSize`.
+  QSize sizeHint() const override;
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  // Shows the focus, also where no line is selected.
+  void paintEvent(QPaintEvent* event) override;
 
  private:
   void align();

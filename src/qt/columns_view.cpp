@@ -1,11 +1,16 @@
 #include "qt/columns_view.h"
 
 #include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
 #include <QFont>
 #include <QFontMetrics>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMouseEvent>
+
+#include "qt/table_copy.h"
 
 namespace velanor::qt {
 namespace {
@@ -43,7 +48,7 @@ ColumnsView::ColumnsView(Acts& acts, std::vector<screen::ListBox*> lists, Column
       viewport_(table.viewport()),
       lines_(new LinesModel(lines_of(lists_), this)) {
   table.setModel(lines_);
-  table.setFont(fixed_pitch(table.font()));
+  if (table.property("fixedPitch").toBool()) table.setFont(fixed_pitch(table.font()));
   const QFontMetrics metrics(table.font());
   table.verticalHeader()->setDefaultSectionSize(metrics.height() + 4);
   if (lists_.size() > 1) {
@@ -84,7 +89,32 @@ void ColumnsView::show() {
   }
 }
 
+void ColumnsView::copy_line() const {
+  QGuiApplication::clipboard()->setText(table_text(*lists_.front(), *lines_, lists_.front()->index()));
+}
+
+void ColumnsView::copy_table() const {
+  QGuiApplication::clipboard()->setText(table_text(*lists_.front(), *lines_, -1));
+}
+
+void ColumnsView::offer_copies(const QPoint& at) {
+  auto* menu = new QMenu(&table_);
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  QAction* line = menu->addAction(QStringLiteral("&Copier\tCtrl+C"), this, [this] { copy_line(); });
+  line->setEnabled(lists_.front()->index() >= 0);
+  QAction* table =
+      menu->addAction(QStringLiteral("Copier le &tableau\tCtrl+Maj+C"), this, [this] { copy_table(); });
+  table->setEnabled(lists_.front()->count() > 0);
+  menu->popup(at);
+}
+
 bool ColumnsView::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::ContextMenu)
+    return offer_copies(static_cast<QContextMenuEvent*>(event)->globalPos()), true;
+  // Out of use, a table still offers to be copied, and is not the background with its menu.
+  if (!table_.isEnabled() && event->type() == QEvent::MouseButtonPress &&
+      static_cast<QMouseEvent*>(event)->button() == Qt::RightButton)
+    return true;
   const bool twice = event->type() == QEvent::MouseButtonDblClick;
   if (watched == viewport_ && (twice || event->type() == QEvent::MouseButtonPress))
     return press(static_cast<QMouseEvent*>(event)->position().toPoint(), twice);
@@ -112,6 +142,7 @@ void ColumnsView::double_click(screen::ListBox& list, int line) {
 bool ColumnsView::key(QKeyEvent& event) {
   const int line = lists_.front()->index();
   const int last = lists_.front()->count() - 1;
+  if (event.matches(QKeySequence::Copy)) return copy_line(), true;
   switch (event.key()) {
     case Qt::Key_Up:
       return pick(std::max(line - 1, 0)), true;

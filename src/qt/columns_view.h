@@ -16,6 +16,10 @@ class ColumnsView : public View {
   screen::Control& control() const override;
   std::vector<const screen::Control*> controls() const override;
   LinesModel& lines() { return *lines_; }
+  // The selected line (every one where none is), or every one, into the clipboard, also where the list is out
+  // of use.
+  void copy_line() const;
+  void copy_table() const;
 
  protected:
   void show() override;
@@ -24,6 +28,7 @@ class ColumnsView : public View {
  private:
   screen::ListBox& list_at(int column) const;
   bool press(const QPoint& at, bool twice);
+  void offer_copies(const QPoint& at);
   bool key(QKeyEvent& event);
   void pick(int line);
   void double_click(screen::ListBox& list, int line);

@@ -6,13 +6,35 @@
 #include <QListView>
 #include <QStylePainter>
 #include <QWheelEvent>
+#include <algorithm>
 
+#include "qt/lines_model.h"
+#include "qt/matches_model.h"
+#include "qt/noted_line.h"
 #include "qt/text_edit.h"
 
 namespace velanor::qt {
 namespace {
 
 constexpr int kVisibleLines = 14;
+
+// What is offered is found by the model: the toolkit's own search knows neither accents nor the middle of a
+// text, and is asked for everything.
+class Completion : public QCompleter {
+ public:
+  Completion(ComboEdit& box, MatchesModel& matches)
+      : QCompleter(&matches, &box), box_(box), matches_(matches) {}
+
+  QStringList splitPath(const QString& typed) const override {
+    matches_.look_for(typed);
+    box_.size_list(*popup());
+    return {QString()};
+  }
+
+ private:
+  ComboEdit& box_;
+  MatchesModel& matches_;
+};
 
 }  // namespace
 
@@ -25,6 +47,7 @@ ComboEdit::ComboEdit(QWidget* parent) : QComboBox(parent) {
   lines->setUniformItemSizes(true);
   lines->setTextElideMode(Qt::ElideRight);
   setView(lines);
+  lines->setItemDelegate(new NotedLine(this));
 }
 
 TextEdit& ComboEdit::make_editable() {
@@ -35,12 +58,44 @@ TextEdit& ComboEdit::make_editable() {
   // By itself the box would choose a line when Enter is pressed or the focus leaves.
   disconnect(edit, SIGNAL(editingFinished()), this, nullptr);
   disconnect(edit, SIGNAL(returnPressed()), this, nullptr);
-  auto* completer = new QCompleter(model(), this);
-  completer->setCompletionMode(QCompleter::PopupCompletion);
-  completer->setCaseSensitivity(Qt::CaseInsensitive);
+  matches_ = new MatchesModel(this);
+  auto* completer = new Completion(*this, *matches_);
   completer->setMaxVisibleItems(kVisibleLines);
+  // Heard before the box, which is tied to it by the next line.
+  connect(completer, qOverload<const QModelIndex&>(&QCompleter::activated), this,
+          [this] { before_choice(); });
   setCompleter(completer);
   return *edit;
+}
+
+void ComboEdit::set_lines(QAbstractItemModel& lines) {
+  setModel(&lines);
+  connect(&lines, &QAbstractItemModel::modelReset, this, [this] { widest_ = -1; });
+  if (!matches_) return;
+  matches_->setSourceModel(&lines);
+  // The box has given its completion the whole list.
+  completer()->setModel(matches_);
+  completer()->popup()->setItemDelegate(new NotedLine(this));
+}
+
+int ComboEdit::only_completion() const { return completing() ? matches_->only_line() : -1; }
+
+// Measured by the letters first: the font would take its time over every line.
+int ComboEdit::widest_line() const {
+  if (widest_ >= 0) return widest_;
+  QString line, note;
+  for (int row = 0; row < count(); ++row) {
+    const QModelIndex index = model()->index(row, 0);
+    const QString own = index.data().toString(), beside = index.data(LinesModel::kNoteRole).toString();
+    if (own.length() + beside.length() > line.length() + note.length()) line = own, note = beside;
+  }
+  return widest_ = NotedLine::width_of(font(), line, note);
+}
+
+void ComboEdit::size_list(QWidget& list) const {
+  const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent) + 8;
+  const int room = window()->width() - mapTo(window(), QPoint()).x();
+  list.setMinimumWidth(std::max(width(), std::min(widest_line() + bar, room)));
 }
 
 bool ComboEdit::completing() const {
@@ -53,7 +108,10 @@ void ComboEdit::hide_completion() {
 
 void ComboEdit::showPopup() {
   hide_completion();
-  if (!before_opening || before_opening()) QComboBox::showPopup();
+  if (before_opening && !before_opening()) return;
+  before_choice();
+  size_list(*view());
+  QComboBox::showPopup();
 }
 
 // The keys that open the list; left to the box they would open it past `before_opening`'s sight of them.
@@ -63,6 +121,7 @@ void ComboEdit::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_F4 || alt_arrow) return showPopup();
   // Filled when it opens: there is nothing yet to step through.
   if (event->key() == Qt::Key_Down && count() == 0) return showPopup();
+  if (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up) before_choice();
   QComboBox::keyPressEvent(event);
 }
 

@@ -11,7 +11,7 @@ class ComboView : public TextView {
  public:
   ComboView(Acts& acts, screen::ComboBox& box, ComboEdit& widget, QObject& parent);
 
-  void focus_gone() override { widget_.hide_completion(); }
+  void focus_gone() override;
   void describe(const QString& name) override;
 
  protected:
@@ -21,12 +21,14 @@ class ComboView : public TextView {
 
  private:
   bool may_open();
+  void follow_index();
   void chosen(int index);
 
   screen::ComboBox& box_;
   ComboEdit& widget_;
   LinesModel* lines_;
   int shown_index_ = -1;
+  bool choosing_ = false;
 };
 
 }  // namespace velanor::qt

@@ -1,7 +1,5 @@
 #include "qt/controle_velanor_widget.h"
 
-#include <QFocusEvent>
-#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPalette>
 
@@ -27,15 +25,11 @@ QPalette readable(QPalette palette) {
 
 ControleVelanorWidget::ControleVelanorWidget(QWidget* parent) : QWidget(parent) {
   setPalette(readable(palette()));
-  stage_ = std::make_unique<Stage>(*this);
+  stage_ = std::make_shared<Stage>(*this);
   setAccessibleName(QStringLiteral("Fiches du personnel"));
 }
 
-// The views stand on the stage, and go first.
-ControleVelanorWidget::~ControleVelanorWidget() {
-  stage_->shut();
-  qDeleteAll(findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly));
-}
+ControleVelanorWidget::~ControleVelanorWidget() { stage_->widget_goes(); }
 
 void ControleVelanorWidget::DroitsUtilisateur(control::UserRights& rights) {
   stage_->component().DroitsUtilisateur(rights);
@@ -56,30 +50,14 @@ QWidget* ControleVelanorWidget::widget_of(const screen::Control& control) const 
 MessageSheet* ControleVelanorWidget::open_message() const { return stage_->open_message(); }
 QWidget* ControleVelanorWidget::open_sheet() const { return stage_->open_sheet(); }
 
-screen::Answer ControleVelanorWidget::ask(const screen::Message& message) {
-  const screen::Answer answer = static_cast<screen::Toolkit&>(*stage_).message(message);
-  stage_->ask_is_over();
-  return answer;
-}
+screen::Answer ControleVelanorWidget::ask(const screen::Message& message) { return stage_->ask(message); }
 
 void ControleVelanorWidget::set_failure_handler(std::function<void(std::exception_ptr)> handler) {
   stage_->failed = std::move(handler);
 }
 
-bool ControleVelanorWidget::focusNextPrevChild(bool next) { return stage_->step_focus(next); }
-
-void ControleVelanorWidget::keyPressEvent(QKeyEvent* event) {
-  if (event->key() != Qt::Key_Escape) return QWidget::keyPressEvent(event);
-  stage_->escape();
-}
-
 void ControleVelanorWidget::mousePressEvent(QMouseEvent* event) {
   if (event->button() == Qt::RightButton) stage_->right_press();
-}
-
-void ControleVelanorWidget::focusInEvent(QFocusEvent* event) {
-  QWidget::focusInEvent(event);
-  if (event->reason() == Qt::OtherFocusReason) stage_->focus_left();
 }
 
 }  // namespace velanor::qt

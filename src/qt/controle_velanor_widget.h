@@ -15,6 +15,8 @@ class MessageSheet;
 // Owns the component and shows its screen. The host hands in its three objects, which must outlive the
 // widget, and calls `init`; when the user leaves, `left` tells it, and the widget is of no use any more.
 // Modal forms and messages appear as sheets over the widget. Needs about 1250 by 620 pixels.
+// It may be destroyed at any time, also while a message waits, which is then answered as if it had been
+// closed, and so it is when the host's window is closed. The host's objects are not used any more then.
 class ControleVelanorWidget : public QWidget {
   Q_OBJECT
 
@@ -52,14 +54,11 @@ class ControleVelanorWidget : public QWidget {
   void message_opened();
 
  protected:
-  bool focusNextPrevChild(bool next) override;
-  void keyPressEvent(QKeyEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
-  void focusInEvent(QFocusEvent* event) override;
 
  private:
   class Stage;
-  std::unique_ptr<Stage> stage_;
+  std::shared_ptr<Stage> stage_;
 };
 
 }  // namespace velanor::qt

@@ -1,6 +1,7 @@
 #include "qt/input_gate.h"
 
 #include <QApplication>
+#include <QPointer>
 #include <QWidget>
 #include <QWindow>
 
@@ -26,6 +27,11 @@ void InputGate::release() {
   scheduled_ = true;
   QMetaObject::invokeMethod(
       this, [this] { play_next(); }, Qt::QueuedConnection);
+}
+
+void InputGate::drop() {
+  holding_ = false;
+  kept_.clear();
 }
 
 bool InputGate::eventFilter(QObject* watched, QEvent* event) {
@@ -61,7 +67,7 @@ void InputGate::play_next() {
 
 void InputGate::play(QKeyEvent& event) {
   QWidget* focus = QApplication::focusWidget();
-  QWindow* window = QGuiApplication::focusWindow();
+  const QPointer<QWindow> window(QGuiApplication::focusWindow());
   if (!focus || !window) return;
   if (event.type() == QEvent::KeyPress) {
     pass_override_ = true;
@@ -69,7 +75,7 @@ void InputGate::play(QKeyEvent& event) {
         qt_sendShortcutOverrideEvent(focus, 0, event.key(), event.modifiers(), event.text());
     pass_override_ = false;
     if (shortcut) return;
-    focus = QApplication::focusWidget();
+    if (!window) return;
   }
   passing_ = &event;
   event.accept();

@@ -11,7 +11,7 @@ namespace velanor::qt {
 // When a message is answered, the toolkit delivers the keys that it already has before the loop of the
 // message ends: they would reach a field in the middle of a rule, which may be about to empty it or to
 // move the focus. From `hold` to `release` keys are kept; then they are played to whoever has the focus,
-// in order, before those that come later.
+// in order, before those that come later. What plays them on may hold them again.
 class InputGate : public QObject {
  public:
   explicit InputGate(QObject* parent = nullptr);
@@ -19,6 +19,8 @@ class InputGate : public QObject {
 
   void hold() { holding_ = true; }
   void release();
+  // What was kept has nowhere to go.
+  void drop();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;

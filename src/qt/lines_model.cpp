@@ -29,6 +29,9 @@ std::size_t LinesModel::fingerprint() const {
     sum = sum * 31 + static_cast<std::size_t>(list->count());
     for (const std::string& line : list->items()) sum = sum * 31 + std::hash<std::string>{}(line);
   }
+  if (notes_) {
+    for (const std::string& note : *notes_) sum = sum * 31 + std::hash<std::string>{}(note);
+  }
   return sum;
 }
 
@@ -51,9 +54,31 @@ int LinesModel::columnCount(const QModelIndex& parent) const {
 QVariant LinesModel::data(const QModelIndex& index, int role) const {
   if (role == Qt::TextAlignmentRole) return alignment(index.column());
   if (role == Qt::SizeHintRole) return QSize(0, line_height());
-  if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::EditRole && role != Qt::ToolTipRole))
-    return {};
-  return to_qt(lists_[static_cast<std::size_t>(index.column())]->line(index.row()));
+  if (!index.isValid()) return {};
+  if (role == kNoteRole) return note(index.row());
+  const QString line = to_qt(lists_[static_cast<std::size_t>(index.column())]->line(index.row()));
+  // Who hears the list is to tell alike lines apart as well.
+  if (role == Qt::AccessibleTextRole) {
+    const QString beside = note(index.row());
+    return beside.isEmpty() ? line : line.isEmpty() ? beside : line + ", " + beside;
+  }
+  if (role == Qt::ToolTipRole) return hint(index, line);
+  return role == Qt::DisplayRole || role == Qt::EditRole ? line : QVariant();
+}
+
+// A code in a column says what it stands for, where the list of its entry knows it.
+QString LinesModel::hint(const QModelIndex& index, const QString& line) const {
+  const auto c = static_cast<std::size_t>(index.column());
+  const auto* box = c < entries_.size() ? dynamic_cast<const screen::ComboBox*>(entries_[c]) : nullptr;
+  const int at = box ? box->find(from_qt(line)) : -1;
+  const auto known = static_cast<std::size_t>(at);
+  if (at < 0 || known >= box->notes().size() || box->notes()[known].empty()) return line;
+  return line + QStringLiteral(" – ") + to_qt(box->notes()[known]);
+}
+
+QString LinesModel::note(int row) const {
+  const auto r = static_cast<std::size_t>(row);
+  return notes_ && r < notes_->size() ? to_qt((*notes_)[r]) : QString();
 }
 
 QVariant LinesModel::alignment(int column) const {

@@ -14,6 +14,11 @@ class LinesModel : public QAbstractTableModel {
  public:
   LinesModel(std::vector<const screen::Lines*> lists, QObject* parent);
 
+  // What stands beside a line.
+  static constexpr int kNoteRole = Qt::UserRole;
+  // The notes of the first list; they outlive the model.
+  void set_notes(const std::vector<std::string>& notes) { notes_ = &notes; }
+
   // Resets when the lines are others than before. Whether it did.
   bool update();
   // The headings are the labels' captions. A heading also names the field of the entry under its column,
@@ -33,12 +38,15 @@ class LinesModel : public QAbstractTableModel {
  private:
   QVariant alignment(int column) const;
   QVariant ink(std::size_t column) const;
+  QString note(int row) const;
+  QString hint(const QModelIndex& index, const QString& line) const;
   std::size_t fingerprint() const;
 
   std::vector<const screen::Lines*> lists_;
   std::vector<const screen::Control*> headings_;
   std::vector<const screen::Control*> entries_;
   std::vector<bool> figures_;
+  const std::vector<std::string>* notes_ = nullptr;
   int rows_ = 0;
   std::size_t known_ = 0;
 };

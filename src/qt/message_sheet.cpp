@@ -4,9 +4,9 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QStyle>
 
 #include "qt/action_button.h"
+#include "qt/message_icon.h"
 #include "qt/strings.h"
 
 namespace velanor::qt {
@@ -16,18 +16,6 @@ using screen::Answer;
 using screen::Buttons;
 
 constexpr int kTextWidth = 460;
-constexpr int kIconSize = 40;
-
-QStyle::StandardPixmap picture(screen::Icon icon) {
-  switch (icon) {
-    case screen::Icon::Question:
-      return QStyle::SP_MessageBoxQuestion;
-    case screen::Icon::Information:
-      return QStyle::SP_MessageBoxInformation;
-    default:
-      return QStyle::SP_MessageBoxWarning;
-  }
-}
 
 QString caption(Answer answer) {
   switch (answer) {
@@ -64,7 +52,7 @@ MessageSheet::MessageSheet(const screen::Message& message, QWidget& over)
     : Sheet(to_qt(message.title), over), message_(message) {
   setAccessibleDescription(to_qt(message.text));
   set_contents(make_contents());
-  connect(this, &Sheet::close_asked, this, [this] { emit answered(closing_answer(message_.buttons)); });
+  connect(this, &Sheet::close_asked, this, [this] { emit answered(closing_answer()); });
 }
 
 QWidget* MessageSheet::make_contents() {
@@ -73,10 +61,7 @@ QWidget* MessageSheet::make_contents() {
   grid->setContentsMargins(16, 14, 16, 12);
   grid->setHorizontalSpacing(14);
   grid->setVerticalSpacing(14);
-  auto* icon = new QLabel;
-  icon->setPixmap(
-      style()->standardIcon(picture(message_.icon)).pixmap(QSize(kIconSize, kIconSize), devicePixelRatioF()));
-  grid->addWidget(icon, 0, 0, Qt::AlignTop);
+  grid->addWidget(new MessageIcon(message_.icon), 0, 0, Qt::AlignTop);
   grid->addWidget(make_text(message_.text), 0, 1, Qt::AlignVCenter);
   auto* row = new QHBoxLayout;
   row->addStretch();
@@ -99,7 +84,9 @@ ActionButton* MessageSheet::button(Answer answer) const {
   return nullptr;
 }
 
-void MessageSheet::focus_first() { buttons_.front().second->setFocus(Qt::TabFocusReason); }
+Answer MessageSheet::preset() const { return button(message_.preset) ? message_.preset : closing_answer(); }
+
+void MessageSheet::focus_preset() { button(preset())->setFocus(Qt::TabFocusReason); }
 
 void MessageSheet::move_focus(bool forward) {
   const std::size_t count = buttons_.size();
@@ -108,13 +95,13 @@ void MessageSheet::move_focus(bool forward) {
       return buttons_[(i + (forward ? 1 : count - 1)) % count].second->setFocus(Qt::TabFocusReason);
     }
   }
-  focus_first();
+  focus_preset();
 }
 
 void MessageSheet::keyPressEvent(QKeyEvent* event) {
   switch (event->key()) {
     case Qt::Key_Escape:
-      return void(emit answered(closing_answer(message_.buttons)));
+      return void(emit answered(closing_answer()));
     case Qt::Key_Left:
     case Qt::Key_Up:
       return move_focus(false);

@@ -20,9 +20,12 @@ class MessageSheet : public Sheet {
 
   // What closing the box without an answer means.
   static screen::Answer closing_answer(screen::Buttons buttons);
+  screen::Answer closing_answer() const { return closing_answer(message_.buttons); }
   ActionButton* button(screen::Answer answer) const;
   const screen::Message& message() const { return message_; }
-  void focus_first();
+  // The answer that Enter gives; where the message names none that it offers, the closing one.
+  screen::Answer preset() const;
+  void focus_preset();
   // To the next button, or the one before.
   void move_focus(bool forward);
 

@@ -35,9 +35,11 @@ QToolButton* make_close_box() {
 
 }  // namespace
 
-Sheet::Sheet(const QString& title, QWidget& over) : QWidget(&over), panel_(new QFrame(this)) {
+Sheet::Sheet(const QString& title, QWidget& over, const QString& subtitle)
+    : QWidget(&over), panel_(new QFrame(this)) {
   install_role_once();
   setAccessibleName(title);
+  setAccessibleDescription(subtitle);
   panel_->setFrameShape(QFrame::StyledPanel);
   panel_->setFrameShadow(QFrame::Raised);
   panel_->setAutoFillBackground(true);
@@ -57,7 +59,8 @@ Sheet::Sheet(const QString& title, QWidget& over) : QWidget(&over), panel_(new Q
   auto* close = make_close_box();
   close_ = close;
   connect(close, &QToolButton::clicked, this, &Sheet::close_asked);
-  row->addWidget(caption, 1);
+  row->addWidget(caption);
+  row->addWidget(new QLabel(subtitle.isEmpty() ? QString() : QStringLiteral("– ") + subtitle), 1);
   row->addWidget(close);
   column_->addWidget(bar);
   over.installEventFilter(this);

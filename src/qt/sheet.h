@@ -14,7 +14,8 @@ class Sheet : public QWidget {
   Q_OBJECT
 
  public:
-  Sheet(const QString& title, QWidget& over);
+  // What stands behind the title says which one of its kind it is.
+  Sheet(const QString& title, QWidget& over, const QString& subtitle = {});
 
   // The contents stand below the title.
   void set_contents(QWidget* contents);

@@ -2,6 +2,7 @@
 
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QTabBar>
 
 #include "qt/strings.h"
@@ -14,6 +15,38 @@ template <typename Widget>
 void show_caption(Widget& widget, const QString& shown, const std::string& caption) {
   if (without_mnemonic(shown) != to_qt(caption)) widget.setText(to_qt(caption));
 }
+
+// The style hardly tells which tab bar has the focus, in dark colours least of all.
+class TabFocus : public QWidget {
+ public:
+  explicit TabFocus(QTabBar& bar) : QWidget(&bar) {
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    bar.installEventFilter(this);
+    connect(&bar, &QTabBar::currentChanged, this, [this] { follow(); });
+    hide();
+  }
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+    painter.drawRect(rect().adjusted(3, 3, -3, -2));
+  }
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    const auto type = event->type();
+    if (type == QEvent::FocusIn || type == QEvent::FocusOut || type == QEvent::Resize) follow();
+    return QWidget::eventFilter(watched, event);
+  }
+
+ private:
+  // Focus events still come while the bar is being destroyed, and is none any more.
+  void follow() {
+    const auto* bar = qobject_cast<const QTabBar*>(parentWidget());
+    if (!bar) return;
+    setGeometry(bar->tabRect(bar->currentIndex()));
+    setVisible(bar->hasFocus());
+  }
+};
 
 }  // namespace
 
@@ -85,6 +118,7 @@ TabsView::TabsView(Acts& acts_given, screen::Tabs& control, QTabWidget& tabs, QO
     : View(acts_given, control, tabs, parent), control_(control), tabs_(tabs) {
   for (int page = 0; page < tabs.count(); ++page) captions_.push_back(tabs.tabText(page));
   watch(*tabs.tabBar());
+  new TabFocus(*tabs.tabBar());
   tabs.installEventFilter(this);
   connect(&tabs, &QTabWidget::currentChanged, this, [this](int page) {
     if (!showing()) show_page(page);

@@ -1,12 +1,12 @@
 // What stands behind the widget: the component, its open forms on the window, and the acts of the user.
 #pragma once
 
-#include <QPointer>
 #include <memory>
 #include <vector>
 
 #include "qt/acts.h"
 #include "qt/binder.h"
+#include "qt/boards.h"
 #include "qt/controle_velanor_widget.h"
 #include "qt/input_gate.h"
 #include "qt/late_keys.h"
@@ -14,20 +14,25 @@
 
 namespace velanor::qt {
 
+// The host may destroy the widget at any time, also while a message waits for its answer deep in the rules.
+// The stage and all that stands on its boards then live on until the last frame of theirs has unwound.
 class ControleVelanorWidget::Stage : public QObject,
+                                     public std::enable_shared_from_this<Stage>,
                                      public screen::Toolkit,
                                      public control::HelpViewer,
                                      public control::HostWindow,
                                      public Acts {
  public:
   explicit Stage(ControleVelanorWidget& widget);
+  ~Stage() override;
 
   ControleVelanor& component() { return component_; }
   screen::Screen& screen() const { return component_.screen(); }
   void start();
-  // The widgets are about to go: nothing that happens to the focus is the user's.
-  void shut() { placing_ = true; }
-  MessageSheet* open_message() const { return message_; }
+  // The widget is being destroyed: every message gets its closing answer, and the rules are left where they
+  // stand.
+  void widget_goes();
+  MessageSheet* open_message() const { return messages_.empty() ? nullptr : messages_.back(); }
   Sheet* open_sheet() const { return forms_.back().sheet; }
   View* view_of(const screen::Control& control) const;
 
@@ -36,8 +41,8 @@ class ControleVelanorWidget::Stage : public QObject,
   void escape();
   void right_press();
   void focus_left();
-  // A message that no act opened has been answered.
-  void ask_is_over() { gate_.release(); }
+  // A message of the host's, or of the component's.
+  screen::Answer ask(const screen::Message& message);
 
   // Acts.
   bool open_to(const screen::Control& control) const override;
@@ -68,22 +73,37 @@ class ControleVelanorWidget::Stage : public QObject,
     Sheet* sheet;
     std::unique_ptr<FormViews> views;
   };
-  bool idle() const { return !acting_ && !message_ && !screen().finished(); }
+  class Frame;
+  class CallOut;
+  class OpenMessage;
+  bool idle() const { return widget_ && !acting_ && messages_.empty() && !screen().finished(); }
   QWidget* make_pages(const screen::Form& form) const;
+  std::exception_ptr run(const std::function<void()>& rules);
   void refresh();
   void place_focus();
+  Arrival arrival_at(const screen::Control& control) const;
   void keep_focus();
   void set_mnemonics();
+  void window_closed(bool closed);
+  void answer_messages();
   void report(const std::exception_ptr& failure);
 
-  ControleVelanorWidget& widget_;
+  ControleVelanorWidget* widget_;  // null when it has gone
+  Boards* boards_;
   mutable ControleVelanor component_;
   std::vector<OpenForm> forms_;
+  std::vector<MessageSheet*> messages_;  // that wait, the topmost last
   InputGate gate_;
   LateKeys late_keys_;
-  QPointer<MessageSheet> message_;
+  const screen::Control* placed_ = nullptr;   // had the focus last
+  const screen::Control* stepped_ = nullptr;  // where the user's step goes to
+  int frames_ = 0;
   bool acting_ = false;
   bool placing_ = false;
+  bool in_rules_ = false;
+  bool called_out_ = false;  // by the rules
+  bool refused_ = false;     // the act under way
+  bool closed_ = false;      // the window is
 };
 
 }  // namespace velanor::qt

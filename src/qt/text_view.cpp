@@ -41,18 +41,30 @@ void TextView::show() {
   if (edit_) show_text();
 }
 
-// The caret stays where it was in a text that only changed a character.
+// The caret stays where it was in a text that only changed a character. Of a text that is too long for its
+// box the beginning is seen until somebody works in it.
 void TextView::show_text() {
   const QString text = to_qt(text_.text());
   if (edit_->text() == text) return;
   const int caret = edit_->cursorPosition();
   const bool same_length = text.length() == edit_->text().length();
-  edit_->setText(text);
-  edit_->setCursorPosition(same_length ? caret : static_cast<int>(text.length()));
+  edit_->setText(stood_ = text);
+  edit_->setCursorPosition(!edit_->hasFocus() ? 0 : same_length ? caret : static_cast<int>(text.length()));
 }
 
-void TextView::focus_placed() {
-  if (edit_) edit_->selectAll();
+// One stray key replaces what is selected: that is what the user wants where he steps through the fields,
+// and where he was told that it cannot stand, but not on a card that has just opened.
+void TextView::focus_placed(Arrival arrival) {
+  if (!edit_ || arrival == Arrival::kBack) return;
+  if (arrival == Arrival::kSent) return edit_->end(false);
+  edit_->selectAll();
+}
+
+// What was typed can be taken back as long as the field is not left: behind that stands another card.
+void TextView::focus_gone() {
+  if (!edit_ || text_.form().focus() == &text_) return;
+  if (edit_->isUndoAvailable() || edit_->isRedoAvailable()) edit_->setText(edit_->text());
+  edit_->home(false);
 }
 
 bool TextView::key(QKeyEvent& event) {
@@ -107,8 +119,7 @@ void TextView::replace_selection(char32_t code) {
   const QString left = to_qt(text_.admitted(from_qt(wanted)));
   if (left.length() != wanted.length()) return;
   typing_ = true;
-  edit_->setText(left);
-  edit_->setCursorPosition(start + 1);
+  edit_->insert(left.mid(start, 1));
   typing_ = false;
   pass_on();
 }
@@ -122,7 +133,9 @@ void TextView::text_changed() {
   if (typing_ || showing()) return;
   if (acts().open_to(text_)) {
     const std::string value = from_qt(edit_->text());
-    acts().act([&](screen::Hand&) { text_.edit(text_.admitted(value)); });
+    // What stood there may be taken back to, whatever the keys may say of its form.
+    const bool stood = edit_->text() == stood_;
+    acts().act([&](screen::Hand&) { stood ? text_.show_whole(value) : text_.edit(text_.admitted(value)); });
   }
   refresh_again();
 }

@@ -13,7 +13,8 @@ class TextView : public View {
   TextView(Acts& acts, screen::TextControl& control, TextEdit& edit, QObject& parent)
       : TextView(acts, control, edit, &edit, parent) {}
 
-  void focus_placed() override;
+  void focus_placed(Arrival arrival) override;
+  void focus_gone() override;
 
  protected:
   // The line edit may stand inside the widget; null when the text cannot be typed.
@@ -22,7 +23,7 @@ class TextView : public View {
   void show_text();
   TextEdit* edit() const { return edit_; }
   virtual bool key(QKeyEvent& event);
-  // The text changed without a key.
+  // The text changed without a key, or took a key back.
   virtual void text_changed();
 
  private:
@@ -34,6 +35,7 @@ class TextView : public View {
 
   screen::TextControl& text_;
   TextEdit* edit_;
+  QString stood_;  // what the program showed last
   bool typing_ = false;
 };
 

@@ -10,6 +10,10 @@
 
 namespace velanor::qt {
 
+// How the focus came to a control: the user stepped there, a rule or an opened card sent it there, what was
+// typed there was refused, or a message gave it back.
+enum class Arrival { kStepped, kSent, kRefused, kBack };
+
 // Lives as a child of its form's pages. The control and whoever carries out the acts outlive it.
 class View : public QObject {
  public:
@@ -26,8 +30,7 @@ class View : public QObject {
   void refresh_again();
 
   virtual QWidget& focus_widget() const { return widget_; }
-  // The program put the focus here.
-  virtual void focus_placed() {}
+  virtual void focus_placed(Arrival) {}
   // The focus is elsewhere, or a sheet has come on top.
   virtual void focus_gone() {}
   // A control behind a sheet must not answer its mnemonic.

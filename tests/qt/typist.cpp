@@ -1,37 +1,14 @@
 // A fast typist on a real X server: whatever opens or closes while the keys come, every key must be
 // found where it belongs. Needs xdotool, a display and a window manager.
 #include <QApplication>
-#include <QDeadlineTimer>
-#include <QProcess>
-#include <chrono>
 #include <iostream>
-#include <thread>
 
-#include "play/player.h"
-#include "qt/controle_velanor_widget.h"
-#include "store/memory_database.h"
+#include "x_desk.h"
 
 namespace {
 
 using namespace velanor;
-
-// A database that takes its time, as one over a network does.
-class SlowDatabase : public store::Database {
- public:
-  explicit SlowDatabase(store::Database& database) : database_(database) {}
-  std::unique_ptr<store::DbFile> OpenFile(std::string_view name) override { return database_.OpenFile(name); }
-  store::DbResult Select(std::string_view request, std::string_view option) override {
-    std::this_thread::sleep_for(std::chrono::milliseconds(60));
-    return database_.Select(request, option);
-  }
-
- private:
-  store::Database& database_;
-};
-
-class NoRights : public control::UserRights {
-  std::string rights(std::string_view) override { return {}; }
-};
+using namespace velanor::x;
 
 // An unknown entity and its message; the entity, the employee; the sector from its list, the town with the
 // list of those that begin so; the items of her first amendment, one
@@ -43,52 +20,15 @@ const char* const kKeys[]{
     "1",     "0",   "Tab",   "2",         "comma", "5",     "alt+o",  "alt+r", "alt+o", "alt+d",
     "alt+h", "1",   "5",     "0",         "alt+o", "0",     "0",      "0",     "2",     "0"};
 
-void fill(store::Database& database) {
-  play::RecordingDatabase recording(database);
-  play::MessageBoxes boxes;
-  play::Player player({recording, boxes, nullptr, std::cout, std::cerr});
-  player.play(play::read_scenario(VELANOR_SCENARIOS "/lib/cards.play"));
-}
-
-bool wait_for(const std::function<bool()>& state) {
-  const QDeadlineTimer until(15000);
-  while (!state() && !until.hasExpired())
-    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 50);
-  return state();
-}
-
-int mistakes = 0;
-
-void expect(const std::string& what, std::string_view found, std::string_view wanted) {
-  if (found == wanted) return;
-  ++mistakes;
-  std::cerr << what << ": \"" << found << "\" instead of \"" << wanted << "\"\n";
-}
-
 void type_at(int delay) {
-  store::MemoryDatabase memory;
-  fill(memory);
-  SlowDatabase database(memory);
-  NoRights rights;
-  qt::ControleVelanorWidget widget;
-  widget.setWindowTitle("typist");
-  widget.DroitsUtilisateur(rights);
-  widget.TheDatabase(database);
-  widget.show();
-  widget.init();
-  if (!wait_for([&] { return widget.isActiveWindow(); })) return expect("window", "inactive", "active");
-  QStringList keys{"key", "--delay", QString::number(delay)};
-  for (const char* key : kKeys) keys << key;
-  QProcess typist;
-  typist.start("xdotool", keys);
-  const auto& name = static_cast<screen::TextBox&>(*widget.screen().base().find("Txt_NomAidant"));
+  Desk desk;
+  if (!desk.comes_up()) return;
+  desk.type({std::begin(kKeys), std::end(kKeys)}, delay);
   const std::string at = "at " + std::to_string(delay) + " ms: ";
-  wait_for([&] {
-    return name.text() == "DURAND PAUL" || (typist.state() == QProcess::NotRunning && widget.open_message());
-  });
-  if (typist.state() != QProcess::NotRunning) typist.waitForFinished();
-  const store::DbRecord card = memory.OpenFile("VELANORO")->find("000100012026").value();
-  expect(at + "employee", name.text(), "DURAND PAUL");
+  desk.wait_for([&] { return desk.text("Txt_NomAidant") == "DURAND PAUL" || desk.typed_in_vain(); });
+  desk.finish_typing();
+  const store::DbRecord card = desk.stored();
+  expect(at + "employee", desk.text("Txt_NomAidant"), "DURAND PAUL");
   expect(at + "hours", card(2), "15000");
   expect(at + "sector", card(4), "007");
   expect(at + "town", card(5), "Eze");
@@ -98,7 +38,7 @@ void type_at(int delay) {
     items += std::string(card(30, 1, n)) + "/" + std::string(card(31, 1, n)) + "/" +
              std::string(card(32, 1, n)) + " ";
   if (items.find("002/1000/25000 ") == items.npos) expect(at + "items", items, "… 002/1000/25000 …");
-  if (widget.open_message()) expect(at + "message", widget.open_message() ? "open" : "", "none");
+  expect(at + "message", desk.message(), "");
 }
 
 }  // namespace
@@ -106,6 +46,6 @@ void type_at(int delay) {
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
   for (const int delay : {0, 2, 5, 10, 20, 40, 80}) type_at(delay);
-  std::cout << (mistakes ? "keys were lost" : "every key was found where it belongs") << std::endl;
-  return mistakes ? 1 : 0;
+  std::cout << (mistakes() ? "keys were lost" : "every key was found where it belongs") << std::endl;
+  return mistakes() ? 1 : 0;
 }

@@ -1,136 +1,29 @@
 // What reaches the widgets past the keyboard: pasted and assistive values, sheets, long lists.
-#include <gtest/gtest.h>
-
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
+#include <QCompleter>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QTabWidget>
-#include <QTimer>
-#include <iostream>
 #include <set>
+#include <stdexcept>
 
-#include "play/player.h"
 #include "qt/action_button.h"
-#include "qt/controle_velanor_widget.h"
-#include "qt/message_sheet.h"
+#include "qt/binder.h"
 #include "qt/strings.h"
-#include "store/memory_database.h"
+#include "qt/text_edit.h"
+#include "window_test.h"
 
 namespace velanor::qt {
 namespace {
 
-// Fails its writes on demand.
-class FailingFile : public store::DbFile {
- public:
-  FailingFile(std::unique_ptr<store::DbFile> file, const bool& fail) : file_(std::move(file)), fail_(fail) {}
-  std::optional<store::DbRecord> find(std::string_view id) override { return file_->find(id); }
-  void write(std::string_view id, const store::DbRecord& record) override {
-    if (fail_) throw store::DbError(store::kStoreFailure, "Le disque est plein.");
-    file_->write(id, record);
-  }
-  void DeleteRecord(std::string_view id) override { file_->DeleteRecord(id); }
-
- private:
-  std::unique_ptr<store::DbFile> file_;
-  const bool& fail_;
-};
-
-class FailingDatabase : public store::Database {
- public:
-  explicit FailingDatabase(store::Database& database) : database_(database) {}
-  std::unique_ptr<store::DbFile> OpenFile(std::string_view name) override {
-    return std::make_unique<FailingFile>(database_.OpenFile(name), fail);
-  }
-  store::DbResult Select(std::string_view request, std::string_view option) override {
-    return database_.Select(request, option);
-  }
-  bool fail = false;
-
- private:
-  store::Database& database_;
-};
-
-class WidgetTest : public testing::Test, private control::UserRights {
- protected:
-  WidgetTest() {
-    play::RecordingDatabase recording(memory_);
-    play::MessageBoxes boxes;
-    play::Player player({recording, boxes, nullptr, std::cout, std::cerr});
-    player.play(play::read_scenario(VELANOR_SCENARIOS "/lib/cards.play"));
-  }
-
-  void open_card() {
-    start();
-    type("Txt_Asso", "001");
-    type("Txt_Aidant", "00010");
-    ASSERT_EQ(text("Txt_Etat"), "Modification");
-  }
-
-  void open_items_of_first_amendment() {
-    widget<QTabWidget>("Ong_FichPers").setCurrentIndex(1);
-    auto& amendments = widget<QWidget>("Lst_DatEffet");
-    amendments.setFocus(Qt::TabFocusReason);
-    QKeyEvent home(QEvent::KeyPress, Qt::Key_Home, Qt::NoModifier);
-    QCoreApplication::sendEvent(&amendments, &home);
-    widget<QAbstractButton>("Cmd_Detail").click();
-    ASSERT_EQ(widget_.screen().top().name(), "Frm_RubSaisie");
-  }
-
-  void start() {
-    widget_.DroitsUtilisateur(*this);
-    widget_.TheDatabase(database_);
-    widget_.show();
-    widget_.activateWindow();
-    QCoreApplication::processEvents();
-    widget_.init();
-  }
-
-  template <typename Widget>
-  Widget& widget(const char* name) {
-    return *widget_.findChild<Widget*>(name);
-  }
-  std::string text(const char* name) {
-    return static_cast<screen::TextControl*>(widget_.screen().base().find(name))->text();
-  }
-  void type(const char* name, const QString& characters) {
-    widget<QWidget>(name).setFocus(Qt::TabFocusReason);
-    type_on(characters);
-  }
-  void type_on(const QString& characters) {
-    for (const QChar character : characters) {
-      QKeyEvent key(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, QString(character));
-      QCoreApplication::sendEvent(widget_.window()->focusWidget(), &key);
-    }
-  }
-  void paste(const char* name, const QString& value) {
-    QGuiApplication::clipboard()->setText(value);
-    widget<QLineEdit>(name).selectAll();
-    widget<QLineEdit>(name).paste();
-  }
-  // Runs while the next message waits, then gives its first answer.
-  void at_next_message(std::function<void(MessageSheet&)> look) {
-    QObject::connect(&widget_, &ControleVelanorWidget::message_opened, &widget_,
-                     [this, look = std::move(look)] {
-                       QTimer::singleShot(0, &widget_, [this, look] {
-                         MessageSheet& sheet = *widget_.open_message();
-                         look(sheet);
-                         emit sheet.answered(MessageSheet::closing_answer(sheet.message().buttons));
-                       });
-                     });
-  }
-
-  store::MemoryDatabase memory_;
-  FailingDatabase database_{memory_};
-  ControleVelanorWidget widget_;
-
- private:
-  std::string rights(std::string_view) override { return {}; }
-};
+using WidgetTest = WindowTest;
 
 TEST_F(WidgetTest, PastedValueIsJudgedAsIfItWereTyped) {
   open_card();
@@ -149,6 +42,90 @@ TEST_F(WidgetTest, KeyReplacesTheSelectionOfAFieldEnteredByTab) {
   open_card();
   type("Txt_HorMensEtab", ",5");
   EXPECT_EQ(text("Txt_HorMensEtab"), ",5");
+}
+
+TEST_F(WidgetTest, AStrayKeyReplacesNothingOnACardThatHasJustOpened) {
+  open_card();
+  ASSERT_EQ(text("Txt_NomAidant"), "MARTIN JEANNE");
+  auto& name = widget<QLineEdit>("Txt_NomAidant");
+  ASSERT_TRUE(name.hasFocus());
+  EXPECT_FALSE(name.hasSelectedText());
+  EXPECT_EQ(name.cursorPosition(), 13);
+  press(Qt::Key_Tab);
+  press(Qt::Key_Backtab);
+  EXPECT_EQ(name.selectedText(), "MARTIN JEANNE");
+}
+
+// Chosen by her name, and gone on from there: the same.
+TEST_F(WidgetTest, AStepThatOpensACardSelectsNothing) {
+  start();
+  type("Txt_Asso", "001");
+  type("Cbo_Aidant", "MARTIN JEANNE");
+  press(Qt::Key_Tab);
+  ASSERT_EQ(text("Txt_Etat"), "Modification");
+  const auto* field = qobject_cast<QLineEdit*>(widget_.window()->focusWidget());
+  EXPECT_TRUE(!field || !field->hasSelectedText());
+}
+
+TEST_F(WidgetTest, WhatWasRefusedIsThereToBeTypedOver) {
+  open_card();
+  type("Txt_DatNais", "320126");
+  press(Qt::Key_Tab);
+  auto& date = widget<QLineEdit>("Txt_DatNais");
+  EXPECT_EQ(told().size(), 1U);
+  ASSERT_TRUE(date.hasFocus());
+  EXPECT_EQ(date.selectedText(), date.text());
+}
+
+TEST_F(WidgetTest, AQuestionGivesTheFieldBackAsItWas) {
+  open_card();
+  widget<QLineEdit>("Txt_NomAidant").selectAll();
+  type("Txt_NomAidant", "DUP");
+  press(Qt::Key_Escape);
+  ASSERT_EQ(told().size(), 1U);
+  type_on("ONT");
+  EXPECT_EQ(text("Txt_NomAidant"), "DUPONT");
+}
+
+TEST_F(WidgetTest, WhatWasTypedOverASelectionCanBeTakenBack) {
+  open_card();
+  const auto expect_back = [&](const char* name, const char* typed, const char* stood, QLineEdit& edit) {
+    SCOPED_TRACE(name);
+    ASSERT_EQ(text(name), stood);
+    edit.selectAll();
+    type(name, typed);
+    EXPECT_NE(text(name), stood);
+    press(Qt::Key_Z, Qt::ControlModifier, "\x1a");
+    EXPECT_EQ(text(name), stood);
+    EXPECT_EQ(edit.text().toStdString(), stood);
+    press(Qt::Key_Tab);
+    EXPECT_EQ(told().size(), 0U);
+  };
+  expect_back("Txt_NomAidant", "x", "MARTIN JEANNE", widget<QLineEdit>("Txt_NomAidant"));
+  expect_back("Txt_HorMensEtab", "12,5", "151,67", widget<QLineEdit>("Txt_HorMensEtab"));
+  expect_back("Txt_DatNais", "5", "01/01/1988", widget<QLineEdit>("Txt_DatNais"));
+  expect_back("Cbo_Com", "Eze", "Albi", *widget<QComboBox>("Cbo_Com").lineEdit());
+}
+
+// The history of a field is that of one visit: behind it stands another card.
+TEST_F(WidgetTest, NothingIsTakenBackFromTheCardBefore) {
+  open_card();
+  widget<QLineEdit>("Txt_NomAidant").selectAll();
+  type("Txt_NomAidant", "DUPONT");
+  press(Qt::Key_Tab);
+  widget<QLineEdit>("Txt_NomAidant").setFocus(Qt::TabFocusReason);
+  press(Qt::Key_Z, Qt::ControlModifier, "\x1a");
+  EXPECT_EQ(text("Txt_NomAidant"), "DUPONT");
+}
+
+TEST_F(WidgetTest, LongTextsShowTheirBeginningWhereNobodyWorks) {
+  open_card();
+  widget<QLineEdit>("Txt_NomAidant").selectAll();
+  type("Txt_NomAidant", "Un nom qui est bien trop long pour sa zone");
+  EXPECT_EQ(widget<QLineEdit>("Txt_NomAidant").cursorPosition(), 42);
+  press(Qt::Key_Tab);
+  EXPECT_EQ(widget<QLineEdit>("Txt_NomAidant").cursorPosition(), 0);
+  EXPECT_EQ(widget<QComboBox>("Cbo_Etab").lineEdit()->cursorPosition(), 0);
 }
 
 TEST_F(WidgetTest, APageTurnedByTheKeyboardOpensWhereTheRulesPutTheFocus) {
@@ -233,6 +210,127 @@ TEST_F(WidgetTest, ListOfThirtyFiveThousandTownsOpensAndIsTypedInto) {
   EXPECT_EQ(text("Cbo_Com"), "Commune 3");
 }
 
+std::vector<std::string> offered(QComboBox& box) {
+  std::vector<std::string> lines;
+  const QAbstractItemView* list = box.completer()->popup();
+  for (int row = 0; list->isVisible() && row < list->model()->rowCount(); ++row)
+    lines.push_back(list->model()->index(row, 0).data(Qt::AccessibleTextRole).toString().toStdString());
+  return lines;
+}
+
+TEST_F(WidgetTest, EveryEditableListOffersWhatHoldsTheTypedTextAtAnyPlace) {
+  open_card();
+  auto& towns = static_cast<screen::ComboBox&>(*top().find("Cbo_Com"));
+  towns.refill({"Saint-Étienne", "Nœux", "L'Étang", "Albi"});
+  auto& box = widget<QComboBox>("Cbo_Com");
+  using Lines = std::vector<std::string>;
+  const std::vector<std::pair<const char*, Lines>> kTyped{
+      {"etan", {"L'Étang"}}, {"ST ETIENNE", {"Saint-Étienne"}},
+      {"noeux", {"Nœux"}},   {"e", {"Saint-Étienne", "Nœux", "L'Étang"}},
+      {"xyz", {}},           {"-", {}}};
+  for (const auto& [typed, lines] : kTyped) {
+    SCOPED_TRACE(typed);
+    box.setFocus(Qt::TabFocusReason);
+    box.lineEdit()->selectAll();
+    type_on(typed);
+    EXPECT_EQ(offered(box), lines);
+    box.completer()->popup()->hide();
+    widget_.activateWindow();
+    QCoreApplication::processEvents();
+  }
+}
+
+TEST_F(WidgetTest, EnterTakesTheOnlyOneThatIsOffered) {
+  open_card();
+  type("Cbo_Secteur", "agglo");
+  press(*widget<QComboBox>("Cbo_Secteur").lineEdit(), Qt::Key_Return, Qt::NoModifier, "\r");
+  EXPECT_EQ(text("Cbo_Secteur"), "Agglomération");
+  EXPECT_EQ(text("Txt_Secteur"), "007");
+}
+
+// Two lines that read the same are told apart by their notes, for eyes and ears, and each can be chosen.
+TEST_F(WidgetTest, LinesThatReadTheSameAreToldApart) {
+  open_card();
+  auto& towns = static_cast<screen::ComboBox&>(*top().find("Cbo_Com"));
+  towns.refill({"Saint-Denis", "Saint-Denis", ""});
+  towns.annotate({"93066", "97411", "00000"});
+  auto& box = widget<QComboBox>("Cbo_Com");
+  box.setFocus(Qt::TabFocusReason);
+  box.lineEdit()->selectAll();
+  type_on("denis");
+  EXPECT_EQ(offered(box), (std::vector<std::string>{"Saint-Denis, 93066", "Saint-Denis, 97411"}));
+  QAbstractItemView& list = *box.completer()->popup();
+  list.setCurrentIndex(list.model()->index(1, 0));
+  press(list, Qt::Key_Return);
+  EXPECT_EQ(towns.index(), 1);
+  EXPECT_EQ(text("Cbo_Com"), "Saint-Denis");
+  box.lineEdit()->selectAll();
+  type_on("97411");
+  EXPECT_EQ(offered(box), std::vector<std::string>{"Saint-Denis, 97411"});
+  list.hide();
+  box.showPopup();
+  EXPECT_EQ(box.itemText(2), "");
+  box.view()->setCurrentIndex(box.model()->index(2, 0));
+  press(*box.view(), Qt::Key_Return);
+  EXPECT_EQ(towns.index(), 2);
+  EXPECT_EQ(text("Cbo_Com"), "");
+}
+
+std::string copied() { return QGuiApplication::clipboard()->text().toStdString(); }
+
+TEST_F(WidgetTest, TablesAreCopiedAsCellsWithTheirHeadings) {
+  open_card();
+  press(Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier, "\x3");
+  EXPECT_EQ(copied(), "Activité\t%\nAide ménagère\t66,67\nSoins à domicile des personnes\t33,33\n");
+  open_items_of_first_amendment();
+  press(Qt::Key_Home);
+  press(Qt::Key_C, Qt::ControlModifier, "\x3");
+  EXPECT_EQ(copied(), "Code\tLibellé rubrique\tBase\tTaux\tMontant\n001\tHeures contrat\t104,00\t\t\n");
+}
+
+// In a year that can only be read the lists are out of use, and still there to be copied.
+TEST_F(WidgetTest, ATableOfAClosedYearIsCopiedByTheKeyboardAndByItsMenu) {
+  start();
+  type("Txt_Asso", "001");
+  auto& years = widget<QComboBox>("Cbo_Periode");
+  emit years.activated(1);
+  type("Txt_Aidant", "00010");
+  ASSERT_EQ(text("Txt_Etat"), "Consultation");
+  widget<QTabWidget>("Ong_FichPers").setCurrentIndex(1);
+  auto& table = widget<QAbstractItemView>("Lst_DatEffet");
+  ASSERT_FALSE(table.isEnabled());
+  QWidget* focus = widget_.window()->focusWidget();
+  press(focus ? *focus : widget_, Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier, "\x3");
+  const std::string by_key = copied();
+  EXPECT_NE(by_key.find("\n01/01/2024\t"), by_key.npos) << by_key;
+  QGuiApplication::clipboard()->clear();
+  const QPoint at(5, 5);
+  QContextMenuEvent asked(QContextMenuEvent::Mouse, at, table.viewport()->mapToGlobal(at));
+  QCoreApplication::sendEvent(table.viewport(), &asked);
+  auto* menu = table.findChild<QMenu*>();
+  ASSERT_NE(menu, nullptr);
+  menu->actions().last()->trigger();
+  EXPECT_EQ(copied(), by_key);
+}
+
+// A page file that forgets a control, or gives it another kind of widget, is found out at the start.
+TEST_F(WidgetTest, EveryControlHasAWidgetOfItsKind) {
+  class NoActs : public Acts {
+    bool open_to(const screen::Control&) const override { return false; }
+    void act(const std::function<void(screen::Hand&)>&) override {}
+    bool press(screen::Control&) override { return false; }
+    void focus_came(screen::Control&, Qt::FocusReason) override {}
+  } acts;
+  screen::Form form("Frm", "");
+  screen::TextBox box(form, {.name = "Txt_Nom"});
+  QWidget empty, wrong, right;
+  (new QLabel(&wrong))->setObjectName("Txt_Nom");
+  (new TextEdit(&right))->setObjectName("Txt_Nom");
+  EXPECT_THROW(FormViews(acts, form, empty), std::logic_error);
+  EXPECT_THROW(FormViews(acts, form, wrong), std::logic_error);
+  EXPECT_NO_THROW(FormViews(acts, form, right));
+}
+
 // What a screen reader says of a control that the user can reach; empty when it could not be told from
 // another, or said nothing of what it is for.
 std::string fault_of(const screen::Control& control, QWidget& shown, std::set<QString>& said) {
@@ -271,6 +369,28 @@ TEST_F(WidgetTest, EveryControlOfEveryFormTellsAssistiveToolsWhatItIs) {
   expect_named(widget_, widget_.screen().top());
 }
 
+TEST_F(WidgetTest, EnterGivesTheAnswerThatTheMessageNames) {
+  using screen::Answer;
+  using screen::Buttons;
+  start();
+  const struct {
+    Buttons buttons;
+    Answer preset, given;
+  } kCases[]{{Buttons::Ok, Answer::Ok, Answer::Ok},
+             {Buttons::YesNo, Answer::Yes, Answer::Yes},
+             {Buttons::YesNo, Answer::No, Answer::No},
+             {Buttons::YesNo, Answer::Ok, Answer::No},  // named none of its own
+             {Buttons::OkCancel, Answer::Ok, Answer::Ok},
+             {Buttons::OkCancel, Answer::Cancel, Answer::Cancel}};
+  for (const auto& [buttons, preset, given] : kCases) {
+    at_next_message([this](MessageSheet&) { press(Qt::Key_Return); });
+    EXPECT_EQ(widget_.ask({.title = "T", .text = "?", .buttons = buttons, .preset = preset}), given);
+    at_next_message([this](MessageSheet&) { press(Qt::Key_Escape); });
+    EXPECT_EQ(widget_.ask({.title = "T", .text = "?", .buttons = buttons, .preset = preset}),
+              MessageSheet::closing_answer(buttons));
+  }
+}
+
 TEST_F(WidgetTest, SheetsAreDialogsThatSayWhatTheyAsk) {
   open_card();
   std::string role, name, description;
@@ -292,10 +412,3 @@ TEST_F(WidgetTest, SheetsAreDialogsThatSayWhatTheyAsk) {
 
 }  // namespace
 }  // namespace velanor::qt
-
-int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  testing::InitGoogleTest(&argc, argv);
-  QApplication application(argc, argv);
-  return RUN_ALL_TESTS();
-}

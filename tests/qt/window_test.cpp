@@ -1,120 +1,92 @@
-// The whole window: that every control of every form stands on it, and that it asks before it goes.
-#include <gtest/gtest.h>
+#include "window_test.h"
 
 #include <QApplication>
+#include <QClipboard>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPointer>
+#include <QTabWidget>
 #include <QTimer>
-#include <set>
+#include <iostream>
 
-#include "app/velanor/main_window.h"
-#include "qt/message_sheet.h"
-#include "support/office.h"
+#include "play/player.h"
 
-namespace velanor::app {
-namespace {
-
-using Names = std::set<std::string>;
-
-class Window : public testing::Test {
- protected:
-  Window() {
-    test::load(database_, "lib/cards.play");
-    // The hours are asked for an amendment without items.
-    store::DbRecord card = *database_.find("VELANORO", "000100012026");
-    for (int attribute = 30; attribute <= 33; ++attribute) card.set(attribute, 1, "");
-    database_.put("VELANORO", "000100012026", card);
-    QObject::connect(&window_, &MainWindow::closed, &window_, [this] { ++times_closed_; });
-    window_.show();
-    window_.start();
-  }
-
-  screen::Screen& screen() { return window_.component().screen(); }
-  template <typename Control>
-  Control& control(const char* name) {
-    return dynamic_cast<Control&>(*screen().top().find(name));
-  }
-  void open_card() {
-    screen::Hand hand(screen());
-    hand.type(control<screen::TextBox>("Txt_Asso"), "001");
-    hand.type(control<screen::TextBox>("Txt_Aidant"), "00010");
-    ASSERT_FALSE(control<screen::CommandButton>("Cmd_Sortir").enabled());
-  }
-  void open_items_of_first_amendment() {
-    open_card();
-    screen::Hand(screen()).pick(control<screen::ListBox>("Lst_DatEffet"), 0);
-    click("Cmd_Detail");
-    ASSERT_EQ(screen().top().name(), "Frm_RubSaisie");
-  }
-  void click(const char* name) {
-    EXPECT_EQ(screen::Hand(screen()).click(control<screen::CommandButton>(name)), "");
-  }
-  // Controls of the topmost form that no widget shows.
-  Names without_widget() {
-    Names names;
-    for (const screen::Control* shown : screen().top().controls()) {
-      if (!window_.component().widget_of(*shown)) names.insert(shown->name());
-    }
-    return names;
-  }
-  // Closes the window and answers what it asks; how many questions came.
-  int close(screen::Answer answer) {
-    int questions = 0;
-    const auto answering =
-        QObject::connect(&window_.component(), &qt::ControleVelanorWidget::message_opened, &window_, [&] {
-          ++questions;
-          QTimer::singleShot(0, &window_, [&] { emit window_.component().open_message()->answered(answer); });
-        });
-    window_.close();
-    QObject::disconnect(answering);
-    return questions;
-  }
-
-  store::MemoryDatabase database_;
-  MainWindow window_{database_};
-  int times_closed_ = 0;
-};
-
-// A control that a page has forgotten cannot be seen, and nothing else says so. The headings of a table
-// are its own, and the menu is made when it pops up.
-TEST_F(Window, ShowsEveryControlOfEveryForm) {
-  const Names menus{"Mnu_Aide", "Mnu_Sommaire"};
-  const Names headings{"Etq_DatEffet",  "Etq_DatDepGrille", "Etq_Qualif", "Etq_Grille",
-                       "Etq_Categorie", "Etq_NouvMes",      "Etq_TxHor",  "Etq_DureMens"};
-  Names expected = headings;
-  expected.insert(menus.begin(), menus.end());
-  EXPECT_EQ(without_widget(), expected);
-  open_items_of_first_amendment();
-  EXPECT_EQ(without_widget(), (Names{"Etq_Code", "Etq_LibRub", "Etq_Base", "Etq_Taux", "Etq_Montant"}));
-  click("Cmd_SaisieAuto");
-  ASSERT_EQ(screen().top().name(), "Frm_SaisieHres");
-  EXPECT_EQ(without_widget(), Names());
+namespace velanor::qt {
+WindowTest::WindowTest() : owned_(std::make_unique<ControleVelanorWidget>()), widget_(*owned_) {
+  play::RecordingDatabase recording(memory_);
+  play::MessageBoxes boxes;
+  play::Player player({recording, boxes, nullptr, std::cout, std::cerr});
+  player.play(play::read_scenario(VELANOR_SCENARIOS "/lib/cards.play"));
+  QObject::connect(owned_.get(), &ControleVelanorWidget::message_opened, owned_.get(),
+                   [this] { message_opened(); });
 }
 
-TEST_F(Window, ClosesAtOnceWhenNoCardIsOpen) {
-  EXPECT_EQ(close(screen::Answer::No), 0);
-  EXPECT_EQ(times_closed_, 1);
-  EXPECT_FALSE(window_.isVisible());
+void WindowTest::start() {
+  widget_.DroitsUtilisateur(*this);
+  widget_.TheDatabase(database_);
+  widget_.show();
+  widget_.activateWindow();
+  QCoreApplication::processEvents();
+  widget_.init();
 }
 
-TEST_F(Window, AsksBeforeItClosesOnAnOpenCard) {
-  open_card();
-  EXPECT_EQ(close(screen::Answer::No), 1);
-  EXPECT_EQ(times_closed_, 0);
-  EXPECT_TRUE(window_.isVisible());
-  EXPECT_FALSE(control<screen::CommandButton>("Cmd_Sortir").enabled()) << "the card was given up";
-  EXPECT_EQ(close(screen::Answer::Yes), 1);
-  EXPECT_EQ(times_closed_, 1);
-  EXPECT_FALSE(window_.isVisible());
+void WindowTest::open_card() {
+  start();
+  type("Txt_Asso", "001");
+  type("Txt_Aidant", "00010");
+  ASSERT_EQ(text("Txt_Etat"), "Modification");
 }
 
-TEST_F(Window, AsksBeforeItClosesOnAForm) {
-  open_items_of_first_amendment();
-  EXPECT_EQ(close(screen::Answer::No), 1);
-  EXPECT_EQ(times_closed_, 0);
-  EXPECT_EQ(screen().top().name(), "Frm_RubSaisie");
+void WindowTest::open_items_of_first_amendment() {
+  widget<QTabWidget>("Ong_FichPers").setCurrentIndex(1);
+  auto& amendments = widget<QWidget>("Lst_DatEffet");
+  amendments.setFocus(Qt::TabFocusReason);
+  press(amendments, Qt::Key_Home);
+  click("Cmd_Detail");
+  ASSERT_EQ(top().name(), "Frm_RubSaisie");
 }
 
-}  // namespace
-}  // namespace velanor::app
+void WindowTest::press(QWidget& on, int key, Qt::KeyboardModifiers with, const QString& text) {
+  QKeyEvent event(QEvent::KeyPress, key, with, text);
+  QCoreApplication::sendEvent(&on, &event);
+}
+
+void WindowTest::press(int key, Qt::KeyboardModifiers with, const QString& text) {
+  press(*widget_.window()->focusWidget(), key, with, text);
+}
+
+void WindowTest::type(const char* name, const QString& characters) {
+  shown(name).setFocus(Qt::TabFocusReason);
+  type_on(characters);
+}
+
+void WindowTest::type_on(const QString& characters) {
+  for (const QChar character : characters) press(Qt::Key_unknown, Qt::NoModifier, character);
+}
+
+void WindowTest::paste(const char* name, const QString& value) {
+  QGuiApplication::clipboard()->setText(value);
+  widget<QLineEdit>(name).selectAll();
+  widget<QLineEdit>(name).paste();
+}
+
+void WindowTest::at_next_message(Look look) { looks_.push_back(std::move(look)); }
+
+void WindowTest::message_opened() {
+  const QPointer<MessageSheet> sheet(owned_->open_message());
+  Look look;
+  if (!looks_.empty()) {
+    look = std::move(looks_.front());
+    looks_.erase(looks_.begin());
+  }
+  told_.push_back(sheet->message().text);
+  QTimer::singleShot(0, owned_.get(), [sheet, look] {
+    if (sheet && look) look(*sheet);
+    if (sheet && sheet->isVisible()) emit sheet->answered(sheet->closing_answer());
+  });
+}
+
+}  // namespace velanor::qt
 
 int main(int argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -85,7 +85,8 @@ bool Program::fill(Base& base) {
                                              "démonstration (trois entités fictives et "
                                              "leur personnel) ?",
                                      .icon = screen::Icon::Question,
-                                     .buttons = screen::Buttons::YesNo});
+                                     .buttons = screen::Buttons::YesNo,
+                                     .preset = screen::Answer::Yes});
   if (answer != screen::Answer::Yes) {
     component.ask(
         {.title = "Fiches du personnel",
