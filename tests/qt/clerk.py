@@ -58,7 +58,7 @@ def amendment(w):
     w.key("Tab", "Tab")
     w.at("Qualification professionnelle")
     w.key("Down")  # the list opens on its first line
-    w.at("AGD")
+    w.at("AGD, Agent à domicile")
     w.key("Return")
     w.shows("Qualification professionnelle", "AGD")
     # Stepping past grids that do not offer the qualification does not lose it.
