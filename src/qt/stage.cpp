@@ -97,6 +97,7 @@ void ControleVelanorWidget::Stage::act(const std::function<void(screen::Hand&)>&
   }
   gate_.release();
   if (failure) report(failure);
+  emit widget_.acted();
 }
 
 bool ControleVelanorWidget::Stage::press(screen::Control& control) {
