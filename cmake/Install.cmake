@@ -29,6 +29,17 @@ foreach(program velanorctl velanor)
   endif()
 endforeach()
 
+# The place in the menus of the desktop.
+if(TARGET velanor)
+  set(desk ${PROJECT_SOURCE_DIR}/src/app/velanor)
+  install(FILES ${desk}/velanor.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+  install(FILES ${desk}/icon/velanor.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
+  foreach(size 16 32 48 64 128)
+    install(FILES ${desk}/icon/velanor-${size}.png RENAME velanor.png
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/${size}x${size}/apps)
+  endforeach()
+endif()
+
 # Designer looks in the `designer` folder of every folder of QT_PLUGIN_PATH.
 if(TARGET velanor_designer)
   install(TARGETS velanor_designer LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/qt6/plugins/designer)

@@ -41,6 +41,9 @@ void ControleVelanorWidget::TheDatabase(store::Database& database) {
 void ControleVelanorWidget::set_help(control::HelpViewer& help) { stage_->help = &help; }
 void ControleVelanorWidget::init() { stage_->start(); }
 screen::Screen& ControleVelanorWidget::screen() { return stage_->screen(); }
+const store::DbRecord& ControleVelanorWidget::card_in_hand() const {
+  return stage_->component().card_in_hand();
+}
 
 QWidget* ControleVelanorWidget::widget_of(const screen::Control& control) const {
   View* view = stage_->view_of(control);

@@ -33,6 +33,8 @@ class ControleVelanorWidget : public QWidget {
   void init();
 
   screen::Screen& screen();
+  // The working record of the card that is open.
+  const store::DbRecord& card_in_hand() const;
   // The widget that shows a control, and null where there is none.
   QWidget* widget_of(const screen::Control& control) const;
   // The message box that waits for its answer, or null.
@@ -52,6 +54,8 @@ class ControleVelanorWidget : public QWidget {
   void help_asked(const QString& page, const QString& title);
   // A message is on the screen and waits.
   void message_opened();
+  // The user did something, and the rules and the views have answered it. Not from within a message.
+  void acted();
 
  protected:
   void mousePressEvent(QMouseEvent* event) override;

@@ -153,13 +153,15 @@ void ControleVelanorWidget::Stage::act(const std::function<void(screen::Hand&)>&
     failure = run([&] {
       screen::Hand hand(screen());
       what(hand);
-      if (!screen().finished()) screen().top().settle_focus();
     });
+    // Also where the rules failed half way: the control that has the focus may be locked by now.
+    if (!screen().finished()) run([&] { screen().top().settle_focus(); });
     refresh();
     place_focus();
   }
   gate_.release();
   if (failure) report(failure);
+  if (widget_) emit widget_->acted();
 }
 
 bool ControleVelanorWidget::Stage::press(screen::Control& control) {

@@ -225,6 +225,75 @@ TEST_F(SqliteFile, AFileThatIsNotThereIsNotCreatedUnlessThatIsAsked) {
   EXPECT_FALSE(std::filesystem::exists(path_));
 }
 
+// Some user who owns nothing: root may write everywhere.
+class AsNobody {
+ public:
+  AsNobody() { [[maybe_unused]] const int done = seteuid(kNobody); }
+  ~AsNobody() { [[maybe_unused]] const int done = seteuid(getuid()); }
+
+ private:
+  static constexpr uid_t kNobody = 65534;
+};
+
+TEST_F(SqliteFile, WhatMayNotBeWrittenIsReadAndEveryWriteIsRefusedWithASentence) {
+  namespace fs = std::filesystem;
+  using fs::perms;
+  open()->put("SECTEUR", "001", record("Ville"));
+  constexpr perms kLook = perms::owner_read | perms::group_read | perms::others_read;
+  constexpr perms kEnter = kLook | perms::owner_exec | perms::group_exec | perms::others_exec;
+  const struct {
+    const char* protected_part;
+    perms file, folder;
+  } cases[] = {{"file", kLook, perms::all},
+               {"folder", kLook | perms::owner_write | perms::group_write | perms::others_write, kEnter},
+               {"both", kLook, kEnter}};
+  for (const auto& [protected_part, file, folder] : cases) {
+    SCOPED_TRACE(protected_part);
+    fs::permissions(path_, file);
+    fs::permissions(folder_.file(""), folder);
+    {
+      const AsNobody nobody;
+      SqliteDatabase database(path_);
+      EXPECT_TRUE(database.read_only());
+      EXPECT_EQ(all_of(database, "SSELECT SECTEUR PAR 1", "SECTEUR"), "001|Ville\n");
+      EXPECT_EQ(failure([&] { database.put("SECTEUR", "002", record("x")); }),
+                "La base « " + path_ +
+                    " » n'a pas été modifiée : elle est en lecture seule. Demandez le droit d'écrire dans ce "
+                    "fichier et dans son dossier.");
+    }
+    fs::permissions(folder_.file(""), perms::all);
+    fs::permissions(path_, perms::owner_read | perms::owner_write);
+    EXPECT_FALSE(open()->read_only()) << "companions of a reader keep the writer out";
+  }
+}
+
+TEST_F(SqliteFile, AReaderSeesWhatAWriterWhoComesLaterWrites) {
+  if (getuid() != 0) GTEST_SKIP() << "needs a second user";
+  namespace fs = std::filesystem;
+  open()->put("SECTEUR", "001", record("Ville"));
+  constexpr fs::perms kMineToWrite = fs::perms::owner_all | fs::perms::group_read | fs::perms::others_read;
+  fs::permissions(path_, kMineToWrite);
+  fs::permissions(folder_.file(""), kMineToWrite | fs::perms::group_exec | fs::perms::others_exec);
+  const char* list = "SSELECT SECTEUR PAR 1";
+  std::unique_ptr<SqliteDatabase> reader;
+  const auto seen = [&] {
+    const AsNobody nobody;
+    if (!reader) reader = std::make_unique<SqliteDatabase>(path_);
+    return all_of(*reader, list, "SECTEUR");
+  };
+  EXPECT_EQ(seen(), "001|Ville\n");
+  {
+    const auto writer = open();
+    writer->put("SECTEUR", "002", record("Bourg"));
+    EXPECT_EQ(seen(), "002|Bourg\n001|Ville\n");
+    writer->put("SECTEUR", "003", record("Autre"));
+    EXPECT_EQ(seen(), "003|Autre\n002|Bourg\n001|Ville\n");
+  }
+  open()->put("SECTEUR", "004", record("Zone"));
+  EXPECT_EQ(seen(), "003|Autre\n002|Bourg\n001|Ville\n004|Zone\n");
+  EXPECT_TRUE(reader->read_only());
+}
+
 TEST_F(SqliteFile, AnotherKindOfFileIsRefusedAndLeftAsItIs) {
   const std::string text = std::string(3000, 'x');
   std::ofstream(path_) << text;

@@ -1,24 +1,25 @@
 // velanor: the personnel budget cards on a window.
 #include <CLI/CLI.hpp>
 #include <QApplication>
+#include <QIcon>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QPalette>
 #include <QTranslator>
 #include <clocale>
 #include <iostream>
+#include <optional>
 
 #include "app/velanor/play.h"
 #include "app/velanor/program.h"
 #include "app/velanorctl/open_store.h"
+#include "app/velanorctl/usage.h"
 
 namespace {
 
 using namespace velanor::app;
 
 constexpr int kFailed = 1;
-// Not 2, which says that a scenario is not of the language.
-constexpr int kUsage = 64;
 
 struct Options {
   StoreOptions store;
@@ -28,7 +29,7 @@ struct Options {
 };
 
 void add_options(CLI::App& program, Options& options) {
-  program.set_help_flag("-h,--help", "Affiche cette aide");
+  speak_french(program);
   add_store_options(program, options.store);
   auto* play =
       program.add_option("--play", options.play, "Joue un scénario sur la fenêtre")->type_name("FICHIER");
@@ -50,13 +51,20 @@ void ask_for_french_formats() {
 }
 
 // The toolkit's own words in French, and French formats, whatever the machine's language.
-void speak_french(QApplication& application) {
+void translate_toolkit(QApplication& application) {
   std::setlocale(LC_NUMERIC, "C");
   const QLocale french(QLocale::French, QLocale::France);
   QLocale::setDefault(french);
   auto* translator = new QTranslator(&application);
   if (translator->load(french, "qtbase", "_", QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
     QCoreApplication::installTranslator(translator);
+}
+
+QIcon own_icon() {
+  QIcon icon;
+  for (const int size : {16, 32, 48, 64, 128})
+    icon.addFile(QStringLiteral(":/icon/velanor-%1.png").arg(size));
+  return icon;
 }
 
 QPalette dark_palette() {
@@ -86,7 +94,7 @@ int run(QApplication& application, const Options& options) {
                           {QString::fromStdString(options.play), QString::fromStdString(options.shots)});
   }
   Program program;
-  return program.open(options.store) ? application.exec() : kFailed;
+  return program.start(options.store) ? application.exec() : kFailed;
 }
 
 int parse_and_run(QApplication& application, int argc, char** argv) {
@@ -95,26 +103,39 @@ int parse_and_run(QApplication& application, int argc, char** argv) {
   add_options(program, options);
   try {
     program.parse(argc, argv);
-  } catch (const CLI::CallForHelp& help) {
-    return program.exit(help);
-  } catch (const CLI::ParseError& error) {
-    std::cerr << "velanor : la ligne de commande n'est pas comprise : " << error.what()
-              << ". Voir velanor --help.\n";
-    return kUsage;
+  } catch (const CLI::ParseError& end) {
+    return end_of_parsing(program, end);
   }
   if (options.dark) QApplication::setPalette(dark_palette());
   return run(application, options);
 }
 
+// Help and version need no display. The toolkit's own options are still on the line.
+std::optional<int> told_without_window(int argc, char** argv) {
+  CLI::App program("Fiches du personnel", "velanor");
+  Options options;
+  add_options(program, options);
+  try {
+    program.parse(argc, argv);
+  } catch (const CLI::Success& told) {
+    return end_of_parsing(program, told);
+  } catch (const CLI::ParseError&) {
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) try {
+  if (const auto status = told_without_window(argc, argv)) return *status;
   ask_for_french_formats();
   QApplication::setStyle("Fusion");
   QApplication application(argc, argv);
   QCoreApplication::setApplicationName("velanor");
   QCoreApplication::setApplicationVersion(VELANOR_VERSION);
-  speak_french(application);
+  QGuiApplication::setDesktopFileName("velanor");
+  QApplication::setWindowIcon(own_icon());
+  translate_toolkit(application);
   return parse_and_run(application, argc, argv);
 } catch (const std::exception& error) {
   std::cerr << "velanor : " << error.what() << "\n";

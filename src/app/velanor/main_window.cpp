@@ -1,12 +1,23 @@
 #include "app/velanor/main_window.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QFileDialog>
 #include <QFileIconProvider>
 #include <QFileInfo>
+#include <QLabel>
 #include <QMenuBar>
+#include <QMessageBox>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QTimer>
+#include <utility>
 
 #include "app/velanor/help_window.h"
+#include "card/record_layout.h"
+#include "qt/message_sheet.h"
+#include "qt/strings.h"
+#include "screen/scope.h"
 
 namespace velanor::app {
 namespace {
@@ -22,34 +33,81 @@ class FrenchKinds : public QFileIconProvider {
   }
 };
 
+QFileIconProvider& french_kinds() {
+  static FrenchKinds kinds;
+  return kinds;
+}
+
 }  // namespace
 
 MainWindow::MainWindow(store::Database& database, QWidget* parent)
-    : QMainWindow(parent), component_(new qt::ControleVelanorWidget(this)), database_(database) {
-  setWindowTitle(kTitle);
-  setCentralWidget(component_);
+    : QMainWindow(parent),
+      database_(database),
+      component_(new qt::ControleVelanorWidget),
+      card_(component_->screen(), [this]() -> const store::DbRecord& { return component_->card_in_hand(); }),
+      pages_(new QStackedWidget) {
+  pages_->addWidget(new QWidget);
+  pages_->addWidget(component_);
+  setCentralWidget(pages_);
   make_menus();
+  make_status_bar();
+  update_title();
   component_->DroitsUtilisateur(*this);
   component_->TheClient(client_);
   component_->TheDatabase(database_);
   connect(component_, &qt::ControleVelanorWidget::left, this, &QWidget::close);
   connect(component_, &qt::ControleVelanorWidget::help_asked, this, &MainWindow::show_help);
+  connect(component_, &qt::ControleVelanorWidget::acted, this, &MainWindow::follow);
+  connect(component_, &qt::ControleVelanorWidget::message_opened, this, &MainWindow::end_message,
+          Qt::QueuedConnection);
   resize(1264, 680);
 }
 
-MainWindow::~MainWindow() = default;
+// The component looks at what stands around it until its end.
+MainWindow::~MainWindow() { delete component_; }
 
-void MainWindow::start() { component_->init(); }
+bool MainWindow::is_started() const { return pages_->currentWidget() == component_; }
+
+void MainWindow::start() {
+  pages_->setCurrentWidget(component_);
+  try {
+    component_->init();
+  } catch (...) {
+    pages_->setCurrentIndex(0);
+    throw;
+  }
+}
+
+void MainWindow::ask_before_start(const screen::Message& message, std::function<void(screen::Answer)> then) {
+  auto* sheet = new qt::MessageSheet(message, *pages_->widget(0));
+  connect(sheet, &qt::MessageSheet::answered, this,
+          [this, sheet, then = std::move(then)](screen::Answer answer) {
+            sheet->disconnect(this);
+            sheet->hide();
+            sheet->deleteLater();
+            QTimer::singleShot(0, this, [then, answer] { then(answer); });
+          });
+  sheet->show();
+  sheet->focus_preset();
+}
+
+// ---- Menus and titles.
 
 void MainWindow::make_menus() {
   QMenu* file = menuBar()->addMenu("&Fichier");
-  connect(file->addAction("&Ouvrir…"), &QAction::triggered, this, &MainWindow::ask_file);
+  QAction* open = file->addAction("&Ouvrir…");
+  open->setShortcut(QKeySequence::Open);
+  connect(open, &QAction::triggered, this, &MainWindow::ask_file);
   recent_ = file->addMenu("Bases &récentes");
   recent_->setEnabled(false);
+  recent_->setToolTipsVisible(true);
   file->addSeparator();
+  QAction* shut = file->addAction("&Fermer la fenêtre");
+  shut->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_W));
+  connect(shut, &QAction::triggered, this, &QWidget::close);
   QAction* quit = file->addAction("&Quitter");
   quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
-  connect(quit, &QAction::triggered, this, &QWidget::close);
+  connect(quit, &QAction::triggered, this, &MainWindow::quit_asked);
   QMenu* help = menuBar()->addMenu("A&ide");
   QAction* guide = help->addAction("&Guide");
   guide->setShortcut(QKeySequence(Qt::Key_F1));
@@ -57,10 +115,39 @@ void MainWindow::make_menus() {
   connect(help->addAction("À &propos…"), &QAction::triggered, this, &MainWindow::show_about);
 }
 
+// Labels of their own: the toolkit's messages are wiped by every menu that is passed over.
+void MainWindow::make_status_bar() {
+  told_ = new QLabel;
+  told_->setObjectName("told");
+  told_->setContentsMargins(8, 0, 0, 0);
+  statusBar()->addWidget(told_, 1);
+  mode_ = new QLabel;
+  mode_->setObjectName("mode");
+  statusBar()->addPermanentWidget(mode_);
+}
+
 void MainWindow::set_source(const QString& path) {
   const QFileInfo file(path);
-  setWindowTitle((path.isEmpty() ? QStringLiteral("Démonstration") : file.fileName()) + " – " + kTitle);
+  source_ = path.isEmpty() ? QStringLiteral("Démonstration") : file.fileName();
   if (!path.isEmpty()) folder_ = file.absolutePath();
+  update_title();
+}
+
+void MainWindow::set_read_only() {
+  mode_->setText("Consultation seule");
+  mode_->setToolTip("Ce fichier ou son dossier est protégé : rien ne peut y être enregistré.");
+  tell("Cette base est protégée en écriture : les fiches se consultent, rien ne peut être enregistré.");
+  update_title();
+}
+
+// The card first: a narrow place for titles cuts their end.
+void MainWindow::update_title() {
+  QStringList parts{qt::to_qt(card_.title()), source_, mode_->text(), kTitle};
+  parts.removeAll(QString());
+  for (QString& part : parts) part.replace("[*]", "[*][*]");
+  parts.first() += "[*]";
+  setWindowTitle(parts.join(" – "));
+  setWindowModified(card_.modified());
 }
 
 void MainWindow::set_recent(const QStringList& files) {
@@ -74,12 +161,13 @@ void MainWindow::set_recent(const QStringList& files) {
 }
 
 void MainWindow::ask_file() {
-  FrenchKinds kinds;
-  QFileDialog dialog(this, "Ouvrir une base", folder_, "Bases (*.db);;Tous les fichiers (*)");
-  dialog.setIconProvider(&kinds);
-  dialog.setFileMode(QFileDialog::ExistingFile);
-  dialog.resize(820, 480);
-  if (dialog.exec() == QDialog::Accepted) emit open_asked(dialog.selectedFiles().constFirst());
+  auto* dialog = new QFileDialog(this, "Ouvrir une base", folder_, "Bases (*.db);;Tous les fichiers (*)");
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->setIconProvider(&french_kinds());
+  dialog->setFileMode(QFileDialog::ExistingFile);
+  dialog->resize(820, 480);
+  connect(dialog, &QFileDialog::fileSelected, this, &MainWindow::open_asked);
+  dialog->open();
 }
 
 void MainWindow::show_help(const QString& page, const QString& title) {
@@ -88,28 +176,102 @@ void MainWindow::show_help(const QString& page, const QString& title) {
 }
 
 void MainWindow::show_about() {
-  if (component_->open_message()) return;
-  component_->ask({.title = "À propos",
-                   .text =
-                       "Fiches du personnel\r\nLes fiches budgétaires du personnel des associations d'aide à "
-                       "domicile.\r\n\r\nVersion " VELANOR_VERSION,
-                   .icon = screen::Icon::Information});
+  auto* box = new QMessageBox(QMessageBox::NoIcon, "À propos",
+                              "Fiches du personnel\nLes fiches budgétaires du personnel des associations "
+                              "d'aide à domicile.\n\nVersion " VELANOR_VERSION,
+                              QMessageBox::Ok, this);
+  box->setIconPixmap(QApplication::windowIcon().pixmap(64));
+  box->setAttribute(Qt::WA_DeleteOnClose);
+  box->open();
 }
 
-// A card that is open is not left unsaved without a word. A message that waits is answered first.
+// ---- After each act.
+
+void MainWindow::follow() {
+  if (component_->screen().finished()) return;
+  const std::string before = std::exchange(card_title_, {});
+  card_.look();
+  card_title_ = card_.title();
+  if (before.empty() && card_.card_open()) told_->clear();
+  tell_change(before);
+  update_title();
+  go_on_leaving();
+}
+
+void MainWindow::tell_change(const std::string& card) {
+  const auto change = database_.take_change();
+  if (!change) return;
+  const std::string code = change->id.substr(0, card::kEmployeeCodeLength);
+  if (change->kind == WatchedDatabase::CardChange::Kind::kDeleted)
+    tell("Fiche " + card + " supprimée");
+  else if (card_.card_open())
+    tell("Fiche " + card + " copiée sur le code " + code);
+  else
+    tell("Fiche " + code + " " + change->name + " enregistrée");
+}
+
+void MainWindow::tell(const std::string& sentence) { told_->setText(qt::to_qt(sentence)); }
+
+// ---- Leaving.
+
+void MainWindow::bring_forward() {
+  setWindowState(windowState() & ~Qt::WindowMinimized);
+  show();
+  raise();
+  activateWindow();
+}
+
+void MainWindow::leave() {
+  leaves_ = true;
+  close();
+}
+
 void MainWindow::closeEvent(QCloseEvent* event) {
-  if (component_->screen().finished()) return emit closed();
-  if (component_->open_message()) return event->ignore();
-  screen::Control* leave = component_->screen().base().find("Cmd_Sortir");
-  const bool card_open = component_->open_sheet() || (leave && !leave->enabled());
-  const bool go =
-      !card_open || component_->ask({.title = kTitle.toStdString(),
-                                     .text = "Une fiche est ouverte : ce qui n'est pas enregistré sera "
-                                             "perdu.\r\nQuitter quand même ?",
-                                     .icon = screen::Icon::Question,
-                                     .buttons = screen::Buttons::YesNo}) == screen::Answer::Yes;
-  event->setAccepted(go);
-  if (go) emit closed();
+  event->setAccepted(may_leave(Leaving::kClosing));
+  if (event->isAccepted()) emit closed();
+}
+
+bool MainWindow::may_leave(Leaving leaving) {
+  if (leaves_ || !is_started() || component_->screen().finished()) return true;
+  if (!card_.card_open() && !component_->open_message()) return true;
+  bring_forward();
+  if (asking_to_leave_) return false;
+  if (component_->open_message()) {
+    leaving_ = leaving;
+    end_message();
+    return false;
+  }
+  return asks_and_may_leave();
+}
+
+bool MainWindow::asks_and_may_leave() {
+  const screen::Scope asking(asking_to_leave_);
+  return component_->ask({.title = kTitle.toStdString(),
+                          .text =
+                              "Une fiche est ouverte : ce qui n'est pas enregistré sera perdu.\r\nQuitter "
+                              "quand même ?",
+                          .icon = screen::Icon::Question,
+                          .buttons = screen::Buttons::YesNo,
+                          .preset = screen::Answer::No}) == screen::Answer::Yes;
+}
+
+// The rules may answer with one more message.
+void MainWindow::end_message() {
+  qt::MessageSheet* sheet = leaving_ == Leaving::kNot ? nullptr : component_->open_message();
+  if (sheet) emit sheet->answered(qt::MessageSheet::closing_answer(sheet->message().buttons));
+}
+
+void MainWindow::go_on_leaving() {
+  switch (std::exchange(leaving_, Leaving::kNot)) {
+    case Leaving::kClosing:
+      QTimer::singleShot(0, this, &QWidget::close);
+      break;
+    case Leaving::kQuitting:
+      emit quit_asked();
+      break;
+    case Leaving::kNot:
+      break;
+  }
 }
 
 }  // namespace velanor::app

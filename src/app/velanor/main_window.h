@@ -3,17 +3,23 @@
 
 #include <QMainWindow>
 #include <QPointer>
+#include <functional>
 
+#include "app/velanor/card_watch.h"
+#include "app/velanor/watched_database.h"
 #include "control/host.h"
 #include "qt/controle_velanor_widget.h"
 
+class QLabel;
 class QMenu;
+class QStackedWidget;
 
 namespace velanor::app {
 
 class HelpWindow;
 
-// Shows one database, which must outlive it.
+// Shows one database, which must outlive it. Before `start` it shows an empty page, on which the program
+// can ask something.
 class MainWindow : public QMainWindow, private control::UserRights {
   Q_OBJECT
 
@@ -22,15 +28,31 @@ class MainWindow : public QMainWindow, private control::UserRights {
   ~MainWindow() override;
 
   qt::ControleVelanorWidget& component() { return *component_; }
-  // Starts the component. Throws store::DbError.
+  // Starts the component. Throws store::DbError; the window then shows its empty page again.
   void start();
+  // Asks on the empty page, without waiting for the answer; a question that the window takes with it has
+  // none.
+  void ask_before_start(const screen::Message& message, std::function<void(screen::Answer)> then);
+
   // The database file that the title names and beside which others are looked for; "" for the
   // demonstration data in memory.
   void set_source(const QString& path);
+  // The title and the status bar say that nothing can be written.
+  void set_read_only();
   void set_recent(const QStringList& files);
+
+  void bring_forward();
+  enum class Leaving { kNot, kClosing, kQuitting };
+  // Whether the window may go: the user is asked when a card is open. A message that waits gets the answer
+  // of its close box first; then this is false, and the closing, or the quitting of the program, is
+  // asked for anew when the rules have answered.
+  bool may_leave(Leaving leaving);
+  // Closes without a question: the user has been asked.
+  void leave();
 
  signals:
   void open_asked(const QString& file);
+  void quit_asked();
   void closed();
 
  protected:
@@ -39,16 +61,35 @@ class MainWindow : public QMainWindow, private control::UserRights {
  private:
   std::string rights(std::string_view) override { return {}; }
   void make_menus();
+  void make_status_bar();
   void ask_file();
   void show_help(const QString& page, const QString& title);
   void show_about();
+  bool is_started() const;
+  void follow();
+  // `card` is the title of the card that was open before the act.
+  void tell_change(const std::string& card);
+  void tell(const std::string& sentence);
+  void update_title();
+  bool asks_and_may_leave();
+  void end_message();
+  void go_on_leaving();
 
+  WatchedDatabase database_;
   qt::ControleVelanorWidget* component_;
+  CardWatch card_;
+  std::string card_title_;
   control::Client client_;
-  store::Database& database_;
+  QStackedWidget* pages_;
   QMenu* recent_ = nullptr;
+  QLabel* told_;
+  QLabel* mode_;
+  QString source_;
   QString folder_;
   QPointer<HelpWindow> help_;
+  Leaving leaving_ = Leaving::kNot;  // as soon as the message that waits is answered
+  bool asking_to_leave_ = false;
+  bool leaves_ = false;
 };
 
 }  // namespace velanor::app

@@ -5,19 +5,22 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QPointer>
 #include <QScopeGuard>
-#include <QSettings>
 #include <QStandardPaths>
 #include <algorithm>
+#include <optional>
 
 #include "app/velanor/main_window.h"
+#include "app/velanor/place.h"
 #include "demo/demo.h"
+#include "screen/scope.h"
+#include "store/sqlite/sqlite_database.h"
 
 namespace velanor::app {
 namespace {
 
-constexpr int kRecentFiles = 8;
-const QString kRecent = QStringLiteral("recent");
+const QString kTitle = QStringLiteral("Fiches du personnel");
 
 QString own_database() {
   const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
@@ -35,89 +38,208 @@ void make_private(const QString& path) {
 // The records that the component reads at its start are missing.
 bool is_empty(store::Database& database) { return !database.OpenFile("TABLES")->find("FINCONTRAT"); }
 
+bool is_read_only(const store::Database& database) {
+  const auto* sqlite = dynamic_cast<const store::SqliteDatabase*>(&database);
+  return sqlite && sqlite->read_only();
+}
+
+void fill(store::Database& database) {
+  QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+  const auto restore = qScopeGuard([] { QGuiApplication::restoreOverrideCursor(); });
+  database.in_one_change([&] {
+    StoreSink sink(
+        [&](auto file, auto id, const auto& record) { database.OpenFile(file)->write(id, record); });
+    demo::fill(sink);
+  });
+}
+
+constexpr const char* kCannotBeUsed =
+    "Une base vide ne peut pas être ouverte : importez d'abord vos fichiers de référence par la "
+    "commande velanorctl import, puis relancez le programme.";
+
 }  // namespace
 
-Program::Program() = default;
+struct Program::Desk {
+  std::unique_ptr<store::Database> store;
+  QString path;  // "" for the demonstration data in memory
+  Place place;
+  std::unique_ptr<MainWindow> window;
+  std::optional<Turns::Seat> seat = {};
+  bool started = false;
+};
+
+// A window that is taken away while it asks may be the last one in sight, and is not the end.
+Program::Program() { QGuiApplication::setQuitOnLastWindowClosed(false); }
 Program::~Program() = default;
 
-bool Program::open(const StoreOptions& options) try {
-  StoreOptions named = options;
-  const bool own = named.url.empty() && !named.demo;
-  if (own) {
-    const QString path = own_database();
-    make_private(path);
-    named.url = path.toStdString();
+// ---- Opening.
+
+bool Program::start(const StoreOptions& options) try {
+  if (options.demo || !options.url.empty()) {
+    const QString path = options.demo ? QString() : QString::fromStdString(path_of(options.url));
+    return show(open_desk(options, path, IfMissing::kFail)), true;
   }
-  const QString path = QString::fromStdString(named.demo ? "" : path_of(named.url));
-  Base base{open_store(named, own ? IfMissing::kCreate : IfMissing::kFail), nullptr};
-  if (!show(std::move(base), path)) return false;
-  if (!named.demo) remember(QFileInfo(path).absoluteFilePath());
-  return true;
+  const QString last = settings_.last();
+  return last.isEmpty() || last == own_database() ? open_own() : open_last(last);
 } catch (const std::exception& error) {
-  QMessageBox::critical(nullptr, "Fiches du personnel", QString::fromUtf8(error.what()));
+  QMessageBox::critical(nullptr, kTitle, QString::fromUtf8(error.what()));
   return false;
 }
 
-bool Program::show(Base base, const QString& path) {
-  base.window = std::make_unique<MainWindow>(*base.store);
-  MainWindow& window = *base.window;
-  window.set_source(path);
-  window.set_recent(QSettings().value(kRecent).toStringList());
-  connect(&window, &MainWindow::open_asked, this, [this](const QString& asked) {
-    StoreOptions options;
-    options.url = asked.toStdString();
-    open(options);
-  });
+bool Program::open_own() {
+  StoreOptions own;
+  const QString path = own_database();
+  make_private(path);
+  own.url = path.toStdString();
+  return show(open_desk(own, path, IfMissing::kCreate)), true;
+}
+
+// One that is away for the moment, on another machine or a key, stays the last for the next start.
+bool Program::open_last(const QString& path) try {
+  StoreOptions options;
+  options.url = path.toStdString();
+  return show(open_desk(options, path, IfMissing::kFail)), true;
+} catch (const std::exception& error) {
+  const QString question = QStringLiteral(
+                               "%1\n\nC'est la base ouverte en dernier. Voulez-vous ouvrir à sa place votre "
+                               "propre base ?")
+                               .arg(QString::fromUtf8(error.what()));
+  return QMessageBox::question(nullptr, kTitle, question) == QMessageBox::Yes && open_own();
+}
+
+void Program::open(const QString& path, MainWindow& asker) try {
+  if (const Desk* desk = desk_on(path)) return desk->window->bring_forward();
+  StoreOptions options;
+  options.url = path.toStdString();
+  settings_.set_place(asker.saveGeometry());
+  show(open_desk(options, path, IfMissing::kFail));
+} catch (const std::exception& error) {
+  auto* box = new QMessageBox(QMessageBox::Critical, kTitle, QString::fromUtf8(error.what()), QMessageBox::Ok,
+                              &asker);
+  box->setAttribute(Qt::WA_DeleteOnClose);
+  box->open();
+}
+
+Program::Desk& Program::open_desk(const StoreOptions& options, const QString& path, IfMissing if_missing) {
+  auto desk = std::make_unique<Desk>();
+  desk->store = open_store(options, if_missing);
+  desk->path = path.isEmpty() ? path : QFileInfo(path).absoluteFilePath();
+  desk->window = std::make_unique<MainWindow>(*desk->store);
+  return *desks_.emplace_back(std::move(desk));
+}
+
+// Whoever asks for something may be gone when it is done, so it is done when his event is over.
+void Program::show(Desk& desk) {
+  MainWindow& window = *desk.window;
+  window.set_source(desk.path);
+  window.set_recent(settings_.recent());
+  if (is_read_only(*desk.store)) window.set_read_only();
+  const QPointer<MainWindow> asker(&window);
   connect(
-      &window, &MainWindow::closed, this, [this] { forget_closed(); }, Qt::QueuedConnection);
+      &window, &MainWindow::open_asked, this,
+      [this, asker](const QString& path) {
+        if (asker) open(path, *asker);
+      },
+      Qt::QueuedConnection);
+  connect(&window, &MainWindow::quit_asked, this, &Program::quit, Qt::QueuedConnection);
+  connect(&window, &MainWindow::closed, this, [this, asker] { closed(*asker); });
+  desk.seat.emplace(turns_, window);
+  desk.place.give_to(window, settings_.place());
   window.show();
-  if (is_empty(*base.store) && !fill(base)) return false;
-  window.start();
-  bases_.push_back(std::move(base));
-  return true;
+  begin(desk);
+}
+
+void Program::begin(Desk& desk) try {
+  if (is_empty(*desk.store)) return offer_demonstration(desk);
+  desk.window->start();
+  desk.started = true;
+  if (!desk.path.isEmpty()) remember(desk.path);
+} catch (const std::exception& error) {
+  give_up(desk, error.what());
+}
+
+void Program::give_up(Desk& desk, const std::string& sentence) {
+  MainWindow& window = *desk.window;
+  window.ask_before_start({.title = kTitle.toStdString(), .text = sentence},
+                          [&window](screen::Answer) { window.leave(); });
 }
 
 // The component does not start on an empty database.
-bool Program::fill(Base& base) {
-  qt::ControleVelanorWidget& component = base.window->component();
-  const auto answer = component.ask({.title = "Fiches du personnel",
-                                     .text = "Cette base est vide.\r\nVoulez-vous y mettre les données de "
-                                             "démonstration (trois entités fictives et "
-                                             "leur personnel) ?",
-                                     .icon = screen::Icon::Question,
-                                     .buttons = screen::Buttons::YesNo,
-                                     .preset = screen::Answer::Yes});
-  if (answer != screen::Answer::Yes) {
-    component.ask(
-        {.title = "Fiches du personnel",
-         .text = "Une base vide ne peut pas être ouverte : importez d'abord vos fichiers de référence par la "
-                 "commande velanorctl import, puis relancez le programme.",
-         .icon = screen::Icon::Information});
-    return false;
-  }
-  QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-  const auto restore = qScopeGuard([] { QGuiApplication::restoreOverrideCursor(); });
-  base.store->in_one_change([&] {
-    StoreSink sink(
-        [&](auto file, auto id, const auto& record) { base.store->OpenFile(file)->write(id, record); });
-    demo::fill(sink);
+void Program::offer_demonstration(Desk& desk) {
+  if (is_read_only(*desk.store)) return give_up(desk, kCannotBeUsed);
+  const screen::Message offer{
+      .title = kTitle.toStdString(),
+      .text =
+          "Cette base est vide.\r\nVoulez-vous y mettre les données de démonstration (trois entités "
+          "fictives et leur personnel) ?",
+      .icon = screen::Icon::Question,
+      .buttons = screen::Buttons::YesNo,
+      .preset = screen::Answer::Yes};
+  desk.window->ask_before_start(offer, [this, &desk](screen::Answer answer) {
+    if (answer != screen::Answer::Yes) return give_up(desk, kCannotBeUsed);
+    try {
+      fill(*desk.store);
+    } catch (const std::exception& error) {
+      return give_up(desk, error.what());
+    }
+    begin(desk);
   });
-  return true;
 }
 
 void Program::remember(const QString& path) {
-  QSettings settings;
-  QStringList recent = settings.value(kRecent).toStringList();
-  recent.removeAll(path);
-  recent.prepend(path);
-  recent = recent.mid(0, kRecentFiles);
-  settings.setValue(kRecent, recent);
-  for (const Base& base : bases_) base.window->set_recent(recent);
+  settings_.remember(path);
+  for (MainWindow* window : windows()) window->set_recent(settings_.recent());
 }
 
-void Program::forget_closed() {
-  const auto gone = [](const Base& base) { return !base.window->isVisible(); };
-  bases_.erase(std::remove_if(bases_.begin(), bases_.end(), gone), bases_.end());
+// ---- Closing.
+
+void Program::quit() {
+  if (quitting_) return;
+  const screen::Scope quitting(quitting_);
+  std::vector<QPointer<MainWindow>> all;
+  for (MainWindow* window : windows()) all.emplace_back(window);
+  const QWidget* active = QApplication::activeWindow();
+  std::stable_partition(all.begin(), all.end(), [&](const auto& window) { return window != active; });
+  for (const auto& window : all) {
+    if (!window) continue;
+    if (!window->may_leave(MainWindow::Leaving::kQuitting)) return;
+    window->leave();
+  }
+}
+
+// It may still be in the middle of something, and goes when that is over.
+void Program::closed(MainWindow& window) {
+  settings_.set_place(window.saveGeometry());
+  if (const Desk* desk = desk_of(window); desk && desk->started && !desk->path.isEmpty())
+    settings_.set_last(desk->path);
+  QMetaObject::invokeMethod(
+      this, [this, gone = QPointer<MainWindow>(&window)] { forget(gone); }, Qt::QueuedConnection);
+}
+
+void Program::forget(const MainWindow* window) {
+  const auto is_gone = [&](const auto& desk) { return desk->window.get() == window; };
+  desks_.erase(std::remove_if(desks_.begin(), desks_.end(), is_gone), desks_.end());
+  if (desks_.empty()) QCoreApplication::quit();
+}
+
+std::vector<MainWindow*> Program::windows() const {
+  std::vector<MainWindow*> windows;
+  for (const auto& desk : desks_) windows.push_back(desk->window.get());
+  return windows;
+}
+
+Program::Desk* Program::desk_of(const MainWindow& window) const {
+  const auto at = std::find_if(desks_.begin(), desks_.end(),
+                               [&](const auto& desk) { return desk->window.get() == &window; });
+  return at == desks_.end() ? nullptr : at->get();
+}
+
+Program::Desk* Program::desk_on(const QString& path) const {
+  const QString file = QFileInfo(path).canonicalFilePath();
+  const auto at = std::find_if(desks_.begin(), desks_.end(), [&](const auto& desk) {
+    return !file.isEmpty() && QFileInfo(desk->path).canonicalFilePath() == file;
+  });
+  return at == desks_.end() ? nullptr : at->get();
 }
 
 }  // namespace velanor::app

@@ -5,34 +5,53 @@
 #include <memory>
 #include <vector>
 
+#include "app/velanor/settings.h"
+#include "app/velanor/turns.h"
 #include "app/velanorctl/open_store.h"
 
 namespace velanor::app {
 
 class MainWindow;
 
+// Ends the application when its last window has been closed.
 class Program : public QObject {
  public:
   Program();
   ~Program() override;
 
-  // Opens what the options name, or the user's own database when they name nothing; that one is made
-  // on the first run. An empty database is offered the demonstration data. False when it could not be opened:
-  // the user has been told.
-  bool open(const StoreOptions& options);
+  // Opens what the options name; when they name nothing the database that was in use last, or the
+  // user's own, which is made on the first run. False when there is none: the user has been told.
+  bool start(const StoreOptions& options);
+  // Opens a database beside the others; one that is open already comes to the front. What cannot be
+  // opened is told over `asker`.
+  void open(const QString& path, MainWindow& asker);
+  // Closes one window after the other; each that has an open card asks first, and one that is to stay
+  // keeps those that have not been asked.
+  void quit();
+
+  std::vector<MainWindow*> windows() const;
 
  private:
-  struct Base {
-    std::unique_ptr<store::Database> store;
-    std::unique_ptr<MainWindow> window;
-  };
-  bool show(Base base, const QString& path);
-  // Brings the demonstration data into an empty database if the user wants it.
-  bool fill(Base& base);
+  struct Desk;
+  Desk& open_desk(const StoreOptions& options, const QString& path, IfMissing if_missing);
+  bool open_own();
+  bool open_last(const QString& path);
+  void show(Desk& desk);
+  // Starts the component; an empty database is offered the demonstration data.
+  void begin(Desk& desk);
+  void offer_demonstration(Desk& desk);
+  // Tells it in the window itself, which then goes.
+  void give_up(Desk& desk, const std::string& sentence);
   void remember(const QString& path);
-  void forget_closed();
+  void closed(MainWindow& window);
+  void forget(const MainWindow* window);
+  Desk* desk_of(const MainWindow& window) const;
+  Desk* desk_on(const QString& path) const;
 
-  std::vector<Base> bases_;
+  Settings settings_;
+  Turns turns_;
+  std::vector<std::unique_ptr<Desk>> desks_;
+  bool quitting_ = false;
 };
 
 }  // namespace velanor::app

@@ -2,15 +2,54 @@
 
 #include <fcntl.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <utility>
 
 #include "store/sqlite/failure.h"
 
 namespace velanor::store::sqlite {
 namespace {
+
+bool may(int what, const std::string& path) {
+  return ::faccessat(AT_FDCWD, path.c_str(), what, AT_EACCESS) == 0;
+}
+
+bool has_log(const std::string& path) { return may(F_OK, path + "-wal"); }
+
+Access access_to(const std::string& path) {
+  const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+  const bool writable = may(W_OK, path) && may(W_OK, folder.empty() ? "." : folder.string());
+  if (writable || !may(F_OK, path)) return Access::kWrite;
+  return has_log(path) ? Access::kReadAlong : Access::kReadAlone;
+}
+
+// As SQLite takes a name with options.
+std::string as_uri(const std::string& path) {
+  std::string uri = "file:";
+  for (const char c : path) {
+    if (c == '%' || c == '?' || c == '#') {
+      constexpr const char* kDigits = "0123456789ABCDEF";
+      uri += {'%', kDigits[c / 16], kDigits[c % 16]};
+    } else {
+      uri += c;
+    }
+  }
+  return uri;
+}
+
+int open_handle(const std::string& path, Access access, sqlite3** handle) {
+  constexpr int kFlags = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
+  if (access == Access::kWrite)
+    return sqlite3_open_v2(path.c_str(), handle, kFlags | SQLITE_OPEN_READWRITE, nullptr);
+  if (access == Access::kReadAlong)
+    return sqlite3_open_v2(path.c_str(), handle, kFlags | SQLITE_OPEN_READONLY, nullptr);
+  return sqlite3_open_v2((as_uri(path) + "?immutable=1").c_str(), handle,
+                         kFlags | SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
+}
 
 // A null pointer would bind NULL, which is not the empty text.
 const char* start_of(std::string_view bytes) { return bytes.empty() ? "" : bytes.data(); }
@@ -69,18 +108,29 @@ void Statement::reset() { sqlite3_reset(statement_.get()); }
 
 void Connection::Close::operator()(sqlite3* handle) const { sqlite3_close_v2(handle); }
 
+Connection::Stamp Connection::stamp_of(const std::string& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) return {};
+  return {static_cast<std::int64_t>(status.st_dev), static_cast<std::int64_t>(status.st_ino), status.st_size,
+          status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
+}
+
 Connection::Connection(std::string path, Missing missing, int patience) : path_(std::move(path)) {
   if (missing == Missing::kCreate) create_private(path_);
+  access_ = access_to(path_);
+  stamp_ = stamp_of(path_);
   sqlite3* handle = nullptr;
-  const int code =
-      sqlite3_open_v2(path_.c_str(), &handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+  const int code = open_handle(path_, access_, &handle);
   handle_.reset(handle);
   check(code);
-  sqlite3_extended_result_codes(handle, 1);
   sqlite3_busy_timeout(handle, patience);
   // The file may come from anyone: what is written in its schema may not do more than plain SQL.
   sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+}
+
+bool Connection::outdated() const {
+  return access_ == Access::kReadAlone && (has_log(path_) || stamp_of(path_) != stamp_);
 }
 
 void Connection::run(const char* sql) { check(sqlite3_exec(handle(), sql, nullptr, nullptr, nullptr)); }

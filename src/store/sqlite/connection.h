@@ -1,6 +1,7 @@
 // A connection to one SQLite database and its statements. Every failure is a DbError.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -56,6 +57,10 @@ class Run {
 
 enum class Missing { kFail, kCreate };
 
+// A file that this user may not write is read: beside those who have it open, or, when nobody has, without
+// leaving a trace. Companions made by a reader would keep those out who may write.
+enum class Access { kWrite, kReadAlong, kReadAlone };
+
 // Creates an empty file that its owner alone can read. False when there is a file already.
 bool create_private(const std::string& path);
 
@@ -66,6 +71,9 @@ class Connection {
   Connection(std::string path, Missing missing, int patience);
 
   const std::string& path() const { return path_; }
+  Access access() const { return access_; }
+  // Read alone, and no longer alone or not the same: what it says from here on may be wrong.
+  bool outdated() const;
   sqlite3* handle() const { return handle_.get(); }
 
   // Runs statements that return nothing.
@@ -87,7 +95,13 @@ class Connection {
   struct Close {
     void operator()(sqlite3* handle) const;
   };
+  // What tells one state of a file from another.
+  using Stamp = std::array<std::int64_t, 5>;
+  static Stamp stamp_of(const std::string& path);
+
   std::string path_;
+  Access access_;
+  Stamp stamp_;
   std::unique_ptr<sqlite3, Close> handle_;
 };
 

@@ -87,7 +87,7 @@ void prepare(Connection& connection, std::span<const char* const> steps) {
   const auto known = static_cast<std::int64_t>(steps.size());
   refuse_others(connection, known);
   if (version(connection) < known) take_steps(connection, steps);
-  write_ahead(connection);
+  if (connection.access() == Access::kWrite) write_ahead(connection);
   connection.run("PRAGMA synchronous = FULL");
   connection.run("PRAGMA cache_size = -32768");  // KiB
 }

@@ -9,37 +9,49 @@ namespace {
 
 std::string reversed(std::string_view id) { return {id.rbegin(), id.rend()}; }
 
-}  // namespace
-
-Connection SqliteBackend::opened(std::string path, Missing missing, int patience) {
-  Connection connection(std::move(path), missing, patience);
+Connection opened(const std::string& path, Missing missing, int patience) {
+  Connection connection(path, missing, patience);
   prepare(connection);
   return connection;
 }
 
+}  // namespace
+
+SqliteBackend::Shelf::Shelf(const std::string& path, Missing missing, int patience)
+    : connection(opened(path, missing, patience)),
+      find(connection, "SELECT content FROM record WHERE file = ?1 AND id = ?2"),
+      put(connection,
+          "INSERT INTO record(file, id, tail, content) VALUES (?1, ?2, ?3, ?4) "
+          "ON CONFLICT(file, id) DO UPDATE SET content = excluded.content"),
+      create(connection,
+             "INSERT INTO record(file, id, tail, content) VALUES (?1, ?2, ?3, ?4) ON CONFLICT DO NOTHING"),
+      erase(connection, "DELETE FROM record WHERE file = ?1 AND id = ?2"),
+      ids(connection, "SELECT id FROM record WHERE file = ?1 AND id >= ?2 ORDER BY id"),
+      records(connection, "SELECT id, content FROM record WHERE file = ?1 AND id >= ?2 ORDER BY id"),
+      tails(connection, "SELECT id, content, tail FROM record WHERE file = ?1 AND tail >= ?2 ORDER BY tail"),
+      number(connection, "SELECT number FROM file WHERE name = ?1"),
+      add_file(connection, "INSERT OR IGNORE INTO file(name) VALUES (?1)"),
+      revision(connection, "SELECT revision FROM file WHERE name = ?1") {}
+
 SqliteBackend::SqliteBackend(std::string path, Missing missing, int patience)
-    : connection_(opened(std::move(path), missing, patience)),
-      find_(connection_, "SELECT content FROM record WHERE file = ?1 AND id = ?2"),
-      put_(connection_,
-           "INSERT INTO record(file, id, tail, content) VALUES (?1, ?2, ?3, ?4) "
-           "ON CONFLICT(file, id) DO UPDATE SET content = excluded.content"),
-      create_(connection_,
-              "INSERT INTO record(file, id, tail, content) VALUES (?1, ?2, ?3, ?4) ON CONFLICT DO NOTHING"),
-      erase_(connection_, "DELETE FROM record WHERE file = ?1 AND id = ?2"),
-      ids_(connection_, "SELECT id FROM record WHERE file = ?1 AND id >= ?2 ORDER BY id"),
-      records_(connection_, "SELECT id, content FROM record WHERE file = ?1 AND id >= ?2 ORDER BY id"),
-      tails_(connection_,
-             "SELECT id, content, tail FROM record WHERE file = ?1 AND tail >= ?2 ORDER BY tail"),
-      number_(connection_, "SELECT number FROM file WHERE name = ?1"),
-      add_file_(connection_, "INSERT OR IGNORE INTO file(name) VALUES (?1)"),
-      revision_(connection_, "SELECT revision FROM file WHERE name = ?1") {}
+    : path_(std::move(path)),
+      patience_(patience),
+      shelf_(std::make_shared<Shelf>(path_, missing, patience)) {}
+
+const std::shared_ptr<SqliteBackend::Shelf>& SqliteBackend::shelf() {
+  if (shelf_->connection.outdated()) {
+    shelf_ = std::make_shared<Shelf>(path_, Missing::kFail, patience_);
+    numbers_.clear();
+  }
+  return shelf_;
+}
 
 void SqliteBackend::open(std::string_view) {}
 
 std::optional<std::int64_t> SqliteBackend::number(std::string_view file) {
   const auto known = numbers_.find(file);
   if (known != numbers_.end()) return known->second;
-  Run run(number_);
+  Run run(shelf()->number);
   run->bind_text(1, file);
   if (!run->step()) return std::nullopt;
   return numbers_[std::string(file)] = run->number(0);
@@ -48,7 +60,7 @@ std::optional<std::int64_t> SqliteBackend::number(std::string_view file) {
 std::int64_t SqliteBackend::number_for_writing(std::string_view file) {
   if (const auto known = number(file)) return *known;
   {
-    Run run(add_file_);
+    Run run(shelf()->add_file);
     run->bind_text(1, file);
     run->step();
   }
@@ -58,7 +70,7 @@ std::int64_t SqliteBackend::number_for_writing(std::string_view file) {
 std::optional<DbRecord> SqliteBackend::find(std::string_view file, std::string_view id) {
   const auto number = this->number(file);
   if (!number) return std::nullopt;
-  Run run(find_);
+  Run run(shelf()->find);
   run->bind(1, *number);
   run->bind_text(2, id);
   if (!run->step()) return std::nullopt;
@@ -70,19 +82,20 @@ bool SqliteBackend::put(std::string_view file, std::string_view id, const DbReco
                         Expected expected) {
   const std::int64_t number = number_for_writing(file);
   const std::string tail = reversed(id);
-  Run run(expected.wants_absence() ? create_ : put_);
+  const auto held = shelf();
+  Run run(expected.wants_absence() ? held->create : held->put);
   run->bind(1, number);
   run->bind_text(2, id);
   run->bind_blob(3, tail);
   run->bind_blob(4, record.encoded());
   run->step();
-  return connection_.changes() > 0;
+  return held->connection.changes() > 0;
 }
 
 void SqliteBackend::erase(std::string_view file, std::string_view id) {
   const auto number = this->number(file);
   if (!number) return;
-  Run run(erase_);
+  Run run(shelf()->erase);
   run->bind(1, *number);
   run->bind_text(2, id);
   run->step();
@@ -101,14 +114,14 @@ void SqliteBackend::scan(std::string_view file, const Narrowing& narrowing, Cont
     return;
   }
   const bool by_prefix = narrowing.kind == Narrowing::Kind::kIdPrefix;
-  Statement& statement = content == Content::kIdsOnly ? ids_ : records_;
-  scan_ids(statement, *number, by_prefix ? std::string_view(narrowing.text) : "", visit);
+  scan_ids(content, *number, by_prefix ? std::string_view(narrowing.text) : "", visit);
 }
 
-void SqliteBackend::scan_ids(Statement& statement, std::int64_t file, std::string_view prefix,
+void SqliteBackend::scan_ids(Content content, std::int64_t file, std::string_view prefix,
                              const Visit& visit) {
-  const bool with_records = &statement == &records_;
-  Run run(statement);
+  const bool with_records = content != Content::kIdsOnly;
+  const auto held = shelf();
+  Run run(with_records ? held->records : held->ids);
   run->bind(1, file);
   run->bind_text(2, prefix);
   while (run->step()) {
@@ -120,7 +133,8 @@ void SqliteBackend::scan_ids(Statement& statement, std::int64_t file, std::strin
 
 void SqliteBackend::scan_tails(std::int64_t file, std::string_view suffix, const Visit& visit) {
   const std::string tail = reversed(suffix);
-  Run run(tails_);
+  const auto held = shelf();
+  Run run(held->tails);
   run->bind(1, file);
   run->bind_blob(2, tail);
   while (run->step() && run->bytes(2).starts_with(tail)) visit({run->bytes(0), run->bytes(1)});
@@ -128,7 +142,7 @@ void SqliteBackend::scan_tails(std::int64_t file, std::string_view suffix, const
 
 std::uint64_t SqliteBackend::revision(std::string_view file) {
   constexpr int kRoomForWrites = 40;
-  Run run(revision_);
+  Run run(shelf()->revision);
   run->bind_text(1, file);
   const std::uint64_t written = run->step() ? static_cast<std::uint64_t>(run->number(0)) : 0;
   return written + (undone_ << kRoomForWrites);
@@ -136,7 +150,7 @@ std::uint64_t SqliteBackend::revision(std::string_view file) {
 
 std::vector<std::string> SqliteBackend::files() {
   std::vector<std::string> names;
-  Statement statement(connection_,
+  Statement statement(connection(),
                       "SELECT name FROM file WHERE EXISTS (SELECT 1 FROM record WHERE file = number) "
                       "ORDER BY name");
   while (statement.step()) names.emplace_back(statement.bytes(0));
@@ -145,7 +159,7 @@ std::vector<std::string> SqliteBackend::files() {
 
 void SqliteBackend::in_one_change(const std::function<void()>& writes) {
   try {
-    Transaction transaction(connection_);
+    Transaction transaction(connection());
     writes();
     transaction.commit();
   } catch (...) {
@@ -158,7 +172,8 @@ void SqliteBackend::in_one_change(const std::function<void()>& writes) {
 
 // A statement that is not at its end keeps the view of its connection.
 void SqliteBackend::in_one_view(const std::function<void()>& reads) {
-  Statement view(connection_, "SELECT 1 FROM sqlite_schema");
+  const auto held = shelf();
+  Statement view(held->connection, "SELECT 1 FROM sqlite_schema");
   view.step();
   reads();
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -30,20 +31,27 @@ class SqliteBackend : public Backend {
   // Makes the writes of `writes` one change, undone if it throws.
   void in_one_change(const std::function<void()>& writes) override;
   void in_one_view(const std::function<void()>& reads) override;
-  Connection& connection() { return connection_; }
+  Connection& connection() { return shelf()->connection; }
 
  private:
-  // A connection that is ready before the statements are prepared.
-  static Connection opened(std::string path, Missing missing, int patience);
+  // A connection that is ready before its statements are prepared.
+  struct Shelf {
+    Shelf(const std::string& path, Missing missing, int patience);
+    Connection connection;
+    Statement find, put, create, erase, ids, records, tails, number, add_file, revision;
+  };
+  // A file that is read alone is opened anew when somebody has come to write it.
+  const std::shared_ptr<Shelf>& shelf();
 
   // Nothing for a file that was never written.
   std::optional<std::int64_t> number(std::string_view file);
   std::int64_t number_for_writing(std::string_view file);
-  void scan_ids(Statement& statement, std::int64_t file, std::string_view prefix, const Visit& visit);
+  void scan_ids(Content content, std::int64_t file, std::string_view prefix, const Visit& visit);
   void scan_tails(std::int64_t file, std::string_view suffix, const Visit& visit);
 
-  Connection connection_;
-  Statement find_, put_, create_, erase_, ids_, records_, tails_, number_, add_file_, revision_;
+  std::string path_;
+  int patience_;
+  std::shared_ptr<Shelf> shelf_;  // a scan keeps the one it began on
   std::map<std::string, std::int64_t, std::less<>> numbers_;
   // Changes undone here: what was read inside them must not pass for what comes after.
   std::uint64_t undone_ = 0;

@@ -105,6 +105,8 @@ SqliteDatabase::SqliteDatabase(std::unique_ptr<SqliteBackend> backend, select::D
     : StoreDatabase(std::move(backend), std::move(dictionary)),
       backend_(static_cast<SqliteBackend*>(&StoreDatabase::backend())) {}
 
+bool SqliteDatabase::read_only() const { return backend_->connection().access() != sqlite::Access::kWrite; }
+
 void SqliteDatabase::put(std::string_view file, std::string_view id, const DbRecord& record) {
   put_checked(*backend_, file, id, record);
 }

@@ -35,9 +35,13 @@ class SqliteDatabase : public StoreDatabase {
   };
 
   // A file of another kind, or written by a later version, is refused and left as it is; an older
-  // one is brought up to date.
+  // one is brought up to date. A file that may not be written, or stands in a folder that may not, is
+  // opened for reading; every write then fails.
   explicit SqliteDatabase(const std::string& path) : SqliteDatabase(path, Options()) {}
   SqliteDatabase(const std::string& path, Options options);
+
+  // Whether it is open for reading alone.
+  bool read_only() const;
 
   // One change of many records is also fast. Others wait with their writes meanwhile, and see nothing
   // before its end. Nobody waits for a view; to write inside one is an error.

@@ -1,0 +1,29 @@
+// What the program remembers from one start to the next, in a file of its own name.
+#pragma once
+
+#include <QByteArray>
+#include <QSettings>
+#include <QStringList>
+
+namespace velanor::app {
+
+class Settings {
+ public:
+  // Takes over what an earlier version kept under another name.
+  Settings();
+
+  // The databases opened lately, the latest first.
+  QStringList recent() const { return settings_.value("recent").toStringList(); }
+  void remember(const QString& path);
+  // The database that was in use last; "" when there was none.
+  QString last() const { return settings_.value("last").toString(); }
+  void set_last(const QString& path) { settings_.setValue("last", path); }
+  // Size and place of a window, as the toolkit puts them down.
+  QByteArray place() const { return settings_.value("place").toByteArray(); }
+  void set_place(const QByteArray& place) { settings_.setValue("place", place); }
+
+ private:
+  QSettings settings_{"velanor", "velanor"};
+};
+
+}  // namespace velanor::app

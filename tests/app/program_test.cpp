@@ -1,0 +1,355 @@
+// The program with its windows: starts, several databases, settings, the end.
+#include "app/velanor/program.h"
+
+#include <unistd.h>
+
+#include <QApplication>
+#include <QFile>
+#include <QMessageBox>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <filesystem>
+
+#include "app/clerk.h"
+#include "store/sqlite/sqlite_database.h"
+
+namespace velanor::app {
+namespace {
+
+using screen::Answer;
+
+store::SqliteDatabase::Options created() { return {.missing = store::SqliteDatabase::Missing::kCreate}; }
+
+// Some user who owns nothing: root may write everywhere.
+class AsNobody {
+ public:
+  AsNobody() { [[maybe_unused]] const int done = seteuid(kNobody); }
+  ~AsNobody() { [[maybe_unused]] const int done = seteuid(getuid()); }
+
+ private:
+  static constexpr uid_t kNobody = 65534;
+};
+
+class ProgramTest : public testing::Test {
+ protected:
+  ProgramTest() {
+    for (const char* variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"})
+      qputenv(variable, folder_.path().toUtf8());
+    QFile::setPermissions(folder_.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+  }
+  // A folder of settings that others have not seen: the toolkit looks for it only once.
+  static void SetUpTestSuite() {
+    static QTemporaryDir settings;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
+  }
+  void SetUp() override {
+    QSettings("velanor", "velanor").clear();
+    QSettings("Unknown Organization", "velanor").clear();
+  }
+
+  QString path(const char* name) const { return folder_.filePath(name); }
+  // Demonstration data.
+  QString base(const char* name) const {
+    store::SqliteDatabase database(path(name).toStdString(), created());
+    StoreSink sink([&](auto file, auto id, const auto& record) { database.put(file, id, record); });
+    database.in_one_change([&] { demo::fill(sink); });
+    return path(name);
+  }
+  QString empty_base(const char* name) const {
+    const store::SqliteDatabase database(path(name).toStdString(), created());
+    return path(name);
+  }
+  static StoreOptions named(const QString& path) {
+    StoreOptions options;
+    options.url = path.toStdString();
+    return options;
+  }
+  // A further window, as the menu of the first opens it.
+  static MainWindow& open(Program& program, const QString& path) {
+    const std::size_t before = program.windows().size();
+    emit program.windows().front()->open_asked(path);
+    EXPECT_TRUE(until([&] { return program.windows().size() > before; })) << path.toStdString();
+    return *program.windows().back();
+  }
+  static qt::MessageSheet& sheet(MainWindow& window) {
+    auto* found = window.findChild<qt::MessageSheet*>();
+    EXPECT_NE(found, nullptr);
+    return *found;
+  }
+  static std::vector<std::string> titles(const Program& program) {
+    std::vector<std::string> titles;
+    for (MainWindow* window : program.windows()) titles.push_back(Clerk(*window).title());
+    return titles;
+  }
+  // Presses a button of the next box of the toolkit's own.
+  static void press_in_next_box(QMessageBox::StandardButton button, QString& text) {
+    QTimer::singleShot(0, qApp, [button, &text] {
+      auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+      if (!box) return press_in_next_box(button, text);
+      text = box->text();
+      box->button(button)->click();
+    });
+  }
+
+  QTemporaryDir folder_;
+};
+
+// ---- Several windows.
+
+TEST_F(ProgramTest, ADeclinedWindowTakesNoOtherWithItNorAMessageThatWaitsThere) {
+  Program program;
+  ASSERT_TRUE(program.start(named(base("fiches.db"))));
+  MainWindow& first = *program.windows().front();
+  Clerk clerk(first);
+  clerk.open_card("00001");
+  clerk.at_next_message([&](qt::MessageSheet& question) {
+    MainWindow& second = open(program, empty_base("vide.db"));
+    sheet(second).button(Answer::No)->click();
+    settle();
+    sheet(second).button(Answer::Ok)->click();
+    EXPECT_TRUE(until([&] { return program.windows().size() == 1; }));
+    EXPECT_EQ(first.component().open_message(), &question);
+    question.button(Answer::No)->click();
+  });
+  clerk.click("Cmd_Supp");
+  EXPECT_TRUE(first.isVisible());
+  EXPECT_EQ(clerk.title(), "00001 HUET FABIENNE – fiches.db – Fiches du personnel");
+}
+
+TEST_F(ProgramTest, AnEmptyFirstWindowMayBeDeclinedWhileAnotherIsOpen) {
+  Program program;
+  ASSERT_TRUE(program.start(named(empty_base("vide.db"))));
+  MainWindow& first = *program.windows().front();
+  MainWindow& second = open(program, base("fiches.db"));
+  sheet(first).button(Answer::No)->click();
+  settle();
+  sheet(first).button(Answer::Ok)->click();
+  EXPECT_TRUE(until([&] { return program.windows().size() == 1; }));
+  EXPECT_EQ(program.windows().front(), &second);
+  Clerk(second).open_card("00001");
+}
+
+TEST_F(ProgramTest, AnEmptyWindowIsClosedWithoutAQuestion) {
+  Program program;
+  ASSERT_TRUE(program.start(named(empty_base("vide.db"))));
+  program.windows().front()->close();
+  EXPECT_TRUE(until([&] { return program.windows().empty(); }));
+}
+
+TEST_F(ProgramTest, AnEmptyBaseIsFilledWhenThatIsWanted) {
+  Program program;
+  ASSERT_TRUE(program.start(named(empty_base("vide.db"))));
+  MainWindow& window = *program.windows().front();
+  sheet(window).button(Answer::Yes)->click();
+  settle();
+  Clerk(window).open_card("00001");
+}
+
+TEST_F(ProgramTest, ABaseThatIsOpenAlreadyComesToTheFront) {
+  Program program;
+  const QString one = base("une.db");
+  ASSERT_TRUE(program.start(named(one)));
+  MainWindow& first = *program.windows().front();
+  MainWindow& second = open(program, base("deux.db"));
+  ASSERT_TRUE(until([&] { return second.isActiveWindow(); }));
+  QFile::link(one, path("lien.db"));
+  emit second.open_asked(path("lien.db"));
+  EXPECT_TRUE(until([&] { return first.isActiveWindow(); }));
+  EXPECT_EQ(program.windows().size(), 2U);
+}
+
+TEST_F(ProgramTest, WhatCannotBeOpenedIsToldAndNoWindowGoes) {
+  Program program;
+  ASSERT_TRUE(program.start(named(base("fiches.db"))));
+  QFile other(path("lettre.txt"));
+  ASSERT_TRUE(other.open(QIODevice::WriteOnly));
+  other.write(QByteArray(200, 'x'));
+  other.close();
+  MainWindow& window = *program.windows().front();
+  for (const char* name : {"absente.db", "lettre.txt"}) {
+    SCOPED_TRACE(name);
+    emit window.open_asked(path(name));
+    ASSERT_TRUE(until([&] { return window.findChild<QMessageBox*>(); }));
+    auto* box = window.findChild<QMessageBox*>();
+    EXPECT_TRUE(box->text().startsWith("La base « " + path(name) + " » ")) << box->text().toStdString();
+    box->button(QMessageBox::Ok)->click();
+    settle();
+  }
+  EXPECT_EQ(titles(program), std::vector<std::string>{"fiches.db – Fiches du personnel"});
+}
+
+TEST_F(ProgramTest, OfTwoMessagesTheNewestIsAnsweredFirst) {
+  Program program;
+  ASSERT_TRUE(program.start(named(base("une.db"))));
+  MainWindow& first = *program.windows().front();
+  MainWindow& second = open(program, base("deux.db"));
+  Clerk one(first), two(second);
+  one.open_card("00001");
+  two.open_card("00001");
+  one.at_next_message([&](qt::MessageSheet& older) {
+    two.at_next_message([&](qt::MessageSheet& newer) {
+      first.activateWindow();
+      QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, "\r");
+      QCoreApplication::sendEvent(older.button(Answer::No), &enter);
+      first.close();
+      EXPECT_TRUE(older.isVisible());
+      EXPECT_TRUE(until([&] { return second.isActiveWindow(); }));
+      newer.button(Answer::No)->click();
+    });
+    two.click("Cmd_Supp");
+    older.button(Answer::No)->click();
+  });
+  one.click("Cmd_Supp");
+  EXPECT_EQ(titles(program),
+            (std::vector<std::string>{"00001 HUET FABIENNE – une.db – Fiches du personnel",
+                                      "00001 HUET FABIENNE – deux.db – Fiches du personnel"}));
+}
+
+// ---- The end.
+
+TEST_F(ProgramTest, QuittingAsksInEachWindowThatHasAnOpenCard) {
+  Program program;
+  ASSERT_TRUE(program.start(named(base("une.db"))));
+  MainWindow& first = *program.windows().front();
+  MainWindow& second = open(program, base("deux.db"));
+  MainWindow& third = open(program, base("trois.db"));
+  Clerk one(first), two(second), three(third);
+  one.open_card("00001");
+  two.open_card("00001");
+  one.answer_next(Answer::Yes);
+  two.answer_next(Answer::No);
+  emit third.quit_asked();
+  EXPECT_TRUE(until([&] { return two.said.size() == 1 && program.windows().size() == 2; }));
+  EXPECT_EQ(one.said.size(), 1U);
+  EXPECT_EQ(two.title(), "00001 HUET FABIENNE – deux.db – Fiches du personnel");
+  two.answer_next(Answer::Yes);
+  emit third.quit_asked();
+  EXPECT_TRUE(until([&] { return program.windows().empty(); }));
+}
+
+TEST_F(ProgramTest, QuittingWhileAMessageWaitsEndsItAndGoesOn) {
+  Program program;
+  ASSERT_TRUE(program.start(named(base("une.db"))));
+  MainWindow& first = *program.windows().front();
+  MainWindow& second = open(program, base("deux.db"));
+  Clerk one(first), two(second);
+  one.open_card("00001");
+  one.at_next_message([&](qt::MessageSheet&) {
+    one.answer_next(Answer::Yes);
+    emit second.quit_asked();
+  });
+  one.click("Cmd_Supp");
+  EXPECT_TRUE(until([&] { return program.windows().empty(); }));
+  EXPECT_EQ(one.said.size(), 1U);
+}
+
+TEST_F(ProgramTest, ClosingTheLastWindowEndsTheProgramAndOnlyThat) {
+  Program program;
+  ASSERT_TRUE(program.start(named(base("une.db"))));
+  MainWindow& first = *program.windows().front();
+  MainWindow& second = open(program, base("deux.db"));
+  bool lived = false;
+  QTimer::singleShot(0, &program, [&] {
+    first.close();
+    until([&] { return program.windows().size() == 1; });
+    settle();
+    lived = second.isVisible();
+    second.close();
+  });
+  QTimer::singleShot(10'000, &program, [] { QCoreApplication::exit(9); });
+  EXPECT_EQ(QCoreApplication::exec(), 0);
+  EXPECT_TRUE(lived);
+}
+
+// ---- A base that may not be written.
+
+TEST_F(ProgramTest, AProtectedBaseIsConsultedAndSaysSo) {
+  namespace fs = std::filesystem;
+  const QString file = base("fiches.db");
+  fs::permissions(file.toStdString(), fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+  fs::permissions(folder_.path().toStdString(), fs::perms::all);
+  const AsNobody nobody;
+  Program program;
+  ASSERT_TRUE(program.start(named(file)));
+  Clerk clerk(*program.windows().front());
+  EXPECT_EQ(clerk.title(), "fiches.db – Consultation seule – Fiches du personnel");
+  EXPECT_EQ(clerk.mode(), "Consultation seule");
+  EXPECT_EQ(clerk.status(),
+            "Cette base est protégée en écriture : les fiches se consultent, rien ne peut être enregistré.");
+  clerk.open_card("00001");
+  clerk.put("Txt_HorMensEtab", "99");
+  clerk.answer_next(Answer::Ok);
+  clerk.click("Cmd_OK");
+  EXPECT_EQ(clerk.said, std::vector{"La base « " + file.toStdString() +
+                                    " » n'a pas été modifiée : elle est en lecture seule. Demandez le droit "
+                                    "d'écrire dans ce fichier et dans son dossier."});
+  EXPECT_EQ(clerk.title(), "00001 HUET FABIENNE* – fiches.db – Consultation seule – Fiches du personnel");
+  EXPECT_EQ(clerk.status(), "");
+}
+
+// ---- From one start to the next.
+
+TEST_F(ProgramTest, TheBaseThatWasInUseLastIsOpenedAgainUnlessOneIsNamed) {
+  const QString one = base("une.db"), two = base("deux.db");
+  {
+    Program program;
+    ASSERT_TRUE(program.start(named(one)));
+    open(program, two).close();
+    program.windows().front()->close();
+    EXPECT_TRUE(until([&] { return program.windows().empty(); }));
+  }
+  {
+    Program program;
+    ASSERT_TRUE(program.start({}));
+    EXPECT_EQ(titles(program), std::vector<std::string>{"une.db – Fiches du personnel"});
+  }
+  Program program;
+  ASSERT_TRUE(program.start(named(two)));
+  EXPECT_EQ(titles(program), std::vector<std::string>{"deux.db – Fiches du personnel"});
+}
+
+TEST_F(ProgramTest, ALastBaseThatIsAwayIsToldAndStaysTheLast) {
+  const QString away = path("clef/fiches.db");
+  Settings().remember(away);
+  Program program;
+  QString said;
+  press_in_next_box(QMessageBox::No, said);
+  EXPECT_FALSE(program.start({}));
+  EXPECT_TRUE(said.startsWith("La base « " + away + " » ne peut pas être ouverte.")) << said.toStdString();
+  EXPECT_EQ(Settings().last(), away);
+  press_in_next_box(QMessageBox::Yes, said);
+  EXPECT_TRUE(program.start({}));
+  EXPECT_EQ(titles(program), std::vector<std::string>{"velanor.db – Fiches du personnel"});
+}
+
+TEST_F(ProgramTest, TheFilesThatAnEarlierVersionRememberedAreTakenOver) {
+  const QStringList former{path("une.db"), path("deux.db")};
+  QSettings("Unknown Organization", "velanor").setValue("recent", former);
+  EXPECT_EQ(Settings().recent(), former);
+  EXPECT_EQ(Settings().last(), former.first());
+  Settings().remember(path("trois.db"));
+  EXPECT_EQ(Settings().recent(), (QStringList{path("trois.db")} + former));
+  EXPECT_EQ(QSettings("Unknown Organization", "velanor").value("recent").toStringList(), former);
+}
+
+TEST_F(ProgramTest, AWindowStandsWhereTheLastOneStoodAndASecondOneDoesNotCoverIt) {
+  const QString one = base("une.db");
+  const QRect place(40, 50, 1300, 660);
+  {
+    Program program;
+    ASSERT_TRUE(program.start(named(one)));
+    program.windows().front()->setGeometry(place);
+    program.windows().front()->close();
+    EXPECT_TRUE(until([&] { return program.windows().empty(); }));
+  }
+  Program program;
+  ASSERT_TRUE(program.start(named(one)));
+  MainWindow& first = *program.windows().front();
+  EXPECT_EQ(first.geometry().topLeft(), place.topLeft());
+  MainWindow& second = open(program, base("deux.db"));
+  EXPECT_GE(second.y(), first.y() + 20);
+  EXPECT_GE(second.x(), first.x() + 20);
+}
+
+}  // namespace
+}  // namespace velanor::app
