@@ -21,6 +21,7 @@ struct CardState {
   bool AjoutDetail = false;               // an amendment line is being added
   bool AjoutActivite = false;             // an activity line is being added
   bool open = false;                      // a card is created, edited or read
+  bool read_only = false;                 // cards can be read, and no more
   bool loading = false;                   // codes are taken as they come, without messages
   std::string entity, year;               // of the card in hand, also after it was deleted
   int edited_line = -1;                   // index of the amendment line under edit

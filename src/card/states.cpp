@@ -19,7 +19,8 @@ void CardStates::empty(Group group) {
 }
 
 bool CardStates::year_is_open() const {
-  return years_.is_latest(text::trim(ui_.Txt_Asso.text()), text::trim(ui_.Cbo_Periode.text()));
+  return !card_.read_only &&
+         years_.is_latest(text::trim(ui_.Txt_Asso.text()), text::trim(ui_.Cbo_Periode.text()));
 }
 
 void CardStates::empty_fields() {

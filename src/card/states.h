@@ -36,7 +36,8 @@ class CardStates {
   void enable_amendment_lists(bool on);
   // A line can be added once the contract has an agreement and a start, in the latest year.
   void update_add_amendment();
-  // The chosen entity and year can still be edited.
+  // The chosen entity and year can still be edited: the year is the entity's latest, and the database
+  // takes writes.
   bool year_is_open() const;
   // The card's own commands rest while a line is being entered. A card that is not stored yet can be
   // neither deleted nor duplicated.

@@ -76,7 +76,7 @@ void CardCommands::enter_entity() {
   card::CardScreen& ui = on_.ui;
   ui.Txt_Aidant.set_enabled(true);
   ui.Cbo_Aidant.set_enabled(true);
-  ui.Cmd_Ajout.set_enabled(true);
+  ui.Cmd_Ajout.set_enabled(!on_.card.read_only);
   constexpr int kMonthlyHours = 2;
   const auto establishment = on_.procedure.establishments().find(entity() + "001");
   const auto hours = establishment ? entry::parse_decimal((*establishment)(kMonthlyHours), 0) : std::nullopt;
@@ -85,7 +85,7 @@ void CardCommands::enter_entity() {
   RemplirPeriodes();
   if (ui.Txt_Asso.is_empty()) return;
   ui.Cbo_Periode.set_index(0);
-  ui.Cmd_Ajout.set_enabled(true);
+  ui.Cmd_Ajout.set_enabled(!on_.card.read_only);
   ui.set_focus(ui.Txt_Aidant);
 }
 

@@ -169,6 +169,7 @@ void ControleVelanor::abandon() {
 }
 
 void ControleVelanor::Parts::start() {
+  rules->card.read_only = database->read_only();
   rules->procedure.OuvrirFichiers();
   rules->bind();
   bind_frame();

@@ -75,6 +75,9 @@ class Database {
   // Runs reads that see the database as it stands now, whatever others write meanwhile.
   virtual void in_one_view(const std::function<void()>& reads);
 
+  // Nothing can be written: every write fails. What is open is open for reading.
+  virtual bool read_only() const { return false; }
+
   // What its users hold in common, theirs to make and to drop; the database never looks at it.
   std::weak_ptr<void> shared;
 };

@@ -27,6 +27,7 @@ class WrappedDatabase : public Database {
   DbResult Select(std::string_view request, std::string_view option = {}) override;
   void in_one_change(const std::function<void()>& writes) override { inner_.in_one_change(writes); }
   void in_one_view(const std::function<void()>& reads) override { inner_.in_one_view(reads); }
+  bool read_only() const override { return inner_.read_only(); }
 
  protected:
   // Hears of each call before it is made; what it throws is thrown in its place.

@@ -277,14 +277,10 @@ TEST_F(ProgramTest, AProtectedBaseIsConsultedAndSaysSo) {
   EXPECT_EQ(clerk.status(),
             "Cette base est protégée en écriture : les fiches se consultent, rien ne peut être enregistré.");
   clerk.open_card("00001");
-  clerk.put("Txt_HorMensEtab", "99");
-  clerk.answer_next(Answer::Ok);
-  clerk.click("Cmd_OK");
-  EXPECT_EQ(clerk.said, std::vector{"La base « " + file.toStdString() +
-                                    " » n'a pas été modifiée : elle est en lecture seule. Demandez le droit "
-                                    "d'écrire dans ce fichier et dans son dossier."});
-  EXPECT_EQ(clerk.title(), "00001 HUET FABIENNE* – fiches.db – Consultation seule – Fiches du personnel");
-  EXPECT_EQ(clerk.status(), "");
+  EXPECT_EQ(clerk.widget<QLineEdit>("Txt_Etat").text(), "Consultation");
+  for (const char* closed : {"Txt_HorMensEtab", "Cmd_OK", "Cmd_Supp", "Cmd_Copier"})
+    EXPECT_FALSE(clerk.widget(closed).isEnabled()) << closed;
+  EXPECT_EQ(clerk.said, std::vector<std::string>());
 }
 
 // ---- From one start to the next.

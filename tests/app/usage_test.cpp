@@ -34,7 +34,7 @@ TEST(Usage, EveryMistakeIsToldInFrench) {
       {"", "il manque une sous-commande. Voir velanorctl --help."},
       {"bogus", "il n'y a pas de sous-commande bogus. Voir velanorctl --help."},
       {"--bogus", "l'option --bogus n'existe pas. Voir velanorctl --help."},
-      {"demo", "PATH manque. Voir velanorctl demo --help."},
+      {"demo", "CHEMIN manque. Voir velanorctl demo --help."},
       {"demo --bogus", "l'option --bogus n'existe pas. Voir velanorctl demo --help."},
       {"demo a b", "argument inattendu : b. Voir velanorctl demo --help."},
       {"demo a --cards", "--cards attend une valeur. Voir velanorctl demo --help."},

@@ -258,5 +258,27 @@ TEST_F(Component, TheLaterOfTwoClerksGetsTheNextFreeCode) {
   EXPECT_FALSE(memory_.find("VELANORO", "000100012026")) << "the card in hand is still the one that was open";
 }
 
+class ReadOnly : public store::WrappedDatabase {
+ public:
+  using WrappedDatabase::WrappedDatabase;
+  bool read_only() const override { return true; }
+};
+
+TEST_F(Component, NothingCanBeEnteredInADatabaseThatTakesNoWrites) {
+  ReadOnly database(memory_);
+  Office office(database);
+  office.component.init();
+  office.hand.type(office.ui.Txt_Asso, "001");
+  EXPECT_FALSE(office.ui.Cmd_Ajout.enabled());
+  office.hand.type(office.ui.Txt_Aidant, "00010");
+  EXPECT_EQ(office.ui.Txt_Etat.text(), "Consultation");
+  for (screen::Control* control :
+       std::initializer_list<screen::Control*>{&office.ui.Cmd_OK, &office.ui.Cmd_Supp, &office.ui.Cmd_Copier,
+                                               &office.ui.Txt_HorMensEtab, &office.ui.Lst_DatEffet})
+    EXPECT_FALSE(control->enabled()) << control->name();
+  EXPECT_EQ(office.hand.click(office.ui.Cmd_Detail), "");
+  EXPECT_EQ(office.component.screen().top().name(), "Frm_RubSaisie");
+}
+
 }  // namespace
 }  // namespace velanor::test

@@ -38,11 +38,6 @@ void make_private(const QString& path) {
 // The records that the component reads at its start are missing.
 bool is_empty(store::Database& database) { return !database.OpenFile("TABLES")->find("FINCONTRAT"); }
 
-bool is_read_only(const store::Database& database) {
-  const auto* sqlite = dynamic_cast<const store::SqliteDatabase*>(&database);
-  return sqlite && sqlite->read_only();
-}
-
 void fill(store::Database& database) {
   QGuiApplication::setOverrideCursor(Qt::WaitCursor);
   const auto restore = qScopeGuard([] { QGuiApplication::restoreOverrideCursor(); });
@@ -133,7 +128,7 @@ void Program::show(Desk& desk) {
   MainWindow& window = *desk.window;
   window.set_source(desk.path);
   window.set_recent(settings_.recent());
-  if (is_read_only(*desk.store)) window.set_read_only();
+  if (desk.store->read_only()) window.set_read_only();
   const QPointer<MainWindow> asker(&window);
   connect(
       &window, &MainWindow::open_asked, this,
@@ -166,7 +161,7 @@ void Program::give_up(Desk& desk, const std::string& sentence) {
 
 // The component does not start on an empty database.
 void Program::offer_demonstration(Desk& desk) {
-  if (is_read_only(*desk.store)) return give_up(desk, kCannotBeUsed);
+  if (desk.store->read_only()) return give_up(desk, kCannotBeUsed);
   const screen::Message offer{
       .title = kTitle.toStdString(),
       .text =

@@ -65,13 +65,13 @@ void add_backup(CLI::App& program, int& status) {
       ->required()
       ->type_name("URL");
   command
-      ->add_option("PATH", options->path,
+      ->add_option("CHEMIN", options->path,
                    "Le fichier à créer, qui ne doit pas exister ; avec --garder, le dossier des sauvegardes")
       ->required()
       ->type_name("");
   command
       ->add_option("--garder", options->keep,
-                   "Écrit BASE-AAAAMMJJ-HHMMSS.db dans le dossier PATH et n'y garde que les N dernières "
+                   "Écrit BASE-AAAAMMJJ-HHMMSS.db dans le dossier CHEMIN et n'y garde que les N dernières "
                    "sauvegardes de cette base")
       ->type_name("N")
       ->check(CLI::Range(1, kMostKept).description(""));

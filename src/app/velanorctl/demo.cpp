@@ -57,7 +57,7 @@ int build(const Options& options) {
 void add_demo(CLI::App& program, int& status) {
   const auto options = std::make_shared<Options>();
   CLI::App* command = program.add_subcommand("demo", "Construit la base de démonstration");
-  command->add_option("PATH", options->path, "Le fichier à créer ; il ne doit pas exister")
+  command->add_option("CHEMIN", options->path, "Le fichier à créer ; il ne doit pas exister")
       ->required()
       ->type_name("");
   command->add_option("--cards", options->cards, "Une grande base d'essai, d'environ N fiches")

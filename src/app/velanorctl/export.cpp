@@ -62,7 +62,7 @@ void add_export(CLI::App& program, int& status) {
   add_store_options(*command, options->store);
   command->add_option("--file", options->file, "Le fichier de la base, par exemple VELANORO")
       ->required()
-      ->type_name("NAME");
+      ->type_name("NOM");
   command->add_flag("--names", options->names,
                     "Pour VELANORO : colonnes par leur seul nom, dates et montants comme à l'écran");
   command->add_option("--separator", options->separator, "Le séparateur, « ; » ou « , »")

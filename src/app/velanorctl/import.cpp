@@ -138,7 +138,7 @@ void add_import(CLI::App& program, int& status) {
   add_store_options(*command, options->store);
   command->add_option("--file", options->file, "Le fichier de la base, par exemple VELANORO")
       ->required()
-      ->type_name("NAME");
+      ->type_name("NOM");
   command->add_flag("--essai", options->how.rehearsal,
                     "Dit ce qui serait créé ou modifié, et ce qui est faux, sans rien écrire");
   command->add_flag(

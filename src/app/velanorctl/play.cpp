@@ -33,7 +33,7 @@ void add_play(CLI::App& program, int& status) {
   const auto options = std::make_shared<Options>();
   CLI::App* command = program.add_subcommand("play", "Joue un scénario sur le composant, sans fenêtre");
   add_store_options(*command, options->store);
-  command->add_option("FILE", options->file, "Le scénario ; « - » ou rien : l'entrée standard")
+  command->add_option("FICHIER", options->file, "Le scénario ; « - » ou rien : l'entrée standard")
       ->type_name("");
   command->callback([options, &status] { status = play_scenario(*options); });
 }

@@ -59,11 +59,11 @@ void add_select(CLI::App& program, int& status) {
   const auto options = std::make_shared<Options>();
   CLI::App* command = program.add_subcommand("select", "Affiche en tableau ce qu'une sélection trouve");
   add_store_options(*command, options->store);
-  command->add_option("STATEMENT", options->statement, "La sélection, par exemple \"SSELECT SECTEUR PAR 1\"")
+  command->add_option("SELECTION", options->statement, "La sélection, par exemple \"SSELECT SECTEUR PAR 1\"")
       ->required()
       ->type_name("");
   command
-      ->add_option("ATTRIBUTES", options->attributes,
+      ->add_option("ATTRIBUTS", options->attributes,
                    "Numéros des attributs à afficher, 0 pour l'id ; sinon 0 1")
       ->type_name("");
   command->callback([options, &status] { status = select(*options); });

@@ -30,7 +30,9 @@ void add_show(CLI::App& program, int& status) {
   const auto options = std::make_shared<Options>();
   CLI::App* command = program.add_subcommand("show", "Affiche un enregistrement, un élément par ligne");
   add_store_options(*command, options->store);
-  command->add_option("FILE", options->file, "Le fichier, par exemple VELANORO")->required()->type_name("");
+  command->add_option("FICHIER", options->file, "Le fichier, par exemple VELANORO")
+      ->required()
+      ->type_name("");
   command->add_option("ID", options->id, "L'identifiant de l'enregistrement")->required()->type_name("");
   command->callback([options, &status] { status = show(*options); });
 }

@@ -17,7 +17,7 @@ class FrenchHelp : public CLI::Formatter {
     label("Usage", "Usage ");
     label("Positionals", "Arguments");
     label("Needs", "Avec ");
-    label("Excludes", "Sans ");
+    label("Excludes", "Exclut ");
     label("REQUIRED", "(obligatoire)");
     label("SUBCOMMAND", "SOUS-COMMANDE");
     label("SUBCOMMANDS", "SOUS-COMMANDES");

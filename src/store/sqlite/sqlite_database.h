@@ -41,7 +41,7 @@ class SqliteDatabase : public StoreDatabase {
   SqliteDatabase(const std::string& path, Options options);
 
   // Whether it is open for reading alone.
-  bool read_only() const;
+  bool read_only() const override;
 
   // One change of many records is also fast. Others wait with their writes meanwhile, and see nothing
   // before its end. Nobody waits for a view; to write inside one is an error.
