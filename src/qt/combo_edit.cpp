@@ -119,6 +119,9 @@ void ComboEdit::keyPressEvent(QKeyEvent* event) {
   const bool alt_arrow =
       (event->modifiers() & Qt::AltModifier) && (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up);
   if (event->key() == Qt::Key_F4 || alt_arrow) return showPopup();
+  // The pages are turned, not the lines.
+  const bool turns = event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown;
+  if (turns && (event->modifiers() & Qt::ControlModifier)) return event->ignore();
   // Filled when it opens: there is nothing yet to step through.
   if (event->key() == Qt::Key_Down && count() == 0) return showPopup();
   if (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up) before_choice();

@@ -249,7 +249,7 @@ void ControleVelanorWidget::Stage::place_focus() {
   if (!form.focus() && open.sheet && !open.sheet->isAncestorOf(QApplication::focusWidget()))
     form.move_focus(form.neighbour(nullptr, true));
   View* view = form.focus() ? view_of(*form.focus()) : nullptr;
-  const Arrival arrival = view ? arrival_at(*form.focus()) : Arrival::kSent;
+  const Arrival arrival = view ? arrival_at(*form.focus()) : Arrival::kSettled;
   placed_ = form.focus();
   open.views->leave_all_but(view);
   QWidget* target = view ? &view->focus_widget() : boards_;
@@ -263,7 +263,8 @@ void ControleVelanorWidget::Stage::place_focus() {
 
 // A step that opened a card on its way has gone elsewhere than the user saw.
 Arrival ControleVelanorWidget::Stage::arrival_at(const screen::Control& control) const {
-  if (&control != placed_) return &control == stepped_ ? Arrival::kStepped : Arrival::kSent;
+  if (&control != placed_ && stepped_) return &control == stepped_ ? Arrival::kMeant : Arrival::kSettled;
+  if (&control != placed_) return control.form().focus_settled() ? Arrival::kSettled : Arrival::kMeant;
   const auto* text = dynamic_cast<const screen::TextControl*>(&control);
   return refused_ && text && text->edited() ? Arrival::kRefused : Arrival::kBack;
 }

@@ -52,11 +52,11 @@ void TextView::show_text() {
   edit_->setCursorPosition(!edit_->hasFocus() ? 0 : same_length ? caret : static_cast<int>(text.length()));
 }
 
-// One stray key replaces what is selected: that is what the user wants where he steps through the fields,
-// and where he was told that it cannot stand, but not on a card that has just opened.
+// One stray key replaces what is selected: that is what the user wants where he steps through the fields or
+// begins an entry, and where he was told that it cannot stand, but not on a card that has just opened.
 void TextView::focus_placed(Arrival arrival) {
   if (!edit_ || arrival == Arrival::kBack) return;
-  if (arrival == Arrival::kSent) return edit_->end(false);
+  if (arrival == Arrival::kSettled) return edit_->end(false);
   edit_->selectAll();
 }
 
@@ -69,6 +69,9 @@ void TextView::focus_gone() {
 
 bool TextView::key(QKeyEvent& event) {
   const char32_t code = key_code(event);
+  // A mnemonic that nobody answers now is no text.
+  const bool mnemonic = event.modifiers() & (Qt::AltModifier | Qt::MetaModifier) && !event.text().isEmpty();
+  if (code == 0 && mnemonic) return event.ignore(), true;
   if (code == 0) return !acts().open_to(text_) && !event.text().isEmpty();
   act_key(code, event);
   event.accept();

@@ -10,9 +10,9 @@
 
 namespace velanor::qt {
 
-// How the focus came to a control: the user stepped there, a rule or an opened card sent it there, what was
-// typed there was refused, or a message gave it back.
-enum class Arrival { kStepped, kSent, kRefused, kBack };
+// How the focus came to a control: the user stepped there or a rule sent it there, to be entered; it settled
+// there when a card opened; what was typed there was refused; or a message gave it back.
+enum class Arrival { kMeant, kSettled, kRefused, kBack };
 
 // Lives as a child of its form's pages. The control and whoever carries out the acts outlive it.
 class View : public QObject {

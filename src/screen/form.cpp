@@ -63,7 +63,9 @@ bool Form::postpone_judgement(Control& control) {
 }
 
 void Form::resume() {
-  if (focus_ && is_perilous(*focus_) && before_ && can_focus(*before_)) enter(before_);
+  if (!focus_ || !is_perilous(*focus_) || !before_ || !can_focus(*before_)) return;
+  enter(before_);
+  settled_ = true;
 }
 
 Control* Form::leave_for(const std::function<Control*()>& target_of) {
@@ -88,6 +90,7 @@ Control* Form::leave_for(const std::function<Control*()>& target_of) {
 void Form::enter(Control* control) {
   if (focus_ && !is_perilous(*focus_)) before_ = focus_;
   focus_ = control;
+  settled_ = false;
   const bool returns = control && control == unjudged_;
   if (!control || !abandons(*control)) unjudged_ = nullptr;
   if (!control) return;
@@ -101,6 +104,7 @@ void Form::settle_focus() {
   for (std::size_t step = 0; next && is_perilous(*next) && step < controls_.size(); ++step)
     next = neighbour(next, true);
   enter(next);
+  settled_ = focus_ == next;
 }
 
 bool Form::abandons(const Control& control) const {

@@ -31,6 +31,8 @@ class Form {
 
   // The control that has the focus, or null.
   Control* focus() const { return focus_; }
+  // It came there because the control before it was locked or hidden, or given up: not for a new entry.
+  bool focus_settled() const { return settled_; }
   // The program moves the focus: shows the control's page, then raises `lost_focus` of the
   // control left and `got_focus` of this one. A control that cannot be used is passed over.
   // Called from a lost_focus handler it sends the focus elsewhere than the user wanted, and
@@ -87,6 +89,7 @@ class Form {
   Control* unjudged_ = nullptr;  // field left for a cancel button
   Control* before_ = nullptr;    // where the focus was before a button that cancels or deletes
   bool leaving_ = false;
+  bool settled_ = false;
   bool redirected_ = false;
 };
 

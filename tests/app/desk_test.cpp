@@ -100,9 +100,12 @@ TEST_F(Desk, AsksBeforeItTakesAnOpenCardWithItAndEnterStays) {
     sheet.button(Answer::No)->click();
   });
   window_.close();
+  window_.close();
+  settle();
   EXPECT_FALSE(closed());
   clerk_.answer_next(Answer::Yes);
   window_.close();
+  settle();
   EXPECT_TRUE(closed());
   EXPECT_EQ(clerk_.said, std::vector<std::string>(2, kLossQuestion));
 }
@@ -145,6 +148,7 @@ TEST_F(Desk, ClosesWithTheFormOfTheItemsOpen) {
   ASSERT_NE(window->component().open_sheet(), nullptr);
   clerk.answer_next(Answer::Yes);
   window->close();
+  settle();
   EXPECT_EQ(clerk.said, std::vector{kLossQuestion});
   EXPECT_FALSE(window->isVisible());
   delete window;

@@ -65,6 +65,7 @@ class Window : public testing::Test {
           QTimer::singleShot(0, &window_, [&] { emit window_.component().open_message()->answered(answer); });
         });
     window_.close();
+    QCoreApplication::processEvents();
     QObject::disconnect(answering);
     return questions;
   }

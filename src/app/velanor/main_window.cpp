@@ -227,13 +227,24 @@ void MainWindow::leave() {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-  event->setAccepted(may_leave(Leaving::kClosing));
-  if (event->isAccepted()) emit closed();
+  event->setAccepted(!would_ask());
+  if (event->isAccepted()) return emit closed();
+  if (asking_to_leave_) return bring_forward();
+  // Not within the event: a second one that came while it waits would close the window unasked.
+  QTimer::singleShot(0, this, [this] {
+    if (!may_leave(Leaving::kClosing)) return;
+    leaves_ = true;
+    close();
+  });
+}
+
+bool MainWindow::would_ask() const {
+  if (leaves_ || !is_started() || component_->screen().finished()) return false;
+  return card_.card_open() || component_->open_message();
 }
 
 bool MainWindow::may_leave(Leaving leaving) {
-  if (leaves_ || !is_started() || component_->screen().finished()) return true;
-  if (!card_.card_open() && !component_->open_message()) return true;
+  if (!would_ask()) return true;
   bring_forward();
   if (asking_to_leave_) return false;
   if (component_->open_message()) {

@@ -71,6 +71,7 @@ class MainWindow : public QMainWindow, private control::UserRights {
   void tell_change(const std::string& card);
   void tell(const std::string& sentence);
   void update_title();
+  bool would_ask() const;
   bool asks_and_may_leave();
   void end_message();
   void go_on_leaving();
