@@ -37,8 +37,10 @@ void Frm_SaisieHres::open(const std::string& employee, std::function<void(const 
 void Frm_SaisieHres::Cmd_OK_Click() {
   const std::string& worked = ui_.Txt_NbHresTrav.text();
   const std::string& paid = ui_.Txt_NbHresPayees.text();
-  if (worked.empty() == paid.empty())
-    return screen_.refuse("Vous devez renseigner soit les heures travaillées soit les heures payées.");
+  if (worked.empty() == paid.empty()) {
+    screen_.refuse("Vous devez renseigner soit les heures travaillées soit les heures payées.");
+    return ui_.set_focus(ui_.Txt_NbHresTrav);
+  }
   hours_ = worked.empty() ? Hours{paid, "P"} : Hours{worked, "T"};
   screen_.close(ui_);
 }
