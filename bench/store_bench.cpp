@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "store/memory_database.h"
+#include "velanor/memory_database.h"
 
 namespace velanor::store {
 namespace {

@@ -17,9 +17,9 @@
 #include <stdexcept>
 
 #include "qt/action_button.h"
-#include "qt/controle_velanor_widget.h"
 #include "qt/message_sheet.h"
-#include "store/sqlite/sqlite_database.h"
+#include "velanor/controle_velanor_widget.h"
+#include "velanor/sqlite_database.h"
 
 namespace velanor::qt {
 namespace {

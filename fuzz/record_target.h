@@ -7,8 +7,8 @@
 
 #include "check.h"
 #include "record_model.h"
-#include "store/record.h"
 #include "store/utf8.h"
+#include "velanor/record.h"
 
 namespace velanor::store::fuzz {
 

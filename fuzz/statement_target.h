@@ -8,8 +8,8 @@
 
 #include "check.h"
 #include "store/memory_backend.h"
-#include "store/memory_database.h"
-#include "store/store_database.h"
+#include "velanor/memory_database.h"
+#include "velanor/store_database.h"
 
 namespace velanor::store::fuzz {
 

@@ -2,10 +2,10 @@
 // Usage: headless_host DATABASE ENTITY
 #include <iostream>
 
-#include "card/card_screen.h"
-#include "control/controle_velanor.h"
-#include "screen/hand.h"
-#include "store/sqlite/sqlite_database.h"
+#include "card/screen/card_screen.h"
+#include "velanor/controle_velanor.h"
+#include "velanor/hand.h"
+#include "velanor/sqlite_database.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "amendments/activities.h"
 
-#include "card/activity_line.h"
-#include "card/record_layout.h"
+#include "card/record/activity_line.h"
+#include "card/record/record_layout.h"
 #include "entry/decimal.h"
 
 namespace velanor::amendments {

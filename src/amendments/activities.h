@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "card/states.h"
+#include "card/screen/states.h"
 #include "reference/lists.h"
-#include "screen/screen.h"
+#include "velanor/screen.h"
 
 namespace velanor::amendments {
 

@@ -4,11 +4,11 @@
 #include <string>
 #include <string_view>
 
-#include "card/card_screen.h"
-#include "card/card_state.h"
-#include "control/session.h"
-#include "entry/util_saisie.h"
+#include "card/screen/card_screen.h"
+#include "card/screen/card_state.h"
+#include "control/session/procedure.h"
 #include "reference/lists.h"
+#include "velanor/util_saisie.h"
 
 namespace velanor::amendments {
 

@@ -1,6 +1,6 @@
 #include "amendments/lines.h"
 
-#include "control/session.h"
+#include "control/session/procedure.h"
 #include "entry/decimal.h"
 #include "text/utf8.h"
 
@@ -62,7 +62,7 @@ void AmendmentLines::remove_line(int position) {
 
 void AmendmentLines::size_scroll_bar() {
   // The bar steps through the lines, so it is there as soon as there are two.
-  control::size_scroll_bar(on_.ui.Bdv_Detail, on_.ui.Lst_DatEffet, 1);
+  on_.ui.Bdv_Detail.fit(on_.ui.Lst_DatEffet.count(), 1);
 }
 
 // ---- Selecting: every column follows the one that was clicked.

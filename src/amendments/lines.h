@@ -7,9 +7,9 @@
 #include <string>
 
 #include "amendments/grids.h"
-#include "card/amendment_columns.h"
-#include "card/states.h"
-#include "screen/screen.h"
+#include "card/record/amendment_columns.h"
+#include "card/screen/states.h"
+#include "velanor/screen.h"
 
 namespace velanor::amendments {
 

@@ -1,20 +1,20 @@
-#include "control/controle_velanor.h"
+#include "velanor/controle_velanor.h"
 
 #include <stdexcept>
 
 #include "amendments/activities.h"
 #include "amendments/grids.h"
 #include "amendments/lines.h"
-#include "card/card_screen.h"
-#include "card/card_state.h"
-#include "card/states.h"
-#include "card/years.h"
-#include "commands/card_commands.h"
-#include "commands/card_fields.h"
-#include "commands/card_record.h"
-#include "commands/validation.h"
-#include "control/session.h"
-#include "entry/fields.h"
+#include "card/commands/card_commands.h"
+#include "card/commands/card_fields.h"
+#include "card/commands/card_record.h"
+#include "card/commands/validation.h"
+#include "card/screen/card_screen.h"
+#include "card/screen/card_state.h"
+#include "card/screen/states.h"
+#include "control/session/procedure.h"
+#include "control/session/years.h"
+#include "entry/fields/fields.h"
 #include "forms/frm_rub_saisie.h"
 #include "forms/frm_saisie_hres.h"
 #include "reference/lists.h"
@@ -35,7 +35,7 @@ struct Rules {
   control::Procedure procedure;
   card::Reading reading;
   card::CardState card;
-  card::YearTable years;
+  control::YearTable years;
   std::string default_agreement;
   card::CardStates states;
   reference::ReferenceLists lists;
@@ -178,7 +178,7 @@ void ControleVelanor::Parts::start() {
   variable.naturecontrat = tables.Read("NATURECONTRAT");
   variable.diplomes = tables.Read("DIPLOMES");
   rules->years.ChargerExtractions(rules->procedure);
-  rules->default_agreement = card::LireParametres(rules->procedure, rules->default_agreement);
+  rules->default_agreement = control::LireParametres(rules->procedure, rules->default_agreement);
   rules->states.start();
   rules->lists.RequeteAssoc();
   rules->lists.RemplirAssoc();

@@ -6,7 +6,7 @@
 #include <span>
 #include <string>
 
-#include "card/record_layout.h"
+#include "card/record/record_layout.h"
 #include "entry/date.h"
 
 namespace velanor::demo {

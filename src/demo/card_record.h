@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "demo/career.h"
-#include "store/record.h"
+#include "velanor/record.h"
 
 namespace velanor::demo {
 

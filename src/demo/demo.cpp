@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "card/record_layout.h"
+#include "card/record/record_layout.h"
 #include "demo/card_record.h"
 #include "demo/career.h"
 #include "demo/catalogue.h"

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "store/record.h"
+#include "velanor/record.h"
 
 namespace velanor::demo {
 

@@ -1,6 +1,6 @@
 #include "forms/frm_rub_saisie.h"
 
-#include "card/record_layout.h"
+#include "card/record/record_layout.h"
 #include "entry/amount.h"
 #include "entry/decimal.h"
 #include "forms/item_template.h"
@@ -94,7 +94,7 @@ void Frm_RubSaisie::Afficher_Donnees() {
   for (card::ItemText& item : card_.draft.items(context_.amendment - 1))
     add_line(ui_.Lst_Code.count(), in_columns(std::move(item)));
   ui_.Cmd_SaisieAuto.set_enabled(ui_.Lst_Code.count() == 0 && !context_.SaisieAutoBloquee);
-  control::size_scroll_bar(ui_.Bdv_Detail, ui_.Lst_Code, kPageOfLines);
+  ui_.Bdv_Detail.fit(ui_.Lst_Code.count(), kPageOfLines);
   if (context_.ModifAutorisee) return;
   for (screen::ListBox* list : ui_.columns()) list->set_enabled(false);
   for (screen::CommandButton* button : {&ui_.Cmd_OK, &ui_.Cmd_Annuler, &ui_.Cmd_Ajouter})
@@ -339,7 +339,7 @@ void Frm_RubSaisie::Cmd_OK_Click() {
   }
   TauxParDefaut = false;
   back_to_browsing();
-  control::size_scroll_bar(ui_.Bdv_Detail, ui_.Lst_Code, kPageOfLines);
+  ui_.Bdv_Detail.fit(ui_.Lst_Code.count(), kPageOfLines);
   write_grid();
 }
 
@@ -375,7 +375,7 @@ void Frm_RubSaisie::Cmd_Supprimer_Click() {
     return;
   remove_line(edited_line_);
   back_to_browsing();
-  control::size_scroll_bar(ui_.Bdv_Detail, ui_.Lst_Code, kPageOfLines);
+  ui_.Bdv_Detail.fit(ui_.Lst_Code.count(), kPageOfLines);
   write_grid();
 }
 
@@ -436,7 +436,7 @@ void Frm_RubSaisie::fill_from(const store::DbRecord& record, const Hours& hours)
   for (const FilledItem& item : fill_template(record, hours, procedure_.file(control::File::kItems))) {
     add_line(ui_.Lst_Code.count(), filled_line(item));
   }
-  control::size_scroll_bar(ui_.Bdv_Detail, ui_.Lst_Code, kPageOfLines);
+  ui_.Bdv_Detail.fit(ui_.Lst_Code.count(), kPageOfLines);
   ui_.Cmd_SaisieAuto.set_enabled(false);
   write_grid();
 }

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "card/card_state.h"
-#include "control/session.h"
+#include "card/screen/card_state.h"
+#include "control/session/procedure.h"
 #include "forms/frm_saisie_hres.h"
 #include "forms/item_catalogue.h"
 #include "forms/item_template.h"

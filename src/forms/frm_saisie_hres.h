@@ -4,8 +4,8 @@
 #include <functional>
 #include <string>
 
-#include "entry/fields.h"
-#include "screen/screen.h"
+#include "entry/fields/fields.h"
+#include "velanor/screen.h"
 
 namespace velanor::forms {
 

@@ -1,6 +1,6 @@
 #include "forms/item_catalogue.h"
 
-#include "card/item_hours.h"
+#include "card/record/item_hours.h"
 #include "entry/decimal.h"
 
 namespace velanor::forms {

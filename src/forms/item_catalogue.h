@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "control/session.h"
+#include "control/session/procedure.h"
 
 namespace velanor::forms {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "forms/frm_saisie_hres.h"
-#include "store/database.h"
+#include "velanor/database.h"
 
 namespace velanor::forms {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "screen/hand.h"
+#include "velanor/hand.h"
 
 namespace velanor::play {
 

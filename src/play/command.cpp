@@ -100,8 +100,8 @@ std::optional<int> line_number(const Word& word) {
   return whole_number(std::string_view(word.text).substr(1));
 }
 
-std::optional<Position> position(std::string_view text) {
-  Position at;
+std::optional<store::Position> position(std::string_view text) {
+  store::Position at;
   for (int* level : {&at.attribute, &at.value, &at.subvalue}) {
     const auto comma = text.find(',');
     const auto number = whole_number(text.substr(0, comma));

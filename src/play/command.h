@@ -7,7 +7,8 @@
 
 #include "play/lexer.h"
 #include "play/property.h"
-#include "screen/screen.h"
+#include "store/position.h"
+#include "velanor/screen.h"
 
 namespace velanor::play {
 
@@ -43,13 +44,6 @@ enum class Verb {
   Get,
 };
 
-// Place of an element in a record; 0 where a level is not given.
-struct Position {
-  int attribute = 0;
-  int value = 0;
-  int subvalue = 0;
-};
-
 // Holds what its verb asks for; the rest is left as made.
 struct Command {
   Verb verb;
@@ -57,7 +51,7 @@ struct Command {
   std::string file;
   std::string id;
   std::string text;
-  Position position;
+  store::Position position;
   screen::Key key;
   int number = -1;  // a line, a page or a value; -1: the command gives a text instead
   Property property = Property::Text;

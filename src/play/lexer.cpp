@@ -1,7 +1,7 @@
 #include "play/lexer.h"
 
-#include "store/record.h"
 #include "text/utf8.h"
+#include "velanor/record.h"
 
 namespace velanor::play {
 namespace {

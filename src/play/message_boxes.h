@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "screen/screen.h"
+#include "velanor/screen.h"
 
 namespace velanor::play {
 

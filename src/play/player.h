@@ -11,7 +11,7 @@
 #include "play/message_boxes.h"
 #include "play/recording_database.h"
 #include "play/scenario.h"
-#include "screen/screen.h"
+#include "velanor/screen.h"
 
 namespace velanor::play {
 

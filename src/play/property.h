@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "screen/control.h"
+#include "velanor/control.h"
 
 namespace velanor::play {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "store/wrapped_database.h"
+#include "velanor/wrapped_database.h"
 
 namespace velanor::play {
 

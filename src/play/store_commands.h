@@ -5,7 +5,7 @@
 #include <string>
 
 #include "play/command.h"
-#include "store/database.h"
+#include "velanor/database.h"
 
 namespace velanor::play {
 

@@ -4,7 +4,7 @@
 #include <Qt>
 #include <functional>
 
-#include "screen/hand.h"
+#include "velanor/hand.h"
 
 namespace velanor::qt {
 

@@ -1,4 +1,4 @@
-#include "qt/controle_velanor_widget.h"
+#include "velanor/controle_velanor_widget.h"
 
 #include <QMouseEvent>
 #include <QPalette>

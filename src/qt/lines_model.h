@@ -5,7 +5,7 @@
 #include <QAbstractTableModel>
 #include <vector>
 
-#include "screen/control.h"
+#include "velanor/control.h"
 
 namespace velanor::qt {
 

@@ -3,7 +3,7 @@
 
 #include <QWidget>
 
-#include "screen/screen.h"
+#include "velanor/screen.h"
 
 namespace velanor::qt {
 

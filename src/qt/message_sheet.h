@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "qt/sheet.h"
-#include "screen/screen.h"
+#include "velanor/screen.h"
 
 namespace velanor::qt {
 

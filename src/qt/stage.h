@@ -7,10 +7,10 @@
 #include "qt/acts.h"
 #include "qt/binder.h"
 #include "qt/boards.h"
-#include "qt/controle_velanor_widget.h"
 #include "qt/input_gate.h"
 #include "qt/late_keys.h"
 #include "qt/message_sheet.h"
+#include "velanor/controle_velanor_widget.h"
 
 namespace velanor::qt {
 

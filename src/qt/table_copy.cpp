@@ -2,7 +2,7 @@
 
 #include <QStringList>
 
-#include "card/activity_line.h"
+#include "card/record/activity_line.h"
 #include "qt/lines_model.h"
 #include "qt/strings.h"
 

@@ -3,7 +3,7 @@
 
 #include <QString>
 
-#include "screen/form.h"
+#include "velanor/form.h"
 
 namespace velanor::qt {
 

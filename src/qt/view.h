@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "qt/acts.h"
-#include "screen/form.h"
+#include "velanor/form.h"
 
 namespace velanor::qt {
 

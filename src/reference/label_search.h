@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "screen/control.h"
+#include "velanor/control.h"
 
 namespace velanor::reference {
 

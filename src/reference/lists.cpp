@@ -1,7 +1,7 @@
 #include "reference/lists.h"
 
 #include "card/record/labels.h"
-#include "card/record_layout.h"
+#include "card/record/record_layout.h"
 #include "store/text_literal.h"
 #include "text/utf8.h"
 

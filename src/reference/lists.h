@@ -4,9 +4,9 @@
 
 #include <string_view>
 
-#include "card/card_screen.h"
-#include "card/card_state.h"
-#include "control/session.h"
+#include "card/screen/card_screen.h"
+#include "card/screen/card_state.h"
+#include "control/session/procedure.h"
 
 namespace velanor::reference {
 

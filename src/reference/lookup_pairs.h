@@ -8,11 +8,11 @@
 #include <string_view>
 #include <vector>
 
-#include "card/card_screen.h"
-#include "card/card_state.h"
+#include "card/screen/card_screen.h"
+#include "card/screen/card_state.h"
 #include "reference/label_search.h"
 #include "reference/lists.h"
-#include "screen/screen.h"
+#include "velanor/screen.h"
 
 namespace velanor::reference {
 

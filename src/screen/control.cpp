@@ -1,10 +1,10 @@
-#include "screen/control.h"
+#include "velanor/control.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "screen/form.h"
 #include "text/utf8.h"
+#include "velanor/form.h"
 
 namespace velanor::screen {
 
@@ -191,6 +191,12 @@ void ScrollBar::set_max(int max) {
   max_ = std::max(max, 0);
   touch();
   set_value(value_);
+}
+
+void ScrollBar::fit(int lines, int page) {
+  set_max(std::max(lines - 1, 0));
+  set_visible(lines > page);
+  set_value(0);
 }
 
 Tabs::Tabs(Form& form, const Spec& spec, std::vector<std::string> captions)

@@ -1,4 +1,4 @@
-#include "screen/form.h"
+#include "velanor/form.h"
 
 #include <algorithm>
 #include <utility>

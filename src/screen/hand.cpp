@@ -1,4 +1,4 @@
-#include "screen/hand.h"
+#include "velanor/hand.h"
 
 #include "text/utf8.h"
 

@@ -1,4 +1,4 @@
-#include "screen/screen.h"
+#include "velanor/screen.h"
 
 #include <algorithm>
 

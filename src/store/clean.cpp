@@ -5,8 +5,8 @@
 #include <cstring>
 
 #include "store/mark_scanner.h"
-#include "store/record.h"
 #include "store/utf8.h"
+#include "velanor/record.h"
 
 namespace velanor::store {
 namespace {

@@ -1,4 +1,4 @@
-#include "store/database.h"
+#include "velanor/database.h"
 
 namespace velanor::store {
 

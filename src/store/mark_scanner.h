@@ -11,7 +11,7 @@
 #include <emmintrin.h>
 #endif
 
-#include "store/record.h"
+#include "velanor/record.h"
 
 namespace velanor::store {
 

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "store/backend.h"
 #include "store/memory_file.h"
+#include "velanor/backend.h"
 
 namespace velanor::store {
 

@@ -1,4 +1,4 @@
-#include "store/memory_database.h"
+#include "velanor/memory_database.h"
 
 #include "store/memory_backend.h"
 

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "store/arena.h"
-#include "store/backend.h"
+#include "velanor/backend.h"
 
 namespace velanor::store {
 

@@ -3,8 +3,8 @@
 
 #include <vector>
 
-#include "store/backend.h"
 #include "store/select/tree.h"
+#include "velanor/backend.h"
 
 namespace velanor::store {
 

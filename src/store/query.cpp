@@ -1,4 +1,4 @@
-#include "store/query.h"
+#include "velanor/query.h"
 
 namespace velanor::store {
 

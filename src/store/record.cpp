@@ -1,4 +1,4 @@
-#include "store/record.h"
+#include "velanor/record.h"
 
 #include <algorithm>
 #include <limits>

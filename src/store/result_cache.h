@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "store/query.h"
+#include "velanor/query.h"
 
 namespace velanor::store {
 

@@ -1,4 +1,4 @@
-#include "store/store_database.h"
+#include "velanor/store_database.h"
 
 #include "store/plan.h"
 #include "store/select/evaluator.h"

@@ -1,4 +1,4 @@
-#include "store/wrapped_database.h"
+#include "velanor/wrapped_database.h"
 
 namespace velanor::store {
 

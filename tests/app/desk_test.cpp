@@ -5,7 +5,7 @@
 #include "app/clerk.h"
 #include "app/velanorctl/open_store.h"
 #include "demo/demo.h"
-#include "store/memory_database.h"
+#include "velanor/memory_database.h"
 
 namespace velanor::app {
 namespace {

@@ -11,7 +11,7 @@
 #include <filesystem>
 
 #include "app/clerk.h"
-#include "store/sqlite/sqlite_database.h"
+#include "velanor/sqlite_database.h"
 
 namespace velanor::app {
 namespace {

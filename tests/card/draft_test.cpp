@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include "card/record/record_compare.h"
 #include "card/record/rules.h"
 #include "card/record/saving.h"
-#include "card/record_compare.h"
 #include "support/office.h"
 
 namespace velanor::card {

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <set>
 
-#include "card/record_layout.h"
+#include "card/record/record_layout.h"
 #include "entry/date.h"
 #include "text/utf8.h"
 

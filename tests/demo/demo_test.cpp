@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "card/record_layout.h"
+#include "card/record/record_layout.h"
 #include "demo/card_checker.h"
 #include "demo/map_sink.h"
 #include "entry/date.h"

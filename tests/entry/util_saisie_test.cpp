@@ -1,4 +1,4 @@
-#include "entry/util_saisie.h"
+#include "velanor/util_saisie.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // "Saisie Automatique": what a template makes of hours worked or paid.
 #include <gtest/gtest.h>
 
-#include "card/record_layout.h"
+#include "card/record/record_layout.h"
 #include "forms/item_template.h"
 #include "support/office.h"
 #include "text/utf8.h"

@@ -1,7 +1,7 @@
 // The hours of the items against those of the establishment.
 #include <gtest/gtest.h>
 
-#include "card/record_layout.h"
+#include "card/record/record_layout.h"
 #include "support/office.h"
 
 namespace velanor::test {

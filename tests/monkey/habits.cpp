@@ -1,5 +1,5 @@
 // What the random user turns to next, and what it types.
-#include "card/record_layout.h"
+#include "card/record/record_layout.h"
 #include "monkey/monkey.h"
 
 namespace velanor::test {

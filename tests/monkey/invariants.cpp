@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "card/activity_line.h"
+#include "card/record/activity_line.h"
 #include "entry/date.h"
 #include "entry/decimal.h"
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "card/item_hours.h"
-#include "card/record_layout.h"
+#include "card/record/item_hours.h"
+#include "card/record/record_layout.h"
 #include "entry/date.h"
 #include "entry/decimal.h"
 

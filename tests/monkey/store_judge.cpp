@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "app/velanorctl/card_dates.h"
-#include "card/record_layout.h"
+#include "card/record/card_dates.h"
+#include "card/record/record_layout.h"
 #include "entry/date.h"
 
 namespace velanor::test {
@@ -109,7 +109,7 @@ std::string StoreJudge::bad_figure(const DbRecord& card) const {
 
 std::vector<std::string> StoreJudge::faults_of(std::string_view id, const DbRecord& card) const {
   std::vector<std::string> sentences;
-  const auto of_dates = app::faults_of_dates(card, *entry::day_number(kToday));
+  const auto of_dates = card::faults_of_dates(card, *entry::day_number(kToday));
   for (const card::Fault& fault : check_.faults_of(id, card)) {
     const auto same = [&](const card::Fault& other) { return other.kind() == fault.kind(); };
     // The hours of the items have no box that would bound them.

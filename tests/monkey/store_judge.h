@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "app/velanorctl/card_check.h"
 #include "monkey/line_watch.h"
+#include "office/card_check.h"
 
 namespace velanor::test {
 
@@ -39,7 +39,7 @@ class StoreJudge {
   std::string new_fault(std::string_view id, const store::DbRecord& card) const;
   std::string lost_field(const store::DbRecord& card) const;
 
-  app::CardCheck check_;
+  office::CardCheck check_;
   std::set<std::pair<int, std::string>> unreadable_;
   std::string breach_[4];
 

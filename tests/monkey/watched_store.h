@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "store/wrapped_database.h"
+#include "velanor/wrapped_database.h"
 
 namespace velanor::test {
 

@@ -5,7 +5,7 @@
 #include <sstream>
 
 #include "play/small_component.h"
-#include "store/memory_database.h"
+#include "velanor/memory_database.h"
 
 namespace velanor::play {
 namespace {

@@ -8,10 +8,10 @@
 #include <memory>
 #include <string>
 
-#include "qt/controle_velanor_widget.h"
 #include "qt/message_sheet.h"
-#include "store/memory_database.h"
-#include "store/wrapped_database.h"
+#include "velanor/controle_velanor_widget.h"
+#include "velanor/memory_database.h"
+#include "velanor/wrapped_database.h"
 
 namespace velanor::qt {
 

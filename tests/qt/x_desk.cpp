@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "play/player.h"
-#include "store/wrapped_database.h"
+#include "velanor/wrapped_database.h"
 
 namespace velanor::x {
 namespace {

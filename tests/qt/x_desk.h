@@ -10,9 +10,9 @@
 #include <string>
 #include <vector>
 
-#include "qt/controle_velanor_widget.h"
 #include "qt/message_sheet.h"
-#include "store/memory_database.h"
+#include "velanor/controle_velanor_widget.h"
+#include "velanor/memory_database.h"
 
 namespace velanor::x {
 

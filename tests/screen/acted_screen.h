@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "screen/hand.h"
-#include "screen/screen.h"
+#include "velanor/hand.h"
+#include "velanor/screen.h"
 
 namespace velanor::screen {
 

@@ -1,10 +1,10 @@
 // What the controls tell when the program or the user changes them.
-#include "screen/control.h"
+#include "velanor/control.h"
 
 #include <gtest/gtest.h>
 
-#include "screen/form.h"
 #include "text/utf8.h"
+#include "velanor/form.h"
 
 namespace velanor::screen {
 namespace {

@@ -1,5 +1,5 @@
 // Forms on one another, and the message boxes between them.
-#include "screen/screen.h"
+#include "velanor/screen.h"
 
 #include "screen/acted_screen.h"
 

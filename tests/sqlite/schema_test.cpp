@@ -5,7 +5,7 @@
 
 #include "sqlite/temporary_folder.h"
 #include "store/sqlite/failure.h"
-#include "store/sqlite/sqlite_database.h"
+#include "velanor/sqlite_database.h"
 
 namespace velanor::store::sqlite {
 namespace {

@@ -1,4 +1,4 @@
-#include "store/sqlite/sqlite_database.h"
+#include "velanor/sqlite_database.h"
 
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -12,9 +12,9 @@
 
 #include "sqlite/temporary_folder.h"
 #include "store/contract.h"
-#include "store/memory_database.h"
 #include "store/notation.h"
 #include "store/sqlite/failure.h"
+#include "velanor/memory_database.h"
 
 namespace velanor::store {
 namespace {

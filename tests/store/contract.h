@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "store/database.h"
+#include "velanor/database.h"
 
 namespace velanor::store {
 

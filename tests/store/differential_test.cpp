@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <random>
 
-#include "store/memory_database.h"
 #include "store/notation.h"
 #include "store/select/collation.h"
 #include "store/text_literal.h"
+#include "velanor/memory_database.h"
 
 namespace velanor::store {
 namespace {

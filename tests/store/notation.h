@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "store/record.h"
+#include "velanor/record.h"
 
 namespace velanor::store {
 

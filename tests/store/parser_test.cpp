@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "store/error.h"
+#include "velanor/error.h"
 
 namespace velanor::store::select {
 namespace {

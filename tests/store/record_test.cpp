@@ -1,4 +1,4 @@
-#include "store/record.h"
+#include "velanor/record.h"
 
 #include <gtest/gtest.h>
 
@@ -7,8 +7,8 @@
 #include <stdexcept>
 
 #include "../../fuzz/record_target.h"
-#include "store/database.h"
 #include "store/notation.h"
+#include "velanor/database.h"
 
 namespace velanor::store {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "card/record_layout.h"
+#include "card/record/record_layout.h"
 #include "entry/date.h"
 
 namespace velanor::test {

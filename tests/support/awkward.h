@@ -3,7 +3,7 @@
 // out of order.
 #pragma once
 
-#include "store/memory_database.h"
+#include "velanor/memory_database.h"
 
 namespace velanor::test {
 

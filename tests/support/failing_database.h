@@ -1,7 +1,7 @@
 // A database whose n-th call fails, to show that a failure reaches the host and loses nothing.
 #pragma once
 
-#include "store/wrapped_database.h"
+#include "velanor/wrapped_database.h"
 
 namespace velanor::store {
 

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "card/record_layout.h"
+#include "card/record/record_layout.h"
 #include "play/scenario.h"
 #include "play/store_commands.h"
 

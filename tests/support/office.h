@@ -7,12 +7,12 @@
 #include <string_view>
 #include <vector>
 
-#include "card/card_screen.h"
-#include "control/controle_velanor.h"
+#include "card/screen/card_screen.h"
 #include "demo/demo.h"
 #include "forms/frm_rub_saisie.h"
-#include "screen/hand.h"
-#include "store/memory_database.h"
+#include "velanor/controle_velanor.h"
+#include "velanor/hand.h"
+#include "velanor/memory_database.h"
 
 namespace velanor::test {
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "card/card_screen.h"
-#include "screen/screen.h"
-#include "store/record.h"
+#include "card/screen/card_screen.h"
+#include "velanor/record.h"
+#include "velanor/screen.h"
 
 namespace velanor::app {
 

@@ -14,7 +14,7 @@
 #include <utility>
 
 #include "app/velanor/help_window.h"
-#include "card/record_layout.h"
+#include "card/record/record_layout.h"
 #include "qt/message_sheet.h"
 #include "qt/strings.h"
 #include "screen/scope.h"

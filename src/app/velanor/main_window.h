@@ -7,8 +7,8 @@
 
 #include "app/velanor/card_watch.h"
 #include "app/velanor/watched_database.h"
-#include "control/host.h"
-#include "qt/controle_velanor_widget.h"
+#include "velanor/controle_velanor_widget.h"
+#include "velanor/host.h"
 
 class QLabel;
 class QMenu;

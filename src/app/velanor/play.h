@@ -3,7 +3,7 @@
 
 #include <QString>
 
-#include "store/database.h"
+#include "velanor/database.h"
 
 namespace velanor::app {
 

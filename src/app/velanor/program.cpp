@@ -15,7 +15,7 @@
 #include "app/velanor/place.h"
 #include "demo/demo.h"
 #include "screen/scope.h"
-#include "store/sqlite/sqlite_database.h"
+#include "velanor/sqlite_database.h"
 
 namespace velanor::app {
 namespace {

@@ -5,7 +5,7 @@
 #include <exception>
 
 #include "play/actor.h"
-#include "qt/controle_velanor_widget.h"
+#include "velanor/controle_velanor_widget.h"
 
 class QComboBox;
 

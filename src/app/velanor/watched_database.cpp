@@ -1,6 +1,6 @@
 #include "app/velanor/watched_database.h"
 
-#include "card/record_layout.h"
+#include "card/record/record_layout.h"
 
 namespace velanor::app {
 

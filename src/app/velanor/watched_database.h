@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "store/wrapped_database.h"
+#include "velanor/wrapped_database.h"
 
 namespace velanor::app {
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <utility>
 
-#include "app/velanorctl/known_files.h"
+#include "card/record/known_files.h"
 #include "text/number.h"
 
 namespace velanor::app {

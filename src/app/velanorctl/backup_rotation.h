@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "store/sqlite/sqlite_database.h"
+#include "velanor/sqlite_database.h"
 
 namespace velanor::app {
 

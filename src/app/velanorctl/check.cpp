@@ -4,13 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "app/velanorctl/card_check.h"
-#include "app/velanorctl/columns.h"
 #include "app/velanorctl/commands.h"
-#include "app/velanorctl/fault_list.h"
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/progress.h"
-#include "store/sqlite/sqlite_database.h"
+#include "exchange/columns.h"
+#include "office/card_check.h"
+#include "office/fault_list.h"
+#include "velanor/sqlite_database.h"
 
 namespace velanor::app {
 namespace {
@@ -33,12 +33,12 @@ std::string counted(int count, const std::string& noun) {
 }
 
 int check_records(store::Database& database) {
-  const CardCheck check(database);
-  FaultList list;
+  const office::CardCheck check(database);
+  office::FaultList list;
   for (const card::Fault& fault : check.faults_of_references()) std::cout << fault.sentence() << "\n";
-  const auto cards = database.OpenFile(kCardFile);
+  const auto cards = database.OpenFile(exchange::kCardFile);
   const store::DbResult ids =
-      database.Select(store::DbQuery("SSELECT VELANORO PAR 0", kCardFile, "0").encoded());
+      database.Select(store::DbQuery("SSELECT VELANORO PAR 0", exchange::kCardFile, "0").encoded());
   {
     Progress progress("Vérification", static_cast<std::size_t>(ids.DCount()));
     for (int i = 1; i <= ids.DCount(); ++i) {
@@ -46,7 +46,7 @@ int check_records(store::Database& database) {
       if (const auto card = cards->find(ids(i))) list.add(ids(i), check.faults_of(ids(i), *card));
     }
   }
-  for (const FaultList::Kind* kind : list.most_frequent_first()) {
+  for (const office::FaultList::Kind* kind : list.most_frequent_first()) {
     std::cout << counted(kind->cards, "fiche") << " : " << kind->sentence << "\n";
     for (const std::string& line : kind->lines) std::cout << line << "\n";
     std::cout << "\n";

@@ -7,7 +7,7 @@
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/progress.h"
 #include "app/velanorctl/unfinished.h"
-#include "store/sqlite/sqlite_database.h"
+#include "velanor/sqlite_database.h"
 
 namespace velanor::app {
 namespace {

@@ -5,11 +5,11 @@
 #include <iostream>
 
 #include "app/velanorctl/commands.h"
-#include "app/velanorctl/csv.h"
-#include "app/velanorctl/export_csv.h"
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/progress.h"
 #include "app/velanorctl/unfinished.h"
+#include "exchange/csv.h"
+#include "exchange/export_csv.h"
 
 namespace velanor::app {
 namespace {
@@ -24,12 +24,13 @@ struct Options {
 void write(const Options& options, std::ostream& out) {
   const auto database = open_named_store(options.store);
   Progress progress("Exportation");
-  out << kByteOrderMark;
+  out << exchange::kByteOrderMark;
   database->in_one_view([&] {
-    export_csv(out, *database, options.file,
-               {.headings = options.names ? Headings::kNames : Headings::kPositions,
-                .separator = options.separator.front()},
-               [&] { progress.step(); });
+    exchange::export_csv(
+        out, *database, options.file,
+        {.headings = options.names ? exchange::Headings::kNames : exchange::Headings::kPositions,
+         .separator = options.separator.front()},
+        [&] { progress.step(); });
   });
   out.flush();
   if (!out) {

@@ -1,6 +1,6 @@
 #include "app/velanorctl/headless_stage.h"
 
-#include "control/controle_velanor.h"
+#include "velanor/controle_velanor.h"
 
 namespace velanor::app {
 namespace {

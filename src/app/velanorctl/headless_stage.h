@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "play/player.h"
-#include "store/database.h"
+#include "velanor/database.h"
 
 namespace velanor::app {
 

@@ -6,11 +6,11 @@
 #include <iostream>
 
 #include "app/velanorctl/commands.h"
-#include "app/velanorctl/import_csv.h"
-#include "app/velanorctl/known_files.h"
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/progress.h"
 #include "app/velanorctl/unfinished.h"
+#include "card/record/known_files.h"
+#include "exchange/import_csv.h"
 
 namespace velanor::app {
 namespace {
@@ -18,16 +18,16 @@ namespace {
 struct Options {
   StoreOptions store;
   std::string table, file;
-  ImportOptions how;
+  exchange::ImportOptions how;
 };
 
 constexpr std::size_t kLinesShown = 20;
 
-void tell(const Options& options, const ImportRemark& remark) {
+void tell(const Options& options, const exchange::ImportRemark& remark) {
   std::cerr << options.table << ":" << remark.line << ": " << remark.sentence << "\n";
 }
 
-int report_faults(const Options& options, const ImportReport& report) {
+int report_faults(const Options& options, const exchange::ImportReport& report) {
   const auto& faults = report.faults;
   for (std::size_t i = 0; i < std::min(faults.size(), kLinesShown); ++i) tell(options, faults[i]);
   if (faults.size() > kLinesShown) std::cerr << "et " << faults.size() - kLinesShown << " autres fautes\n";
@@ -40,7 +40,7 @@ int report_faults(const Options& options, const ImportReport& report) {
   return 1;
 }
 
-void report_records(std::string_view verb, const std::vector<ImportReport::Record>& records) {
+void report_records(std::string_view verb, const std::vector<exchange::ImportReport::Record>& records) {
   for (std::size_t i = 0; i < std::min(records.size(), kLinesShown); ++i) {
     std::cout << verb << " " << records[i].id;
     const auto& changes = records[i].changes;
@@ -51,8 +51,8 @@ void report_records(std::string_view verb, const std::vector<ImportReport::Recor
     std::cout << verb << " encore " << records.size() - kLinesShown << " enregistrements\n";
 }
 
-void report_success(const Options& options, const ImportReport& report) {
-  for (const ImportRemark& remark : report.remarks) {
+void report_success(const Options& options, const exchange::ImportReport& report) {
+  for (const exchange::ImportRemark& remark : report.remarks) {
     std::cerr << "Attention : ";
     tell(options, remark);
   }
@@ -75,19 +75,19 @@ std::ifstream open_table(const std::string& path) {
   return in;
 }
 
-ImportReport import_into(const StoreOptions& store, const Options& options) {
+exchange::ImportReport import_into(const StoreOptions& store, const Options& options) {
   std::ifstream in = open_table(options.table);
   const auto database = open_named_store(store, IfMissing::kCreate);
   Progress progress("Importation");
-  return import_csv(in, *database, options.file, options.how, [&] { progress.step(); });
+  return exchange::import_csv(in, *database, options.file, options.how, [&] { progress.step(); });
 }
 
 // A database that does not exist yet appears with what is imported, or not at all.
-ImportReport import_into_new(const std::string& path, const Options& options) {
+exchange::ImportReport import_into_new(const std::string& path, const Options& options) {
   Unfinished file(path);
   StoreOptions store;
   store.url = file.path();
-  ImportReport report = import_into(store, options);
+  exchange::ImportReport report = import_into(store, options);
   if (report.faults.empty()) file.complete();
   return report;
 }
@@ -99,7 +99,7 @@ std::string new_database(const StoreOptions& store) {
   return std::filesystem::exists(path) ? std::string() : path;
 }
 
-ImportReport import_as_told(const Options& options) {
+exchange::ImportReport import_as_told(const Options& options) {
   const std::string path = new_database(options.store);
   if (path.empty()) return import_into(options.store, options);
   if (!options.how.rehearsal) return import_into_new(path, options);
@@ -109,11 +109,11 @@ ImportReport import_as_told(const Options& options) {
 }
 
 int import(const Options& options) {
-  if (!is_known_file(options.file)) {
+  if (!card::is_known_file(options.file)) {
     std::cerr << "Attention : « " << options.file << " » n'est pas un des fichiers du composant ("
-              << known_files() << ").\n";
+              << card::known_files() << ").\n";
   }
-  const ImportReport report = import_as_told(options);
+  const exchange::ImportReport report = import_as_told(options);
   if (!report.faults.empty()) return report_faults(options, report);
   report_success(options, report);
   return 0;

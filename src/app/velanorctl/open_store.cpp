@@ -3,8 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 
-#include "store/memory_database.h"
 #include "store/sqlite/failure.h"
+#include "velanor/memory_database.h"
 
 namespace velanor::app {
 namespace {

@@ -7,8 +7,8 @@
 #include <string_view>
 
 #include "demo/demo.h"
-#include "store/database.h"
-#include "store/sqlite/sqlite_database.h"
+#include "velanor/database.h"
+#include "velanor/sqlite_database.h"
 
 namespace CLI {
 class App;

@@ -4,7 +4,7 @@
 
 #include "app/velanorctl/commands.h"
 #include "app/velanorctl/open_store.h"
-#include "play/store_commands.h"
+#include "store/position.h"
 
 namespace velanor::app {
 namespace {
@@ -16,12 +16,13 @@ struct Options {
 
 int show(const Options& options) {
   const auto database = open_named_store(options.store);
-  play::Command record{};
-  record.verb = play::Verb::Record;
-  record.file = options.file;
-  record.id = options.id;
-  play::print_record(*database, record, std::cout);
-  return database->OpenFile(options.file)->find(options.id) ? 0 : 1;
+  const auto record = database->OpenFile(options.file)->find(options.id);
+  if (record) {
+    store::print_elements(*record, std::cout);
+  } else {
+    std::cout << "absent\n";
+  }
+  return record ? 0 : 1;
 }
 
 }  // namespace

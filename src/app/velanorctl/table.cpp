@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "store/record.h"
 #include "text/utf8.h"
+#include "velanor/record.h"
 
 namespace velanor::app {
 namespace {

@@ -6,11 +6,11 @@
 #include <string_view>
 #include <vector>
 
-#include "card/amendment_columns.h"
-#include "card/codec.h"
+#include "card/record/amendment_columns.h"
+#include "card/record/codec.h"
 #include "card/record/labels.h"
-#include "card/record_compare.h"
-#include "store/record.h"
+#include "card/record/record_compare.h"
+#include "velanor/record.h"
 
 namespace velanor::card {
 

@@ -1,6 +1,6 @@
 #include "card/record/labels.h"
 
-#include "card/item_hours.h"
+#include "card/record/item_hours.h"
 #include "text/utf8.h"
 
 namespace velanor::card {

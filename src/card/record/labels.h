@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "control/session.h"
+#include "control/session/procedure.h"
 
 namespace velanor::card {
 

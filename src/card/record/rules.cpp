@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "card/record_compare.h"
+#include "card/record/record_compare.h"
 #include "entry/decimal.h"
 #include "text/utf8.h"
 

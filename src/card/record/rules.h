@@ -4,9 +4,9 @@
 #include <optional>
 #include <vector>
 
-#include "card/codec.h"
+#include "card/record/codec.h"
 #include "card/record/fault.h"
-#include "store/record.h"
+#include "velanor/record.h"
 
 namespace velanor::card {
 

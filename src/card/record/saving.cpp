@@ -1,7 +1,7 @@
 #include "card/record/saving.h"
 
-#include "card/amendment_columns.h"
-#include "card/record_compare.h"
+#include "card/record/amendment_columns.h"
+#include "card/record/record_compare.h"
 #include "text/utf8.h"
 
 namespace velanor::card {

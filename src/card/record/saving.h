@@ -1,7 +1,7 @@
 // What saving makes of a card, beyond what was entered.
 #pragma once
 
-#include "store/record.h"
+#include "velanor/record.h"
 
 namespace velanor::card {
 

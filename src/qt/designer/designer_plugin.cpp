@@ -2,7 +2,7 @@
 
 #include <QIcon>
 
-#include "qt/controle_velanor_widget.h"
+#include "velanor/controle_velanor_widget.h"
 
 namespace velanor::qt {
 

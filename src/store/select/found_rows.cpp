@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <memory>
 
-#include "store/error.h"
 #include "store/mark_scanner.h"
+#include "velanor/error.h"
 
 namespace velanor::store::select {
 namespace {

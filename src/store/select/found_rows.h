@@ -6,11 +6,11 @@
 #include <string_view>
 #include <vector>
 
-#include "store/query.h"
 #include "store/select/collation.h"
 #include "store/select/evaluator.h"
 #include "store/select/key_table.h"
 #include "store/select/tree.h"
+#include "velanor/query.h"
 
 namespace velanor::store::select {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "store/error.h"
+#include "velanor/error.h"
 
 namespace velanor::store::select {
 

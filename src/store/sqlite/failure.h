@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "store/error.h"
+#include "velanor/error.h"
 
 namespace velanor::store::sqlite {
 

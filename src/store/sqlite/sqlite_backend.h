@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "store/backend.h"
 #include "store/sqlite/connection.h"
+#include "velanor/backend.h"
 
 namespace velanor::store::sqlite {
 

@@ -1,0 +1,85 @@
+// The database as the component sees it: files of records, and selections over them.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "velanor/error.h"
+#include "velanor/query.h"
+#include "velanor/record.h"
+
+namespace velanor::store {
+
+class DbFile;
+
+// What a write expects to find under its id. Something else is a kConflict, and nothing is written: no
+// clerk's record takes the place of another's unseen.
+class Expected {
+ public:
+  static Expected anything() { return Expected(Kind::kAnything); }
+  static Expected absent() { return Expected(Kind::kAbsent); }
+  bool wants_absence() const { return kind_ == Kind::kAbsent; }
+
+ private:
+  enum class Kind { kAnything, kAbsent };
+  explicit Expected(Kind kind) : kind_(kind) {}
+  Kind kind_;
+};
+
+// A record bound to a file and an id: filled, then written by DBWrite. It starts empty.
+// The file must outlive it.
+class FileRecord : public DbRecord {
+ public:
+  FileRecord(DbFile& file, std::string id) : file_(&file), id_(std::move(id)) {}
+  const std::string& id() const { return id_; }
+  // Replaces the whole content by another record's.
+  void assign(const DbRecord& other) { DbRecord::operator=(other); }
+  // Writes the record under its id; durable where the store is, once this returns.
+  void DBWrite(Expected expected = Expected::anything());
+
+ private:
+  DbFile* file_;
+  std::string id_;
+};
+
+// An open file. Failures are DbError; a missing record is one only for Read.
+class DbFile {
+ public:
+  virtual ~DbFile() = default;
+  virtual std::optional<DbRecord> find(std::string_view id) = 0;
+  virtual void write(std::string_view id, const DbRecord& record, Expected expected) = 0;
+  void write(std::string_view id, const DbRecord& record) { write(id, record, Expected::anything()); }
+  // Removing a record that does not exist is not an error.
+  virtual void DeleteRecord(std::string_view id) = 0;
+
+  // Throws DbError kMissingRecord when there is no such record.
+  DbRecord Read(std::string_view id);
+  FileRecord Record(std::string_view id) { return FileRecord(*this, std::string(id)); }
+};
+
+// What the host hands in as TheDatabase. Used from one thread. Files that it opened must not
+// outlive it. One that cannot make changes or views of several calls says so with a DbError.
+class Database {
+ public:
+  virtual ~Database() = default;
+  virtual std::unique_ptr<DbFile> OpenFile(std::string_view name) = 0;
+  // Runs a request in its encoded form (see DbQuery). `option` is always "".
+  virtual DbResult Select(std::string_view request, std::string_view option = {}) = 0;
+
+  // Carries out everything that `writes` writes through this database as one change: all of it, or nothing
+  // when it throws. Within another change it belongs to that one.
+  virtual void in_one_change(const std::function<void()>& writes);
+  // Runs reads that see the database as it stands now, whatever others write meanwhile.
+  virtual void in_one_view(const std::function<void()>& reads);
+
+  // Nothing can be written: every write fails. What is open is open for reading.
+  virtual bool read_only() const { return false; }
+
+  // What its users hold in common, theirs to make and to drop; the database never looks at it.
+  std::weak_ptr<void> shared;
+};
+
+}  // namespace velanor::store

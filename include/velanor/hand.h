@@ -1,0 +1,60 @@
+// What a user can do to a screen, judged as it would be under a hand: whatever is disabled,
+// hidden or behind another form does not answer. A scenario and a window both act through it.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "velanor/screen.h"
+
+namespace velanor::screen {
+
+// Why an action could not be made; empty when it was. A click that is lost on its way, because the
+// control left keeps the focus or speaks up, was made all the same.
+using Refusal = std::string;
+
+class Hand {
+ public:
+  explicit Hand(Screen& screen) : screen_(screen) {}
+
+  // Puts the focus on a control, showing its page first. The control left may keep it.
+  Refusal focus(Control& control);
+  // Takes the focus away to none.
+  Refusal leave();
+  // One key into a control, after putting the focus there.
+  Refusal press(Control& control, Key key);
+  // The characters of a text, one key each. Keys follow the focus where a handler moves it.
+  Refusal type(TextControl& control, std::string_view text);
+  // Replaces the whole text, as select-all and paste do; "" as select-all and Delete.
+  Refusal replace_text(TextControl& control, std::string_view text);
+
+  Refusal click(Control& button);
+  // Opens the list of a combo box, as its arrow does.
+  Refusal drop_down(ComboBox& box);
+  // Chooses a line of an opened combo box, or clicks a line of a list box.
+  Refusal choose(ComboBox& box, int index);
+  Refusal pick(ListBox& list, int index);
+  Refusal double_click(ListBox& list, int index);
+  Refusal scroll(ScrollBar& bar, int value);
+  Refusal show_page(int page);
+  Refusal right_press();
+  // Escape: the first usable one of the topmost form's cancel buttons.
+  Refusal cancel();
+  // The close box of the topmost form.
+  Refusal close();
+
+ private:
+  // Puts the focus on a control about to be used, showing its page first.
+  Refusal reach(Control& control);
+  Refusal check(const Control& control) const;
+  template <typename Act>
+  Refusal act(Control& control, Act act);
+  void key_into_focus(Key key);
+  void press_default(const Form& form);
+  void edit_key(TextControl& control, Key key);
+  void settle();
+
+  Screen& screen_;
+};
+
+}  // namespace velanor::screen

@@ -1,0 +1,102 @@
+// The forms that stand on one another, and the message boxes between them: what a windowing
+// toolkit (or a scenario) has to implement for a component, and the component's side of it.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "velanor/form.h"
+
+namespace velanor::screen {
+
+enum class Icon { Exclamation, Question, Information };
+enum class Buttons { Ok, OkCancel, YesNo };
+enum class Answer { Ok, Cancel, Yes, No };
+
+struct Message {
+  std::string title;
+  std::string text;  // lines end with CR LF
+  Icon icon = Icon::Exclamation;
+  Buttons buttons = Buttons::Ok;
+  // The answer that Enter gives. Never the one that throws work away.
+  Answer preset = Answer::Ok;
+};
+
+// What the hands and eyes of the user are made of. All calls come from the thread of the
+// component; `message` returns when the user has answered.
+class Toolkit {
+ public:
+  virtual ~Toolkit() = default;
+  virtual Answer message(const Message& message) = 0;
+  // A modal form came on top, or went away; the forms below take no input meanwhile.
+  virtual void form_opened(Form&) {}
+  virtual void form_closed(Form&) {}
+  virtual void pop_up(Menu&) {}
+  virtual void beep() {}
+  // The hourglass pointer while a long work is under way.
+  virtual void set_busy(bool) {}
+};
+
+// The hourglass pointer as long as this lives.
+class Busy {
+ public:
+  explicit Busy(Toolkit& toolkit) : toolkit_(toolkit) { toolkit_.set_busy(true); }
+  ~Busy() { toolkit_.set_busy(false); }
+  Busy(const Busy&) = delete;
+  Busy& operator=(const Busy&) = delete;
+
+ private:
+  Toolkit& toolkit_;
+};
+
+// The stack of forms of one component. Forms and toolkit must outlive it.
+class Screen {
+ public:
+  Screen(Form& base, Toolkit& toolkit) : toolkit_(toolkit), stack_{{&base, {}}} {}
+
+  Toolkit& toolkit() const { return toolkit_; }
+  Form& base() const { return *stack_.front().form; }
+  Form& top() const { return *stack_.back().form; }
+  bool is_open(const Form& form) const;
+  // From the base to the topmost.
+  std::vector<Form*> open_forms() const;
+
+  // Opens a modal form; `closed` runs when it has gone.
+  void open(Form& form, std::function<void()> closed);
+  // Takes the topmost form away and runs what was to be done then.
+  void close(Form& form);
+  // The user's close box of the topmost form: the form decides. Whether it went away.
+  bool request_close();
+
+  // Every message of the component bears its title.
+  void refuse(std::string_view text) { say(text, Icon::Exclamation, Buttons::Ok); }
+  void inform(std::string_view text) { say(text, Icon::Information, Buttons::Ok); }
+  bool confirm(std::string_view text, Icon icon = Icon::Question) {
+    return say(text, icon, Buttons::YesNo, Answer::Yes) == Answer::Yes;
+  }
+  // A question whose "Oui" throws work away: Enter says "Non".
+  bool confirm_loss(std::string_view text, Icon icon = Icon::Question) {
+    return say(text, icon, Buttons::YesNo, Answer::No) == Answer::Yes;
+  }
+  Answer say(std::string_view text, Icon icon, Buttons buttons, Answer preset = Answer::Ok);
+  // Message boxes shown so far; a click during which one opens is lost.
+  int messages_shown() const { return messages_shown_; }
+
+  // Set by the exit: no form is there any more.
+  void finish() { finished_ = true; }
+  bool finished() const { return finished_; }
+
+ private:
+  struct Open {
+    Form* form;
+    std::function<void()> closed;
+  };
+  Toolkit& toolkit_;
+  std::vector<Open> stack_;
+  int messages_shown_ = 0;
+  bool finished_ = false;
+};
+
+}  // namespace velanor::screen

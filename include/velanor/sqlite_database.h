@@ -1,0 +1,69 @@
+// The embedded store: all files of records in one SQLite database file.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "velanor/store_database.h"
+
+namespace velanor::store {
+
+namespace sqlite {
+class SqliteBackend;
+}
+
+// A file stands where another was to be made; it is left as it is.
+class NameTaken : public DbError {
+ public:
+  using DbError::DbError;
+};
+
+// What is written is on the disk once the call returns; a failure leaves the file as it was. Several
+// programs, and several of these, may use one database file; each sees at once what the others
+// write. Every failure is a DbError (kStoreFailure) whose sentence says what to do.
+class SqliteDatabase : public StoreDatabase {
+ public:
+  enum class Missing { kFail, kCreate };
+  struct Options {
+    // Whether a file that is not there is created (mode 0600) or an error.
+    Missing missing = Missing::kFail;
+    // How long a write waits for other programs, in milliseconds.
+    int patience = 5000;
+    select::Dictionary dictionary = select::default_dictionary();
+  };
+
+  // A file of another kind, or written by a later version, is refused and left as it is; an older
+  // one is brought up to date. A file that may not be written, or stands in a folder that may not, is
+  // opened for reading; every write then fails.
+  explicit SqliteDatabase(const std::string& path) : SqliteDatabase(path, Options()) {}
+  SqliteDatabase(const std::string& path, Options options);
+
+  // Whether it is open for reading alone.
+  bool read_only() const override;
+
+  // One change of many records is also fast. Others wait with their writes meanwhile, and see nothing
+  // before its end. Nobody waits for a view; to write inside one is an error.
+
+  // Writes a record without opening its file.
+  void put(std::string_view file, std::string_view id, const DbRecord& record);
+  // The files that hold records, by name.
+  std::vector<std::string> files();
+  // Copies the database, as it stands now, to a new file (mode 0600) that appears when it is complete
+  // and has been found sound; others may write meanwhile. A file that exists, or is being made by
+  // another copy, is a NameTaken. `progress` hears what part is copied, from 0 to 1.
+  void back_up(const std::string& path, const std::function<void(double)>& progress = {});
+  // What is damaged in the file itself, in SQLite's words; nothing for a sound file.
+  std::vector<std::string> damages();
+
+  // Whether the file says of itself that it is such a database; nothing else of it is looked at.
+  static bool is_at(const std::string& path);
+
+ private:
+  SqliteDatabase(std::unique_ptr<sqlite::SqliteBackend> backend, select::Dictionary dictionary);
+
+  sqlite::SqliteBackend* backend_;
+};
+
+}  // namespace velanor::store

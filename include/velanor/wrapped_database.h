@@ -1,0 +1,46 @@
+// A database in front of another: the base of those that watch, count, refuse or slow down.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "velanor/database.h"
+
+namespace velanor::store {
+
+// One call on its way to the database behind. `file` is empty for a selection, `id` the id of a
+// record or the request of a selection; `record` is what is to be written, else null.
+struct DatabaseCall {
+  enum class Kind { kOpen, kSelect, kFind, kWrite, kDelete };
+  Kind kind;
+  std::string_view file, id;
+  const DbRecord* record = nullptr;
+};
+
+// Hands every call on to the other database, which must outlive it, and its changes and views as well.
+class WrappedDatabase : public Database {
+ public:
+  explicit WrappedDatabase(Database& inner) : inner_(inner) {}
+
+  std::unique_ptr<DbFile> OpenFile(std::string_view name) override;
+  DbResult Select(std::string_view request, std::string_view option = {}) override;
+  void in_one_change(const std::function<void()>& writes) override { inner_.in_one_change(writes); }
+  void in_one_view(const std::function<void()>& reads) override { inner_.in_one_view(reads); }
+  bool read_only() const override { return inner_.read_only(); }
+
+ protected:
+  // Hears of each call before it is made; what it throws is thrown in its place.
+  virtual void before(const DatabaseCall&) {}
+  // Hears of each call that was made without failing.
+  virtual void after(const DatabaseCall&) {}
+
+ private:
+  class File;
+  template <typename Make>
+  auto pass(const DatabaseCall& call, Make make);
+
+  Database& inner_;
+};
+
+}  // namespace velanor::store

@@ -1,0 +1,385 @@
+#include "card/commands/card_commands.h"
+
+#include "card/record/record_layout.h"
+#include "entry/decimal.h"
+#include "screen/scope.h"
+#include "text/utf8.h"
+
+namespace velanor::commands {
+
+void CardCommands::bind() {
+  on_.ui.Cbo_Periode.clicked += [this] { Cbo_Periode_Click(); };
+  on_.ui.Cmd_OK.clicked += [this] { Cmd_OK_Click(); };
+  on_.ui.Cmd_Ajout.clicked += [this] { Cmd_Ajout_Click(); };
+  on_.ui.Cmd_Annul.clicked += [this] { Cmd_Annul_Click(); };
+  on_.ui.Cmd_Supp.clicked += [this] { Cmd_Supp_Click(); };
+  on_.ui.Cmd_Copier.clicked += [this] { Cmd_Copier_Click(); };
+}
+
+std::string CardCommands::year() const { return std::string(text::trim(on_.ui.Cbo_Periode.text())); }
+
+std::string CardCommands::id_of(const std::string& employee) const {
+  return card::record_id(employee, on_.card.entity, on_.card.year);
+}
+
+void CardCommands::write_card(store::FileRecord& card, store::Expected expected) {
+  if (!card::is_record_id(card.id())) {
+    throw store::DbError(store::kStoreFailure,
+                         "La fiche « " + card.id() +
+                             " » ne peut pas être enregistrée : il manque un code de salarié, une entité ou "
+                             "une année.");
+  }
+  card.DBWrite(expected);
+}
+
+// Another clerk may take a code between the search for it and the write: then it is the next one.
+store::FileRecord CardCommands::write_new_card(
+    const std::function<store::DbRecord(const std::string& code)>& content) {
+  const screen::Scope own_code(on_.card.CodeAidant, std::string());
+  while (true) {
+    RechCode();
+    store::FileRecord card = on_.procedure.file(control::File::kCards).Record(id_of(on_.card.CodeAidant));
+    card.assign(content(on_.card.CodeAidant));
+    try {
+      write_card(card, store::Expected::absent());
+      return card;
+    } catch (const store::DbError& error) {
+      if (error.number() != store::kConflict) throw;
+    }
+  }
+}
+
+// ---- Entity, year, employee.
+
+void CardCommands::RemplirPeriodes() {
+  const auto years = on_.years.years(text::trim(entity()));
+  if (years.empty()) {
+    on_.screen.refuse("Aucune extraction de personnel n'a été réalisée pour cette entité.");
+    on_.ui.Txt_Asso.set_text({});
+    on_.ui.set_focus(on_.ui.Txt_Asso);
+    return;
+  }
+  on_.ui.Cbo_Periode.clear();
+  for (const std::string& year : years) on_.ui.Cbo_Periode.add(year);
+}
+
+void CardCommands::entity_accepted() {
+  try {
+    enter_entity();
+  } catch (...) {
+    on_.ui.Txt_Asso.set_text({});
+    throw;
+  }
+}
+
+void CardCommands::enter_entity() {
+  card::CardScreen& ui = on_.ui;
+  ui.Txt_Aidant.set_enabled(true);
+  ui.Cbo_Aidant.set_enabled(true);
+  ui.Cmd_Ajout.set_enabled(!on_.card.read_only);
+  constexpr int kMonthlyHours = 2;
+  const auto establishment = on_.procedure.establishments().find(entity() + "001");
+  const auto hours = establishment ? entry::parse_decimal((*establishment)(kMonthlyHours), 0) : std::nullopt;
+  on_.card.default_hours =
+      hours ? text::pad_left(entry::format_decimal(*hours, 2, 2), 6, '0') : std::string();
+  RemplirPeriodes();
+  if (ui.Txt_Asso.is_empty()) return;
+  ui.Cbo_Periode.set_index(0);
+  ui.Cmd_Ajout.set_enabled(!on_.card.read_only);
+  ui.set_focus(ui.Txt_Aidant);
+}
+
+void CardCommands::entity_incomplete() {
+  on_.ui.Cbo_Periode.clear();
+  on_.ui.Txt_Aidant.set_text({});
+  on_.ui.Cbo_Aidant.clear();
+  on_.ui.Txt_Aidant.set_enabled(false);
+  on_.ui.Cbo_Aidant.set_enabled(false);
+  on_.ui.Cmd_Ajout.set_enabled(false);
+  keep_or_end_copying();
+}
+
+void CardCommands::Cbo_Periode_Click() {
+  if (on_.ui.Cbo_Periode.index() < 0 || on_.ui.Txt_Asso.is_empty()) return;
+  keep_or_end_copying();
+  on_.ui.Cmd_Ajout.set_enabled(on_.states.year_is_open());
+  list_employees();
+}
+
+void CardCommands::list_employees() {
+  std::exception_ptr failure;
+  try {
+    on_.lists.RequeteAidant();
+  } catch (const store::DbError&) {
+    failure = std::current_exception();
+  }
+  on_.lists.RemplirAidant();
+  if (failure) std::rethrow_exception(failure);
+}
+
+void CardCommands::put_in_hand(const store::DbRecord& record) {
+  on_.card.draft = card::Draft(on_.card.draft.reading(), record);
+}
+
+void CardCommands::keep_or_end_copying() {
+  if (on_.card.open) return;
+  const bool same = entity() == on_.card.entity && year() == on_.card.year;
+  on_.ui.Cmd_Copier.set_enabled(on_.ui.Cmd_Copier.enabled() && same);
+}
+
+void CardCommands::start_card(bool creation) {
+  on_.card.Creation = creation;
+  on_.card.open = true;
+  on_.card.entity = entity();
+  on_.card.year = year();
+  on_.card.AjoutDetail = on_.card.AjoutActivite = false;
+  on_.card.edited_line = -1;
+  on_.states.empty_fields();
+  on_.lists.ChercheRegroupBudget({});
+  {
+    // The lists take a single entry at once; on a card that is loaded the record has the last word.
+    const screen::Scope loading(on_.card.loading, !creation);
+    on_.lists.fill_card_lists();
+  }
+  on_.states.enable_entity(false);
+}
+
+template <typename Open>
+void CardCommands::open_or_browse(Open open) {
+  try {
+    open();
+  } catch (...) {
+    put_in_hand({});
+    on_.card.file.reset();
+    clear_display();
+    close_card();
+    on_.ui.Txt_Aidant.set_text({});
+    on_.ui.set_focus(on_.ui.Txt_Aidant);
+    throw;
+  }
+}
+
+void CardCommands::open_employee(const store::DbRecord& record) {
+  open_or_browse([&] { show_employee(record); });
+}
+
+void CardCommands::show_employee(const store::DbRecord& record) {
+  card::CardScreen& ui = on_.ui;
+  start_card(false);
+  on_.card.CodeAidant = ui.Txt_Aidant.text();
+  put_in_hand(record);
+  on_.card.file = on_.procedure.file(control::File::kCards).Record(id_of(on_.card.CodeAidant));
+  on_.card.file->assign(record);
+  on_.record.ChargerAidant();
+  on_.states.DeGriserOng();
+  const bool editable = on_.states.year_is_open();
+  if (editable) {
+    on_.states.DeGriserDonnees();
+    ui.Cbo_EtudeAidant.set_enabled(true);
+    on_.states.update_add_amendment();
+    ui.Cmd_SuppDetail.set_enabled(true);
+  } else {
+    ui.Cbo_MotifFin.set_enabled(false);
+    // The lists cannot be clicked in such a year, but the items of a line can be read.
+    ui.Cdr_Detail.set_enabled(true);
+    ui.Lst_DatEffet.set_index(0);
+  }
+  ui.Cmd_Copier.set_enabled(editable);
+  ui.Txt_Etat.set_text(editable ? "Modification" : "Consultation");
+}
+
+void CardCommands::employee_left() {
+  if (!on_.card.open || on_.card.loading || on_.states.year_is_open()) return;
+  put_in_hand({});
+  on_.card.file.reset();
+  clear_display();
+  close_card();
+}
+
+// ---- New card.
+
+void CardCommands::Cmd_Ajout_Click() {
+  open_or_browse([this] { show_new_card(); });
+}
+
+void CardCommands::show_new_card() {
+  card::CardScreen& ui = on_.ui;
+  on_.card.CodeAidant.clear();
+  put_in_hand({});
+  on_.card.file.reset();
+  start_card(true);
+  on_.states.DeGriserOng();
+  ui.Cmd_Copier.set_enabled(false);
+  ui.Opt_CDI.set_value(true);
+  ui.Opt_Prod.set_value(true);
+  ui.Txt_HresExo.set_text("100,00");
+  ui.Txt_HorMensEtab.set_text(on_.card.default_hours);
+  // Without a default, the only agreement of the file stays taken.
+  if (const std::string agreement = default_agreement_(); !agreement.empty())
+    ui.Txt_ConvCol.set_text(agreement);
+  ui.Txt_Etat.set_text("Création");
+  ui.set_focus(ui.Txt_NomAidant);
+}
+
+// ---- Saving.
+
+bool CardCommands::year_is_locked() {
+  const std::string latest = on_.years.latest(entity());
+  if (latest == year()) return false;
+  on_.screen.refuse("Une extraction du personnel a été réalisée sur l'année " + latest +
+                    ".\r\nVous ne pouvez plus modifier une fiche de personnel sur l'année " + year() + ".");
+  return true;
+}
+
+void CardCommands::Cmd_OK_Click() {
+  if (year_is_locked()) return;
+  on_.card.Erreur = false;
+  on_.validation.VerifZone();
+  if (on_.card.Erreur) return;
+  on_.card.CodeAidant = on_.ui.Txt_Aidant.text();
+  // What the clerk sees stays what is in hand if the store fails.
+  const card::Draft in_hand = on_.card.draft;
+  try {
+    on_.record.ChargerDonnees();
+    if (on_.card.Creation) {
+      on_.card.file = write_new_card([this](const std::string&) { return on_.card.draft.record(); });
+    } else {
+      store::FileRecord file = *on_.card.file;
+      file.assign(on_.card.draft.record());
+      write_card(file, store::Expected::anything());
+      on_.card.file = file;
+    }
+  } catch (...) {
+    on_.card.draft = in_hand;
+    if (on_.card.Creation) on_.card.file.reset();
+    throw;
+  }
+  clear_display();
+  const std::exception_ptr failure = return_to_browsing();
+  on_.ui.Cmd_Ajout.set_enabled(true);
+  allow_browsing(failure);
+}
+
+// Codes are handed out downwards from 99999. Any failure other than a missing record counts as a
+// code in use, so the search has to end somewhere.
+void CardCommands::RechCode() {
+  constexpr int kFirst = 99999;
+  store::DbFile& cards = on_.procedure.file(control::File::kCards);
+  for (int n = kFirst; n >= 0; --n) {
+    const std::string code = text::pad_left(std::to_string(n), card::kEmployeeCodeLength, '0');
+    try {
+      cards.Read(id_of(code));
+    } catch (const store::DbError& error) {
+      if (error.number() != store::kMissingRecord) continue;
+      on_.card.CodeAidant = code;
+      return;
+    }
+  }
+  throw store::DbError(store::kStoreFailure,
+                       "Aucun code de salarié n'est libre pour cette entité et cette année.");
+}
+
+// ---- Back to browsing.
+
+void CardCommands::close_card() {
+  card::CardScreen& ui = on_.ui;
+  on_.card.Creation = false;
+  on_.card.open = false;
+  ui.Txt_Aidant.set_enabled(true);
+  ui.Txt_NomAidant.set_text({});
+  ui.Txt_NomAidant.set_enabled(false);
+  ui.Txt_NomAidant.set_visible(false);
+  ui.Cbo_Aidant.set_visible(true);
+  ui.Cbo_Aidant.set_enabled(true);
+  on_.states.GriserOng();
+  ui.Ong_FichPers.enable_all();
+  ui.Ong_FichPers.show(card::kIdentityPage);
+  on_.states.enable_entity(true);
+  ui.Cbo_Periode.set_enabled(true);
+  ui.Cmd_Ajout.set_enabled(on_.states.year_is_open());
+}
+
+void CardCommands::clear_display() {
+  on_.ui.Cmd_Copier.set_enabled(false);
+  on_.ui.Txt_RegroupBudget.set_text({});
+  on_.ui.Txt_Etat.set_text({});
+}
+
+std::exception_ptr CardCommands::return_to_browsing() {
+  on_.card.open = false;
+  on_.ui.Txt_Aidant.set_text({});
+  close_card();
+  try {
+    list_employees();
+  } catch (const store::DbError&) {
+    return std::current_exception();
+  }
+  return {};
+}
+
+void CardCommands::allow_browsing(const std::exception_ptr& failure) {
+  on_.ui.Cmd_Sortir.set_enabled(true);
+  on_.ui.set_focus(on_.ui.Txt_Aidant);
+  if (failure) std::rethrow_exception(failure);
+}
+
+void CardCommands::Cmd_Annul_Click() {
+  if (!on_.screen.confirm_loss("Voulez-vous quitter cette création ?")) return;
+  clear_display();
+  allow_browsing(return_to_browsing());
+}
+
+void CardCommands::Cmd_Supp_Click() {
+  if (!on_.screen.confirm_loss("Voulez-vous supprimer cette fiche ?")) return;
+  if (!on_.card.Creation) {
+    const std::string id = id_of(on_.card.CodeAidant);
+    on_.procedure.file(control::File::kCards).DeleteRecord(id);
+    SupprimerCalculs(id);
+  }
+  // Budget grouping, state and the duplicate button stay as the deleted card left them.
+  const std::exception_ptr failure = return_to_browsing();
+  on_.ui.Cmd_Ajout.set_enabled(true);
+  allow_browsing(failure);
+}
+
+namespace {
+
+// Runs one step of a clean-up whose failures nobody wants to hear of.
+template <typename Step>
+void ignoring_failures(Step step) {
+  try {
+    step();
+  } catch (const store::DbError&) {
+  }
+}
+
+}  // namespace
+
+void CardCommands::SupprimerCalculs(const std::string& id) {
+  constexpr int kMonths = 12;
+  store::Database& database = on_.procedure.database();
+  ignoring_failures([&] { database.OpenFile("BUDGETHISTORCUMUL")->DeleteRecord(id); });
+  ignoring_failures([&] {
+    const auto months = database.OpenFile("BUDGETDETAILCALCUL");
+    for (int m = 1; m <= kMonths; ++m)
+      ignoring_failures([&] { months->DeleteRecord(id + text::pad_left(std::to_string(m), 2, '0')); });
+  });
+}
+
+// ---- Duplicate.
+
+void CardCommands::Cmd_Copier_Click() {
+  if (!on_.card.file || !on_.years.is_latest(on_.card.entity, on_.card.year)) return;
+  std::string code;
+  write_new_card([&](const std::string& new_code) {
+    code = new_code;
+    store::DbRecord copy = *on_.card.file;
+    copy.set(card::kName, code);
+    for (int attribute : card::kResults) copy.set(attribute, {});
+    return copy;
+  });
+  on_.screen.inform("Cet aidant a été dupliqué sur le code " + code + ".");
+  if (!on_.card.open) list_employees();
+}
+
+}  // namespace velanor::commands

@@ -1,0 +1,64 @@
+// Moves the card between its record and the screen.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "amendments/lines.h"
+#include "card/record/draft.h"
+#include "card/screen/card_screen.h"
+#include "card/screen/card_state.h"
+#include "card/screen/states.h"
+
+namespace velanor::commands {
+
+// A field that still shows what it was loaded with gives back what was stored, so that a card
+// saved untouched is the card that was read, whatever codes and figures it held.
+class CardRecord {
+ public:
+  // Keeps the references; their owners outlive this.
+  struct Ground {
+    card::CardScreen& ui;
+    card::CardState& card;
+    entry::UtilSaisie& entry;
+    reference::ReferenceLists& lists;
+    amendments::AmendmentLines& amendments;
+  };
+  explicit CardRecord(const Ground& ground);
+
+  // Every control of the card from the draft. The fields must be empty. Says nothing, whatever codes the
+  // record holds.
+  void ChargerAidant();
+  // The draft with what the controls hold; its lines are in it already.
+  card::Draft entered() const;
+  // Every attribute of the draft, as it is saved.
+  void ChargerDonnees();
+
+ private:
+  // A text control and the field that it shows.
+  struct Field {
+    screen::TextControl* box;
+    std::string (*shown)(const card::Draft&);
+    void (*put)(card::Draft&, std::string_view shown);
+  };
+  template <auto A>
+  static Field field(screen::TextControl& box);
+
+  void load_options();
+  void load_activities();
+  void load_amendments();
+  void load_end_reason();
+  void load_establishment();
+  void load_mutual_shares();
+  static void load_entry(screen::ComboBox& box, const std::string& entry);
+  void load_charge();
+
+  card::CardScreen& ui_;
+  card::CardState& card_;
+  entry::UtilSaisie& entry_;
+  reference::ReferenceLists& lists_;
+  amendments::AmendmentLines& amendments_;
+  std::vector<Field> fields_;
+};
+
+}  // namespace velanor::commands

@@ -1,0 +1,105 @@
+#include "card/record/known_files.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "control/session/procedure.h"
+#include "text/number.h"
+#include "text/utf8.h"
+
+namespace velanor::card {
+namespace {
+
+const std::vector<std::string_view>& names() {
+  static const auto kNames = [] {
+    std::vector<std::string_view> all(control::kFileNames.begin(), control::kFileNames.end());
+    // Those that are not kept open.
+    for (const char* name : {"ETABLISSEMENT", "BUDGETHISTORCUMUL", "BUDGETDETAILCALCUL"})
+      all.emplace_back(name);
+    return all;
+  }();
+  return kNames;
+}
+
+// Ids of a fixed length. What follows a first part cannot be all that is left of them: an id has
+// `least` digits even without the zeros in front.
+struct IdShape {
+  std::string_view file;
+  int length, least = 1;
+};
+constexpr IdShape kIds[] = {
+    {"VELANORO", 12, 8},
+    {"BUDGETHISTORCUMUL", 12, 8},
+    {"BUDGETDETAILCALCUL", 14, 10},
+    {"ASSOCIATION", 3},
+    {"ETABLISSEMENT", 6, 4},
+    {"ACTIVITES", 6, 4},
+    {"CONVENTIONCOL", 2},
+    {"GRILLESCCBUDGET", 5, 4},
+    {"BUDGETTRAMESAISIE", 4, 3},
+    {"COMMUNES", 5, 4},
+    {"SECTEUR", 3},
+    {"PROFIL", 3},
+    {"RUBCHARGE", 3},
+    {"RUBSAISIE", 3},
+};
+
+// Codes that stand in a column of a reference file.
+struct CodeColumn {
+  std::string_view file;
+  int attribute, length;
+};
+constexpr int kTableCodeLength = 2;
+constexpr CodeColumn kCodeColumns[] = {
+    {"BUDGETPARAM", 10, 2},          {"BUDGETTRAMESAISIE", 1, 3},     {"RUBCHARGE", 16, 2},
+    {"TABLES", 2, kTableCodeLength}, {"TABLES", 4, kTableCodeLength},
+};
+
+const IdShape* shape_of(std::string_view file) {
+  const auto* const found =
+      std::find_if(std::begin(kIds), std::end(kIds), [=](const IdShape& id) { return id.file == file; });
+  return found == std::end(kIds) ? nullptr : found;
+}
+
+}  // namespace
+
+bool is_known_file(std::string_view name) {
+  return std::find(names().begin(), names().end(), name) != names().end();
+}
+
+std::string known_files() {
+  std::string list;
+  for (const std::string_view name : names()) list.append(list.empty() ? "" : ", ").append(name);
+  return list;
+}
+
+std::optional<std::string> completed_id(std::string_view file, std::string_view shown) {
+  const std::string_view trimmed = text::trim(shown);
+  const IdShape* shape = shape_of(file);
+  if (shape == nullptr || !text::is_digits(trimmed)) return std::string(shown);
+  const int length = text::length(trimmed);
+  if (length < shape->least) return std::nullopt;
+  return text::pad_left(trimmed, shape->length, '0');
+}
+
+int id_length(std::string_view file) {
+  const IdShape* shape = shape_of(file);
+  return shape == nullptr ? 0 : shape->length;
+}
+
+int list_code_length(std::string_view list) {
+  const int length = id_length(list);
+  return length > 0 ? length : kTableCodeLength;
+}
+
+std::string completed_cell(std::string_view file, int attribute, std::string_view cell) {
+  const auto* const found = std::find_if(
+      std::begin(kCodeColumns), std::end(kCodeColumns),
+      [&](const CodeColumn& column) { return column.file == file && column.attribute == attribute; });
+  const bool code = found != std::end(kCodeColumns) && text::is_digits(cell);
+  return code ? text::pad_left(cell, found->length, '0') : std::string(cell);
+}
+
+bool is_list_file(std::string_view file) { return file == "TABLES" || file == "BUDGETTRAMESAISIE"; }
+
+}  // namespace velanor::card

@@ -1,0 +1,80 @@
+#include "card/record/references.h"
+
+#include <charconv>
+
+#include "card/record/known_files.h"
+#include "text/number.h"
+#include "text/utf8.h"
+
+namespace velanor::card {
+namespace {
+
+constexpr std::string_view kTowns = "COMMUNES";
+constexpr std::string_view kIdLists[] = {"ASSOCIATION", "ETABLISSEMENT",   "CONVENTIONCOL",
+                                         "SECTEUR",     "PROFIL",          "RUBCHARGE",
+                                         "ACTIVITES",   "GRILLESCCBUDGET", "RUBSAISIE"};
+constexpr std::string_view kTables[] = {"FINCONTRAT", "QUALIF", "REGROUPBUDGET", "NATURECONTRAT", "DIPLOMES"};
+
+bool belongs_to_entity(std::string_view list) { return list == "ETABLISSEMENT" || list == "ACTIVITES"; }
+
+}  // namespace
+
+References::References(store::Database& database) {
+  const auto read = [&](std::string_view file, std::string_view attribute) {
+    const store::DbResult found =
+        database.Select(store::DbQuery("SSELECT " + std::string(file), file, attribute).encoded());
+    auto& codes = codes_[std::string(file)];
+    for (int i = 1; i <= found.DCount(); ++i) codes.emplace(found(i, 1));
+  };
+  for (const std::string_view list : kIdLists) read(list, "0");
+  read(kTowns, "1");
+  const auto tables = database.OpenFile("TABLES");
+  for (const std::string_view table : kTables) read_table(*tables, table);
+  read_parameters(database);
+}
+
+void References::read_table(store::DbFile& tables, std::string_view table) {
+  const auto record = tables.find(table);
+  if (!record) faults_.emplace_back("L'enregistrement « " + std::string(table) + " » manque dans TABLES.");
+  auto& codes = codes_[std::string(table)];
+  for (int v = 1; record && v <= record->Count(2); ++v) codes.emplace((*record)(2, v));
+}
+
+void References::read_parameters(store::Database& database) {
+  const auto parameters = database.OpenFile("BUDGETPARAM")->find("1");
+  if (!parameters) return void(faults_.emplace_back("L'enregistrement « 1 » manque dans BUDGETPARAM."));
+  const std::string_view day = (*parameters)(1, parameters->Count(1));
+  std::from_chars(day.data(), day.data() + day.size(), reference_day_);
+}
+
+bool References::has(std::string_view list, std::string_view code) const {
+  const auto found = codes_.find(list);
+  return found != codes_.end() && found->second.contains(code);
+}
+
+std::string References::completed(std::string_view list, std::string_view code,
+                                  std::string_view entity) const {
+  if (code.empty() || has(list, code)) return std::string(code);
+  if (belongs_to_entity(list)) {
+    const int length = text::length(code);
+    if (length == kOwnCodeLength || (length < kOwnCodeLength && text::is_digits(code)))
+      return std::string(entity) + text::pad_left(code, kOwnCodeLength, '0');
+  }
+  if (!text::is_digits(code)) return std::string(code);
+  constexpr int kLongest = 6;
+  for (int length = text::length(code) + 1; length <= kLongest; ++length) {
+    std::string padded = text::pad_left(code, length, '0');
+    if (has(list, padded)) return padded;
+  }
+  return text::pad_left(code, list_code_length(list), '0');
+}
+
+card::Fault unknown_code(const CardField& field, std::string_view code) {
+  return card::Fault(std::string(field.noun) + " « … » n'existe pas.", std::string(code));
+}
+
+card::Fault unknown_entity(std::string_view entity) {
+  return card::Fault("L'entité « … » n'existe pas.", std::string(entity));
+}
+
+}  // namespace velanor::card

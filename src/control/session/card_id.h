@@ -1,0 +1,25 @@
+// How the id of a personnel budget record is built.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "text/utf8.h"
+
+namespace velanor::card {
+
+// Employee code, entity code, budget year.
+inline constexpr int kEmployeeCodeLength = 5;
+inline constexpr int kEntityCodeLength = 3;
+inline constexpr int kEstablishmentCodeLength = 3;
+inline constexpr int kYearLength = 4;
+inline std::string record_id(std::string_view employee, std::string_view entity, std::string_view year) {
+  return std::string(employee).append(entity).append(year);
+}
+// Nothing else may ever be written as a card: an id without its entity would hide every entity.
+inline bool is_record_id(std::string_view id) {
+  const bool blank = id.find(' ') != std::string_view::npos;
+  return !blank && text::length(id) == kEmployeeCodeLength + kEntityCodeLength + kYearLength;
+}
+
+}  // namespace velanor::card

@@ -1,0 +1,31 @@
+#include "control/session/procedure.h"
+
+namespace velanor::control {
+
+void Procedure::OuvrirFichiers() {
+  auto variable = std::static_pointer_cast<Variable>(database_.shared.lock());
+  if (!variable) {
+    variable = std::make_shared<Variable>();
+    for (std::size_t i = 0; i < kFileNames.size(); ++i)
+      variable->files[i] = database_.OpenFile(kFileNames[i]);
+    database_.shared = variable;
+  }
+  store::DbFile& tables = *variable->files[static_cast<std::size_t>(File::kTables)];
+  variable->fincontrat = tables.Read("FINCONTRAT");
+  variable->qualif = tables.Read("QUALIF");
+  variable->regroupbudget = tables.Read("REGROUPBUDGET");
+  variable_ = std::move(variable);
+}
+
+store::DbFile& Procedure::establishments() const {
+  if (!variable_->establishments) variable_->establishments = database_.OpenFile("ETABLISSEMENT");
+  return *variable_->establishments;
+}
+
+store::DbResult Procedure::select(std::string_view statement, std::string_view file,
+                                  std::string_view attributes) const {
+  variable_->request = store::DbQuery(statement, file, attributes);
+  return database_.Select(variable_->request.encoded());
+}
+
+}  // namespace velanor::control

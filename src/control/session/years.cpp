@@ -1,0 +1,70 @@
+#include "control/session/years.h"
+
+#include "control/session/card_id.h"
+#include "text/utf8.h"
+
+namespace velanor::control {
+
+void YearTable::ChargerExtractions(const Procedure& procedure) {
+  constexpr int kEntityAt = card::kEmployeeCodeLength + 1;
+  constexpr int kYearAt = kEntityAt + card::kEntityCodeLength;
+  constexpr int kLongestYear = 6;
+  const store::DbResult ids =
+      procedure.select("SSELECT VELANORO PAR CodeAsso PAR-DECR Annee", "VELANORO", "0");
+  table_ = {};
+  int n = 0;
+  // The statement's order brings the entities together, each with its most recent year first.
+  for (int i = 1; !ids(i).empty(); ++i) {
+    const std::string_view entity = text::mid(ids(i), kEntityAt, card::kEntityCodeLength);
+    const std::string_view year = text::mid(ids(i), kYearAt, kLongestYear);
+    // An id that is no card's would end the table, which every reader takes up to its first empty value.
+    if (entity.empty() || year.empty()) continue;
+    if (n == 0 || entity != table_(n, 1)) {
+      ++n;
+      table_.set(n, 1, entity);
+      table_.set(n, 2, year);
+    } else if (table_(n).find(year) == std::string_view::npos) {
+      table_.set(n, store::kAppend, year);
+    }
+  }
+}
+
+int YearTable::position(std::string_view entity) const {
+  int n = 1;
+  while (table_(n, 1) != entity && !table_(n, 1).empty()) ++n;
+  return n;
+}
+
+std::vector<std::string> YearTable::years(std::string_view entity) const {
+  std::vector<std::string> years;
+  const int n = position(entity);
+  for (int value = 2; !table_(n, value).empty(); ++value) years.emplace_back(table_(n, value));
+  return years;
+}
+
+std::string YearTable::latest(std::string_view entity) const {
+  return std::string(table_(position(entity), 2));
+}
+
+std::string LireParametres(const Procedure& procedure, std::string current) {
+  store::DbRecord parameters;
+  try {
+    parameters = procedure.file(File::kParameters).Read("1");
+  } catch (const store::DbError& error) {
+    // Any other failure counts as an empty record.
+    if (error.number() == store::kMissingRecord) return current;
+  }
+  constexpr int kAgreements = 10;
+  std::string first(parameters(kAgreements, 1));
+  for (int value = 1; !parameters(kAgreements, value).empty(); ++value) {
+    if (parameters(kAgreements, value) != first) return {};
+  }
+  return first;
+}
+
+std::string reference_date(const Procedure& procedure) {
+  const auto parameters = procedure.file(File::kParameters).find("1");
+  return parameters ? std::string((*parameters)(1, parameters->Count(1))) : std::string();
+}
+
+}  // namespace velanor::control

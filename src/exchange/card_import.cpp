@@ -1,0 +1,123 @@
+#include "exchange/card_import.h"
+
+#include <algorithm>
+
+#include "card/record/card_dates.h"
+#include "card/record/known_files.h"
+#include "card/record/saving.h"
+#include "text/number.h"
+#include "text/utf8.h"
+
+namespace velanor::exchange {
+namespace {
+
+using store::DbRecord;
+
+std::string not_an_id(std::string_view text) {
+  return "« " + std::string(text) +
+         " » n'est pas un code de salarié (5 chiffres), d'entité (3) et une année (4)";
+}
+
+// Every element at or below a position.
+template <typename Visit>
+void each_position(const DbRecord& card, const store::Position& at, const Visit& visit) {
+  const int values = at.value == 0 ? card.Count(at.attribute) : at.value;
+  for (int v = std::max(at.value, 1); v <= values; ++v) {
+    const int subvalues = at.subvalue == 0 ? card.Count(at.attribute, v) : at.subvalue;
+    for (int s = std::max(at.subvalue, 1); s <= subvalues; ++s) visit(store::Position{at.attribute, v, s});
+  }
+}
+
+}  // namespace
+
+std::string card_id(const CardIdParts& parts, std::string& wrong) {
+  const auto employee = text::pad_left(parts.employee, card::kEmployeeCodeLength, '0');
+  const auto entity = text::pad_left(parts.entity, card::kEntityCodeLength, '0');
+  if (parts.employee.empty()) {
+    wrong = "le code du salarié est vide";
+  } else if (parts.entity.empty()) {
+    wrong = "le code de l'entité est vide";
+  } else if (parts.year.empty()) {
+    wrong = "l'année est vide";
+  } else if (!text::is_digits(employee) || employee.size() != card::kEmployeeCodeLength) {
+    wrong = "« " + std::string(parts.employee) + " » n'est pas un code de salarié (5 chiffres)";
+  } else if (!text::is_digits(entity) || entity.size() != card::kEntityCodeLength) {
+    wrong = "« " + std::string(parts.entity) + " » n'est pas un code d'entité (3 chiffres)";
+  } else if (!text::is_digits(parts.year) || parts.year.size() != card::kYearLength) {
+    wrong = "« " + std::string(parts.year) + " » n'est pas une année (4 chiffres)";
+  } else {
+    return card::record_id(employee, entity, parts.year);
+  }
+  return {};
+}
+
+std::string card_id(std::string_view whole, std::string& wrong) {
+  const auto id = card::completed_id(kCardFile, text::trim(whole));
+  if (id && text::is_digits(*id) && text::length(*id) == card::id_length(kCardFile)) return *id;
+  wrong = not_an_id(whole);
+  return {};
+}
+
+CardImport::CardImport(store::Database& database, const std::vector<Column>& columns,
+                       const entry::Clock& clock)
+    : references_(database), columns_(columns), today_(*entry::day_number(clock())) {}
+
+CardImport::Findings CardImport::finish(std::string_view id, const DbRecord* before, DbRecord& card) const {
+  Findings findings;
+  const auto entity = id.substr(card::kEmployeeCodeLength, card::kEntityCodeLength);
+  if (before == nullptr && !references_.has("ASSOCIATION", entity))
+    findings.unknown_codes.push_back(card::unknown_entity(entity));
+  if (has_column(card::kName)) card.set(card::kName, text::upper(card(card::kName)));
+  for (const Column& column : columns_) {
+    const card::CardField* field = card::card_field(column.position.attribute);
+    if (column.id != IdPart::kNone || field == nullptr) continue;
+    each_position(card, column.position, [&](const store::Position& position) {
+      finish_element(*field, position, id, before, card, findings);
+    });
+  }
+  const auto dates = [](const DbRecord& record) {
+    return std::pair(record(card::kBirth), record(card::kContractStart));
+  };
+  if (before == nullptr || dates(*before) != dates(card)) {
+    for (const card::Fault& fault : card::faults_of_dates(card, today_)) findings.faults.push_back(fault);
+  }
+  follow_saving(before, card);
+  return findings;
+}
+
+// What was stored stays, whatever the reference files hold today.
+void CardImport::finish_element(const card::CardField& field, const store::Position& position,
+                                std::string_view id, const DbRecord* before, DbRecord& card,
+                                Findings& findings) const {
+  const std::string given(element(card, position));
+  if (given.empty() || (before != nullptr && element(*before, position) == given)) return;
+  if (field.list.empty()) {
+    if (auto fault = card::fault_of(field, given)) findings.faults.push_back(std::move(*fault));
+    return;
+  }
+  const auto entity = id.substr(card::kEmployeeCodeLength, card::kEntityCodeLength);
+  const std::string code = references_.completed(field.list, given, entity);
+  if (code != given) set_element(card, position, code);
+  if (auto fault = card::fault_of(field, code)) {
+    findings.faults.push_back(std::move(*fault));
+  } else if (!references_.has(field.list, code)) {
+    findings.unknown_codes.push_back(card::unknown_code(field, code));
+  }
+}
+
+bool CardImport::has_column(int attribute) const {
+  return std::any_of(columns_.begin(), columns_.end(), [=](const Column& column) {
+    return column.id == IdPart::kNone && column.position.attribute == attribute;
+  });
+}
+
+// A column of the table has the last word.
+void CardImport::follow_saving(const DbRecord* before, DbRecord& card) const {
+  if (before == nullptr && !has_column(card::kStatus)) card.set(card::kStatus, "0");
+  if (before == nullptr || !card::results_are_stale(card, before)) return;
+  for (const int result : card::kResults) {
+    if (!has_column(result)) card.set(result, {});
+  }
+}
+
+}  // namespace velanor::exchange

@@ -1,0 +1,47 @@
+// What an import makes of a card, and what it refuses.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "card/record/references.h"
+#include "entry/date.h"
+#include "exchange/columns.h"
+
+namespace velanor::exchange {
+
+// The id that the parts of a card's id make, or that stands in one text, with the zeros that a
+// spreadsheet has stripped. Otherwise empty, and `wrong` says why.
+struct CardIdParts {
+  std::string_view employee, entity, year;
+};
+std::string card_id(const CardIdParts& parts, std::string& wrong);
+std::string card_id(std::string_view whole, std::string& wrong);
+
+class CardImport {
+ public:
+  struct Findings {
+    std::vector<card::Fault> faults, unknown_codes;
+  };
+
+  // Keeps the columns, whose owner outlives it.
+  CardImport(store::Database& database, const std::vector<Column>& columns, const entry::Clock& clock);
+
+  // Completes what stands in the columns, follows what saving does to a card, and judges what is not
+  // as it was. `before` is nullptr for a new card.
+  Findings finish(std::string_view id, const store::DbRecord* before, store::DbRecord& card) const;
+
+ private:
+  void finish_element(const card::CardField& field, const store::Position& position, std::string_view id,
+                      const store::DbRecord* before, store::DbRecord& card, Findings& findings) const;
+  bool has_column(int attribute) const;
+  void follow_saving(const store::DbRecord* before, store::DbRecord& card) const;
+
+  card::References references_;
+  const std::vector<Column>& columns_;
+  int today_;
+};
+
+}  // namespace velanor::exchange

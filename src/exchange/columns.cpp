@@ -1,0 +1,239 @@
+#include "exchange/columns.h"
+
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+#include "card/record/card_dates.h"
+#include "demo/source.h"
+#include "demo/table.h"
+#include "entry/date.h"
+#include "entry/decimal.h"
+#include "text/utf8.h"
+
+namespace velanor::exchange {
+namespace {
+
+struct IdName {
+  std::string_view name;
+  IdPart part;
+};
+constexpr IdName kIdNames[] = {
+    {"Code", IdPart::kEmployee}, {"Entité", IdPart::kEntity}, {"Année", IdPart::kYear}};
+
+// What has a position but no name of its own.
+struct Label {
+  std::string_view file;
+  int attribute;
+  std::string_view text;
+};
+constexpr Label kLabels[] = {
+    {"BUDGETPARAM", 1, "Date de référence"}, {"BUDGETHISTORCUMUL", 1, "Brut"},
+    {"BUDGETHISTORCUMUL", 2, "Charges"},     {"BUDGETDETAILCALCUL", 1, "Brut"},
+    {"BUDGETDETAILCALCUL", 2, "Charges"},    {kCardFile, card::kStatus, "État du calcul"},
+};
+constexpr std::string_view kResultLabel = "Résultat du calcul";
+
+bool same_name(std::string_view a, std::string_view b) { return text::upper(a) == text::upper(b); }
+
+// Numbers from 1 between separators, all of the text; nothing for anything else.
+std::optional<std::vector<int>> numbers_of(std::string_view text, char separator) {
+  std::vector<int> numbers;
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  while (true) {
+    int number = 0;
+    const auto read = std::from_chars(at, end, number);
+    if (read.ec != std::errc() || number < 1 || number > store::kMaxNumber) return std::nullopt;
+    numbers.push_back(number);
+    if (read.ptr == end) return numbers;
+    if (*read.ptr != separator) return std::nullopt;
+    at = read.ptr + 1;
+  }
+}
+
+std::optional<Column> position_column(std::string_view heading) {
+  const auto numbers = numbers_of(heading.substr(0, heading.find(' ')), ',');
+  if (!numbers || numbers->size() > 3) return std::nullopt;
+  Column column;
+  int* const levels[] = {&column.position.attribute, &column.position.value, &column.position.subvalue};
+  for (std::size_t i = 0; i < numbers->size(); ++i) *levels[i] = (*numbers)[i];
+  return column;
+}
+
+// The first line of the source that the demonstration makes the file of; empty where it has none.
+demo::Row source_headings(std::string_view file) {
+  const std::string name = file == "COMMUNES" ? "communes.csv" : "reference/" + std::string(file) + ".csv";
+  for (const demo::Source& source : demo::sources()) {
+    if (source.name == name) return demo::read_table(source.text).columns;
+  }
+  return {};
+}
+
+// The attribute that a heading of a source stands for, and its text without the number.
+std::pair<int, std::string_view> source_column(const demo::Row& headings, std::size_t index) {
+  const std::string_view heading = headings[index];
+  const int number = demo::number_of(heading);
+  if (number == 0) return {static_cast<int>(index), heading};
+  return {number, text::trim(heading.substr(std::min(heading.find(' '), heading.size())))};
+}
+
+std::optional<Column> source_named_column(std::string_view name, std::string_view file) {
+  const demo::Row headings = source_headings(file);
+  for (std::size_t i = 0; i < headings.size(); ++i) {
+    const auto [attribute, label] = source_column(headings, i);
+    if (!same_name(label, name)) continue;
+    return i == 0 ? Column{.id = IdPart::kWhole} : Column{.position = {attribute}};
+  }
+  return std::nullopt;
+}
+
+std::string label_of(int attribute, std::string_view file) {
+  if (file == kCardFile) {
+    if (const card::CardField* field = card::card_field(attribute)) return std::string(field->name);
+    const auto& results = card::kResults;
+    if (std::find(results.begin(), results.end(), attribute) != results.end())
+      return std::string(kResultLabel);
+  }
+  for (const Label& label : kLabels) {
+    if (label.file == file && label.attribute == attribute) return std::string(label.text);
+  }
+  const demo::Row headings = source_headings(file);
+  for (std::size_t i = 1; i < headings.size(); ++i) {
+    const auto [number, label] = source_column(headings, i);
+    if (number == attribute) return std::string(label);
+  }
+  return {};
+}
+
+const card::CardField* find_name(std::string_view name) {
+  const auto fields = card::card_fields();
+  const auto found = std::find_if(fields.begin(), fields.end(),
+                                  [&](const card::CardField& known) { return same_name(known.name, name); });
+  return found == fields.end() ? nullptr : &*found;
+}
+
+std::optional<Column> card_named_column(std::string_view heading) {
+  for (const IdName& known : kIdNames) {
+    if (same_name(known.name, heading)) return Column{.id = known.part};
+  }
+  if (const auto* whole = find_name(heading)) return Column{.position = {whole->attribute}, .named = whole};
+  const std::size_t blank = heading.rfind(' ');
+  if (blank == heading.npos) return std::nullopt;
+  const auto* const named = find_name(heading.substr(0, blank));
+  const auto numbers = numbers_of(heading.substr(blank + 1), '.');
+  if (named == nullptr || !numbers || numbers->size() > 2) return std::nullopt;
+  return Column{.position = {named->attribute, numbers->front(), numbers->size() > 1 ? numbers->back() : 0},
+                .named = named};
+}
+
+std::string read_flag(int attribute, std::string_view field, std::string& stored) {
+  std::string words;
+  for (const card::FlagWord& flag : card::flag_words()) {
+    if (flag.attribute != attribute) continue;
+    if (same_name(field, flag.word) || same_name(field, flag.letter)) {
+      stored = flag.letter;
+      return {};
+    }
+    words += (words.empty() ? "" : " ou ") + std::string(flag.word);
+  }
+  return "« " + std::string(field) + " » n'est pas " + words;
+}
+
+std::string read_date(std::string_view field, std::string& stored) {
+  const auto date = entry::parse_date(field);
+  if (!date) return "« " + std::string(field) + " » n'est pas une date (jj/mm/aaaa)";
+  stored = std::to_string(*entry::day_number(*date));
+  return {};
+}
+
+std::string read_number(std::string_view field, int scale, std::string& stored) {
+  const auto number = entry::parse_decimal(field, scale);
+  if (!number) return "« " + std::string(field) + " » n'est pas un nombre";
+  stored = std::to_string(*number);
+  return {};
+}
+
+std::string flag_word(int attribute, std::string_view letter) {
+  for (const card::FlagWord& flag : card::flag_words()) {
+    if (flag.attribute == attribute && flag.letter == letter) return std::string(flag.word);
+  }
+  return std::string(letter);
+}
+
+// What is no day of a calendar is shown as it stands.
+std::string date_or_itself(std::string_view stored) {
+  const auto day = card::stored_day(stored);
+  return day ? entry::date_text(entry::date_of(*day)) : std::string(stored);
+}
+
+}  // namespace
+
+std::optional<Column> column_of(std::string_view heading, std::string_view file) {
+  heading = text::trim(heading);
+  if (same_name(heading, "id")) return Column{.id = IdPart::kWhole};
+  if (auto column = position_column(heading)) return column;
+  return file == kCardFile ? card_named_column(heading) : source_named_column(heading, file);
+}
+
+std::string heading_of(const store::Position& position, std::string_view file) {
+  std::string heading = store::position_text(position);
+  const std::string label = label_of(position.attribute, file);
+  return label.empty() ? heading : heading + " " + label;
+}
+
+std::string name_of(const store::Position& position, std::string_view file) {
+  const card::CardField* field = file == kCardFile ? card::card_field(position.attribute) : nullptr;
+  if (field == nullptr) return heading_of(position, file);
+  std::string name(field->name);
+  if (position.value != 0) name += " " + std::to_string(position.value);
+  if (position.subvalue != 0) name += "." + std::to_string(position.subvalue);
+  return name;
+}
+
+std::string read_field(const Column& column, std::string_view field, std::string& stored) {
+  stored = field;
+  if (column.named == nullptr) return {};
+  field = text::trim(field);
+  stored = field;
+  if (field.empty()) return {};
+  switch (column.named->encoding) {
+    case card::Encoding::kDate:
+      return read_date(field, stored);
+    case card::Encoding::kFlag:
+      return read_flag(column.named->attribute, field, stored);
+    case card::Encoding::kHundredths:
+    case card::Encoding::kThousandths:
+    case card::Encoding::kTenThousandths:
+      return read_number(field, card::decimals(column.named->encoding), stored);
+    default:
+      return {};
+  }
+}
+
+std::string write_field(const Column& column, std::string_view stored) {
+  if (column.named == nullptr || stored.empty()) return std::string(stored);
+  switch (column.named->encoding) {
+    case card::Encoding::kDate:
+      return date_or_itself(stored);
+    case card::Encoding::kFlag:
+      return flag_word(column.named->attribute, stored);
+    case card::Encoding::kHundredths:
+    case card::Encoding::kThousandths:
+    case card::Encoding::kTenThousandths: {
+      const int scale = card::decimals(column.named->encoding);
+      return entry::stored_to_text(stored, scale, scale);
+    }
+    default:
+      return std::string(stored);
+  }
+}
+
+void set_values(store::DbRecord& record, int attribute, int first, std::string_view field) {
+  const demo::Row values = demo::split(field, kValueSeparator);
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    if (!values[i].empty()) record.set(attribute, first + static_cast<int>(i), values[i]);
+  }
+}
+
+}  // namespace velanor::exchange

@@ -1,0 +1,55 @@
+#include "exchange/windows_1252.h"
+
+#include <algorithm>
+#include <array>
+
+#include "store/utf8.h"
+#include "text/utf8.h"
+
+namespace velanor::exchange {
+namespace {
+
+// 0x80 to 0x9F; 0 where nothing is assigned.
+constexpr std::array<char16_t, 32> kUpper{u'€', 0,    u'‚', u'ƒ', u'„', u'…', u'†', u'‡', u'ˆ', u'‰', u'Š',
+                                          u'‹', u'Œ', 0,    u'Ž', 0,    0,    u'‘', u'’', u'“', u'”', u'•',
+                                          u'–', u'—', u'˜', u'™', u'š', u'›', u'œ', 0,    u'ž', u'Ÿ'};
+
+// Characters that French does without, where the code pages of MS-DOS and of the first Macintoshes have
+// its accents.
+constexpr std::u16string_view kForeign = u"‚ƒ„†‡ˆ‰‹Ž˜›¬ÐÞðþ×÷";
+
+bool is_control(unsigned char byte) {
+  return (byte < 0x20 && byte != '\t' && byte != '\r' && byte != '\n') || byte == 0x7F;
+}
+
+char32_t decoded(unsigned char byte) { return byte >= 0x80 && byte < 0xA0 ? kUpper[byte - 0x80] : byte; }
+
+bool makes_sense(unsigned char byte) {
+  const char32_t character = decoded(byte);
+  return character != 0 && !is_control(byte) &&
+         kForeign.find(static_cast<char16_t>(character)) == kForeign.npos;
+}
+
+// French in Windows-1252 hardly ever happens to be valid where it is not plain.
+bool is_damaged_utf8(std::string_view bytes) {
+  int valid = 0, invalid = 0;
+  for (std::size_t at = 0; at < bytes.size();) {
+    const std::size_t length = store::utf8::sequence_length(bytes, at);
+    if (length > 1) ++valid;
+    if (length == 0) ++invalid;
+    at += std::max<std::size_t>(length, 1);
+  }
+  return valid >= invalid;
+}
+
+}  // namespace
+
+std::optional<std::string> from_windows_1252(std::string_view bytes) {
+  if (is_damaged_utf8(bytes) || !std::all_of(bytes.begin(), bytes.end(), makes_sense)) return std::nullopt;
+  std::string text;
+  text.reserve(bytes.size() + bytes.size() / 8);
+  for (const char byte : bytes) text::append(text, decoded(static_cast<unsigned char>(byte)));
+  return text;
+}
+
+}  // namespace velanor::exchange

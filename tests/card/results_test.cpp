@@ -1,0 +1,306 @@
+// The results of the budget calculation: which changes of a card empty them, and what goes with a card.
+#include <gtest/gtest.h>
+
+#include "card/record/record_layout.h"
+#include "support/failing_database.h"
+#include "support/office.h"
+
+namespace velanor::test {
+namespace {
+
+const std::string kId = "000100012026";
+
+class Results : public testing::Test {
+ protected:
+  // A card with all that the screen can change, calculated.
+  Results() {
+    load(database_, "lib/cards.play");
+    store::DbRecord card = stored();
+    for (int attribute : card::kResults) card.set(attribute, "9" + std::to_string(attribute));
+    for (const auto& [attribute, text] : {std::pair<int, const char*>{card::kProfile2, "002"},
+                                          {card::kCeiling, "346400"},
+                                          {card::kContractEnd, "22000"},
+                                          {card::kEndReason, "01"},
+                                          {card::kSocialBase, "200000"},
+                                          {card::kMutualEmployer, "4321"}})
+      card.set(attribute, text);
+    // An item that has a base, a rate and an amount.
+    card.set(card::kItemCode, 1, 3, "002");
+    card.set(card::kItemBase, 1, 3, "200");
+    card.set(card::kItemRate, 1, 3, "125000");
+    card.set(card::kItemAmount, 1, 3, "2500");
+    database_.put("VELANORO", kId, card);
+  }
+
+  store::DbRecord stored() { return *database_.find("VELANORO", kId); }
+  bool results_stand() {
+    const store::DbRecord card = stored();
+    bool all = true, any = false;
+    for (int attribute : card::kResults) {
+      all &= card(attribute) == "9" + std::to_string(attribute);
+      any |= !card(attribute).empty();
+    }
+    EXPECT_EQ(all, any) << "some results stand and some do not";
+    return all;
+  }
+
+  store::MemoryDatabase database_;
+};
+
+// How a clerk changes a card.
+struct Clerk {
+  Office& office;
+
+  void click(const char* button) const { ASSERT_EQ(office.hand.click(office.control(button)), "") << button; }
+  void enter(const char* box, const char* text) const {
+    auto& control = dynamic_cast<screen::TextControl&>(office.control(box));
+    ASSERT_EQ(office.hand.replace_text(control, ""), "") << box;
+    ASSERT_EQ(office.hand.type(control, text), "") << box;
+    ASSERT_EQ(office.hand.leave(), "");
+  }
+  void choose(const char* box, const char* line) const {
+    auto& combo = dynamic_cast<screen::ComboBox&>(office.control(box));
+    ASSERT_EQ(office.hand.drop_down(combo), "") << box;
+    ASSERT_EQ(office.hand.choose(combo, combo.find(line)), "") << box << " " << line;
+  }
+  void edit(const char* list, int line) const {
+    ASSERT_EQ(office.hand.double_click(dynamic_cast<screen::ListBox&>(office.control(list)), line), "")
+        << list;
+  }
+  // A box of the second amendment.
+  void amend(const char* box, const char* text) const {
+    edit("Lst_DatEffet", 1);
+    enter(box, text);
+    click("Cmd_OkDetail");
+  }
+  // A figure of the first item of the first amendment.
+  void reckon(const char* box, const char* text, int item) const {
+    ASSERT_EQ(office.hand.pick(office.ui.Lst_DatEffet, 0), "");
+    click("Cmd_Detail");
+    edit("Lst_Code", item);
+    enter(box, text);
+    click("Cmd_OK");
+    click("Cmd_Retour");
+  }
+};
+
+TEST_F(Results, AreEmptiedByWhatTheyAreMadeOfAndByNothingElse) {
+  const bool kKept = true, kEmptied = false;
+  const struct {
+    const char* what;
+    int attribute;
+    void (*change)(const Clerk&);
+    bool kept;
+  } cases[] = {
+      {"sector", card::kSector, [](const Clerk& c) { c.choose("Cbo_Secteur", "Agglomération"); }, kKept},
+      {"town", card::kTown, [](const Clerk& c) { c.choose("Cbo_Com", "Eze"); }, kKept},
+      {"birth", card::kBirth, [](const Clerk& c) { c.enter("Txt_DatNais", "02/02/1980"); }, kKept},
+      {"social base", card::kSocialBase, [](const Clerk& c) { c.enter("Txt_AssSS", "1900"); }, kKept},
+      {"new measure", card::kNewMeasure,
+       [](const Clerk& c) {
+         c.edit("Lst_DatEffet", 1);
+         c.choose("Cbo_NouvMes", "OUI");
+         c.click("Cmd_OkDetail");
+       },
+       kKept},
+      {"establishment", card::kEstablishment, [](const Clerk& c) { c.enter("Txt_CodEtab", "002"); }, kKept},
+      {"nature", card::kContractNature,
+       [](const Clerk& c) { c.choose("Cbo_NatureContrat", "02 Apprentissage"); }, kKept},
+      {"branch", card::kBranchEntry, [](const Clerk& c) { c.enter("Txt_DateBranche", "02/02/2015"); }, kKept},
+
+      {"name", card::kName, [](const Clerk& c) { c.enter("Txt_NomAidant", "Martin"); }, kEmptied},
+      {"hours of the establishment", card::kEstablishmentHours,
+       [](const Clerk& c) { c.enter("Txt_HorMensEtab", "140"); }, kEmptied},
+      {"contract type", card::kContractType, [](const Clerk& c) { c.click("Opt_CDD"); }, kEmptied},
+      {"staff kind", card::kStaffKind, [](const Clerk& c) { c.click("Opt_Admin"); }, kEmptied},
+      {"activity", card::kActivity,
+       [](const Clerk& c) {
+         c.edit("Lst_Activites", 1);
+         c.enter("Txt_Pourc", "0");
+         c.click("Cmd_OkAct");
+         c.click("Cmd_AjAct");
+         c.choose("Cbo_Activites", "Encadrement");
+         c.enter("Txt_Pourc", "33,33");
+         c.click("Cmd_OkAct");
+       },
+       kEmptied},
+      {"shares", card::kShare,
+       [](const Clerk& c) {
+         for (int line : {0, 1}) {
+           c.edit("Lst_Activites", line);
+           c.enter("Txt_Pourc", "50");
+           c.click("Cmd_OkAct");
+         }
+       },
+       kEmptied},
+      {"effective date", card::kEffective, [](const Clerk& c) { c.amend("Txt_DatEffet", "02/02/2026"); },
+       kEmptied},
+      {"grid start", card::kGridStart,
+       [](const Clerk& c) {
+         c.edit("Lst_DatEffet", 0);
+         c.enter("Txt_DatDepGrille", "02/02/2024");
+         c.click("Cmd_OkDetail");
+       },
+       kEmptied},
+      {"qualification", card::kQualification,
+       [](const Clerk& c) {
+         c.edit("Lst_DatEffet", 0);
+         c.choose("Cbo_Qualif", "ED");
+         c.click("Cmd_OkDetail");
+       },
+       kEmptied},
+      {"grid", card::kGrid,
+       [](const Clerk& c) {
+         c.edit("Lst_DatEffet", 0);
+         c.choose("Cbo_Grille", "Technicien");
+         c.choose("Cbo_Qualif", "RS");
+         c.click("Cmd_OkDetail");
+       },
+       kEmptied},
+      {"category", card::kCategory, [](const Clerk& c) { c.amend("Txt_Categorie", "b"); }, kEmptied},
+      {"hourly rate", card::kHourlyRate, [](const Clerk& c) { c.amend("Txt_TxHor", "16"); }, kEmptied},
+      {"profile", card::kProfile1, [](const Clerk& c) { c.enter("Txt_Profil1", "002"); }, kEmptied},
+      {"second profile", card::kProfile2, [](const Clerk& c) { c.enter("Txt_Profil2", "001"); }, kEmptied},
+      {"exempted hours", card::kExemptedHours, [](const Clerk& c) { c.enter("Txt_HresExo", "99,99"); },
+       kEmptied},
+      {"ceiling", card::kCeiling, [](const Clerk& c) { c.enter("Txt_PlafSecu", "3000"); }, kEmptied},
+      {"end", card::kContractEnd, [](const Clerk& c) { c.enter("Txt_DatFin", "31/12/2027"); }, kEmptied},
+      {"end reason", card::kEndReason, [](const Clerk& c) { c.choose("Cbo_MotifFin", "Fin de contrat"); },
+       kEmptied},
+      {"items", card::kItemCode,
+       [](const Clerk& c) {
+         c.office.hand.pick(c.office.ui.Lst_DatEffet, 0);
+         c.click("Cmd_Detail");
+         c.edit("Lst_Code", 1);
+         c.click("Cmd_Supprimer");
+         c.click("Cmd_Retour");
+       },
+       kEmptied},
+      {"base of an item", card::kItemBase, [](const Clerk& c) { c.reckon("Txt_Base", "105", 0); }, kEmptied},
+      {"rate of an item", card::kItemRate, [](const Clerk& c) { c.reckon("Txt_Taux", "13", 2); }, kEmptied},
+      {"amount of an item", card::kItemAmount, [](const Clerk& c) { c.reckon("Txt_Montant", "26", 1); },
+       kEmptied},
+      {"mutual insurance, employee", card::kMutualEmployee,
+       [](const Clerk& c) { c.enter("Txt_MutSalContrat", "12,35"); }, kEmptied},
+      {"mutual insurance, employer", card::kMutualEmployer,
+       [](const Clerk& c) { c.enter("Txt_MutPatContrat", "43,22"); }, kEmptied},
+      {"charge item", card::kMutualCharge, [](const Clerk& c) { c.enter("Txt_ChargMutContrat", "401"); },
+       kEmptied},
+  };
+  const store::DbRecord before = stored();
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.what);
+    database_.put("VELANORO", kId, before);
+    Office office(database_);
+    office.component.init();
+    const Clerk clerk{office};
+    clerk.enter("Txt_Asso", "001");
+    office.hand.type(office.ui.Txt_Aidant, "00010");
+    test.change(clerk);
+    clerk.click("Cmd_OK");
+    EXPECT_TRUE(office.ui.Cmd_Sortir.enabled())
+        << "not saved: " << testing::PrintToString(office.toolkit.messages);
+    EXPECT_NE(stored()(test.attribute), before(test.attribute)) << "nothing was changed";
+    EXPECT_EQ(results_stand(), test.kept);
+  }
+}
+
+// Hours that are typed count for administrative staff alone.
+TEST_F(Results, AreEmptiedByTheMonthlyTimeOfAdministrativeStaff) {
+  store::DbRecord card = stored();
+  card.set(card::kStaffKind, "A");
+  card.set(card::kMonthlyTime, 2, "15167");
+  database_.put("VELANORO", kId, card);
+  Office office(database_);
+  office.component.init();
+  const Clerk clerk{office};
+  clerk.enter("Txt_Asso", "001");
+  office.hand.type(office.ui.Txt_Aidant, "00010");
+  clerk.amend("Txt_DureMens", "120");
+  clerk.click("Cmd_OK");
+  EXPECT_EQ(stored()(card::kMonthlyTime, 2), "12000");
+  EXPECT_FALSE(results_stand());
+}
+
+// ---- The calculation records of a card that is deleted.
+
+class Removal : public Results {
+ protected:
+  static constexpr int kMonths = 12;
+  Removal() {
+    const store::DbRecord some = stored();
+    database_.put("BUDGETHISTORCUMUL", kId, some);
+    database_.put("BUDGETHISTORCUMUL", "000200012026", some);
+    for (int m = 1; m <= kMonths; ++m) database_.put("BUDGETDETAILCALCUL", month(m), some);
+  }
+  static std::string month(int m) { return kId + (m < 10 ? "0" : "") + std::to_string(m); }
+  // The ids of a file, in order.
+  std::vector<std::string> ids(const char* file) {
+    std::vector<std::string> ids;
+    database_.for_each(file, [&](std::string_view id, const store::DbRecord&) { ids.emplace_back(id); });
+    return ids;
+  }
+  void remove_card(store::Database& database) {
+    Office office(database);
+    office.component.init();
+    office.hand.type(office.ui.Txt_Asso, "001");
+    office.hand.type(office.ui.Txt_Aidant, "00010");
+    EXPECT_EQ(office.hand.click(office.ui.Cmd_Supp), "");
+    EXPECT_TRUE(office.ui.Cmd_Sortir.enabled());
+  }
+};
+
+// Removals and openings fail by their file or id; everything else works.
+class Refusing : public store::WrappedDatabase {
+ public:
+  Refusing(store::Database& inner, std::string refused)
+      : WrappedDatabase(inner), refused_(std::move(refused)) {}
+
+ protected:
+  void before(const store::DatabaseCall& call) override {
+    using Kind = store::DatabaseCall::Kind;
+    const bool opens = call.kind == Kind::kOpen && call.file == refused_;
+    const bool removes = call.kind == Kind::kDelete && call.id == refused_;
+    if (opens || removes) throw store::DbError(store::kStoreFailure, store::kPlannedFailure);
+  }
+
+ private:
+  std::string refused_;
+};
+
+TEST_F(Removal, TakesTheTotalAndTheTwelveMonthsOfTheCardAlone) {
+  remove_card(database_);
+  EXPECT_FALSE(database_.find("VELANORO", kId));
+  EXPECT_EQ(ids("BUDGETHISTORCUMUL"), std::vector<std::string>{"000200012026"});
+  EXPECT_EQ(ids("BUDGETDETAILCALCUL"), std::vector<std::string>{});
+}
+
+TEST_F(Removal, OfTheMonthsGoesOnWhenTheTotalFails) {
+  Refusing database(database_, "BUDGETHISTORCUMUL");
+  remove_card(database);
+  EXPECT_FALSE(database_.find("VELANORO", kId));
+  EXPECT_TRUE(database_.find("BUDGETHISTORCUMUL", kId));
+  EXPECT_EQ(ids("BUDGETDETAILCALCUL"), std::vector<std::string>{});
+}
+
+TEST_F(Removal, OfElevenMonthsGoesOnWhenOneFails) {
+  for (int m : {1, 7, 12}) {
+    SCOPED_TRACE(m);
+    for (int other = 1; other <= kMonths; ++other) database_.put("BUDGETDETAILCALCUL", month(other), {});
+    database_.put("VELANORO", kId, *database_.find("VELANORO", "000100012025"));
+    Refusing database(database_, month(m));
+    remove_card(database);
+    EXPECT_EQ(ids("BUDGETDETAILCALCUL"), std::vector<std::string>{month(m)});
+    EXPECT_EQ(ids("BUDGETHISTORCUMUL"), std::vector<std::string>{"000200012026"});
+  }
+}
+
+TEST_F(Removal, OfTheTotalStandsWhenTheMonthsCannotBeOpened) {
+  Refusing database(database_, "BUDGETDETAILCALCUL");
+  remove_card(database);
+  EXPECT_EQ(ids("BUDGETHISTORCUMUL"), std::vector<std::string>{"000200012026"});
+  EXPECT_EQ(ids("BUDGETDETAILCALCUL").size(), 12U);
+}
+
+}  // namespace
+}  // namespace velanor::test
