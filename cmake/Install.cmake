@@ -1,15 +1,14 @@
-# What an embedding program finds: libraries, headers in one folder, and find_package(Velanor) with
+# What an embedding program finds: libraries, the public headers under velanor/, and find_package(Velanor) with
 # the targets Velanor::core, Velanor::sqlite and, where it was built, Velanor::qt.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 set(package ${CMAKE_INSTALL_LIBDIR}/cmake/Velanor)
-set(headers ${CMAKE_INSTALL_INCLUDEDIR}/velanor)
 
 set_target_properties(velanor_store PROPERTIES EXPORT_NAME store)
 set_target_properties(velanor_core PROPERTIES EXPORT_NAME core)
 set_target_properties(velanor_sqlite PROPERTIES EXPORT_NAME sqlite)
-target_include_directories(velanor_store INTERFACE $<INSTALL_INTERFACE:${headers}>)
+target_include_directories(velanor_store INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 set(exported velanor_store velanor_core velanor_sqlite)
 if(TARGET velanor_qt)
   set_target_properties(velanor_qt PROPERTIES EXPORT_NAME qt)
@@ -21,8 +20,7 @@ endif()
 
 install(TARGETS ${exported} EXPORT VelanorTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(EXPORT VelanorTargets NAMESPACE Velanor:: DESTINATION ${package})
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/ DESTINATION ${headers}
-  FILES_MATCHING PATTERN "*.h" PATTERN "*.def" PATTERN "app" EXCLUDE PATTERN "demo" EXCLUDE)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/velanor DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 foreach(program velanorctl velanor)
   if(TARGET ${program})
     install(TARGETS ${program} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})

@@ -44,19 +44,22 @@ inline void fill(Backend& backend) {
 }
 
 template <class B>
-StoreDatabase filled_database() {
-  auto backend = std::make_unique<B>();
-  fill(*backend);
-  return StoreDatabase(std::move(backend));
-}
+class Filled : public StoreDatabase {
+ public:
+  Filled() : StoreDatabase(std::make_unique<B>()) {
+    fill(backend());
+    name_id_part("VELANORO", "CodeAsso", {.first = 6, .count = 3});
+    name_id_part("VELANORO", "Annee", {.first = 9});
+  }
+};
 
 inline void check_ascending(const DbResult& result) {
   for (int i = 2; i <= result.DCount(); ++i) FUZZ_CHECK(result(i - 1, 1) < result(i, 1));
 }
 
 inline void run_statement(const std::uint8_t* data, std::size_t size) {
-  static StoreDatabase planned = filled_database<MemoryBackend>();
-  static StoreDatabase unplanned = filled_database<UnplannedBackend>();
+  static Filled<MemoryBackend> planned;
+  static Filled<UnplannedBackend> unplanned;
   const std::string statement(data, data + size);
   const std::string request = DbQuery(statement, "VELANORO", "0 1 2").encoded();
   try {

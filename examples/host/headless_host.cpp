@@ -2,10 +2,9 @@
 // Usage: headless_host DATABASE ENTITY
 #include <iostream>
 
-#include "card/screen/card_screen.h"
-#include "velanor/controle_velanor.h"
-#include "velanor/hand.h"
-#include "velanor/sqlite_database.h"
+#include <velanor/controle_velanor.h>
+#include <velanor/hand.h>
+#include <velanor/sqlite_database.h>
 
 namespace {
 
@@ -41,12 +40,12 @@ int main(int argc, char** argv) {
     component.TheDatabase(database);
     component.init();
 
-    auto& card = dynamic_cast<velanor::card::CardScreen&>(component.screen().base());
+    velanor::screen::Form& card = component.screen().base();
     velanor::screen::Hand hand(component.screen());
-    hand.replace_text(card.Txt_Asso, "");
-    hand.type(card.Txt_Asso, argv[2]);
-    for (const std::string& employee : card.Cbo_Aidant.items()) std::cout << employee << "\n";
-    return card.Cbo_Aidant.count() > 0 ? 0 : 1;
+    hand.type(dynamic_cast<velanor::screen::TextBox&>(*card.find("Txt_Asso")), argv[2]);
+    const auto& employees = dynamic_cast<velanor::screen::ComboBox&>(*card.find("Cbo_Aidant"));
+    for (const std::string& employee : employees.items()) std::cout << employee << "\n";
+    return employees.count() > 0 ? 0 : 1;
   } catch (const std::exception& error) {
     std::cerr << error.what() << "\n";
     return 1;

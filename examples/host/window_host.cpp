@@ -2,8 +2,8 @@
 #include <QApplication>
 #include <QMainWindow>
 
-#include "velanor/controle_velanor_widget.h"
-#include "velanor/sqlite_database.h"
+#include <velanor/controle_velanor_widget.h>
+#include <velanor/sqlite_database.h>
 
 namespace {
 

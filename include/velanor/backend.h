@@ -7,7 +7,6 @@
 #include <string>
 #include <string_view>
 
-#include "store/select/evaluator.h"
 #include "velanor/database.h"
 #include "velanor/record.h"
 
@@ -20,6 +19,12 @@ struct Narrowing {
   std::string text;
 };
 
+// A record as it lies in a store: its id and its encoded form.
+struct Row {
+  std::string_view id;
+  std::string_view encoded;
+};
+
 enum class Content { kIdsOnly, kRecords };
 
 // Files of records by name. A file that was never written is empty, or an error where the backend
@@ -27,7 +32,7 @@ enum class Content { kIdsOnly, kRecords };
 // to do; ids and records handed in are clean, those handed out must be.
 class Backend {
  public:
-  using Visit = std::function<void(const select::Row&)>;
+  using Visit = std::function<void(const Row&)>;
 
   virtual ~Backend() = default;
   // Throws where the file cannot be used.
@@ -35,9 +40,10 @@ class Backend {
   virtual std::optional<DbRecord> find(std::string_view file, std::string_view id) = 0;
   // Durable, where the backend is, once it returns. False, and nothing written, where the record was
   // not as expected; no other writer comes between the look and the write.
-  virtual bool put(std::string_view file, std::string_view id, const DbRecord& record, Expected expected) = 0;
-  // A record that is not there is not an error.
-  virtual void erase(std::string_view file, std::string_view id) = 0;
+  virtual bool put(std::string_view file, std::string_view id, const DbRecord& record,
+                   const Expected& expected) = 0;
+  // The same for removing a record; one that is not there is not an error.
+  virtual bool erase(std::string_view file, std::string_view id, const Expected& expected) = 0;
   // Visits every record that the narrowing admits, once each, in any order; ascending ids make the
   // sorting cheapest. It may visit others: a narrowing only saves work. A row lives until its
   // visit returns; its record may be left empty when only ids are asked for. The visit does not

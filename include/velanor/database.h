@@ -11,22 +11,39 @@
 #include "velanor/query.h"
 #include "velanor/record.h"
 
+namespace velanor::control {
+class Procedure;
+struct Variable;
+}  // namespace velanor::control
+
 namespace velanor::store {
 
 class DbFile;
 
-// What a write expects to find under its id. Something else is a kConflict, and nothing is written: no
-// clerk's record takes the place of another's unseen.
+// Some characters of an id: the first of them, from 1, and how many; 0: all that follow.
+struct IdPart {
+  std::size_t first = 1, count = 0;
+};
+
+// What a write or a deletion expects to find under its id. Something else is a kConflict, and nothing is
+// written: no clerk's record takes the place of another's unseen. A record is expected by what it holds, so
+// a store needs no mark of its own for it: one that was changed and changed back is the same.
 class Expected {
  public:
   static Expected anything() { return Expected(Kind::kAnything); }
   static Expected absent() { return Expected(Kind::kAbsent); }
+  static Expected record(const DbRecord& record) { return Expected(Kind::kRecord, record.encoded()); }
+
+  bool wants_anything() const { return kind_ == Kind::kAnything; }
   bool wants_absence() const { return kind_ == Kind::kAbsent; }
+  // Whether what is stored (nothing: no record) is as expected.
+  bool holds_for(const std::optional<DbRecord>& stored) const;
 
  private:
-  enum class Kind { kAnything, kAbsent };
-  explicit Expected(Kind kind) : kind_(kind) {}
+  enum class Kind { kAnything, kAbsent, kRecord };
+  explicit Expected(Kind kind, std::string content = {}) : kind_(kind), content_(std::move(content)) {}
   Kind kind_;
+  std::string content_;
 };
 
 // A record bound to a file and an id: filled, then written by DBWrite. It starts empty.
@@ -38,7 +55,7 @@ class FileRecord : public DbRecord {
   // Replaces the whole content by another record's.
   void assign(const DbRecord& other) { DbRecord::operator=(other); }
   // Writes the record under its id; durable where the store is, once this returns.
-  void DBWrite(Expected expected = Expected::anything());
+  void DBWrite(const Expected& expected = Expected::anything());
 
  private:
   DbFile* file_;
@@ -50,10 +67,11 @@ class DbFile {
  public:
   virtual ~DbFile() = default;
   virtual std::optional<DbRecord> find(std::string_view id) = 0;
-  virtual void write(std::string_view id, const DbRecord& record, Expected expected) = 0;
+  virtual void write(std::string_view id, const DbRecord& record, const Expected& expected) = 0;
   void write(std::string_view id, const DbRecord& record) { write(id, record, Expected::anything()); }
+  virtual void remove(std::string_view id, const Expected& expected) = 0;
   // Removing a record that does not exist is not an error.
-  virtual void DeleteRecord(std::string_view id) = 0;
+  void DeleteRecord(std::string_view id) { remove(id, Expected::anything()); }
 
   // Throws DbError kMissingRecord when there is no such record.
   DbRecord Read(std::string_view id);
@@ -78,8 +96,14 @@ class Database {
   // Nothing can be written: every write fails. What is open is open for reading.
   virtual bool read_only() const { return false; }
 
-  // What its users hold in common, theirs to make and to drop; the database never looks at it.
-  std::weak_ptr<void> shared;
+  // From now on statements may call a part of the ids of a file by this name. The component names those
+  // that it uses when it is started.
+  virtual void name_id_part(std::string_view file, std::string_view name, const IdPart& part) = 0;
+
+ private:
+  friend class control::Procedure;
+  // The components on this database find each other here.
+  std::weak_ptr<control::Variable> shared_;
 };
 
 }  // namespace velanor::store

@@ -19,7 +19,7 @@ class MemoryBackend;
 // records can be put and looked at without opening files.
 class MemoryDatabase : public StoreDatabase {
  public:
-  explicit MemoryDatabase(select::Dictionary dictionary = select::default_dictionary());
+  MemoryDatabase();
 
   void put(std::string_view file, std::string_view id, const DbRecord& record);
   void remove(std::string_view file, std::string_view id);
@@ -30,7 +30,7 @@ class MemoryDatabase : public StoreDatabase {
   void for_each(std::string_view file, const std::function<void(std::string_view id, const DbRecord&)>& fn);
 
  private:
-  MemoryDatabase(std::unique_ptr<MemoryBackend> backend, select::Dictionary dictionary);
+  explicit MemoryDatabase(std::unique_ptr<MemoryBackend> backend);
 
   MemoryBackend* backend_;
 };

@@ -14,10 +14,16 @@ inline constexpr char kAttributeMark = '\xFE';
 inline constexpr char kValueMark = '\xFD';
 inline constexpr char kSubvalueMark = '\xFC';
 
-// As a value or subvalue number of a read: the whole element above. As the value number of a
-// write: a new value (or subvalue) at the end.
-inline constexpr int kWhole = -1;
-inline constexpr int kAppend = -1;
+// As a value or subvalue number, -1 means two things: in a read the whole element above, in a write a new
+// one at the end. By these names neither can be taken for the other.
+struct Whole {
+  constexpr operator int() const { return -1; }
+};
+struct Append {
+  constexpr operator int() const { return -1; }
+};
+inline constexpr Whole kWhole;
+inline constexpr Append kAppend;
 
 // The highest number that a write may name; beyond it lies a mistake, not a record.
 inline constexpr int kMaxNumber = 1'000'000;
@@ -26,7 +32,7 @@ inline constexpr int kMaxNumber = 1'000'000;
 // parses: an element that is not there reads as "". A view that was read lives until the record
 // is next written or destroyed.
 //
-// Texts written through `set`, `insert` and `append` are one element each: mark bytes, NUL and
+// Texts written through `set` and `Insert` are one element each: mark bytes, NUL and
 // invalid UTF-8 in them are replaced by U+FFFD (see clean_text), so no text can change the
 // record's structure. Only `copy_attribute` and the whole-record writes carry structure.
 class DbRecord {
@@ -45,6 +51,7 @@ class DbRecord {
   // Element (attribute), (attribute, value) or (attribute, value, subvalue). Numbers below 1
   // other than kWhole read as "".
   std::string_view operator()(int attribute, int value = kWhole, int subvalue = kWhole) const;
+  std::string_view operator()(int attribute, Append, int subvalue = kWhole) const = delete;
   // The same, under its other name; a subvalue of kWhole is the whole value.
   std::string_view Extract(int attribute, int value, int subvalue) const {
     return (*this)(attribute, value, subvalue);
@@ -57,6 +64,8 @@ class DbRecord {
   void set(int attribute, std::string_view text);
   void set(int attribute, int value, std::string_view text);
   void set(int attribute, int value, int subvalue, std::string_view text);
+  void set(int attribute, Whole, std::string_view text) = delete;
+  void set(int attribute, int value, Whole, std::string_view text) = delete;
   // Replaces attribute `attribute` by the attribute `from_attribute` of another record, with
   // its values and subvalues.
   void copy_attribute(int attribute, const DbRecord& from, int from_attribute);

@@ -31,7 +31,6 @@ class SqliteDatabase : public StoreDatabase {
     Missing missing = Missing::kFail;
     // How long a write waits for other programs, in milliseconds.
     int patience = 5000;
-    select::Dictionary dictionary = select::default_dictionary();
   };
 
   // A file of another kind, or written by a later version, is refused and left as it is; an older
@@ -61,7 +60,7 @@ class SqliteDatabase : public StoreDatabase {
   static bool is_at(const std::string& path);
 
  private:
-  SqliteDatabase(std::unique_ptr<sqlite::SqliteBackend> backend, select::Dictionary dictionary);
+  explicit SqliteDatabase(std::unique_ptr<sqlite::SqliteBackend> backend);
 
   sqlite::SqliteBackend* backend_;
 };

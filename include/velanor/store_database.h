@@ -4,8 +4,6 @@
 #include <memory>
 #include <string_view>
 
-#include "store/result_cache.h"
-#include "store/select/dictionary.h"
 #include "velanor/backend.h"
 #include "velanor/database.h"
 
@@ -13,29 +11,28 @@ namespace velanor::store {
 
 class StoreDatabase : public Database {
  public:
-  explicit StoreDatabase(std::unique_ptr<Backend> backend,
-                         select::Dictionary dictionary = select::default_dictionary());
+  explicit StoreDatabase(std::unique_ptr<Backend> backend);
+  ~StoreDatabase() override;
 
   std::unique_ptr<DbFile> OpenFile(std::string_view name) override;
   // A request that was run before answers at once while its file has not changed.
   DbResult Select(std::string_view request, std::string_view option = {}) override;
-  void in_one_change(const std::function<void()>& writes) override { backend_->in_one_change(writes); }
-  void in_one_view(const std::function<void()>& reads) override { backend_->in_one_view(reads); }
+  void in_one_change(const std::function<void()>& writes) override;
+  void in_one_view(const std::function<void()>& reads) override;
+  void name_id_part(std::string_view file, std::string_view name, const IdPart& part) override;
 
  protected:
-  Backend& backend() { return *backend_; }
+  Backend& backend();
 
  private:
-  DbResult run(const DbRecord& query);
-
-  std::unique_ptr<Backend> backend_;
-  select::Dictionary dictionary_;
-  ResultCache cache_;
+  struct Engine;
+  std::unique_ptr<Engine> engine_;
 };
 
-// Writes through here: an id must not be empty and must be clean text (DbError kStoreFailure), and what
-// stands there as expected (kConflict).
+// Writes and deletions go through here: an id must not be empty and must be clean text (DbError
+// kStoreFailure), and what stands there as expected (kConflict).
 void put_checked(Backend& backend, std::string_view file, std::string_view id, const DbRecord& record,
-                 Expected expected = Expected::anything());
+                 const Expected& expected = Expected::anything());
+void erase_checked(Backend& backend, std::string_view file, std::string_view id, const Expected& expected);
 
 }  // namespace velanor::store

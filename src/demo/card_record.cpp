@@ -7,7 +7,7 @@
 #include <string>
 
 #include "card/record/record_layout.h"
-#include "entry/date.h"
+#include "velanor/date.h"
 
 namespace velanor::demo {
 namespace {

@@ -4,7 +4,7 @@
 #include <numeric>
 #include <set>
 
-#include "entry/date.h"
+#include "velanor/date.h"
 #include "text/utf8.h"
 
 namespace velanor::demo {

@@ -6,7 +6,7 @@
 
 #include "demo/source.h"
 #include "demo/table.h"
-#include "entry/date.h"
+#include "velanor/date.h"
 
 namespace velanor::demo {
 namespace {

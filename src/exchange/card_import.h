@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "card/record/references.h"
-#include "entry/date.h"
+#include "velanor/date.h"
 #include "exchange/columns.h"
 
 namespace velanor::exchange {

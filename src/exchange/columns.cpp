@@ -7,7 +7,7 @@
 #include "card/record/card_dates.h"
 #include "demo/source.h"
 #include "demo/table.h"
-#include "entry/date.h"
+#include "velanor/date.h"
 #include "entry/decimal.h"
 #include "text/utf8.h"
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "entry/date.h"
+#include "velanor/date.h"
 #include "velanor/database.h"
 
 namespace velanor::exchange {

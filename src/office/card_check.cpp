@@ -9,7 +9,7 @@
 #include "card/record/record_compare.h"
 #include "card/record/record_layout.h"
 #include "card/record/rules.h"
-#include "entry/date.h"
+#include "velanor/date.h"
 #include "text/number.h"
 #include "text/utf8.h"
 

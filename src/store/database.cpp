@@ -2,7 +2,12 @@
 
 namespace velanor::store {
 
-void FileRecord::DBWrite(Expected expected) { file_->write(id_, *this, expected); }
+bool Expected::holds_for(const std::optional<DbRecord>& stored) const {
+  if (kind_ == Kind::kAnything) return true;
+  return kind_ == Kind::kAbsent ? !stored : stored && stored->encoded() == content_;
+}
+
+void FileRecord::DBWrite(const Expected& expected) { file_->write(id_, *this, expected); }
 
 void Database::in_one_change(const std::function<void()>&) {
   throw DbError(

@@ -15,8 +15,9 @@ class MemoryBackend : public Backend {
  public:
   void open(std::string_view file) override;
   std::optional<DbRecord> find(std::string_view file, std::string_view id) override;
-  bool put(std::string_view file, std::string_view id, const DbRecord& record, Expected expected) override;
-  void erase(std::string_view file, std::string_view id) override;
+  bool put(std::string_view file, std::string_view id, const DbRecord& record,
+           const Expected& expected) override;
+  bool erase(std::string_view file, std::string_view id, const Expected& expected) override;
   void scan(std::string_view file, const Narrowing& narrowing, Content content, const Visit& visit) override;
   std::uint64_t revision(std::string_view file) override;
   void in_one_change(const std::function<void()>& writes) override;

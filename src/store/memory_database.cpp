@@ -17,20 +17,22 @@ std::optional<DbRecord> MemoryBackend::find(std::string_view name, std::string_v
 }
 
 bool MemoryBackend::put(std::string_view name, std::string_view id, const DbRecord& record,
-                        Expected expected) {
+                        const Expected& expected) {
   MemoryFile* known = file(name);
   if (known == nullptr) known = &files_[std::string(name)];
-  if (expected.wants_absence() && known->find(id)) return false;
+  if (!expected.wants_anything() && !expected.holds_for(known->find(id))) return false;
   note(name, id);
   known->put(id, record.encoded());
   return true;
 }
 
-void MemoryBackend::erase(std::string_view name, std::string_view id) {
+bool MemoryBackend::erase(std::string_view name, std::string_view id, const Expected& expected) {
+  if (!expected.wants_anything() && !expected.holds_for(find(name, id))) return false;
   MemoryFile* found = file(name);
-  if (found == nullptr) return;
+  if (found == nullptr) return true;
   note(name, id);
   found->erase(id);
+  return true;
 }
 
 void MemoryBackend::note(std::string_view name, std::string_view id) {
@@ -56,7 +58,7 @@ void MemoryBackend::undo() {
     if (before->record) {
       put(before->file, before->id, *before->record, Expected::anything());
     } else {
-      erase(before->file, before->id);
+      erase(before->file, before->id, Expected::anything());
     }
   }
   journal_.clear();
@@ -80,18 +82,18 @@ std::vector<std::string> MemoryBackend::files() const {
   return names;
 }
 
-MemoryDatabase::MemoryDatabase(select::Dictionary dictionary)
-    : MemoryDatabase(std::make_unique<MemoryBackend>(), std::move(dictionary)) {}
+MemoryDatabase::MemoryDatabase() : MemoryDatabase(std::make_unique<MemoryBackend>()) {}
 
-MemoryDatabase::MemoryDatabase(std::unique_ptr<MemoryBackend> backend, select::Dictionary dictionary)
-    : StoreDatabase(std::move(backend), std::move(dictionary)),
-      backend_(static_cast<MemoryBackend*>(&StoreDatabase::backend())) {}
+MemoryDatabase::MemoryDatabase(std::unique_ptr<MemoryBackend> backend)
+    : StoreDatabase(std::move(backend)), backend_(static_cast<MemoryBackend*>(&StoreDatabase::backend())) {}
 
 void MemoryDatabase::put(std::string_view file, std::string_view id, const DbRecord& record) {
   put_checked(*backend_, file, id, record);
 }
 
-void MemoryDatabase::remove(std::string_view file, std::string_view id) { backend_->erase(file, id); }
+void MemoryDatabase::remove(std::string_view file, std::string_view id) {
+  backend_->erase(file, id, Expected::anything());
+}
 
 std::optional<DbRecord> MemoryDatabase::find(std::string_view file, std::string_view id) {
   return backend_->find(file, id);
@@ -101,9 +103,8 @@ std::vector<std::string> MemoryDatabase::files() { return backend_->files(); }
 
 void MemoryDatabase::for_each(std::string_view file,
                               const std::function<void(std::string_view id, const DbRecord&)>& fn) {
-  backend_->scan(file, {}, Content::kRecords, [&](const select::Row& row) {
-    fn(row.id, DbRecord::from_trusted(std::string(row.encoded)));
-  });
+  backend_->scan(file, {}, Content::kRecords,
+                 [&](const Row& row) { fn(row.id, DbRecord::from_trusted(std::string(row.encoded))); });
 }
 
 }  // namespace velanor::store

@@ -1,6 +1,8 @@
 #include "velanor/store_database.h"
 
 #include "store/plan.h"
+#include "store/result_cache.h"
+#include "store/select/dictionary.h"
 #include "store/select/evaluator.h"
 #include "store/select/found_rows.h"
 #include "store/select/parser.h"
@@ -13,60 +15,96 @@ class StoreFile : public DbFile {
   StoreFile(Backend& backend, std::string_view name) : backend_(&backend), name_(name) {}
 
   std::optional<DbRecord> find(std::string_view id) override { return backend_->find(name_, id); }
-  void write(std::string_view id, const DbRecord& record, Expected expected) override {
+  void write(std::string_view id, const DbRecord& record, const Expected& expected) override {
     put_checked(*backend_, name_, id, record, expected);
   }
-  void DeleteRecord(std::string_view id) override { backend_->erase(name_, id); }
+  void remove(std::string_view id, const Expected& expected) override {
+    erase_checked(*backend_, name_, id, expected);
+  }
 
  private:
   Backend* backend_;
   std::string name_;
 };
 
+DbError conflict(std::string_view file, std::string_view id, std::string_view what_was_not_done,
+                 std::string_view what_others_did) {
+  std::string sentence = "L'enregistrement « ";
+  sentence.append(id).append(" » du fichier ").append(file).append(" ").append(what_was_not_done);
+  sentence.append(" : un autre poste vient de le ").append(what_others_did);
+  return {kConflict, sentence.append(". Reprenez-le pour voir ce qu'il contient.")};
+}
+
 }  // namespace
 
 void put_checked(Backend& backend, std::string_view file, std::string_view id, const DbRecord& record,
-                 Expected expected) {
+                 const Expected& expected) {
   if (id.empty() || clean_text(id) != id) {
     throw DbError(kStoreFailure, "L'enregistrement n'a pas été écrit : son identifiant « " + clean_text(id) +
                                      " » doit être un texte non vide. Vérifiez les codes saisis.");
   }
   if (backend.put(file, id, record, expected)) return;
-  throw DbError(kConflict, "L'enregistrement « " + std::string(id) + " » du fichier " + std::string(file) +
-                               " n'a pas été écrit : un autre poste vient de le créer. Reprenez-le pour voir "
-                               "ce qu'il contient.");
+  throw conflict(file, id, "n'a pas été écrit", expected.wants_absence() ? "créer" : "modifier ou supprimer");
 }
 
-StoreDatabase::StoreDatabase(std::unique_ptr<Backend> backend, select::Dictionary dictionary)
-    : backend_(std::move(backend)), dictionary_(std::move(dictionary)) {}
+void erase_checked(Backend& backend, std::string_view file, std::string_view id, const Expected& expected) {
+  if (!backend.erase(file, id, expected))
+    throw conflict(file, id, "n'a pas été supprimé", "modifier ou supprimer");
+}
+
+struct StoreDatabase::Engine {
+  DbResult run(const DbRecord& query);
+
+  std::unique_ptr<Backend> backend;
+  select::Dictionary dictionary;
+  ResultCache cache;
+};
+
+DbResult StoreDatabase::Engine::run(const DbRecord& query) {
+  const select::Statement statement = select::parse_statement(query(1), query(2), dictionary);
+  const std::vector<int> attributes = select::parse_attribute_list(query(3));
+  select::FoundRows found(statement.sort_keys, attributes);
+  backend->scan(statement.file, narrowing_of(statement), content_needed(statement, attributes),
+                [&](const Row& row) {
+                  if (select::matches(statement, row)) found.add(row);
+                });
+  return found.result();
+}
+
+StoreDatabase::StoreDatabase(std::unique_ptr<Backend> backend)
+    : engine_(
+          std::make_unique<Engine>(Engine{.backend = std::move(backend), .dictionary = {}, .cache = {}})) {}
+
+StoreDatabase::~StoreDatabase() = default;
+
+Backend& StoreDatabase::backend() { return *engine_->backend; }
 
 std::unique_ptr<DbFile> StoreDatabase::OpenFile(std::string_view name) {
-  backend_->open(name);
-  return std::make_unique<StoreFile>(*backend_, name);
+  backend().open(name);
+  return std::make_unique<StoreFile>(backend(), name);
 }
 
 DbResult StoreDatabase::Select(std::string_view request, std::string_view) {
-  if (const auto* kept = cache_.find(request)) {
-    if (kept->revision == backend_->revision(kept->file)) return kept->result;
+  if (const auto* kept = engine_->cache.find(request)) {
+    if (kept->revision == backend().revision(kept->file)) return kept->result;
   }
   const DbRecord query = DbRecord::from_encoded(request);
   // Asked before the scan: what changes meanwhile makes the kept result old, not wrong.
   const std::string file(query(2));
-  const std::uint64_t revision = backend_->revision(file);
-  DbResult result = run(query);
-  cache_.keep({std::string(request), file, revision, result});
+  const std::uint64_t revision = backend().revision(file);
+  DbResult result = engine_->run(query);
+  engine_->cache.keep({std::string(request), file, revision, result});
   return result;
 }
 
-DbResult StoreDatabase::run(const DbRecord& query) {
-  const select::Statement statement = select::parse_statement(query(1), query(2), dictionary_);
-  const std::vector<int> attributes = select::parse_attribute_list(query(3));
-  select::FoundRows found(statement.sort_keys, attributes);
-  backend_->scan(statement.file, narrowing_of(statement), content_needed(statement, attributes),
-                 [&](const select::Row& row) {
-                   if (select::matches(statement, row)) found.add(row);
-                 });
-  return found.result();
+void StoreDatabase::in_one_change(const std::function<void()>& writes) { backend().in_one_change(writes); }
+
+void StoreDatabase::in_one_view(const std::function<void()>& reads) { backend().in_one_view(reads); }
+
+void StoreDatabase::name_id_part(std::string_view file, std::string_view name, const IdPart& part) {
+  engine_->dictionary.define(
+      file, name,
+      {.attribute = 0, .first = part.first, .count = part.count == 0 ? select::kToTheEnd : part.count});
 }
 
 }  // namespace velanor::store

@@ -23,12 +23,12 @@ class WrappedDatabase::File : public DbFile {
   std::optional<DbRecord> find(std::string_view id) override {
     return owner_.pass({DatabaseCall::Kind::kFind, name_, id}, [&] { return inner_->find(id); });
   }
-  void write(std::string_view id, const DbRecord& record, Expected expected) override {
+  void write(std::string_view id, const DbRecord& record, const Expected& expected) override {
     owner_.pass({DatabaseCall::Kind::kWrite, name_, id, &record},
                 [&] { inner_->write(id, record, expected); });
   }
-  void DeleteRecord(std::string_view id) override {
-    owner_.pass({DatabaseCall::Kind::kDelete, name_, id}, [&] { inner_->DeleteRecord(id); });
+  void remove(std::string_view id, const Expected& expected) override {
+    owner_.pass({DatabaseCall::Kind::kDelete, name_, id}, [&] { inner_->remove(id, expected); });
   }
 
  private:

@@ -6,7 +6,7 @@
 #include <random>
 
 #include "card/record/record_layout.h"
-#include "entry/date.h"
+#include "velanor/date.h"
 #include "support/office.h"
 
 namespace velanor::test {

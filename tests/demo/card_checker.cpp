@@ -6,7 +6,7 @@
 #include <set>
 
 #include "card/record/record_layout.h"
-#include "entry/date.h"
+#include "velanor/date.h"
 #include "text/utf8.h"
 
 namespace velanor::demo {

@@ -11,7 +11,7 @@
 #include "card/record/record_layout.h"
 #include "demo/card_checker.h"
 #include "demo/map_sink.h"
-#include "entry/date.h"
+#include "velanor/date.h"
 
 namespace velanor::demo {
 namespace {

@@ -1,4 +1,4 @@
-#include "entry/date.h"
+#include "velanor/date.h"
 
 #include <gtest/gtest.h>
 

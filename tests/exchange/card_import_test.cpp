@@ -3,6 +3,7 @@
 
 #include <sstream>
 
+#include "control/session/card_id.h"
 #include "exchange/import_csv.h"
 #include "store/notation.h"
 #include "velanor/memory_database.h"
@@ -63,6 +64,7 @@ TEST_F(ImportOfCards, APersonnelListGivesAnEntityItsFirstYear) {
                   {8, "20486"},      {12, "20486"}, {17, "12345"}, {39, "0"}, {40, "007002"}};
   for (const auto& e : expected) EXPECT_EQ(card()(e.attribute), e.stored) << "attribute " << e.attribute;
   EXPECT_EQ(card()(31, 1, 2), "1000");
+  card::name_id_parts(database_);
   const auto years = database_.Select(
       store::DbQuery("SSELECT VELANORO PAR CodeAsso PAR-DECR Annee", "VELANORO", "0").encoded());
   EXPECT_EQ(years.DCount(), 1);

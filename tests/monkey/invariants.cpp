@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "card/record/activity_line.h"
-#include "entry/date.h"
+#include "velanor/date.h"
 #include "entry/decimal.h"
 
 namespace velanor::test {

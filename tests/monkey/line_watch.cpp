@@ -4,7 +4,7 @@
 
 #include "card/record/item_hours.h"
 #include "card/record/record_layout.h"
-#include "entry/date.h"
+#include "velanor/date.h"
 #include "entry/decimal.h"
 
 namespace velanor::test {

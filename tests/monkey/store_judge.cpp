@@ -4,7 +4,7 @@
 
 #include "card/record/card_dates.h"
 #include "card/record/record_layout.h"
-#include "entry/date.h"
+#include "velanor/date.h"
 
 namespace velanor::test {
 namespace {

@@ -24,6 +24,9 @@ class MortalDatabase : public store::Database {
     expect_alive(dead_);
     return database_.Select(request, option);
   }
+  void name_id_part(std::string_view file, std::string_view name, const store::IdPart& part) override {
+    database_.name_id_part(file, name, part);
+  }
 
  private:
   static void expect_alive(const bool& dead) { EXPECT_FALSE(dead) << "the store was used after the widget"; }
@@ -35,13 +38,13 @@ class MortalDatabase : public store::Database {
       expect_alive(dead_);
       return file_->find(id);
     }
-    void write(std::string_view id, const store::DbRecord& record, store::Expected expected) override {
+    void write(std::string_view id, const store::DbRecord& record, const store::Expected& expected) override {
       expect_alive(dead_);
       file_->write(id, record, expected);
     }
-    void DeleteRecord(std::string_view id) override {
+    void remove(std::string_view id, const store::Expected& expected) override {
       expect_alive(dead_);
-      file_->DeleteRecord(id);
+      file_->remove(id, expected);
     }
 
    private:

@@ -163,6 +163,9 @@ TEST_P(StoreContract, YearsOfEachEntityComeLatestFirstFromThePersonnelFile) {
                          "00002", "éèêëà0072026"}) {
     put("VELANORO", id, "MARTIN");
   }
+  database_->name_id_part("VELANORO", "Annee", {.first = 1, .count = 5});
+  database_->name_id_part("VELANORO", "CodeAsso", {.first = 6, .count = 3});
+  database_->name_id_part("VELANORO", "Annee", {.first = 9});
   EXPECT_EQ(select("SSELECT VELANORO PAR CodeAsso PAR-DECR Annee", "VELANORO"),
             Rows({"00002", "000010012026", "000010072026", "éèêëà0072026", "000010072025", "000020072024",
                   "00003007202"}));
@@ -236,6 +239,44 @@ TEST_P(StoreContract, AWriteThatExpectsNothingThereNeverTakesThePlaceOfARecord) 
   file->write("001", record("Soin"), Expected::absent());
   file->write("001", record("Autre"), Expected::anything());
   EXPECT_EQ(shown(file->Read("001")), "Autre");
+}
+
+TEST_P(StoreContract, AWriteOrADeletionThatExpectsARecordNeverTouchesAnother) {
+  const auto file = database_->OpenFile("SECTEUR");
+  const auto number = [](const std::function<void()>& act) {
+    try {
+      act();
+      return 0u;
+    } catch (const DbError& error) {
+      return error.number();
+    }
+  };
+  const auto mine = Expected::record(record("Aide^1|2"));
+  const struct {
+    const char* what;
+    std::optional<std::string> stored;
+    std::uint32_t refused;
+  } cases[] = {{"as it was", "Aide^1|2", 0},
+               {"changed", "Aide^1|3", kConflict},
+               {"deleted", std::nullopt, kConflict},
+               {"longer", "Aide^1|2^", kConflict}};
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.what);
+    const auto lay = [&] {
+      file->DeleteRecord("001");
+      if (test.stored) file->write("001", record(*test.stored));
+    };
+    const auto stored = [&] {
+      const auto found = file->find("001");
+      return found ? std::optional(shown(*found)) : std::nullopt;
+    };
+    lay();
+    EXPECT_EQ(number([&] { file->write("001", record("Soin"), mine); }), test.refused);
+    EXPECT_EQ(stored(), test.refused == 0 ? "Soin" : test.stored);
+    lay();
+    EXPECT_EQ(number([&] { file->remove("001", mine); }), test.refused);
+    EXPECT_EQ(stored(), test.refused == 0 ? std::nullopt : test.stored);
+  }
 }
 
 TEST_P(StoreContract, AChangeThatFailsLeavesEverythingAsItWas) {

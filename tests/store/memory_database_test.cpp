@@ -23,7 +23,7 @@ class ContraryBackend : public MemoryBackend {
   void scan(std::string_view file, const Narrowing&, Content, const Visit& visit) override {
     std::vector<std::pair<std::string, std::string>> rows;
     MemoryBackend::scan(file, {}, Content::kRecords,
-                        [&](const select::Row& row) { rows.emplace_back(row.id, row.encoded); });
+                        [&](const Row& row) { rows.emplace_back(row.id, row.encoded); });
     for (auto row = rows.rbegin(); row != rows.rend(); ++row) visit({row->first, row->second});
   }
 };
@@ -59,7 +59,7 @@ TEST(MemoryFile, AgreesWithAPlainMapThroughRandomWrites) {
   std::map<std::string, std::string> plain;
   const auto scanned = [&](Narrowing::Kind kind, const std::string& text) {
     std::map<std::string, std::string> found;
-    file.scan({kind, text}, Content::kRecords, [&](const select::Row& row) {
+    file.scan({kind, text}, Content::kRecords, [&](const Row& row) {
       const std::string id(row.id);
       const bool admitted = kind == Narrowing::Kind::kId         ? id == text
                             : kind == Narrowing::Kind::kIdPrefix ? id.starts_with(text)

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "store/select/dictionary.h"
 #include "velanor/error.h"
 
 namespace velanor::store::select {
@@ -10,7 +11,10 @@ namespace {
 // The sentence of the error, "" where there is none.
 std::string refusal(std::string_view statement, std::string_view file) {
   try {
-    parse_statement(statement, file, default_dictionary());
+    Dictionary dictionary;
+    dictionary.define("VELANORO", "CodeAsso", {.attribute = 0, .first = 6, .count = 3});
+    dictionary.define("VELANORO", "Annee", {.attribute = 0, .first = 9});
+    parse_statement(statement, file, dictionary);
     return "";
   } catch (const DbError& error) {
     EXPECT_EQ(error.number(), kBadStatement);

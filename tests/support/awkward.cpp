@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "card/record/record_layout.h"
-#include "entry/date.h"
+#include "velanor/date.h"
 
 namespace velanor::test {
 namespace {

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 
+#include "control/session/card_id.h"
 #include "store/sqlite/failure.h"
 #include "velanor/memory_database.h"
 
@@ -39,13 +40,23 @@ std::string path_of(std::string_view url) {
                                                  "sqlite:CHEMIN ou memory:.");
 }
 
-std::unique_ptr<store::Database> open_store(const StoreOptions& options, IfMissing if_missing) {
+namespace {
+
+std::unique_ptr<store::Database> open_kind(const StoreOptions& options, IfMissing if_missing) {
   if (options.demo) return demonstration();
   if (options.url.empty() || options.url == kMemoryStore) return std::make_unique<store::MemoryDatabase>();
   using Sqlite = store::SqliteDatabase;
   Sqlite::Options sqlite;
   if (if_missing == IfMissing::kCreate) sqlite.missing = Sqlite::Missing::kCreate;
   return std::make_unique<Sqlite>(path_of(options.url), sqlite);
+}
+
+}  // namespace
+
+std::unique_ptr<store::Database> open_store(const StoreOptions& options, IfMissing if_missing) {
+  auto database = open_kind(options, if_missing);
+  card::name_id_parts(*database);
+  return database;
 }
 
 std::unique_ptr<store::Database> open_named_store(const StoreOptions& options, IfMissing if_missing) {

@@ -22,7 +22,7 @@ std::string CardCommands::id_of(const std::string& employee) const {
   return card::record_id(employee, on_.card.entity, on_.card.year);
 }
 
-void CardCommands::write_card(store::FileRecord& card, store::Expected expected) {
+void CardCommands::write_card(store::FileRecord& card, const store::Expected& expected) {
   if (!card::is_record_id(card.id())) {
     throw store::DbError(store::kStoreFailure,
                          "La fiche « " + card.id() +

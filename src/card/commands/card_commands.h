@@ -61,7 +61,7 @@ class CardCommands {
   // The id of a card of the entity and year in hand.
   std::string id_of(const std::string& employee) const;
   bool year_is_locked();
-  static void write_card(store::FileRecord& card, store::Expected expected);
+  static void write_card(store::FileRecord& card, const store::Expected& expected);
   // Writes a card under the next free code, as `content` makes it of its code; returns it.
   store::FileRecord write_new_card(const std::function<store::DbRecord(const std::string& code)>& content);
   void enter_entity();

@@ -3,7 +3,7 @@
 #include <charconv>
 
 #include "card/record/record_layout.h"
-#include "entry/date.h"
+#include "velanor/date.h"
 
 namespace velanor::card {
 

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "text/utf8.h"
+#include "velanor/database.h"
 
 namespace velanor::card {
 
@@ -16,6 +17,10 @@ inline constexpr int kYearLength = 4;
 inline std::string record_id(std::string_view employee, std::string_view entity, std::string_view year) {
   return std::string(employee).append(entity).append(year);
 }
+// What statements call the parts of a card's id: "CodeAsso" and "Annee". Whoever sends such statements
+// before a component was started on the database calls this himself.
+void name_id_parts(store::Database& database);
+
 // Nothing else may ever be written as a card: an id without its entity would hide every entity.
 inline bool is_record_id(std::string_view id) {
   const bool blank = id.find(' ') != std::string_view::npos;

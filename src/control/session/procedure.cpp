@@ -1,14 +1,17 @@
 #include "control/session/procedure.h"
 
+#include "control/session/card_id.h"
+
 namespace velanor::control {
 
 void Procedure::OuvrirFichiers() {
-  auto variable = std::static_pointer_cast<Variable>(database_.shared.lock());
+  card::name_id_parts(database_);
+  auto variable = database_.shared_.lock();
   if (!variable) {
     variable = std::make_shared<Variable>();
     for (std::size_t i = 0; i < kFileNames.size(); ++i)
       variable->files[i] = database_.OpenFile(kFileNames[i]);
-    database_.shared = variable;
+    database_.shared_ = variable;
   }
   store::DbFile& tables = *variable->files[static_cast<std::size_t>(File::kTables)];
   variable->fincontrat = tables.Read("FINCONTRAT");

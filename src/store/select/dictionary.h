@@ -9,25 +9,19 @@
 
 namespace velanor::store::select {
 
-struct DictionaryEntry {
-  std::string file;
-  std::string name;
-  Designator designator;
-};
-
 class Dictionary {
  public:
-  Dictionary() = default;
-  explicit Dictionary(std::vector<DictionaryEntry> entries) : entries_(std::move(entries)) {}
-
+  // In place of what the name stood for.
+  void define(std::string_view file, std::string_view name, const Designator& designator);
   // nullptr for a name that the file does not have.
   const Designator* find(std::string_view file, std::string_view name) const;
 
  private:
-  std::vector<DictionaryEntry> entries_;
+  struct Entry {
+    std::string file, name;
+    Designator designator;
+  };
+  std::vector<Entry> entries_;
 };
-
-// The names of the personnel file: the entity and the year, both parts of the id.
-Dictionary default_dictionary();
 
 }  // namespace velanor::store::select

@@ -4,14 +4,9 @@
 #include <string_view>
 
 #include "store/select/tree.h"
+#include "velanor/backend.h"
 
 namespace velanor::store::select {
-
-// A record as it lies in a store: its id and its encoded form.
-struct Row {
-  std::string_view id;
-  std::string_view encoded;
-};
 
 // The text that a designator stands for; "" where the record has none.
 std::string_view text_of(const Designator& designator, const Row& row);

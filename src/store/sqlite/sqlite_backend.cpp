@@ -79,17 +79,36 @@ std::optional<DbRecord> SqliteBackend::find(std::string_view file, std::string_v
 }
 
 bool SqliteBackend::put(std::string_view file, std::string_view id, const DbRecord& record,
-                        Expected expected) {
+                        const Expected& expected) {
+  if (expected.wants_anything() || expected.wants_absence())
+    return put(file, id, record, expected.wants_absence());
+  Transaction transaction(connection());
+  const bool as_expected = expected.holds_for(find(file, id));
+  if (as_expected) put(file, id, record, false);
+  transaction.commit();
+  return as_expected;
+}
+
+bool SqliteBackend::put(std::string_view file, std::string_view id, const DbRecord& record, bool only_new) {
   const std::int64_t number = number_for_writing(file);
   const std::string tail = reversed(id);
   const auto held = shelf();
-  Run run(expected.wants_absence() ? held->create : held->put);
+  Run run(only_new ? held->create : held->put);
   run->bind(1, number);
   run->bind_text(2, id);
   run->bind_blob(3, tail);
   run->bind_blob(4, record.encoded());
   run->step();
   return held->connection.changes() > 0;
+}
+
+bool SqliteBackend::erase(std::string_view file, std::string_view id, const Expected& expected) {
+  if (expected.wants_anything()) return erase(file, id), true;
+  Transaction transaction(connection());
+  const bool as_expected = expected.holds_for(find(file, id));
+  if (as_expected) erase(file, id);
+  transaction.commit();
+  return as_expected;
 }
 
 void SqliteBackend::erase(std::string_view file, std::string_view id) {

@@ -21,8 +21,9 @@ class SqliteBackend : public Backend {
 
   void open(std::string_view file) override;
   std::optional<DbRecord> find(std::string_view file, std::string_view id) override;
-  bool put(std::string_view file, std::string_view id, const DbRecord& record, Expected expected) override;
-  void erase(std::string_view file, std::string_view id) override;
+  bool put(std::string_view file, std::string_view id, const DbRecord& record,
+           const Expected& expected) override;
+  bool erase(std::string_view file, std::string_view id, const Expected& expected) override;
   void scan(std::string_view file, const Narrowing& narrowing, Content content, const Visit& visit) override;
   std::uint64_t revision(std::string_view file) override;
 
@@ -46,6 +47,8 @@ class SqliteBackend : public Backend {
   // Nothing for a file that was never written.
   std::optional<std::int64_t> number(std::string_view file);
   std::int64_t number_for_writing(std::string_view file);
+  bool put(std::string_view file, std::string_view id, const DbRecord& record, bool only_new);
+  void erase(std::string_view file, std::string_view id);
   void scan_ids(Content content, std::int64_t file, std::string_view prefix, const Visit& visit);
   void scan_tails(std::int64_t file, std::string_view suffix, const Visit& visit);
 

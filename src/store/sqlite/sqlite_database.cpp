@@ -98,12 +98,10 @@ class Copy {
 }  // namespace
 
 SqliteDatabase::SqliteDatabase(const std::string& path, Options options)
-    : SqliteDatabase(std::make_unique<SqliteBackend>(path, if_missing(options.missing), options.patience),
-                     std::move(options.dictionary)) {}
+    : SqliteDatabase(std::make_unique<SqliteBackend>(path, if_missing(options.missing), options.patience)) {}
 
-SqliteDatabase::SqliteDatabase(std::unique_ptr<SqliteBackend> backend, select::Dictionary dictionary)
-    : StoreDatabase(std::move(backend), std::move(dictionary)),
-      backend_(static_cast<SqliteBackend*>(&StoreDatabase::backend())) {}
+SqliteDatabase::SqliteDatabase(std::unique_ptr<SqliteBackend> backend)
+    : StoreDatabase(std::move(backend)), backend_(static_cast<SqliteBackend*>(&StoreDatabase::backend())) {}
 
 bool SqliteDatabase::read_only() const { return backend_->connection().access() != sqlite::Access::kWrite; }
 
