@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "entry/date.h"
+#include "velanor/clock.h"
 
 namespace velanor::entry {
 

@@ -1,24 +1,13 @@
 // Calendar dates as whole day numbers.
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "velanor/clock.h"
+
 namespace velanor::entry {
-
-// A day of the Gregorian calendar; years 1 to 9999.
-struct Date {
-  int day = 0;
-  int month = 0;
-  int year = 0;
-  friend bool operator==(const Date&, const Date&) = default;
-};
-
-// Where "today" comes from: the system's calendar for a program, a fixed day for a test.
-using Clock = std::function<Date()>;
-Clock system_clock();
 
 // Days since 31/12/1967, which is 0; earlier days are negative. Nothing for a date that does
 // not exist.
