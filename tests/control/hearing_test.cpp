@@ -176,6 +176,19 @@ TEST_F(HearingTest, AVisitToTheItemsThatIsDroppedIsNoChange) {
   EXPECT_FALSE(office_.component.modified());
 }
 
+TEST_F(HearingTest, AnotherGridOfTheSameLabelIsAChange) {
+  load(memory_, "line_under_edit.play");
+  act({type("Txt_Asso", "001"), type("Txt_Aidant", "00030"), page(1), edit("Lst_DatEffet", 0)});
+  const screen::ComboBox& grids = office_.ui.Cbo_Grille;
+  const int own = grids.index();
+  const int first = grids.find("Cadre");
+  ASSERT_TRUE(own > first && grids.line(own) == "Cadre") << "the card has the first grid of its label";
+  act({choose("Cbo_Grille", first)});
+  EXPECT_TRUE(office_.component.modified());
+  act({choose("Cbo_Grille", own)});
+  EXPECT_FALSE(office_.component.modified());
+}
+
 TEST_F(HearingTest, EachActIsToldOfOnceAndInOrder) {
   const std::string kEditing = "now editing " + kMartin;
   const struct {
@@ -228,9 +241,15 @@ TEST_F(HearingTest, EachActIsToldOfOnceAndInOrder) {
 }
 
 TEST_F(HearingTest, ANewCardIsToldUnderTheCodeThatItWasGiven) {
-  act(kOpen);
-  act({click("Cmd_Copier"), click("Cmd_Annul"), type("Txt_Aidant", "99999"),
-       type("Txt_NomAidant", "Roux Léa")});
+  act(after(kNew,
+            {type("Txt_NomAidant", "Roux Léa"), type("Txt_CodEtab", "001"), type("Txt_ConvCol", "01"),
+             type("Txt_Secteur", "001"), choose("Cbo_Com", 0), type("Txt_DatDeb", "01/01/2026"),
+             click("Cmd_AjAct"), choose("Cbo_Activites", 0), type("Txt_Pourc", "100"), click("Cmd_OkAct")}));
+  act({page(1), type("Txt_Profil1", "001"), click("Cmd_AjDetail"), choose("Cbo_Qualif", 0),
+       type("Txt_DatDepGrille", ""), type("Txt_TxHor", "12"), click("Cmd_OkDetail"), click("Cmd_Detail")});
+  act({click("Cmd_Ajouter"), type("Txt_Code", "001"), type("Txt_Base", "100"), click("Cmd_OK"),
+       click("Cmd_Retour")});
+  EXPECT_EQ(now(), "creating Roux Léa *");
   hearing_.take();
   act({click("Cmd_OK")});
   EXPECT_EQ(hearing_.take(),
