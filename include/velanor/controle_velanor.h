@@ -2,7 +2,10 @@
 #pragma once
 
 #include <memory>
+#include <string>
+#include <string_view>
 
+#include "velanor/date.h"
 #include "velanor/database.h"
 #include "velanor/host.h"
 #include "velanor/screen.h"
@@ -11,17 +14,20 @@
 namespace velanor {
 
 // Made by a host, given its three objects, then started by `init`; from then on it runs on what
-// the user does through its screen. Not used again after the user has left it. Everything that is
-// handed in must outlive it. Several components in one process do not disturb each other; those
-// on one database share its open files.
+// the user does through its screen, and on what the host does through it (see Hand) or asks of it here.
+// Not used again after the user has left it.
+//
+// One thread, that of the host's user interface. Everything that is handed in by reference must outlive it.
+// Several components in one process do not disturb each other; those on one database share its open files.
+// It may be destroyed between two acts, and by a listener, but not by the toolkit, the help viewer or the
+// host window while it calls them (see `abandon`).
 class ControleVelanor {
  public:
-  // What surrounds the component. `entry` may be null: then the default one is made.
+  // What surrounds the component.
   struct Surroundings {
     screen::Toolkit& toolkit;
     control::HelpViewer& help;
     control::HostWindow& window;
-    entry::UtilSaisie* entry = nullptr;
   };
 
   explicit ControleVelanor(const Surroundings& surroundings);
@@ -29,23 +35,54 @@ class ControleVelanor {
   ControleVelanor(const ControleVelanor&) = delete;
   ControleVelanor& operator=(const ControleVelanor&) = delete;
 
-  // Write-only properties. Setting the rights asks them once for "ELEMBUDGETPERS".
+  // ---- Before `init`.
+
+  // Write-only properties; the client may be left out. Setting the rights asks them once for
+  // "ELEMBUDGETPERS".
   void DroitsUtilisateur(control::UserRights& rights);
   void TheClient(control::Client& client);
   void TheDatabase(store::Database& database);
+  // An entry utility of the host's own; without one the default is made, on this clock or the system's.
+  void set_entry(entry::UtilSaisie& entry);
+  void set_clock(entry::Clock clock);
 
   // Start-up. Throws store::DbError when a file cannot be opened or a parameter record of the
-  // file TABLES cannot be read; std::logic_error when no database was set. The component is then
-  // unusable.
+  // file TABLES cannot be read; std::logic_error when no database was set, or the second time. After a
+  // DbError the component is unusable.
   void init();
 
-  // The forms and controls, by name, and the way to act on them.
+  // ---- What is open. May be asked at any time, also within an act, and after each key.
+
+  // kNone also before `init` and after the user has left.
+  control::State state() const;
+  // Of the card that is open (see control::Card); "" when none is.
+  std::string card_id() const;
+  std::string card_title() const;
+  // It would be lost with the card: a line or a box that reads otherwise than when the card was opened, or an
+  // entry that was begun. What was taken back is no change.
+  bool modified() const;
+
+  // Does what a clerk would do to have that card on the screen. Codes may lack their leading zeros. Nothing
+  // is done where there is no such card, where a message waits, and where it is open already, whatever is
+  // being entered on it. Another card with changes is asked for as "Annuler" asks; without changes it goes
+  // without a question, with its forms and the line under edit. Throws store::DbError when the store fails on
+  // the way: the screen then shows what `state` says.
+  control::Opening open(std::string_view entity, std::string_view year, std::string_view employee);
+
+  // Listeners hear in the order in which they came; each must stop before it is destroyed, or outlive this.
+  void listen(control::CardListener& listener);
+  void ignore(control::CardListener& listener);
+
+  // ---- The screen.
+
+  // The forms and controls, by name, and the way to act on them. What a host writes into a control itself,
+  // and not as an act, is told with the next act.
   screen::Screen& screen();
   // The working record of the card that is open: what saving would start from. Empty before
   // `init`.
   const store::DbRecord& card_in_hand() const;
   // The window was destroyed while the component called it: closes the files at once. What is still
-  // under way in the component may only unwind.
+  // under way in the component may only unwind; nothing is told any more.
   void abandon();
   // The user left it (or it was never started).
   bool closed() const;

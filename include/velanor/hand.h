@@ -13,6 +13,7 @@ namespace velanor::screen {
 // control left keeps the focus or speaks up, was made all the same.
 using Refusal = std::string;
 
+// Everything that it does is one act of the screen.
 class Hand {
  public:
   explicit Hand(Screen& screen) : screen_(screen) {}
@@ -47,6 +48,8 @@ class Hand {
   // Puts the focus on a control about to be used, showing its page first.
   Refusal reach(Control& control);
   Refusal check(const Control& control) const;
+  template <typename Act>
+  Refusal as_one(Act act);
   template <typename Act>
   Refusal act(Control& control, Act act);
   void key_into_focus(Key key);

@@ -33,6 +33,8 @@ class Toolkit {
   // A modal form came on top, or went away; the forms below take no input meanwhile.
   virtual void form_opened(Form&) {}
   virtual void form_closed(Form&) {}
+  // An act of the user's or the host's is over: what is shown follows the controls. Throws nothing.
+  virtual void acted() {}
   virtual void pop_up(Menu&) {}
   virtual void beep() {}
   // The hourglass pointer while a long work is under way.
@@ -62,6 +64,13 @@ class Screen {
   bool is_open(const Form& form) const;
   // From the base to the topmost.
   std::vector<Form*> open_forms() const;
+
+  // Runs what makes one act, of the user's (see Hand) or the host's; an act within another is part of it.
+  // When it is over, also where it failed, the toolkit follows and then `over` is called. What the act threw
+  // goes on to the caller, else what `over` threw. `over` may destroy this.
+  void act(const std::function<void()>& what);
+  void when_acted(std::function<void()> over) { over_ = std::move(over); }
+  bool acting() const { return acting_; }
 
   // Opens a modal form; `closed` runs when it has gone.
   void open(Form& form, std::function<void()> closed);
@@ -95,6 +104,8 @@ class Screen {
   };
   Toolkit& toolkit_;
   std::vector<Open> stack_;
+  std::function<void()> over_;
+  bool acting_ = false;
   int messages_shown_ = 0;
   bool finished_ = false;
 };

@@ -54,6 +54,7 @@ void ActivityLines::Cmd_AjAct_Click() {
   card_.AjoutActivite = true;
   begin_entry();
   ui_.Cbo_Activites.set_enabled(true);
+  begun_ = entered();
   ui_.set_focus(ui_.Cbo_Activites);
 }
 
@@ -73,6 +74,7 @@ void ActivityLines::Lst_Activites_DblClick() {
   if (entry < 0) ui_.Cbo_Activites.set_text(card::activity_label(line));
   ui_.Cbo_Activites.set_enabled(false);
   ui_.Txt_Pourc.show_whole(card::activity_share(line));
+  begun_ = entered();
   ui_.set_focus(ui_.Txt_Pourc);
 }
 
@@ -127,5 +129,9 @@ void ActivityLines::Cmd_OkAct_Click() {
 }
 
 void ActivityLines::Cmd_AnnulAct_Click() { end_entry(); }
+
+void ActivityLines::give_up() {
+  if (enters()) end_entry();
+}
 
 }  // namespace velanor::amendments

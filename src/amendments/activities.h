@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "card/screen/states.h"
 #include "reference/lists.h"
@@ -17,6 +18,11 @@ class ActivityLines {
 
   void bind();
 
+  // A line is under edit and reads otherwise than when its entry began.
+  bool modified() const { return enters() && entered() != begun_; }
+  // Ends the entry of a line, if there is one.
+  void give_up();
+
  private:
   void Cmd_AjAct_Click();
   void Cmd_OkAct_Click();
@@ -27,6 +33,10 @@ class ActivityLines {
   bool entry_is_valid();
   void add_line();
   void change_line();
+  bool enters() const { return card_.AjoutActivite || changed_line_ >= 0; }
+  std::pair<std::string, std::string> entered() const {
+    return {ui_.Cbo_Activites.text(), ui_.Txt_Pourc.text()};
+  }
   void begin_entry();
   void end_entry();
 
@@ -36,7 +46,8 @@ class ActivityLines {
   reference::ReferenceLists& lists_;
   screen::Screen& screen_;
   int changed_line_ = -1;
-  bool no_figure_ = false;  // what was typed as the share held no digit
+  std::pair<std::string, std::string> begun_;  // the line under edit as its entry began
+  bool no_figure_ = false;                     // what was typed as the share held no digit
 };
 
 }  // namespace velanor::amendments

@@ -133,7 +133,14 @@ void AmendmentLines::fill_entry(Fill fill) {
     select(line);
     throw;
   }
+  begun_ = entered_line();
   on_.ui.set_focus(on_.ui.Txt_DatEffet);
+}
+
+bool AmendmentLines::modified() const {
+  if (!on_.card.enters_amendment()) return false;
+  const card::AmendmentText now = entered_line();
+  return now.shown != begun_.shown || now.grid != begun_.grid;
 }
 
 void AmendmentLines::Cmd_AjDetail_Click() {
@@ -270,11 +277,17 @@ void AmendmentLines::Cmd_OkDetail_Click() {
 
 // ---- Abandoning and removing.
 
-void AmendmentLines::Cmd_AnnulDetail_Click() {
-  if (on_.card.AjoutDetail && !on_.screen.confirm_loss("Voulez-vous quitter cette création ?")) return;
+void AmendmentLines::give_up() {
+  if (!on_.card.enters_amendment()) return;
   const int line = line_in_hand();
   end_entry();
   select(line);
+}
+
+void AmendmentLines::Cmd_AnnulDetail_Click() {
+  if (on_.card.AjoutDetail && !on_.screen.confirm_loss("Voulez-vous quitter cette création ?")) return;
+  const int line = line_in_hand();
+  give_up();
   on_.ui.set_focus(line < 0 ? static_cast<screen::Control&>(on_.ui.Cmd_AjDetail) : on_.ui.Lst_DatEffet);
 }
 

@@ -41,6 +41,11 @@ class AmendmentLines {
   // The whole line becomes the selected one; -1: none.
   void select(int index);
 
+  // A line is under edit and reads otherwise than when its entry began.
+  bool modified() const;
+  // Ends the entry of a line, if there is one, without a question.
+  void give_up();
+
  private:
   void Cmd_AjDetail_Click();
   void Cmd_OkDetail_Click();
@@ -90,6 +95,7 @@ class AmendmentLines {
 
   Ground on_;
   OpenItems open_items_;
+  card::AmendmentText begun_;  // the line under edit as its entry began
 };
 
 }  // namespace velanor::amendments

@@ -1,119 +1,26 @@
 #include "velanor/controle_velanor.h"
 
 #include <stdexcept>
+#include <utility>
 
-#include "amendments/activities.h"
-#include "amendments/grids.h"
-#include "amendments/lines.h"
-#include "card/commands/card_commands.h"
-#include "card/commands/card_fields.h"
-#include "card/commands/card_record.h"
-#include "card/commands/validation.h"
-#include "card/screen/card_screen.h"
-#include "card/screen/card_state.h"
-#include "card/screen/states.h"
-#include "control/session/procedure.h"
-#include "control/session/years.h"
-#include "entry/fields/fields.h"
-#include "forms/frm_rub_saisie.h"
-#include "forms/frm_saisie_hres.h"
-#include "reference/lists.h"
-#include "reference/lookup_pairs.h"
-#include "text/utf8.h"
+#include "control/announcer.h"
+#include "control/rules.h"
 
 namespace velanor {
-
-// What works on the store: made by `init`, when the database is known.
-struct Rules {
-  Rules(card::CardScreen& ui, screen::Screen& screen, entry::UtilSaisie& entry, store::Database& database);
-  void bind();
-  forms::ItemContext item_context() const;
-  void open_items(std::function<void(const amendments::AmendmentLines::MonthlyTime&)> closed);
-
-  card::CardScreen& ui;
-  screen::Screen& screen;
-  control::Procedure procedure;
-  card::Reading reading;
-  card::CardState card;
-  control::YearTable years;
-  std::string default_agreement;
-  card::CardStates states;
-  reference::ReferenceLists lists;
-  reference::LookupPairs pairs;
-  entry::Fields fields;
-  amendments::CareerGrids grids;
-  forms::Frm_SaisieHres hours_form;
-  forms::Frm_RubSaisie item_form;
-  amendments::AmendmentLines lines;
-  amendments::ActivityLines activities;
-  commands::CardRecord record;
-  commands::Validation validation;
-  commands::CardCommands commands;
-  commands::CardFields card_fields;
-};
-
-Rules::Rules(card::CardScreen& card_ui, screen::Screen& forms, entry::UtilSaisie& entry,
-             store::Database& database)
-    : ui(card_ui),
-      screen(forms),
-      procedure(database),
-      reading{card::Codec(entry), card::Labels(procedure)},
-      card(reading),
-      states(ui, card, years),
-      lists(ui, card, procedure),
-      pairs(card, screen),
-      fields(entry, screen),
-      grids(ui, card, procedure, lists, entry),
-      hours_form(fields, screen),
-      item_form(card, procedure, entry, hours_form, screen),
-      lines({ui, card, states, grids, lists, entry, screen},
-            [this](auto closed) { open_items(std::move(closed)); }),
-      activities(ui, card, states, lists, screen),
-      record({ui, card, entry, lists, lines}),
-      validation(ui, card, record, procedure, screen),
-      commands({ui, card, states, years, procedure, lists, record, validation, screen},
-               [this] { return default_agreement; }),
-      card_fields({ui, card, states, procedure, lists, grids, screen}) {}
-
-void Rules::bind() {
-  card_fields.bind_pairs(pairs, commands);
-  card_fields.bind_free_entry(fields);
-  card_fields.bind_labels();
-  grids.bind();
-  lines.bind();
-  activities.bind();
-  commands.bind();
-}
-
-forms::ItemContext Rules::item_context() const {
-  const bool editable = states.year_is_open();
-  return {.effective_date = std::string(ui.Lst_DatEffet.line(card.current_line - 1)),
-          .employee = std::string(text::trim(ui.Txt_Aidant.text() + " " + ui.Txt_NomAidant.text())),
-          .period = ui.Cbo_Periode.text(),
-          .establishment_hours = ui.Txt_HorMensEtab.text(),
-          .agreement = ui.Txt_ConvCol.text(),
-          .grouping = card.grouping,
-          .administrative = ui.Opt_Admin.value(),
-          .amendment = card.current_line,
-          .ModifAutorisee = editable,
-          .SaisieAutoBloquee = !editable};
-}
-
-// Production staff work the hours of their items; for administrative staff the time stays.
-void Rules::open_items(std::function<void(const amendments::AmendmentLines::MonthlyTime&)> closed) {
-  item_form.open(item_context(), [this, closed = std::move(closed)] {
-    if (ui.Opt_Admin.value()) return closed(std::nullopt);
-    closed(card.draft.item_hours(card.current_line - 1));
-  });
-}
 
 struct ControleVelanor::Parts {
   explicit Parts(const Surroundings& given)
       : surroundings(given),
-        own_entry(given.entry ? nullptr : entry::make_util_saisie()),
-        screen(ui, given.toolkit) {}
+        screen(ui, given.toolkit),
+        announcer(std::make_shared<control::Announcer>([this] { return standing(); })) {
+    screen.when_acted([announcer = announcer] { announcer->act_over(); });
+  }
+  ~Parts() { announcer->stop(); }
+  Parts(const Parts&) = delete;
+  Parts& operator=(const Parts&) = delete;
 
-  entry::UtilSaisie& entry() { return own_entry ? *own_entry : *surroundings.entry; }
+  control::Standing standing() const { return rules && !closed ? rules->standing() : control::Standing(); }
+  void make_rules();
   void start();
   void bind_frame();
   void Mnu_Sommaire_Click();
@@ -121,9 +28,12 @@ struct ControleVelanor::Parts {
   void Cmd_Sortir_Click();
 
   Surroundings surroundings;
+  entry::Clock clock = entry::system_clock();
   std::unique_ptr<entry::UtilSaisie> own_entry;
+  entry::UtilSaisie* entry = nullptr;
   card::CardScreen ui;
   screen::Screen screen;
+  std::shared_ptr<control::Announcer> announcer;
   std::string element_rights;
   control::Client* client = nullptr;
   store::Database* database = nullptr;
@@ -140,6 +50,26 @@ void ControleVelanor::DroitsUtilisateur(control::UserRights& rights) {
 }
 void ControleVelanor::TheClient(control::Client& client) { parts_->client = &client; }
 void ControleVelanor::TheDatabase(store::Database& database) { parts_->database = &database; }
+void ControleVelanor::set_entry(entry::UtilSaisie& entry) { parts_->entry = &entry; }
+void ControleVelanor::set_clock(entry::Clock clock) { parts_->clock = std::move(clock); }
+
+control::State ControleVelanor::state() const { return parts_->standing().state; }
+std::string ControleVelanor::card_id() const { return parts_->standing().card.id; }
+std::string ControleVelanor::card_title() const { return parts_->standing().card.title; }
+bool ControleVelanor::modified() const { return parts_->standing().modified; }
+void ControleVelanor::listen(control::CardListener& listener) { parts_->announcer->listen(listener); }
+void ControleVelanor::ignore(control::CardListener& listener) { parts_->announcer->ignore(listener); }
+
+control::Opening ControleVelanor::open(std::string_view entity, std::string_view year,
+                                       std::string_view employee) {
+  using Outcome = control::Opening::Outcome;
+  if (parts_->closed) return {Outcome::kNotStarted, "Les fiches du personnel ne sont pas ouvertes."};
+  if (parts_->screen.acting())
+    return {Outcome::kBusy,
+            "Répondez d'abord au message affiché, ou attendez la fin de l'opération en cours."};
+  return parts_->rules->guide.open(entity, year, employee);
+}
+
 screen::Screen& ControleVelanor::screen() { return parts_->screen; }
 const store::DbRecord& ControleVelanor::card_in_hand() const {
   static const store::DbRecord kNone;
@@ -151,7 +81,7 @@ void ControleVelanor::init() {
   Parts& parts = *parts_;
   if (!parts.database) throw std::logic_error("ControleVelanor: TheDatabase was not set before init");
   if (parts.rules) throw std::logic_error("ControleVelanor: init runs once");
-  parts.rules = std::make_unique<Rules>(parts.ui, parts.screen, parts.entry(), *parts.database);
+  parts.make_rules();
   try {
     parts.start();
   } catch (...) {
@@ -162,7 +92,17 @@ void ControleVelanor::init() {
   parts.closed = false;
 }
 
+void ControleVelanor::Parts::make_rules() {
+  if (!entry) {
+    own_entry = entry::make_util_saisie(clock);
+    entry = own_entry.get();
+  }
+  rules = std::make_unique<Rules>(ui, screen, *entry, *database,
+                                  [this](const commands::CardEvent& event) { announcer->note(event); });
+}
+
 void ControleVelanor::abandon() {
+  parts_->announcer->stop();
   if (parts_->rules) parts_->rules->procedure.FermerFichiers();
   parts_->closed = true;
   parts_->screen.finish();

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "entry/blanks.h"
+#include "velanor/date.h"
 #include "entry/decimal.h"
 #include "text/number.h"
 #include "text/utf8.h"

@@ -192,6 +192,12 @@ void Frm_RubSaisie::Descendre_Liste() {
   ui_.Cmd_Ajouter.set_enabled(false);
   ui_.Cmd_Retour.set_enabled(false);
   ui_.Cmd_SaisieAuto.set_enabled(false);
+  begun_ = ui_.edit_line();
+}
+
+bool Frm_RubSaisie::modified() const {
+  const bool entering = TauxParDefaut || edited_line_ >= 0;
+  return is_open() && entering && ui_.edit_line() != begun_;
 }
 
 void Frm_RubSaisie::Monter_Liste() {
@@ -300,6 +306,7 @@ void Frm_RubSaisie::Cmd_Ajouter_Click() {
   ui_.Cmd_Ajouter.set_enabled(false);
   ui_.Cmd_Retour.set_enabled(false);
   ui_.Cmd_SaisieAuto.set_enabled(false);
+  begun_ = ui_.edit_line();
   ui_.set_focus(ui_.Txt_Code);
 }
 
@@ -403,6 +410,12 @@ void Frm_RubSaisie::Cmd_Retour_Click() {
       card_.draft = copy_;
     }
   }
+  unload();
+}
+
+void Frm_RubSaisie::give_up() {
+  if (!is_open()) return;
+  card_.draft = copy_;
   unload();
 }
 

@@ -46,6 +46,10 @@ class ItemScreen : public screen::Form {
   std::array<screen::ListBox*, 5> columns() {
     return {&Lst_Code, &Lst_LibRub, &Lst_Base, &Lst_Taux, &Lst_Montant};
   }
+  // What the edit line reads, in the same order.
+  std::array<std::string, 5> edit_line() const {
+    return {Txt_Code.text(), Cbo_LibRub.text(), Txt_Base.text(), Txt_Taux.text(), Txt_Montant.text()};
+  }
 };
 
 // What the opener hands to the form.
@@ -71,6 +75,12 @@ class Frm_RubSaisie {
   ItemScreen& ui() { return ui_; }
   // Opens the form; `closed` runs when it has gone.
   void open(const ItemContext& context, std::function<void()> closed);
+
+  bool is_open() const { return screen_.is_open(ui_); }
+  // An item is under edit and reads otherwise than when its entry began; confirmed items are in the draft.
+  bool modified() const;
+  // Closes the form, if it is open, with nothing of this visit kept.
+  void give_up();
 
  private:
   void Form_Load();
@@ -137,6 +147,7 @@ class Frm_RubSaisie {
 
   std::vector<card::ItemText> lines_;  // of the grid, as the columns show them
   int edited_line_ = -1;               // index of the line under edit; -1: none, or a new one
+  std::array<std::string, 5> begun_;   // the edit line as its entry began
   std::string item_code_;              // the item that the figures in the edit line were typed for
   ItemContext context_;
   bool TauxParDefaut = false;  // a line is being added

@@ -50,4 +50,12 @@ void Frm_SaisieHres::Cmd_Annuler_Click() {
   screen_.close(ui_);
 }
 
+bool Frm_SaisieHres::modified() const {
+  return is_open() && !(ui_.Txt_NbHresTrav.is_empty() && ui_.Txt_NbHresPayees.is_empty());
+}
+
+void Frm_SaisieHres::give_up() {
+  if (is_open()) Cmd_Annuler_Click();
+}
+
 }  // namespace velanor::forms

@@ -38,6 +38,12 @@ class Frm_SaisieHres {
   // Opens the form for an employee; `closed` gets what was typed.
   void open(const std::string& employee, std::function<void(const Hours&)> closed);
 
+  bool is_open() const { return screen_.is_open(ui_); }
+  // It is open, and something was typed.
+  bool modified() const;
+  // Closes it, if it is open, as "Annuler" does.
+  void give_up();
+
  private:
   void Txt_NbHresPayees_KeyPress(screen::Key& key) { hours_key(ui_.Txt_NbHresPayees, key); }
   void Txt_NbHresTrav_KeyPress(screen::Key& key) { hours_key(ui_.Txt_NbHresTrav, key); }

@@ -20,17 +20,26 @@ Refusal Hand::check(const Control& control) const {
   return kDone;
 }
 
+template <typename Act>
+Refusal Hand::as_one(Act act) {
+  Refusal why;
+  screen_.act([&] { why = act(); });
+  return why;
+}
+
 Refusal Hand::show_page(int page) {
-  if (screen_.finished()) return "the component was left";
-  Form& form = screen_.top();
-  Tabs* tabs = form.tabs();
-  if (!tabs || page < 0 || page >= tabs->count()) return "there is no page " + std::to_string(page);
-  if (Refusal why = check(*tabs); !why.empty()) return why;
-  if (!tabs->page_enabled(page)) return "page " + std::to_string(page) + " is disabled";
-  const int messages = screen_.messages_shown();
-  if (form.move_focus(tabs) && screen_.messages_shown() == messages) tabs->show(page);
-  settle();
-  return kDone;
+  return as_one([&]() -> Refusal {
+    if (screen_.finished()) return "the component was left";
+    Form& form = screen_.top();
+    Tabs* tabs = form.tabs();
+    if (!tabs || page < 0 || page >= tabs->count()) return "there is no page " + std::to_string(page);
+    if (Refusal why = check(*tabs); !why.empty()) return why;
+    if (!tabs->page_enabled(page)) return "page " + std::to_string(page) + " is disabled";
+    const int messages = screen_.messages_shown();
+    if (form.move_focus(tabs) && screen_.messages_shown() == messages) tabs->show(page);
+    settle();
+    return kDone;
+  });
 }
 
 Refusal Hand::reach(Control& control) {
@@ -46,34 +55,42 @@ Refusal Hand::reach(Control& control) {
 }
 
 Refusal Hand::focus(Control& control) {
-  if (!control.takes_focus()) return control.name() + " takes no focus";
-  Refusal why = reach(control);
-  settle();
-  return why;
+  return as_one([&]() -> Refusal {
+    if (!control.takes_focus()) return control.name() + " takes no focus";
+    Refusal why = reach(control);
+    settle();
+    return why;
+  });
 }
 
 Refusal Hand::leave() {
-  if (screen_.finished()) return "the component was left";
-  screen_.top().move_focus(nullptr);
-  settle();
-  return kDone;
+  return as_one([&]() -> Refusal {
+    if (screen_.finished()) return "the component was left";
+    screen_.top().move_focus(nullptr);
+    settle();
+    return kDone;
+  });
 }
 
 Refusal Hand::press(Control& control, Key key) {
-  if (Refusal why = focus(control); !why.empty()) return why;
-  if (control.form().focus() == &control) key_into_focus(key);
-  settle();
-  return kDone;
+  return as_one([&]() -> Refusal {
+    if (Refusal why = focus(control); !why.empty()) return why;
+    if (control.form().focus() == &control) key_into_focus(key);
+    settle();
+    return kDone;
+  });
 }
 
 Refusal Hand::type(TextControl& control, std::string_view text) {
-  if (Refusal why = focus(control); !why.empty()) return why;
-  if (control.form().focus() != &control) return kDone;
-  for (std::size_t at = 0; at < text.size();) {
-    key_into_focus(Key{text::next(text, at)});
-    settle();
-  }
-  return kDone;
+  return as_one([&]() -> Refusal {
+    if (Refusal why = focus(control); !why.empty()) return why;
+    if (control.form().focus() != &control) return kDone;
+    for (std::size_t at = 0; at < text.size();) {
+      key_into_focus(Key{text::next(text, at)});
+      settle();
+    }
+    return kDone;
+  });
 }
 
 void Hand::key_into_focus(Key key) {
@@ -122,28 +139,32 @@ void Hand::edit_key(TextControl& control, Key key) {
 }
 
 Refusal Hand::replace_text(TextControl& control, std::string_view text) {
-  if (Refusal why = focus(control); !why.empty()) return why;
-  const auto* combo = dynamic_cast<const ComboBox*>(&control);
-  if (combo && !combo->editable()) return control.name() + " cannot be typed into";
-  if (control.form().focus() == &control) control.edit(control.admitted(text));
-  settle();
-  return kDone;
+  return as_one([&]() -> Refusal {
+    if (Refusal why = focus(control); !why.empty()) return why;
+    const auto* combo = dynamic_cast<const ComboBox*>(&control);
+    if (combo && !combo->editable()) return control.name() + " cannot be typed into";
+    if (control.form().focus() == &control) control.edit(control.admitted(text));
+    settle();
+    return kDone;
+  });
 }
 
 // Reaches the control and, unless the click was lost on the way, carries out what it does.
 template <typename Act>
 Refusal Hand::act(Control& control, Act act) {
-  const int messages = screen_.messages_shown();
-  if (Refusal why = reach(control); !why.empty()) {
+  return as_one([&]() -> Refusal {
+    const int messages = screen_.messages_shown();
+    if (Refusal why = reach(control); !why.empty()) {
+      settle();
+      return why;
+    }
+    const Form& form = control.form();
+    const bool arrived = form.in_sight(control) && (!control.takes_focus() || form.focus() == &control);
+    Refusal why;
+    if (arrived && screen_.messages_shown() == messages && check(control).empty()) why = act();
     settle();
     return why;
-  }
-  const Form& form = control.form();
-  const bool arrived = form.in_sight(control) && (!control.takes_focus() || form.focus() == &control);
-  Refusal why;
-  if (arrived && screen_.messages_shown() == messages && check(control).empty()) why = act();
-  settle();
-  return why;
+  });
 }
 
 Refusal Hand::click(Control& control) {
@@ -196,16 +217,20 @@ Refusal Hand::scroll(ScrollBar& bar, int value) {
 }
 
 Refusal Hand::right_press() {
-  if (screen_.finished()) return "the component was left";
-  screen_.top().right_pressed.raise();
-  return kDone;
+  return as_one([&]() -> Refusal {
+    if (screen_.finished()) return "the component was left";
+    screen_.top().right_pressed.raise();
+    return kDone;
+  });
 }
 
 Refusal Hand::close() {
-  if (screen_.finished()) return "the component was left";
-  screen_.request_close();
-  settle();
-  return kDone;
+  return as_one([&]() -> Refusal {
+    if (screen_.finished()) return "the component was left";
+    screen_.request_close();
+    settle();
+    return kDone;
+  });
 }
 
 void Hand::settle() {

@@ -1,6 +1,9 @@
 #include "velanor/screen.h"
 
 #include <algorithm>
+#include <exception>
+
+#include "screen/scope.h"
 
 namespace velanor::screen {
 
@@ -12,6 +15,32 @@ std::vector<Form*> Screen::open_forms() const {
   std::vector<Form*> forms;
   for (const Open& open : stack_) forms.push_back(open.form);
   return forms;
+}
+
+namespace {
+
+std::exception_ptr failure_of(const std::function<void()>& what) {
+  try {
+    what();
+  } catch (...) {
+    return std::current_exception();
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+void Screen::act(const std::function<void()>& what) {
+  if (acting_) return what();
+  std::exception_ptr failure;
+  {
+    const Scope acting(acting_);
+    failure = failure_of(what);
+  }
+  const auto over = over_;
+  toolkit_.acted();
+  const std::exception_ptr unheard = over ? failure_of(over) : nullptr;
+  if (failure || unheard) std::rethrow_exception(failure ? failure : unheard);
 }
 
 void Screen::open(Form& form, std::function<void()> closed) {

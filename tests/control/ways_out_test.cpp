@@ -2,59 +2,26 @@
 // clerk knows, and can be left.
 #include <gtest/gtest.h>
 
+#include "control/user_acts.h"
 #include "support/failing_database.h"
-#include "support/office.h"
 
 namespace velanor::test {
 namespace {
 
-using Act = std::function<void(Office&)>;
+using user::Acts, user::after;
+using user::choose, user::click, user::edit, user::page, user::pick, user::type;
 
 struct Story {
   const char* name;
-  std::vector<Act> before;
-  Act act;
+  Acts before;
+  user::Act act;
 };
 
-Act type(const char* control, const char* text) {
-  return [=](Office& office) {
-    office.hand.replace_text(dynamic_cast<screen::TextControl&>(office.control(control)), "");
-    office.hand.type(dynamic_cast<screen::TextControl&>(office.control(control)), text);
-  };
-}
-Act click(const char* control) {
-  return [=](Office& office) { office.hand.click(office.control(control)); };
-}
-Act choose(const char* control, int line) {
-  return [=](Office& office) {
-    auto& box = dynamic_cast<screen::ComboBox&>(office.control(control));
-    if (office.hand.drop_down(box).empty()) office.hand.choose(box, line);
-  };
-}
-Act pick(const char* control, int line) {
-  return [=](Office& office) {
-    office.hand.pick(dynamic_cast<screen::ListBox&>(office.control(control)), line);
-  };
-}
-Act edit(const char* control, int line) {
-  return [=](Office& office) {
-    office.hand.double_click(dynamic_cast<screen::ListBox&>(office.control(control)), line);
-  };
-}
-Act page(int number) {
-  return [=](Office& office) { office.hand.show_page(number); };
-}
-
-std::vector<Act> after(std::vector<Act> way, std::vector<Act> more) {
-  way.insert(way.end(), more.begin(), more.end());
-  return way;
-}
-
 std::vector<Story> stories() {
-  const std::vector<Act> entity{type("Txt_Asso", "001")};
-  const std::vector<Act> open = after(entity, {type("Txt_Aidant", "00010"), page(1)});
-  const std::vector<Act> adding = after(open, {click("Cmd_AjDetail")});
-  const std::vector<Act> items = after(open, {pick("Lst_DatEffet", 1), click("Cmd_Detail")});
+  const Acts entity{type("Txt_Asso", "001")};
+  const Acts open = after(entity, {type("Txt_Aidant", "00010"), page(1)});
+  const Acts adding = after(open, {click("Cmd_AjDetail")});
+  const Acts items = after(open, {pick("Lst_DatEffet", 1), click("Cmd_Detail")});
   return {
       {"choosing an entity", {}, type("Txt_Asso", "001")},
       {"choosing another year", entity, choose("Cbo_Periode", 1)},
@@ -129,7 +96,7 @@ TEST(WaysOut, AFailureAtAnyCallLeavesAStateThatCanBeLeft) {
       store::FailingDatabase failing(memory);
       Office office(failing);
       office.component.init();
-      for (const Act& step : story.before) step(office);
+      for (const user::Act& step : story.before) step(office);
       ASSERT_EQ(failing.failures(), 0);
       failing.fail_at(n);
       try {

@@ -35,6 +35,9 @@ const std::vector<Invariants::Check>& Invariants::checks() {
       {"out-of-use", &I::out_of_use},
       {"state", &I::state},
       {"empty-screen", &I::empty_screen},
+      {"standing", &I::standing},
+      {"modified", &I::modified},
+      {"told", &I::told},
   };
   return kChecks;
 }
@@ -45,7 +48,8 @@ std::vector<std::string> Invariants::names() {
   return names;
 }
 
-Invariants::Invariants(store::MemoryDatabase& base) : lines_(base), judge_(base) {
+Invariants::Invariants(store::MemoryDatabase& base, const WatchedStore& store)
+    : lines_(base), judge_(base), standing_(store) {
   base.for_each("CONVENTIONCOL", [&](std::string_view id, const store::DbRecord& agreement) {
     if (!agreement(36).empty()) agreements_with_categories_.emplace(id);
   });
@@ -58,7 +62,8 @@ Invariants::Invariants(store::MemoryDatabase& base) : lines_(base), judge_(base)
   for (int v = 1; v <= table.Count(2); ++v) qualifications_.emplace(table(2, v));
 }
 
-void Invariants::start_anew() {
+void Invariants::start_anew(Office& office) {
+  standing_.start_anew(office);
   card_.clear();
   codes_.clear();
   activities_.clear();
@@ -110,6 +115,7 @@ void Invariants::remember(Office& office, const Act& act) {
   dates_ascend_ = ascend(office.ui.Lst_DatEffet);
   activities_ = office.ui.Lst_Activites.items();
   lines_.remember(office, act);
+  standing_.remember(office, act);
   judge_.after(office, act);
   for (const auto& [code, label] : pairs(office.ui)) {
     // A code that could not be looked up is taken as it comes.

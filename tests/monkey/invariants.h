@@ -7,20 +7,21 @@
 #include <vector>
 
 #include "monkey/line_watch.h"
+#include "monkey/standing_watch.h"
 #include "monkey/store_judge.h"
 
 namespace velanor::test {
 
 class Invariants {
  public:
-  explicit Invariants(store::MemoryDatabase& base);
+  Invariants(store::MemoryDatabase& base, const WatchedStore& store);
 
   // The names of the checks, each of which can be left out.
   static std::vector<std::string> names();
   void leave_out(const std::string& name) { left_out_.insert(name); }
 
   // A new component on the same base.
-  void start_anew();
+  void start_anew(Office& office);
   // Around every act. `check` gives the first breach with the name of its check; empty when all holds.
   void before(Office& office, const std::string& control) { judge_.before(office, control, lines_); }
   std::string check(Office& office, const Act& act);
@@ -46,6 +47,9 @@ class Invariants {
   std::string amendments(Office& office, const Act& act) { return lines_.amendments(office, act); }
   std::string activities(Office& office, const Act& act) { return lines_.activities(office, act); }
   std::string items(Office& office, const Act& act) { return lines_.items(office, act); }
+  std::string standing(Office& office, const Act& act) { return standing_.standing(office, act); }
+  std::string modified(Office& office, const Act& act) { return standing_.modified(office, act); }
+  std::string told(Office& office, const Act& act) { return standing_.told(office, act); }
   std::string stored_ids(Office&, const Act&) { return judge_.ids(); }
   std::string stored_figures(Office&, const Act&) { return judge_.figures(); }
   std::string stored_cards(Office&, const Act&) { return judge_.faultless(); }
@@ -59,6 +63,7 @@ class Invariants {
   std::multimap<std::string, std::string> categories_;  // by agreement and label of the grid
   LineWatch lines_;
   StoreJudge judge_;
+  StandingWatch standing_;
   std::string card_;  // in hand at the last check
   bool dates_ascend_ = true;
   std::vector<std::string> activities_;

@@ -3,7 +3,7 @@
 namespace velanor::test {
 
 Monkey::Monkey(store::MemoryDatabase& base, Store kind, std::uint64_t seed)
-    : base_(base), kind_(kind), failing_(base), store_(failing_), random_(seed), invariants_(base) {
+    : base_(base), kind_(kind), failing_(base), store_(failing_), random_(seed), invariants_(base, store_) {
   store_.judge = [this](std::string_view file, std::string_view id, const store::DbRecord* record) {
     if (failing_.failures() != failures_) invariants_.judge().excuse_card();
     invariants_.judge().judge(file, id, record);
@@ -20,7 +20,7 @@ void Monkey::start() {
   office_ = std::make_unique<Office>(store_);
   office_->toolkit.answer = [this](const screen::Message& message) { return answer(message); };
   office_->component.init();
-  invariants_.start_anew();
+  invariants_.start_anew(*office_);
 }
 
 screen::Answer Monkey::answer(const screen::Message& message) {
@@ -102,14 +102,12 @@ screen::Refusal Monkey::act_on(screen::Control& control) {
   return hand.click(control);
 }
 
-bool Monkey::attempt(screen::Control& control) {
+// A failure soon, or deep in what a card is read with.
+bool Monkey::attempt(const std::function<void()>& what, bool asks) {
   failures_ = failing_.failures();
-  // A failure soon, or deep in what a card is read with; choices and buttons are what reads and writes.
-  const bool asks =
-      dynamic_cast<screen::CommandButton*>(&control) || dynamic_cast<screen::ComboBox*>(&control);
   if (kind_ == Store::kFailing && once_in(asks ? 15 : 60)) failing_.fail_at(1 + below(once_in(2) ? 4 : 40));
   try {
-    act_on(control);
+    what();
   } catch (const store::DbError&) {
     if (failing_.failures() == failures_) throw;  // nobody made it fail
     // As the window does, which goes on.
@@ -120,6 +118,24 @@ bool Monkey::attempt(screen::Control& control) {
   if (failed) note_more("the store fails");
   score_.failures += failed;
   return failed;
+}
+
+void Monkey::lead() {
+  std::vector<std::string> ids{"000990012026", "000010092026", "000010012031"};
+  base_.for_each("VELANORO", [&](std::string_view id, const store::DbRecord&) { ids.emplace_back(id); });
+  const std::string id = any(ids);
+  note_more(id);
+  const std::string before = standing(office_->component);
+  const auto opening = office_->component.open(id.substr(5, 3), id.substr(8), id.substr(0, 5));
+  using Outcome = control::Opening::Outcome;
+  const bool there = base_.find("VELANORO", id).has_value();
+  score_.led += opening.is_open();
+  if (opening.is_open() != opening.why.empty()) misled_ = "nothing, or too much, was said";
+  if (opening.is_open() && office_->component.card_id() != id) misled_ = "another card is open";
+  if (opening.outcome == Outcome::kFailed || opening.outcome == Outcome::kBusy) misled_ = opening.why;
+  if (!opening.is_open() && standing(office_->component) != before)
+    misled_ = "what was open was left for nothing";
+  if (opening.outcome == Outcome::kUnknown && there && id.substr(8) == "2026") misled_ = opening.why;
 }
 
 // Somebody else works on the same store.
@@ -141,16 +157,24 @@ std::string Monkey::act() {
   // Cards that were removed come back at last.
   if (++acts_ > 1500 && !card_open(*office_)) start();
   if (once_in(500)) other_clerk();
-  screen::Control& control = choose();
-  const std::string name = control.name();
-  const bool on_card = &control.form() == &office_->ui;
+  screen::Control* const control = once_in(100) ? nullptr : &choose();
+  const std::string name = control ? control->name() : "open";
+  const bool on_card = control && &control->form() == &office_->ui;
   note(name);
   const long changes = store_.changes();
   const int lines = office_->ui.Lst_DatEffet.count();
   const bool creating = office_->ui.Txt_Etat.text() == "Création";
   invariants_.before(*office_, on_card ? name : "");
   Act done{name};
-  done.store_failed = attempt(control);
+  if (control) {
+    // Choices and buttons are what reads and writes.
+    const bool asks =
+        dynamic_cast<screen::CommandButton*>(control) || dynamic_cast<screen::ComboBox*>(control);
+    done.store_failed = attempt([&] { act_on(*control); }, asks);
+  } else {
+    done.store_failed = attempt([&] { lead(); }, true);
+    if (!misled_.empty()) return "open: " + misled_;
+  }
   done.store_changed = store_.changes() != changes;
   score_.saved += done.store_changed && name == "Cmd_OK";
   score_.created += done.store_changed && name == "Cmd_OK" && creating;

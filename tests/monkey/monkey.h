@@ -20,6 +20,7 @@ struct Score {
   long added = 0;     // amendment lines
   long failures = 0;  // of the store, after which everything went on
   long ways_out = 0;  // proved after a failure
+  long led = 0;       // to a card, from wherever it stood
 };
 
 class Monkey {
@@ -61,7 +62,9 @@ class Monkey {
   screen::Refusal act_on_list(screen::ListBox& list);
   screen::Refusal press(screen::TextControl& control, char32_t key, int times);
   // Whether the store failed meanwhile; what else is thrown goes on.
-  bool attempt(screen::Control& control);
+  bool attempt(const std::function<void()>& what, bool asks);
+  // Has the component led to a card, of which there may be none; the breach, if there is one, in `misled_`.
+  void lead();
   void other_clerk();
 
   // Gives up whatever is open; why that did not work, or nothing.
@@ -85,6 +88,7 @@ class Monkey {
   int acts_ = 0;      // of this component
   int failures_ = 0;  // of the store, before this act
   int refused_ = 0;
+  std::string misled_;
   Score score_;
 };
 

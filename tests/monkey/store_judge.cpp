@@ -94,7 +94,7 @@ void StoreJudge::after(Office& office, const Act& act) {
   faultless_ = faults_of(id, read_).empty();
   // A code that is completed by leaving its box opens the card on the way to something else, which may
   // have changed it by now.
-  const bool chosen = act.control == "Txt_Aidant" || act.control == "Cbo_Aidant";
+  const bool chosen = act.control == "Txt_Aidant" || act.control == "Cbo_Aidant" || act.control == "open";
   shown_ = chosen ? boxes(ui) : std::map<int, std::string>();
 }
 

@@ -17,6 +17,8 @@ class WatchedStore : public store::WrappedDatabase {
   Judge judge;
   // Changes that reached the inner store.
   long changes() const { return changes_; }
+  long cards_written() const { return cards_written_; }
+  long cards_deleted() const { return cards_deleted_; }
 
  protected:
   static bool is_change(const store::DatabaseCall& call) {
@@ -25,10 +27,15 @@ class WatchedStore : public store::WrappedDatabase {
   void before(const store::DatabaseCall& call) override {
     if (judge && is_change(call)) judge(call.file, call.id, call.record);
   }
-  void after(const store::DatabaseCall& call) override { changes_ += is_change(call) ? 1 : 0; }
+  void after(const store::DatabaseCall& call) override {
+    changes_ += is_change(call) ? 1 : 0;
+    if (call.file != "VELANORO") return;
+    cards_written_ += call.kind == store::DatabaseCall::Kind::kWrite ? 1 : 0;
+    cards_deleted_ += call.kind == store::DatabaseCall::Kind::kDelete ? 1 : 0;
+  }
 
  private:
-  long changes_ = 0;
+  long changes_ = 0, cards_written_ = 0, cards_deleted_ = 0;
 };
 
 }  // namespace velanor::test

@@ -31,12 +31,13 @@ void MemorySink::put(std::string_view file, std::string_view id, const store::Db
 }
 
 Office::Office(store::Database& database, entry::UtilSaisie* entry)
-    : component({toolkit, host, host, entry}),
+    : component({toolkit, host, host}),
       hand(component.screen()),
       ui(dynamic_cast<card::CardScreen&>(component.screen().base())) {
   component.DroitsUtilisateur(host);
   component.TheClient(host.client);
   component.TheDatabase(database);
+  if (entry) component.set_entry(*entry);
 }
 
 screen::Control& Office::control(std::string_view name) {

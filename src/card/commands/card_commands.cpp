@@ -128,6 +128,7 @@ void CardCommands::keep_or_end_copying() {
 }
 
 void CardCommands::start_card(bool creation) {
+  card_went();
   on_.card.Creation = creation;
   on_.card.open = true;
   on_.card.entity = entity();
@@ -148,6 +149,7 @@ template <typename Open>
 void CardCommands::open_or_browse(Open open) {
   try {
     open();
+    card_came();
   } catch (...) {
     put_in_hand({});
     on_.card.file.reset();
@@ -194,6 +196,44 @@ void CardCommands::employee_left() {
   on_.card.file.reset();
   clear_display();
   close_card();
+}
+
+// ---- What is told of it.
+
+namespace {
+
+std::string title_of(const std::string& code, std::string_view name) {
+  return name.empty() ? code : code + " " + std::string(name);
+}
+
+}  // namespace
+
+std::string CardCommands::title() const {
+  const std::string& name = on_.ui.Txt_NomAidant.text();
+  if (!on_.card.Creation) return title_of(on_.card.CodeAidant, name);
+  return name.empty() ? "Nouvelle fiche" : name;
+}
+
+void CardCommands::card_came() {
+  on_.record.take_as_opened();
+  open_ = CardEvent{CardEvent::Kind::kOpened, on_.card.file ? on_.card.file->id() : "", title(), {}};
+  tell_(*open_);
+}
+
+void CardCommands::card_went() {
+  on_.card.open = false;
+  if (!open_) return;
+  CardEvent closed = *std::exchange(open_, std::nullopt);
+  closed.kind = CardEvent::Kind::kClosed;
+  tell_(closed);
+}
+
+void CardCommands::tell_of_stored(CardEvent::Kind kind, const std::string& copy) {
+  const store::FileRecord& file = *on_.card.file;
+  const CardEvent event{kind, file.id(),
+                        title_of(file.id().substr(0, card::kEmployeeCodeLength), file(card::kName)), copy};
+  if (open_) open_ = CardEvent{kind, event.id, event.title, {}};
+  tell_(event);
 }
 
 // ---- New card.
@@ -254,6 +294,7 @@ void CardCommands::Cmd_OK_Click() {
     if (on_.card.Creation) on_.card.file.reset();
     throw;
   }
+  tell_of_stored(CardEvent::Kind::kSaved);
   clear_display();
   const std::exception_ptr failure = return_to_browsing();
   on_.ui.Cmd_Ajout.set_enabled(true);
@@ -283,8 +324,8 @@ void CardCommands::RechCode() {
 
 void CardCommands::close_card() {
   card::CardScreen& ui = on_.ui;
+  card_went();
   on_.card.Creation = false;
-  on_.card.open = false;
   ui.Txt_Aidant.set_enabled(true);
   ui.Txt_NomAidant.set_text({});
   ui.Txt_NomAidant.set_enabled(false);
@@ -306,7 +347,7 @@ void CardCommands::clear_display() {
 }
 
 std::exception_ptr CardCommands::return_to_browsing() {
-  on_.card.open = false;
+  card_went();
   on_.ui.Txt_Aidant.set_text({});
   close_card();
   try {
@@ -323,10 +364,15 @@ void CardCommands::allow_browsing(const std::exception_ptr& failure) {
   if (failure) std::rethrow_exception(failure);
 }
 
-void CardCommands::Cmd_Annul_Click() {
-  if (!on_.screen.confirm_loss("Voulez-vous quitter cette création ?")) return;
+bool CardCommands::may_give_up() { return on_.screen.confirm_loss("Voulez-vous quitter cette création ?"); }
+
+void CardCommands::give_up() {
   clear_display();
   allow_browsing(return_to_browsing());
+}
+
+void CardCommands::Cmd_Annul_Click() {
+  if (may_give_up()) give_up();
 }
 
 void CardCommands::Cmd_Supp_Click() {
@@ -334,6 +380,7 @@ void CardCommands::Cmd_Supp_Click() {
   if (!on_.card.Creation) {
     const std::string id = id_of(on_.card.CodeAidant);
     on_.procedure.file(control::File::kCards).DeleteRecord(id);
+    tell_of_stored(CardEvent::Kind::kDeleted);
     SupprimerCalculs(id);
   }
   // Budget grouping, state and the duplicate button stay as the deleted card left them.
@@ -371,13 +418,14 @@ void CardCommands::SupprimerCalculs(const std::string& id) {
 void CardCommands::Cmd_Copier_Click() {
   if (!on_.card.file || !on_.years.is_latest(on_.card.entity, on_.card.year)) return;
   std::string code;
-  write_new_card([&](const std::string& new_code) {
+  const store::FileRecord written = write_new_card([&](const std::string& new_code) {
     code = new_code;
     store::DbRecord copy = *on_.card.file;
     copy.set(card::kName, code);
     for (int attribute : card::kResults) copy.set(attribute, {});
     return copy;
   });
+  tell_of_stored(CardEvent::Kind::kCopied, written.id());
   on_.screen.inform("Cet aidant a été dupliqué sur le code " + code + ".");
   if (!on_.card.open) list_employees();
 }

@@ -3,8 +3,10 @@
 
 #include <exception>
 #include <functional>
+#include <optional>
 #include <string>
 
+#include "card/commands/card_event.h"
 #include "card/commands/card_record.h"
 #include "card/commands/validation.h"
 #include "card/screen/card_screen.h"
@@ -31,8 +33,8 @@ class CardCommands {
     screen::Screen& screen;
   };
   // `default_agreement` is asked for at each new card.
-  CardCommands(const Ground& ground, std::function<std::string()> default_agreement)
-      : on_(ground), default_agreement_(std::move(default_agreement)) {}
+  CardCommands(const Ground& ground, std::function<std::string()> default_agreement, TellCardEvent tell)
+      : on_(ground), default_agreement_(std::move(default_agreement)), tell_(std::move(tell)) {}
 
   void bind();
 
@@ -45,6 +47,12 @@ class CardCommands {
   void open_employee(const store::DbRecord& record);
   // The code of the employee who is being read is no more: no card stands under another name.
   void employee_left();
+  // Asks whether the card that is open is given up, as "Annuler" does.
+  bool may_give_up();
+  // Back to browsing, without a question.
+  void give_up();
+  // Of the card that is open: code and name of the employee; of a new one the name alone.
+  std::string title() const;
 
  private:
   void Cbo_Periode_Click();
@@ -73,6 +81,10 @@ class CardCommands {
   // Runs what opens a card; if it fails, the screen is back at browsing.
   template <typename Open>
   void open_or_browse(Open open);
+  void card_came();
+  // What stood on the screen stands there no more, if anything did.
+  void card_went();
+  void tell_of_stored(CardEvent::Kind kind, const std::string& copy = {});
   // Back to browsing, but for the list of the employees and what a deletion leaves in sight.
   void close_card();
   void clear_display();
@@ -86,6 +98,8 @@ class CardCommands {
 
   Ground on_;
   std::function<std::string()> default_agreement_;
+  TellCardEvent tell_;
+  std::optional<CardEvent> open_;  // as it was told to have been opened, or saved since
 };
 
 }  // namespace velanor::commands

@@ -1,6 +1,7 @@
 #include "card/commands/card_record.h"
 
 #include "card/record/activity_line.h"
+#include "card/record/record_compare.h"
 #include "card/record/record_layout.h"
 #include "card/record/saving.h"
 #include "screen/scope.h"
@@ -34,7 +35,16 @@ CardRecord::CardRecord(const Ground& on)
               field<kCeiling>(ui_.Txt_PlafSecu),
               field<kSocialBase>(ui_.Txt_AssSS),
               field<kContractEnd>(ui_.Txt_DatFin),
-              field<kMutualCharge>(ui_.Txt_ChargMutContrat)} {}
+              field<kMutualCharge>(ui_.Txt_ChargMutContrat)},
+      draft_as_opened_(card_.draft) {
+  for (const Group group : {Group::kNameBox, Group::kEstablishmentBoxes, Group::kContractKey,
+                            Group::kEmployee, Group::kEndReasonBox, Group::kMutual}) {
+    for (const screen::Control* control : ui_.group(group)) {
+      if (auto* box = dynamic_cast<const screen::TextControl*>(control)) boxes_.push_back(box);
+      if (auto* option = dynamic_cast<const screen::OptionButton*>(control)) options_.push_back(option);
+    }
+  }
+}
 
 // ---- From the record to the screen.
 
@@ -136,6 +146,24 @@ void CardRecord::ChargerDonnees() {
   complete(record);
   drop_stale_results(record, card_.Creation ? nullptr : &*card_.file);
   card_.draft = Draft(card_.draft.reading(), std::move(record));
+}
+
+// ---- Whether anything has changed.
+
+std::vector<std::string> CardRecord::entries() const {
+  std::vector<std::string> entries;
+  for (const auto* box : boxes_) entries.push_back(box->text());
+  for (const auto* option : options_) entries.emplace_back(option->value() ? "1" : "");
+  return entries;
+}
+
+void CardRecord::take_as_opened() {
+  draft_as_opened_ = card_.draft;
+  entries_as_opened_ = entries();
+}
+
+bool CardRecord::modified() const {
+  return entries() != entries_as_opened_ || !same_record(card_.draft.record(), draft_as_opened_.record());
 }
 
 }  // namespace velanor::commands

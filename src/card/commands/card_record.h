@@ -34,6 +34,12 @@ class CardRecord {
   // Every attribute of the draft, as it is saved.
   void ChargerDonnees();
 
+  // The card has just been opened: changes are told by what it is now.
+  void take_as_opened();
+  // A line, or what a box holds, is otherwise than at the opening. Cheap enough to be asked after each key:
+  // asks neither the store nor the codec.
+  bool modified() const;
+
  private:
   // A text control and the field that it shows.
   struct Field {
@@ -50,6 +56,7 @@ class CardRecord {
   void load_end_reason();
   void load_establishment();
   void load_mutual_shares();
+  std::vector<std::string> entries() const;
   static void load_entry(screen::ComboBox& box, const std::string& entry);
   void load_charge();
 
@@ -59,6 +66,10 @@ class CardRecord {
   reference::ReferenceLists& lists_;
   amendments::AmendmentLines& amendments_;
   std::vector<Field> fields_;
+  std::vector<const screen::TextControl*> boxes_;  // of the card; those of its lines are their own
+  std::vector<const screen::OptionButton*> options_;
+  card::Draft draft_as_opened_;
+  std::vector<std::string> entries_as_opened_;
 };
 
 }  // namespace velanor::commands

@@ -1,0 +1,74 @@
+#include "control/card_guide.h"
+
+#include <algorithm>
+
+#include "control/session/card_id.h"
+#include "text/utf8.h"
+#include "velanor/hand.h"
+
+namespace velanor::control {
+namespace {
+
+std::string padded(std::string_view code, int length) {
+  return code.empty() ? std::string() : text::pad_left(text::trim(code), length, '0');
+}
+
+}  // namespace
+
+Opening CardGuide::open(std::string_view entity, std::string_view year, std::string_view employee) {
+  Wanted wanted{padded(entity, card::kEntityCodeLength),
+                std::string(text::trim(year)),
+                padded(employee, card::kEmployeeCodeLength),
+                {}};
+  wanted.id = card::record_id(wanted.employee, wanted.entity, wanted.year);
+  Opening opening;
+  on_.screen.act([&] { opening = open(wanted); });
+  return opening;
+}
+
+Opening CardGuide::open(const Wanted& wanted) {
+  using Outcome = Opening::Outcome;
+  if (is_open(wanted)) return {};
+  if (std::string why = unknown(wanted); !why.empty()) return {Outcome::kUnknown, std::move(why)};
+  if (on_.card.open) {
+    if (!on_.may_leave()) return {Outcome::kKept, "La fiche ouverte est restée à l'écran."};
+    on_.leave();
+  }
+  lead_to(wanted);
+  if (is_open(wanted)) return {};
+  return {Outcome::kFailed, "La fiche " + wanted.employee + " n'a pas pu être ouverte."};
+}
+
+bool CardGuide::is_open(const Wanted& wanted) const {
+  return on_.card.open && on_.card.file && on_.card.file->id() == wanted.id;
+}
+
+// Asked before anything is left for it.
+std::string CardGuide::unknown(const Wanted& wanted) const {
+  if (!on_.procedure.file(File::kEntities).find(wanted.entity))
+    return "L'entité « " + wanted.entity + " » n'existe pas.";
+  const auto years = on_.years.years(wanted.entity);
+  if (std::find(years.begin(), years.end(), wanted.year) == years.end())
+    return "L'entité " + wanted.entity + " n'a pas de fiches de l'année « " + wanted.year + " ».";
+  if (!card::is_record_id(wanted.id) || !on_.procedure.file(File::kCards).find(wanted.id))
+    return "L'entité " + wanted.entity + " n'a pas de fiche « " + wanted.employee + " » pour l'année " +
+           wanted.year + ".";
+  return {};
+}
+
+// What stands half typed in the header is nobody's work, and leaving it must not open anything.
+void CardGuide::lead_to(const Wanted& wanted) {
+  card::CardScreen& ui = on_.ui;
+  screen::Hand hand(on_.screen);
+  ui.forget_focus();
+  ui.Txt_Aidant.set_text({});
+  const bool chosen = ui.Txt_Asso.text() == wanted.entity && !ui.Cbo_Asso.edited();
+  if (!chosen) {
+    hand.replace_text(ui.Txt_Asso, {});
+    hand.replace_text(ui.Txt_Asso, wanted.entity);
+  }
+  if (ui.Cbo_Periode.text() != wanted.year) hand.choose(ui.Cbo_Periode, ui.Cbo_Periode.find(wanted.year));
+  hand.replace_text(ui.Txt_Aidant, wanted.employee);
+}
+
+}  // namespace velanor::control

@@ -1,0 +1,65 @@
+// The rules of the component, joined.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "amendments/activities.h"
+#include "amendments/grids.h"
+#include "amendments/lines.h"
+#include "card/commands/card_commands.h"
+#include "card/commands/card_fields.h"
+#include "card/commands/card_record.h"
+#include "card/commands/validation.h"
+#include "card/screen/card_screen.h"
+#include "card/screen/card_state.h"
+#include "card/screen/states.h"
+#include "control/announcer.h"
+#include "control/card_guide.h"
+#include "control/session/procedure.h"
+#include "control/session/years.h"
+#include "entry/fields/fields.h"
+#include "forms/frm_rub_saisie.h"
+#include "forms/frm_saisie_hres.h"
+#include "reference/lists.h"
+#include "reference/lookup_pairs.h"
+
+namespace velanor {
+
+// What works on the store: made by `init`, when the database is known.
+struct Rules {
+  Rules(card::CardScreen& ui, screen::Screen& screen, entry::UtilSaisie& entry, store::Database& database,
+        commands::TellCardEvent tell);
+  void bind();
+  control::Standing standing() const;
+  // Something would be lost with the card that is open.
+  bool modified() const;
+  // Gives up what is entered, form by form and line by line, and the card, without a question.
+  void leave_card();
+  forms::ItemContext item_context() const;
+  void open_items(std::function<void(const amendments::AmendmentLines::MonthlyTime&)> closed);
+
+  card::CardScreen& ui;
+  screen::Screen& screen;
+  control::Procedure procedure;
+  card::Reading reading;
+  card::CardState card;
+  control::YearTable years;
+  std::string default_agreement;
+  card::CardStates states;
+  reference::ReferenceLists lists;
+  reference::LookupPairs pairs;
+  entry::Fields fields;
+  amendments::CareerGrids grids;
+  forms::Frm_SaisieHres hours_form;
+  forms::Frm_RubSaisie item_form;
+  amendments::AmendmentLines lines;
+  amendments::ActivityLines activities;
+  commands::CardRecord record;
+  commands::Validation validation;
+  commands::CardCommands commands;
+  commands::CardFields card_fields;
+  control::CardGuide guide;
+};
+
+}  // namespace velanor
