@@ -69,7 +69,7 @@ CardImport::Findings CardImport::finish(std::string_view id, const DbRecord* bef
     findings.unknown_codes.push_back(card::unknown_entity(entity));
   if (has_column(card::kName)) card.set(card::kName, text::upper(card(card::kName)));
   for (const Column& column : columns_) {
-    const card::CardField* field = card::card_field(column.position.attribute);
+    const card::Field* field = card::card_field(column.position.attribute);
     if (column.id != IdPart::kNone || field == nullptr) continue;
     each_position(card, column.position, [&](const store::Position& position) {
       finish_element(*field, position, id, before, card, findings);
@@ -86,7 +86,7 @@ CardImport::Findings CardImport::finish(std::string_view id, const DbRecord* bef
 }
 
 // What was stored stays, whatever the reference files hold today.
-void CardImport::finish_element(const card::CardField& field, const store::Position& position,
+void CardImport::finish_element(const card::Field& field, const store::Position& position,
                                 std::string_view id, const DbRecord* before, DbRecord& card,
                                 Findings& findings) const {
   const std::string given(element(card, position));

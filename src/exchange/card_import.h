@@ -34,7 +34,7 @@ class CardImport {
   Findings finish(std::string_view id, const store::DbRecord* before, store::DbRecord& card) const;
 
  private:
-  void finish_element(const card::CardField& field, const store::Position& position, std::string_view id,
+  void finish_element(const card::Field& field, const store::Position& position, std::string_view id,
                       const store::DbRecord* before, store::DbRecord& card, Findings& findings) const;
   bool has_column(int attribute) const;
   void follow_saving(const store::DbRecord* before, store::DbRecord& card) const;

@@ -90,7 +90,7 @@ std::optional<Column> source_named_column(std::string_view name, std::string_vie
 
 std::string label_of(int attribute, std::string_view file) {
   if (file == kCardFile) {
-    if (const card::CardField* field = card::card_field(attribute)) return std::string(field->name);
+    if (const card::Field* field = card::card_field(attribute)) return std::string(field->name);
     const auto& results = card::kResults;
     if (std::find(results.begin(), results.end(), attribute) != results.end())
       return std::string(kResultLabel);
@@ -106,10 +106,10 @@ std::string label_of(int attribute, std::string_view file) {
   return {};
 }
 
-const card::CardField* find_name(std::string_view name) {
+const card::Field* find_name(std::string_view name) {
   const auto fields = card::card_fields();
   const auto found = std::find_if(fields.begin(), fields.end(),
-                                  [&](const card::CardField& known) { return same_name(known.name, name); });
+                                  [&](const card::Field& known) { return same_name(known.name, name); });
   return found == fields.end() ? nullptr : &*found;
 }
 
@@ -117,13 +117,13 @@ std::optional<Column> card_named_column(std::string_view heading) {
   for (const IdName& known : kIdNames) {
     if (same_name(known.name, heading)) return Column{.id = known.part};
   }
-  if (const auto* whole = find_name(heading)) return Column{.position = {whole->attribute}, .named = whole};
+  if (const auto* whole = find_name(heading)) return Column{.position = {whole->number}, .named = whole};
   const std::size_t blank = heading.rfind(' ');
   if (blank == heading.npos) return std::nullopt;
   const auto* const named = find_name(heading.substr(0, blank));
   const auto numbers = numbers_of(heading.substr(blank + 1), '.');
   if (named == nullptr || !numbers || numbers->size() > 2) return std::nullopt;
-  return Column{.position = {named->attribute, numbers->front(), numbers->size() > 1 ? numbers->back() : 0},
+  return Column{.position = {named->number, numbers->front(), numbers->size() > 1 ? numbers->back() : 0},
                 .named = named};
 }
 
@@ -183,7 +183,7 @@ std::string heading_of(const store::Position& position, std::string_view file) {
 }
 
 std::string name_of(const store::Position& position, std::string_view file) {
-  const card::CardField* field = file == kCardFile ? card::card_field(position.attribute) : nullptr;
+  const card::Field* field = file == kCardFile ? card::card_field(position.attribute) : nullptr;
   if (field == nullptr) return heading_of(position, file);
   std::string name(field->name);
   if (position.value != 0) name += " " + std::to_string(position.value);
@@ -201,11 +201,11 @@ std::string read_field(const Column& column, std::string_view field, std::string
     case card::Encoding::kDate:
       return read_date(field, stored);
     case card::Encoding::kFlag:
-      return read_flag(column.named->attribute, field, stored);
+      return read_flag(column.named->number, field, stored);
     case card::Encoding::kHundredths:
     case card::Encoding::kThousandths:
     case card::Encoding::kTenThousandths:
-      return read_number(field, card::decimals(column.named->encoding), stored);
+      return read_number(field, decimals(column.named->encoding), stored);
     default:
       return {};
   }
@@ -217,11 +217,11 @@ std::string write_field(const Column& column, std::string_view stored) {
     case card::Encoding::kDate:
       return date_or_itself(stored);
     case card::Encoding::kFlag:
-      return flag_word(column.named->attribute, stored);
+      return flag_word(column.named->number, stored);
     case card::Encoding::kHundredths:
     case card::Encoding::kThousandths:
     case card::Encoding::kTenThousandths: {
-      const int scale = card::decimals(column.named->encoding);
+      const int scale = decimals(column.named->encoding);
       return entry::stored_to_text(stored, scale, scale);
     }
     default:

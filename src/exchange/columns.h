@@ -24,7 +24,7 @@ struct Column {
   IdPart id = IdPart::kNone;
   store::Position position{};
   // nullptr: fields are stored texts as they stand.
-  const card::CardField* named = nullptr;
+  const card::Field* named = nullptr;
 
   // A field holds all values of the attribute, between bars.
   bool holds_values() const { return id == IdPart::kNone && named == nullptr && position.value == 0; }

@@ -30,11 +30,11 @@ class ItemScreen : public screen::Form {
   screen::ListBox Lst_Taux{*this, {.name = "Lst_Taux"}};
   screen::ListBox Lst_Montant{*this, {.name = "Lst_Montant"}};
   screen::ScrollBar Bdv_Detail{*this, {.name = "Bdv_Detail"}};
-  screen::TextBox Txt_Code{*this, {.name = "Txt_Code", .max_length = 3}};
+  screen::TextBox Txt_Code{*this, {.name = "Txt_Code", .max_length = card::kItemCode.length}};
   screen::ComboBox Cbo_LibRub{*this, {.name = "Cbo_LibRub"}};
-  screen::TextBox Txt_Base{*this, {.name = "Txt_Base", .max_length = 8}};
-  screen::TextBox Txt_Taux{*this, {.name = "Txt_Taux", .max_length = 8}};
-  screen::TextBox Txt_Montant{*this, {.name = "Txt_Montant", .max_length = 8}};
+  screen::TextBox Txt_Base{*this, {.name = "Txt_Base", .max_length = card::kItemBase.length}};
+  screen::TextBox Txt_Taux{*this, {.name = "Txt_Taux", .max_length = card::kItemRate.length}};
+  screen::TextBox Txt_Montant{*this, {.name = "Txt_Montant", .max_length = card::kItemAmount.length}};
   screen::CommandButton Cmd_OK{*this, {.name = "Cmd_OK", .caption = "OK"}};
   screen::CommandButton Cmd_Annuler{*this, {.name = "Cmd_Annuler", .caption = "Annuler"}};
   screen::CommandButton Cmd_Ajouter{*this, {.name = "Cmd_Ajouter", .caption = "Ajouter"}};

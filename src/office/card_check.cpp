@@ -99,9 +99,9 @@ void Examination::check_order() {
 
 // A text that is met again in the same field is told once.
 void Examination::check_fields() {
-  for (const card::CardField& field : card::card_fields()) {
+  for (const card::Field& field : card::card_fields()) {
     std::set<std::string_view> told;
-    each_element(card_, field.attribute, [&](std::string_view text) {
+    each_element(card_, field.number, [&](std::string_view text) {
       if (!told.insert(text).second) return;
       if (auto found = card::fault_of(field, text)) {
         faults_.push_back(std::move(*found));

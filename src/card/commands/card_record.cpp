@@ -11,7 +11,7 @@ namespace velanor::commands {
 
 using namespace card;  // the named attributes of the layout
 
-template <auto A>
+template <const auto& A>
 CardRecord::Field CardRecord::field(screen::TextControl& box) {
   return {&box, [](const Draft& card) { return card.shown(A); },
           [](Draft& card, std::string_view shown) { card.put(A, shown); }};

@@ -47,7 +47,7 @@ class CardRecord {
     std::string (*shown)(const card::Draft&);
     void (*put)(card::Draft&, std::string_view shown);
   };
-  template <auto A>
+  template <const auto& A>
   static Field field(screen::TextControl& box);
 
   void load_options();

@@ -15,7 +15,7 @@ struct AmendmentColumn {
   std::string (*stored)(const Codec&, std::string_view shown);
 };
 
-template <auto A>
+template <const auto& A>
 constexpr AmendmentColumn column() {
   return {A.number, [](const Codec& codec, std::string_view stored) { return codec.shown(A, stored); },
           [](const Codec& codec, std::string_view shown) { return codec.stored(A, shown); }};
@@ -48,7 +48,7 @@ struct ItemFigure {
   std::string (*shown)(const Codec&, std::string_view stored);
 };
 
-template <auto A>
+template <const auto& A>
 constexpr ItemFigure item_figure(int integer_digits, int decimals) {
   return {A.number, integer_digits, decimals,
           [](const Codec& codec, std::string_view stored) { return codec.shown(A, stored); }};

@@ -39,19 +39,6 @@ class Codec {
   }
 
  private:
-  static constexpr int decimals(Encoding encoding) {
-    switch (encoding) {
-      case Encoding::kHundredths:
-        return 2;
-      case Encoding::kThousandths:
-        return 3;
-      case Encoding::kTenThousandths:
-        return 4;
-      default:
-        return 0;
-    }
-  }
-
   entry::UtilSaisie& entry_;
 };
 

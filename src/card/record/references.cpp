@@ -69,7 +69,7 @@ std::string References::completed(std::string_view list, std::string_view code,
   return text::pad_left(code, list_code_length(list), '0');
 }
 
-card::Fault unknown_code(const CardField& field, std::string_view code) {
+card::Fault unknown_code(const Field& field, std::string_view code) {
   return card::Fault(std::string(field.noun) + " « … » n'existe pas.", std::string(code));
 }
 

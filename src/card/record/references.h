@@ -38,7 +38,7 @@ class References {
 };
 
 // That the list of the field does not have the code.
-card::Fault unknown_code(const CardField& field, std::string_view code);
+card::Fault unknown_code(const Field& field, std::string_view code);
 card::Fault unknown_entity(std::string_view entity);
 
 }  // namespace velanor::card

@@ -41,7 +41,7 @@ struct Rule {
   std::string (*value)(const Facts&) = nullptr;
 };
 
-template <auto A>
+template <const auto& A>
 bool missing(const Facts& facts) {
   return facts.missing(A.number);
 }

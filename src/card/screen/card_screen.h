@@ -4,6 +4,7 @@
 #include <array>
 #include <vector>
 
+#include "card/record/record_layout.h"
 #include "velanor/form.h"
 
 namespace velanor::card {
