@@ -106,6 +106,12 @@ class OptionButton : public Control {
   bool value_ = false;
 };
 
+// Where a key falls in a text, in characters: on those that are selected, or else on the caret.
+struct Span {
+  int first = 0;  // so many stand before it
+  int count = 0;
+};
+
 // What text boxes and combo boxes share: a text that the program sets and the user edits.
 class TextControl : public Control {
  public:
@@ -117,20 +123,19 @@ class TextControl : public Control {
   // Cut to the maximum length. A text that differs raises `changed`; the same raises nothing.
   void set_text(std::string_view text);
   // What is stored, whole even where it is longer than what may be typed.
-  void show_whole(std::string_view text) { put(text); }
+  void show_whole(std::string_view text);
   // Longer than what may be typed, as it was shown: not the user's, and not to be judged as such.
   bool shows_more() const;
 
-  // The user's way in. Runs the key filter; what it leaves is for the caller to carry out.
-  void filter(Key& key) const {
-    if (key_press) key_press(key);
-  }
-  // The text after an edit of the user's, already filtered key by key. It may not outgrow the
-  // maximum length, nor what stood there.
-  void edit(std::string_view text);
-  // A whole value that came past the key filter (pasted, dropped, set by an assistive tool):
-  // what the filter would have let through of it, key by key.
-  std::string admitted(std::string_view value);
+  // The text can be typed into.
+  virtual bool editable() const { return true; }
+  // The user's ways in. A key: what the key filter leaves of it takes the place of what is selected.
+  // It makes no text longer than the maximum length.
+  void type(Key key, Span at);
+  // A whole value that came past the key filter (pasted, dropped, taken back, set by an assistive
+  // tool): what the filter would have let through of it, key by key. What the program showed last
+  // may stand again, whatever its keys.
+  void replace(std::string_view value);
   // Whether the user edited the text since the control got the focus.
   bool edited() const { return edited_; }
   void clear_edited() { edited_ = false; }
@@ -146,8 +151,14 @@ class TextControl : public Control {
 
  private:
   void put(std::string_view text);
+  void edit(std::string_view text);
+  bool is_full() const;
+  std::string admitted(std::string_view value);
+  char32_t admitted(Key key, Span at);
+  std::string with(std::string_view characters, Span at) const;
 
   std::string text_;
+  std::string given_;  // by the program
   int max_length_;
   bool edited_ = false;
 };
@@ -196,7 +207,7 @@ class ComboBox : public TextControl, public Lines {
   const std::vector<std::string>& notes() const { return notes_; }
 
   // A list alone: its text cannot be typed.
-  bool editable() const { return editable_; }
+  bool editable() const override { return editable_; }
   void make_list_only() { editable_ = false; }
 
   Event clicked;

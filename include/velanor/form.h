@@ -29,6 +29,9 @@ class Form {
   Control* find(std::string_view name) const;
   Tabs* tabs() const { return tabs_; }
 
+  // Names the controls that are passed over.
+  using Passes = std::function<bool(const Control&)>;
+
   // The control that has the focus, or null.
   Control* focus() const { return focus_; }
   // It came there because the control before it was locked or hidden, or given up: not for a new entry.
@@ -44,7 +47,6 @@ class Form {
   bool move_focus(Control* control);
   // The user's Tab: to the next (or previous) control as it stands when the one left has been heard.
   // Those that `passes` names belong to the same stop and are passed over.
-  using Passes = std::function<bool(const Control&)>;
   bool step_focus(bool forward, const Passes& passes = {});
   // The user thought better of a button that cancels or deletes: back to where the focus came from.
   void resume();
@@ -54,13 +56,11 @@ class Form {
   // order, without events of the one left; never to one that one more Enter would regret.
   void settle_focus();
   // The next (or previous) control that takes the focus, in tab order; null when there is none.
-  Control* neighbour(const Control* from, bool forward) const;
+  Control* neighbour(const Control* from, bool forward, const Passes& passes = {}) const;
   // Usable, takes the focus and stands on the page in sight.
   bool can_focus(const Control& control) const;
   bool in_sight(const Control& control) const;
 
-  // The button that Enter presses; null where the form expects none.
-  CommandButton* default_button = nullptr;
   // Escape presses the first of these that is usable.
   std::vector<CommandButton*> cancel_buttons;
   // Those that delete.

@@ -22,12 +22,16 @@ class Hand {
   Refusal focus(Control& control);
   // Takes the focus away to none.
   Refusal leave();
-  // One key into a control, after putting the focus there.
+  // One key into a control, after putting the focus there; into a text, behind its last character.
   Refusal press(Control& control, Key key);
+  // One key into a text, where the caret stands or in the place of what is selected.
+  Refusal press(TextControl& control, Key key, Span at);
   // The characters of a text, one key each. Keys follow the focus where a handler moves it.
   Refusal type(TextControl& control, std::string_view text);
   // Replaces the whole text, as select-all and paste do; "" as select-all and Delete.
   Refusal replace_text(TextControl& control, std::string_view text);
+  // Tab, or Shift and Tab. Those that `passes` names belong to the same stop.
+  void step(bool forward, const Form::Passes& passes = {});
 
   Refusal click(Control& button);
   // Opens the list of a combo box, as its arrow does.
@@ -53,8 +57,6 @@ class Hand {
   template <typename Act>
   Refusal act(Control& control, Act act);
   void key_into_focus(Key key);
-  void press_default(const Form& form);
-  void edit_key(TextControl& control, Key key);
   void settle();
 
   Screen& screen_;

@@ -38,6 +38,7 @@ void ComboView::focus_gone() {
 // while a text is typed that is no line: with its index the toolkit would take away the text, and what can be
 // taken back of it.
 void ComboView::show() {
+  if (edit()) follow_key();
   lines_->update();
   const int caret = edit() ? edit()->cursorPosition() : 0;
   const bool typed = edit() && !choosing_ && box_.index() < 0 && edit()->text() == to_qt(box_.text());

@@ -200,15 +200,13 @@ bool ControleVelanorWidget::Stage::step_focus(bool forward) {
   if (!widget_ || placing_ || screen().finished()) return false;
   if (MessageSheet* message = open_message()) return message->move_focus(forward), true;
   if (!idle()) return false;
-  if (const QWidget* focus = QApplication::focusWidget(); focus && !focus->isVisible())
-    return true;  // likewise
+  // A page that is being turned has hidden what has the focus.
+  if (const QWidget* focus = QApplication::focusWidget(); focus && !focus->isVisible()) return true;
   screen::Form& form = screen().top();
   const View* here = form.focus() ? view_of(*form.focus()) : nullptr;
   const auto same_stop = [&](const screen::Control& control) { return here && view_of(control) == here; };
-  stepped_ = form.neighbour(form.focus(), forward);
-  while (stepped_ && stepped_ != form.focus() && same_stop(*stepped_))
-    stepped_ = form.neighbour(stepped_, forward);
-  act([&](screen::Hand&) { form.step_focus(forward, same_stop); });
+  stepped_ = form.neighbour(form.focus(), forward, same_stop);
+  act([&](screen::Hand& hand) { hand.step(forward, same_stop); });
   stepped_ = nullptr;
   return true;
 }

@@ -14,8 +14,6 @@ class TextEdit : public QLineEdit {
 
   // Sees each key; true when it has been dealt with.
   std::function<bool(QKeyEvent&)> on_key;
-  // What the key does to the text.
-  void carry_out(QKeyEvent& event) { QLineEdit::keyPressEvent(&event); }
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;

@@ -1,8 +1,10 @@
 #include "qt/text_view.h"
 
 #include <QKeyEvent>
+#include <algorithm>
 
 #include "qt/strings.h"
+#include "screen/scope.h"
 
 namespace velanor::qt {
 namespace {
@@ -26,6 +28,12 @@ char32_t key_code(const QKeyEvent& event) {
   return characters.isEmpty() || characters[0] < U' ' || characters[0] == Key::kDelete ? 0 : characters[0];
 }
 
+// The toolkit counts in units of UTF-16, the control in characters.
+int characters(QStringView units) {
+  return static_cast<int>(
+      std::count_if(units.begin(), units.end(), [](QChar c) { return !c.isLowSurrogate(); }));
+}
+
 }  // namespace
 
 TextView::TextView(Acts& acts, screen::TextControl& control, QWidget& widget, TextEdit* edit, QObject& parent)
@@ -38,7 +46,29 @@ TextView::TextView(Acts& acts, screen::TextControl& control, QWidget& widget, Te
 
 void TextView::show() {
   View::show();
-  if (edit_) show_text();
+  if (!edit_) return;
+  follow_key();
+  show_text();
+}
+
+screen::Span TextView::selection() const {
+  const QString chosen = edit_->selectedText();
+  const int start = chosen.isEmpty() ? edit_->cursorPosition() : edit_->selectionStart();
+  return {characters(QStringView(edit_->text()).left(start)), characters(chosen)};
+}
+
+// It can be taken back then, and offers what completes it. Where the rules made something else of the key,
+// `show_text` shows that.
+void TextView::follow_key() {
+  const char32_t code = std::exchange(typed_, 0);
+  if (code == 0) return;
+  const QString shown = edit_->text(), text = to_qt(text_.text());
+  if (shown == text) return;
+  if (code == Key::kBackspace) return edit_->backspace();
+  const auto chosen = edit_->selectedText().length();
+  const auto start = chosen > 0 ? edit_->selectionStart() : edit_->cursorPosition();
+  const QString typed = text.mid(start, std::max<qsizetype>(text.length() - shown.length() + chosen, 0));
+  if (text == shown.left(start) + typed + shown.mid(start + chosen)) edit_->insert(typed);
 }
 
 // The caret stays where it was in a text that only changed a character. Of a text that is too long for its
@@ -48,7 +78,7 @@ void TextView::show_text() {
   if (edit_->text() == text) return;
   const int caret = edit_->cursorPosition();
   const bool same_length = text.length() == edit_->text().length();
-  edit_->setText(stood_ = text);
+  edit_->setText(text);
   edit_->setCursorPosition(!edit_->hasFocus() ? 0 : same_length ? caret : static_cast<int>(text.length()));
 }
 
@@ -72,74 +102,19 @@ bool TextView::key(QKeyEvent& event) {
   // A mnemonic that nobody answers now is no text.
   const bool mnemonic = event.modifiers() & (Qt::AltModifier | Qt::MetaModifier) && !event.text().isEmpty();
   if (code == 0 && mnemonic) return event.ignore(), true;
-  if (code == 0) return !acts().open_to(text_) && !event.text().isEmpty();
-  act_key(code, event);
+  const bool open = acts().open_to(text_);
+  if (code == 0) return !open && !event.text().isEmpty();
   event.accept();
+  if (!open) return true;
+  const screen::Scope typed(typed_, code);
+  acts().act([&](screen::Hand& hand) { hand.press(text_, Key{code}, selection()); });
   return true;
 }
 
-void TextView::act_key(char32_t code, const QKeyEvent& event) {
-  if (!acts().open_to(text_)) return;
-  acts().act([&](screen::Hand& hand) {
-    const bool selected = edit_->hasSelectedText();
-    if (code == Key::kEnter) return enter(hand);
-    if (selected && code != Key::kBackspace) return replace_selection(code);
-    Key key{code};
-    text_.filter(key);
-    show_text();
-    if (key.code >= U' ' || key.code == Key::kBackspace) put(key.code, event);
-  });
-}
-
-void TextView::enter(screen::Hand& hand) {
-  Key key{Key::kEnter};
-  text_.filter(key);
-  screen::CommandButton* button = text_.form().default_button;
-  show_text();
-  if (key.code == Key::kEnter && button) hand.click(*button);
-  if (key.code >= U' ') put(key.code, QKeyEvent(QEvent::KeyPress, 0, Qt::NoModifier));
-}
-
-// The length is bounded here: the line edit would cut a pasted value before it has been judged.
-void TextView::put(char32_t code, const QKeyEvent& event) {
-  const bool full = text_.max_length() > 0 && edit_->text().length() >= text_.max_length();
-  if (full && code != Key::kBackspace && !edit_->hasSelectedText()) return;
-  const bool same = event.key() == Qt::Key_Backspace || event.text() == QString::fromUcs4(&code, 1);
-  QKeyEvent typed(QEvent::KeyPress, same ? event.key() : Qt::Key_unknown,
-                  same ? event.modifiers() : Qt::NoModifier,
-                  code == Key::kBackspace ? event.text() : QString::fromUcs4(&code, 1));
-  typing_ = true;
-  edit_->carry_out(typed);
-  typing_ = false;
-  pass_on();
-}
-
-// The filters judge a key against the whole text; what the key replaces must not count.
-void TextView::replace_selection(char32_t code) {
-  const int start = edit_->selectionStart();
-  QString wanted = edit_->text();
-  wanted.replace(start, edit_->selectionLength(), QString::fromUcs4(&code, 1));
-  const QString left = to_qt(text_.admitted(from_qt(wanted)));
-  if (left.length() != wanted.length()) return;
-  typing_ = true;
-  edit_->insert(left.mid(start, 1));
-  typing_ = false;
-  pass_on();
-}
-
-void TextView::pass_on() {
-  const std::string text = from_qt(edit_->text());
-  if (text != text_.text()) text_.edit(text);
-}
-
 void TextView::text_changed() {
-  if (typing_ || showing()) return;
-  if (acts().open_to(text_)) {
-    const std::string value = from_qt(edit_->text());
-    // What stood there may be taken back to, whatever the keys may say of its form.
-    const bool stood = edit_->text() == stood_;
-    acts().act([&](screen::Hand&) { stood ? text_.show_whole(value) : text_.edit(text_.admitted(value)); });
-  }
+  if (showing()) return;
+  if (acts().open_to(text_))
+    acts().act([this](screen::Hand& hand) { hand.replace_text(text_, from_qt(edit_->text())); });
   refresh_again();
 }
 

@@ -6,8 +6,8 @@
 
 namespace velanor::qt {
 
-// The keys of a text control go through its filter; whatever else changes the text (paste, drop, input
-// methods, assistive tools) is judged as a whole.
+// The control says what becomes of a key, of a value that came by another way (paste, drop, input methods,
+// assistive tools) and of what is taken back. Here stand only the caret and what the toolkit remembers.
 class TextView : public View {
  public:
   TextView(Acts& acts, screen::TextControl& control, TextEdit& edit, QObject& parent)
@@ -21,22 +21,19 @@ class TextView : public View {
   TextView(Acts& acts, screen::TextControl& control, QWidget& widget, TextEdit* edit, QObject& parent);
   void show() override;
   void show_text();
+  // A key's effect as an edit of the toolkit's own.
+  void follow_key();
   TextEdit* edit() const { return edit_; }
   virtual bool key(QKeyEvent& event);
   // The text changed without a key, or took a key back.
   virtual void text_changed();
 
  private:
-  void act_key(char32_t code, const QKeyEvent& event);
-  void enter(screen::Hand& hand);
-  void put(char32_t code, const QKeyEvent& event);
-  void replace_selection(char32_t code);
-  void pass_on();
+  screen::Span selection() const;
 
   screen::TextControl& text_;
   TextEdit* edit_;
-  QString stood_;  // what the program showed last
-  bool typing_ = false;
+  char32_t typed_ = 0;  // a key on its way
 };
 
 }  // namespace velanor::qt

@@ -52,7 +52,12 @@ void OptionButton::set_value(bool on) {
 }
 
 void TextControl::set_text(std::string_view text) {
-  put(max_length_ > 0 ? text::left(text, max_length_) : text);
+  show_whole(max_length_ > 0 ? text::left(text, max_length_) : text);
+}
+
+void TextControl::show_whole(std::string_view text) {
+  given_ = text;
+  put(text);
 }
 
 void TextControl::put(std::string_view text) {
@@ -69,8 +74,48 @@ bool TextControl::shows_more() const {
 
 void TextControl::edit(std::string_view text) {
   if (text_ != text) edited_ = true;
-  const int most = std::max(max_length_, text::length(text_));
-  put(max_length_ > 0 ? text::left(text, most) : text);
+  put(text);
+}
+
+bool TextControl::is_full() const { return max_length_ > 0 && text::length(text_) >= max_length_; }
+
+std::string TextControl::with(std::string_view characters, Span at) const {
+  std::string text(text::left(text_, at.first));
+  return text.append(characters).append(text::mid(text_, at.first + at.count + 1));
+}
+
+void TextControl::type(Key key, Span at) {
+  if (key.code == Key::kDelete) return;
+  if (at.count > 0 && key.code >= U' ') {
+    key.code = admitted(key, at);
+  } else if (key_press) {
+    const std::string before = text_;
+    key_press(key);
+    if (text_ != before) at = {text::length(text_), 0};
+  }
+  if (key.code == Key::kBackspace) {
+    if (at.count == 0 && at.first > 0) at = {at.first - 1, 1};
+    edit(with({}, at));
+  } else if (key.code >= U' ' && (at.count > 0 || !is_full())) {
+    std::string character;
+    text::append(character, key.code);
+    edit(with(character, at));
+  }
+}
+
+// The filters judge a key against the whole text, where what it replaces must not count.
+char32_t TextControl::admitted(Key key, Span at) {
+  std::string character;
+  text::append(character, key.code);
+  const std::string wanted = with(character, at), left = admitted(wanted);
+  if (text::length(left) != text::length(wanted)) return 0;
+  std::size_t byte = text::left(left, at.first).size();
+  return text::next(left, byte);
+}
+
+void TextControl::replace(std::string_view value) {
+  if (value == given_) return put(value);
+  edit(admitted(value));
 }
 
 std::string TextControl::admitted(std::string_view value) {
@@ -84,9 +129,8 @@ std::string TextControl::admitted(std::string_view value) {
   for (std::size_t at = 0; at < value.size();) {
     Key key{text::next(value, at)};
     if (key.code < U' ' || key.code == Key::kDelete) continue;
-    filter(key);
-    const bool full = max_length_ > 0 && text::length(text_) >= max_length_;
-    if (key.code >= U' ' && !full) text::append(text_, key.code);
+    if (key_press) key_press(key);
+    if (key.code >= U' ' && !is_full()) text::append(text_, key.code);
   }
   return text_;
 }

@@ -42,12 +42,7 @@ bool Form::move_focus(Control* control) {
 bool Form::step_focus(bool forward, const Passes& passes) {
   if (leaving_) return false;
   const Control* from = focus_;
-  const auto next = [&]() -> Control* {
-    Control* control = neighbour(from, forward);
-    for (std::size_t stops = 0; control && passes && passes(*control) && stops < controls_.size(); ++stops)
-      control = neighbour(control, forward);
-    return control;
-  };
+  const auto next = [&] { return neighbour(from, forward, passes); };
   Control* target = next();
   if (target && abandons(*target)) return postpone_judgement(*target);
   // Leaving may open what comes next, or close it.
@@ -100,9 +95,7 @@ void Form::enter(Control* control) {
 
 void Form::settle_focus() {
   if (!focus_ || can_focus(*focus_)) return;
-  Control* next = neighbour(focus_, true);
-  for (std::size_t step = 0; next && is_perilous(*next) && step < controls_.size(); ++step)
-    next = neighbour(next, true);
+  Control* next = neighbour(focus_, true, [this](const Control& control) { return is_perilous(control); });
   enter(next);
   settled_ = focus_ == next;
 }
@@ -116,14 +109,14 @@ bool Form::is_perilous(const Control& control) const {
          std::find(perilous_buttons.begin(), perilous_buttons.end(), &control) != perilous_buttons.end();
 }
 
-Control* Form::neighbour(const Control* from, bool forward) const {
+Control* Form::neighbour(const Control* from, bool forward, const Passes& passes) const {
   const int count = static_cast<int>(controls_.size());
   const auto at = std::find(controls_.begin(), controls_.end(), from);
   int position = at == controls_.end() ? (forward ? -1 : count) : static_cast<int>(at - controls_.begin());
   for (int step = 0; step < count; ++step) {
     position = (position + (forward ? 1 : -1) + count) % count;
     Control* candidate = controls_[static_cast<std::size_t>(position)];
-    if (candidate != from && can_focus(*candidate)) return candidate;
+    if (candidate != from && can_focus(*candidate) && !(passes && passes(*candidate))) return candidate;
   }
   return nullptr;
 }

@@ -81,6 +81,15 @@ Refusal Hand::press(Control& control, Key key) {
   });
 }
 
+Refusal Hand::press(TextControl& control, Key key, Span at) {
+  return as_one([&]() -> Refusal {
+    if (Refusal why = focus(control); !why.empty()) return why;
+    if (control.form().focus() == &control && control.editable()) control.type(key, at);
+    settle();
+    return kDone;
+  });
+}
+
 Refusal Hand::type(TextControl& control, std::string_view text) {
   return as_one([&]() -> Refusal {
     if (Refusal why = focus(control); !why.empty()) return why;
@@ -94,20 +103,23 @@ Refusal Hand::type(TextControl& control, std::string_view text) {
 }
 
 void Hand::key_into_focus(Key key) {
-  Form& form = screen_.top();
-  Control* control = form.focus();
+  Control* control = screen_.top().focus();
   if (!control) return;
   if (key.code == Key::kTab) {
-    form.step_focus(true);
+    step(true);
   } else if (key.code == Key::kEscape) {
     cancel();
   } else if (auto* text = dynamic_cast<TextControl*>(control)) {
-    edit_key(*text, key);
+    if (text->editable()) text->type(key, {text::length(text->text()), 0});
   } else if (key.code == U' ' || (key.code == Key::kEnter && dynamic_cast<CommandButton*>(control))) {
     click(*control);
-  } else if (key.code == Key::kEnter) {
-    press_default(form);
   }
+}
+
+void Hand::step(bool forward, const Form::Passes& passes) {
+  if (screen_.finished()) return;
+  screen_.top().step_focus(forward, passes);
+  settle();
 }
 
 Refusal Hand::cancel() {
@@ -117,33 +129,11 @@ Refusal Hand::cancel() {
   return "nothing to cancel";
 }
 
-void Hand::press_default(const Form& form) {
-  if (form.default_button) click(*form.default_button);
-}
-
-void Hand::edit_key(TextControl& control, Key key) {
-  const auto* combo = dynamic_cast<const ComboBox*>(&control);
-  if (key.code == Key::kDelete || (combo && !combo->editable())) return;
-  control.filter(key);
-  std::string text = control.text();
-  if (key.code == Key::kBackspace) {
-    text::remove_last(text);
-  } else if (key.code == Key::kEnter) {
-    return press_default(control.form());
-  } else if (key.code < U' ' || (control.max_length() > 0 && text::length(text) >= control.max_length())) {
-    return;
-  } else {
-    text::append(text, key.code);
-  }
-  control.edit(text);
-}
-
 Refusal Hand::replace_text(TextControl& control, std::string_view text) {
   return as_one([&]() -> Refusal {
     if (Refusal why = focus(control); !why.empty()) return why;
-    const auto* combo = dynamic_cast<const ComboBox*>(&control);
-    if (combo && !combo->editable()) return control.name() + " cannot be typed into";
-    if (control.form().focus() == &control) control.edit(control.admitted(text));
+    if (!control.editable()) return control.name() + " cannot be typed into";
+    if (control.form().focus() == &control) control.replace(text);
     settle();
     return kDone;
   });

@@ -36,6 +36,7 @@ TEST_F(WidgetTest, AssistiveValueIsJudgedToo) {
   open_card();
   widget<QLineEdit>("Txt_HorMensEtab").setText("12b,3,4");
   EXPECT_EQ(text("Txt_HorMensEtab"), "12,34");
+  EXPECT_EQ(top().focus()->name(), "Txt_HorMensEtab") << "or nobody would judge it when it is left";
 }
 
 TEST_F(WidgetTest, KeyReplacesTheSelectionOfAFieldEnteredByTab) {

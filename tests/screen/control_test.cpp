@@ -66,9 +66,9 @@ TEST_F(ControlTest, AHandlerMayChangeTheTextAgain) {
 TEST_F(ControlTest, OnlyTheUserMakesATextEdited) {
   text_.set_text("a");
   EXPECT_FALSE(text_.edited());
-  text_.edit("a");
+  text_.replace("a");
   EXPECT_FALSE(text_.edited());
-  text_.edit("b");
+  text_.replace("b");
   EXPECT_TRUE(text_.edited());
 }
 
@@ -84,8 +84,8 @@ TEST_F(ControlTest, APastedValueIsWhatItsKeysWouldHaveLeft) {
   };
   for (const auto& [value, admitted] : kCases) {
     SCOPED_TRACE(value);
-    EXPECT_EQ(text_.admitted(value), admitted);
-    EXPECT_EQ(text_.text(), "9") << "asking changes nothing";
+    text_.replace(value);
+    EXPECT_EQ(text_.text(), admitted);
   }
 }
 
@@ -228,11 +228,13 @@ TEST_F(ControlTest, WhatIsStoredIsShownWholeUntilTheUserMakesItShorter) {
   text_.show_whole("Évreux");
   EXPECT_EQ(text_.text(), "Évreux");
   EXPECT_TRUE(text_.shows_more());
-  text_.edit("Évreu");
+  text_.type({Key::kBackspace}, {6, 0});
   EXPECT_EQ(text_.text(), "Évreu") << "one character taken away, not all beyond the length";
   EXPECT_FALSE(text_.shows_more()) << "now it is the user's, and judged";
-  text_.edit("Évreuil");
+  text_.type({U'x'}, {5, 0});
   EXPECT_EQ(text_.text(), "Évreu") << "it does not grow";
+  text_.replace("Évreux");
+  EXPECT_EQ(text_.text(), "Évreux") << "what stood there can be taken back";
   text_.set_text("Évreuil");
   EXPECT_EQ(text_.text(), "Évre");
 }
