@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "velanor/error.h"
+#include "velanor/history.h"
 #include "velanor/query.h"
 #include "velanor/record.h"
 
@@ -96,6 +97,8 @@ class Database {
   // Nothing can be written: every write fails. What is open is open for reading.
   virtual bool read_only() const { return false; }
 
+  // The versions of its records; null where none are kept.
+  virtual History* history() { return nullptr; }
   // From now on statements may call a part of the ids of a file by this name. The component names those
   // that it uses when it is started.
   virtual void name_id_part(std::string_view file, std::string_view name, const IdPart& part) = 0;

@@ -1,0 +1,38 @@
+// The versions that a store keeps of its records.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "velanor/record.h"
+
+namespace velanor::store {
+
+// A record as somebody left it.
+struct Version {
+  std::uint64_t number = 0;  // of the record, from 1; those of one id never repeat, also after a deletion
+  std::string author;        // see History::set_author
+  std::int64_t time = 0;     // seconds since 1970, UTC
+  std::optional<DbRecord> record;  // nothing: it was deleted
+};
+
+// Belongs to its database, whose thread it shares. Every failure is a DbError. An earlier version is brought
+// back by writing it: that is a version too.
+class History {
+ public:
+  virtual ~History() = default;
+  // Who writes from now on: the name of the system's user until a host hands in another.
+  virtual void set_author(std::string_view name) = 0;
+  // The oldest first, the last one as it is stored now; empty for a record that never was.
+  virtual std::vector<Version> versions(std::string_view file, std::string_view id) = 0;
+  // Ids that end so and had a record that was deleted; the latest deletion first.
+  virtual std::vector<std::string> deleted(std::string_view file, std::string_view id_suffix) = 0;
+  // Forgets the versions that were replaced before that time; what is stored now stays. How many went.
+  virtual std::size_t purge(std::int64_t before) = 0;
+};
+
+}  // namespace velanor::store
