@@ -16,6 +16,8 @@ inline constexpr std::uint32_t kBadStatement = 0x80040002;
 
 // Number of a write that found under its id something else than it expected; nothing was written.
 inline constexpr std::uint32_t kConflict = 0x80040003;
+// Number of what a database of its kind cannot do at all.
+inline constexpr std::uint32_t kNotOffered = 0x80040004;
 
 class DbError : public std::runtime_error {
  public:

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,7 +14,7 @@ namespace velanor::screen {
 
 enum class Icon { Exclamation, Question, Information };
 enum class Buttons { Ok, OkCancel, YesNo };
-enum class Answer { Ok, Cancel, Yes, No };
+enum class Answer { Ok, Cancel, Yes, No, Mine, Theirs };
 
 struct Message {
   std::string title;
@@ -24,12 +25,26 @@ struct Message {
   Answer preset = Answer::Ok;
 };
 
+// What two users have changed at once, each in his own way; the texts are what a screen shows ("": nothing).
+struct Comparison {
+  struct Line {
+    std::string name, before, theirs, mine;
+  };
+  std::string title;
+  std::string text;  // lines end with CR LF
+  std::vector<Line> lines;
+};
+
 // What the hands and eyes of the user are made of. All calls come from the thread of the
 // component; `message` returns when the user has answered.
 class Toolkit {
  public:
   virtual ~Toolkit() = default;
   virtual Answer message(const Message& message) = 0;
+  // Lets the user choose line by line whose change is taken: an answer a line, Mine or Theirs; none at all
+  // when he wants to go back. Nothing where the toolkit does not offer it: then the failure that asked for
+  // it goes on to the host.
+  virtual std::optional<std::vector<Answer>> compare(const Comparison&) { return std::nullopt; }
   // A modal form came on top, or went away; the forms below take no input meanwhile.
   virtual void form_opened(Form&) {}
   virtual void form_closed(Form&) {}
@@ -90,6 +105,7 @@ class Screen {
     return say(text, icon, Buttons::YesNo, Answer::No) == Answer::Yes;
   }
   Answer say(std::string_view text, Icon icon, Buttons buttons, Answer preset = Answer::Ok);
+  std::optional<std::vector<Answer>> compare(std::string_view text, std::vector<Comparison::Line> lines);
   // Message boxes shown so far; a click during which one opens is lost.
   int messages_shown() const { return messages_shown_; }
 

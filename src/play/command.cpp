@@ -76,7 +76,9 @@ constexpr std::array kIcons{Meanings<screen::Icon>{"exclamation", screen::Icon::
 constexpr std::array kAnswerWords{Meanings<screen::Answer>{"OK", screen::Answer::Ok},
                                   Meanings<screen::Answer>{"Oui", screen::Answer::Yes},
                                   Meanings<screen::Answer>{"Non", screen::Answer::No},
-                                  Meanings<screen::Answer>{"Annuler", screen::Answer::Cancel}};
+                                  Meanings<screen::Answer>{"Annuler", screen::Answer::Cancel},
+                                  Meanings<screen::Answer>{"Mien", screen::Answer::Mine},
+                                  Meanings<screen::Answer>{"Sien", screen::Answer::Theirs}};
 constexpr std::array kKeys{
     Meanings<char32_t>{"Enter", screen::Key::kEnter},
     Meanings<char32_t>{"Backspace", screen::Key::kBackspace}, Meanings<char32_t>{"Tab", screen::Key::kTab},

@@ -1,7 +1,9 @@
 // What stands behind the widget: the component, its open forms on the window, and the acts of the user.
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "qt/acts.h"
@@ -52,6 +54,7 @@ class ControleVelanorWidget::Stage : public QObject,
 
   // Toolkit.
   screen::Answer message(const screen::Message& message) override;
+  std::optional<std::vector<screen::Answer>> compare(const screen::Comparison& comparison) override;
   void form_opened(screen::Form& form) override;
   void form_closed(screen::Form& form) override;
   void pop_up(screen::Menu& menu) override;
@@ -77,6 +80,8 @@ class ControleVelanorWidget::Stage : public QObject,
   class CallOut;
   class OpenMessage;
   bool idle() const { return widget_ && !acting_ && messages_.empty() && !screen().finished(); }
+  template <typename Asked>
+  std::optional<screen::Answer> put(const Asked& asked, const std::function<void(const MessageSheet&)>& read);
   QWidget* make_pages(const screen::Form& form) const;
   std::exception_ptr run(const std::function<void()>& rules);
   void refresh();

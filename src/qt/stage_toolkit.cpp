@@ -4,7 +4,9 @@
 #include <QEventLoop>
 #include <QMenu>
 #include <optional>
+#include <vector>
 
+#include "qt/comparison_table.h"
 #include "qt/stage_frame.h"
 #include "qt/strings.h"
 
@@ -15,8 +17,10 @@ using screen::Scope;
 // One message at a time is in sight: the host may ask while another one waits.
 class ControleVelanorWidget::Stage::OpenMessage {
  public:
-  OpenMessage(Stage& stage, const screen::Message& message)
-      : stage_(stage), below_(stage.open_message()), sheet_(message, *stage.boards_) {
+  // Of a message, or of what is to be chosen.
+  template <typename Asked>
+  OpenMessage(Stage& stage, const Asked& asked)
+      : stage_(stage), below_(stage.open_message()), sheet_(asked, *stage.boards_) {
     const Scope placing(stage_.placing_);
     if (below_) below_->hide();
     stage_.messages_.push_back(&sheet_);
@@ -56,15 +60,33 @@ screen::Answer ControleVelanorWidget::Stage::message(const screen::Message& mess
 }
 
 screen::Answer ControleVelanorWidget::Stage::ask(const screen::Message& message) {
-  const Frame frame(*this);
   refused_ = message.buttons == screen::Buttons::Ok && message.icon == screen::Icon::Exclamation;
+  return put(message, {}).value_or(MessageSheet::closing_answer(message.buttons));
+}
+
+std::optional<std::vector<screen::Answer>> ControleVelanorWidget::Stage::compare(
+    const screen::Comparison& comparison) {
+  const CallOut call(*this);
+  refused_ = false;
+  std::vector<screen::Answer> answers;
+  const auto answer = put(comparison, [&](const MessageSheet& sheet) { answers = sheet.table()->answers(); });
+  call.return_if_there();
+  return answer == screen::Answer::Ok ? answers : std::vector<screen::Answer>();
+}
+
+// Nothing where it went away unanswered. `read` looks at the sheet as it was answered.
+template <typename Asked>
+std::optional<screen::Answer> ControleVelanorWidget::Stage::put(
+    const Asked& asked, const std::function<void(const MessageSheet&)>& read) {
+  const Frame frame(*this);
   std::optional<screen::Answer> answer;
   if (widget_ && !closed_) {
     refresh();
     QEventLoop loop;
-    OpenMessage open(*this, message);
+    OpenMessage open(*this, asked);
     connect(&open.sheet(), &MessageSheet::answered, &loop, [&](screen::Answer given) {
       answer = given;
+      if (read) read(open.sheet());
       // What is typed from here on belongs to whoever the rules give the focus to.
       gate_.hold();
       const Scope placing(placing_);
@@ -78,7 +100,7 @@ screen::Answer ControleVelanorWidget::Stage::ask(const screen::Message& message)
   }
   place_focus();
   if (!acting_ || open_message()) gate_.release();
-  return answer.value_or(MessageSheet::closing_answer(message.buttons));
+  return answer;
 }
 
 void ControleVelanorWidget::Stage::form_opened(screen::Form& form) {

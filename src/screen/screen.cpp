@@ -6,6 +6,11 @@
 #include "screen/scope.h"
 
 namespace velanor::screen {
+namespace {
+
+constexpr std::string_view kTitle = "Message TALVERINE";
+
+}  // namespace
 
 bool Screen::is_open(const Form& form) const {
   return std::any_of(stack_.begin(), stack_.end(), [&](const Open& open) { return open.form == &form; });
@@ -67,7 +72,13 @@ bool Screen::request_close() {
 
 Answer Screen::say(std::string_view text, Icon icon, Buttons buttons, Answer preset) {
   ++messages_shown_;
-  return toolkit_.message({"Message TALVERINE", std::string(text), icon, buttons, preset});
+  return toolkit_.message({std::string(kTitle), std::string(text), icon, buttons, preset});
+}
+
+std::optional<std::vector<Answer>> Screen::compare(std::string_view text,
+                                                   std::vector<Comparison::Line> lines) {
+  ++messages_shown_;
+  return toolkit_.compare({std::string(kTitle), std::string(text), std::move(lines)});
 }
 
 }  // namespace velanor::screen

@@ -284,10 +284,10 @@ void CardCommands::Cmd_OK_Click() {
     if (on_.card.Creation) {
       on_.card.file = write_new_card([this](const std::string&) { return on_.card.draft.record(); });
     } else {
-      store::FileRecord file = *on_.card.file;
-      file.assign(on_.card.draft.record());
-      write_card(file, store::Expected::anything());
-      on_.card.file = file;
+      if (writer_.save(*on_.card.file, on_.card.draft) == CardWriter::Outcome::kBack) {
+        on_.card.draft = in_hand;
+        return;
+      }
     }
   } catch (...) {
     on_.card.draft = in_hand;
@@ -378,10 +378,9 @@ void CardCommands::Cmd_Annul_Click() {
 void CardCommands::Cmd_Supp_Click() {
   if (!on_.screen.confirm_loss("Voulez-vous supprimer cette fiche ?")) return;
   if (!on_.card.Creation) {
-    const std::string id = id_of(on_.card.CodeAidant);
-    on_.procedure.file(control::File::kCards).DeleteRecord(id);
+    const std::string& id = on_.card.file->id();
+    if (writer_.remove(*on_.card.file, [&] { SupprimerCalculs(id); }) == CardWriter::Outcome::kBack) return;
     tell_of_stored(CardEvent::Kind::kDeleted);
-    SupprimerCalculs(id);
   }
   // Budget grouping, state and the duplicate button stay as the deleted card left them.
   const std::exception_ptr failure = return_to_browsing();
