@@ -1,6 +1,6 @@
 #include "app/velanor/watched_database.h"
 
-#include "card/record/record_layout.h"
+#include "card/record/element.h"
 
 namespace velanor::app {
 
@@ -17,7 +17,8 @@ void WatchedDatabase::in_one_change(const std::function<void()>& writes) {
 void WatchedDatabase::after(const store::DatabaseCall& call) {
   if (call.file != "VELANORO") return;
   if (call.kind == store::DatabaseCall::Kind::kWrite)
-    change_ = {CardChange::Kind::kWritten, std::string(call.id), std::string((*call.record)(card::kName))};
+    change_ = {CardChange::Kind::kWritten, std::string(call.id),
+               std::string(element(*call.record, card::kName))};
   if (call.kind == store::DatabaseCall::Kind::kDelete)
     change_ = {CardChange::Kind::kDeleted, std::string(call.id), {}};
 }

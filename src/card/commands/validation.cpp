@@ -8,8 +8,8 @@
 
 namespace velanor::commands {
 
-screen::Control* Validation::control_of(int attribute) const {
-  const std::pair<int, screen::Control*> kControls[] = {
+screen::Control* Validation::control_of(const card::Field& field) const {
+  const std::pair<card::Field, screen::Control*> kControls[] = {
       {card::kName, &ui_.Txt_NomAidant},
       {card::kEstablishment, &ui_.Txt_CodEtab},
       {card::kEstablishmentHours, &ui_.Txt_HorMensEtab},
@@ -27,7 +27,7 @@ screen::Control* Validation::control_of(int attribute) const {
       {card::kEndReason, &ui_.Cbo_MotifFin},
   };
   for (const auto& [own, control] : kControls) {
-    if (own == attribute) return control;
+    if (own == field) return control;
   }
   return nullptr;
 }
@@ -35,11 +35,11 @@ screen::Control* Validation::control_of(int attribute) const {
 void Validation::VerifZone() {
   const auto reference = entry::parse_decimal(control::reference_date(procedure_), 0).value_or(0);
   const card::Draft card = record_.entered();
-  const auto fault = card::first_fault(card.record(), card.reading().codec, static_cast<long>(reference));
+  const auto fault = card::first_fault(card.record(), card.reading().codec, reference);
   if (!fault) return;
   screen_.refuse(fault->sentence());
   card_.Erreur = true;
-  screen::Control* control = control_of(fault->attribute);
+  screen::Control* control = control_of(fault->field);
   auto* box = dynamic_cast<screen::TextControl*>(control);
   if (box && fault->is_a_wrong_value) box->set_text({});
   if (control) ui_.set_focus(*control);
