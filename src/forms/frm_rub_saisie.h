@@ -16,7 +16,13 @@ namespace velanor::forms {
 
 class ItemScreen : public screen::Form {
  public:
-  ItemScreen() : Form("Frm_RubSaisie", "Détails des rubriques de saisie") {}
+  ItemScreen() : Form("Frm_RubSaisie", "Détails des rubriques de saisie") {
+    tables = {{{&Lst_Code, &Etq_Code, &Txt_Code},
+               {&Lst_LibRub, &Etq_LibRub, &Cbo_LibRub},
+               {&Lst_Base, &Etq_Base, &Txt_Base, true},
+               {&Lst_Taux, &Etq_Taux, &Txt_Taux, true},
+               {&Lst_Montant, &Etq_Montant, &Txt_Montant, true}}};
+  }
 
   screen::Label Etq_Aidant{*this, {.name = "Etq_Aidant", .caption = "Aidant : "}};
   screen::Label Etq_Code{*this, {.name = "Etq_Code", .caption = "Code"}};

@@ -1,5 +1,8 @@
 #include "card/screen/card_screen.h"
 
+#include "card/record/activity_line.h"
+#include "card/record/amendment_columns.h"
+
 namespace velanor::card {
 
 PageTabs::PageTabs(screen::Form& form, const screen::Spec& spec)
@@ -14,6 +17,19 @@ CardScreen::CardScreen() : Form("ControleVelanor", "Fiches du personnel") {
   Mnu_Sommaire.set_parent(Mnu_Aide);
   cancel_buttons = {&Cmd_AnnulDetail, &Cmd_AnnulAct, &Cmd_Annul};
   perilous_buttons = {&Cmd_SuppDetail, &Cmd_Supp};
+  tables = {amendment_table(),
+            {{.list = &Lst_Activites, .heading = &Etq_Activite, .part = activity_label},
+             {.list = &Lst_Activites, .heading = &Etq_Pourc, .part = activity_share}}};
+}
+
+screen::TableColumns CardScreen::amendment_table() {
+  screen::TableColumns columns;
+  const auto lists = amendment_lists();
+  const auto entries = amendment_entries();
+  for (std::size_t c = 0; c < lists.size(); ++c)
+    columns.push_back(
+        {lists[c], lists[c]->label(), entries[c], c == kHourlyRateColumn || c == kMonthlyColumn});
+  return columns;
 }
 
 const std::vector<screen::Control*>& CardScreen::group(Group group) const {

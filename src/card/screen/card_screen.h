@@ -58,6 +58,8 @@ class CardScreen : public screen::Form {
   std::array<screen::TextControl*, 8> amendment_entries();
 
  private:
+  screen::TableColumns amendment_table();
+
   // Declared before the controls, which add themselves.
   std::array<std::vector<screen::Control*>, static_cast<std::size_t>(Group::kCommand) + 1> groups_;
 
