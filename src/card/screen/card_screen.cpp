@@ -27,8 +27,7 @@ screen::TableColumns CardScreen::amendment_table() {
   const auto lists = amendment_lists();
   const auto entries = amendment_entries();
   for (std::size_t c = 0; c < lists.size(); ++c)
-    columns.push_back(
-        {lists[c], lists[c]->label(), entries[c], c == kHourlyRateColumn || c == kMonthlyColumn});
+    columns.push_back({lists[c], lists[c]->label(), entries[c], decimals(kAmendmentColumns[c]) > 0});
   return columns;
 }
 
