@@ -47,9 +47,13 @@ class ItemScreen : public screen::Form {
     return {&Lst_Code, &Lst_LibRub, &Lst_Base, &Lst_Taux, &Lst_Montant};
   }
   // Those of the figures, and the boxes below them, in the order of card::kItemFigures.
-  std::array<screen::ListBox*, 3> figure_lists() { return {&Lst_Base, &Lst_Taux, &Lst_Montant}; }
-  std::array<screen::TextBox*, 3> figure_boxes() { return {&Txt_Base, &Txt_Taux, &Txt_Montant}; }
-  std::array<screen::TextControl*, 5> edit_line() {
+  std::array<screen::ListBox*, card::kItemFigures.size()> figure_lists() {
+    return std::to_array({&Lst_Base, &Lst_Taux, &Lst_Montant});
+  }
+  std::array<screen::TextBox*, card::kItemFigures.size()> figure_boxes() {
+    return std::to_array({&Txt_Base, &Txt_Taux, &Txt_Montant});
+  }
+  std::array<screen::TextControl*, 5> entry_controls() {
     return {&Txt_Code, &Cbo_LibRub, &Txt_Base, &Txt_Taux, &Txt_Montant};
   }
 };
