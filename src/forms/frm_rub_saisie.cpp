@@ -152,13 +152,13 @@ void Frm_RubSaisie::remove_line(int index) {
 void Frm_RubSaisie::Griser_Liste() {
   for (screen::ListBox* list : ui_.columns()) list->set_enabled(false);
   ui_.Bdv_Detail.set_enabled(false);
-  for (screen::TextControl* box : ui_.edit_line()) box->set_enabled(true);
+  for (screen::TextControl* box : ui_.entry_controls()) box->set_enabled(true);
 }
 
 void Frm_RubSaisie::Degriser_Liste() {
   for (screen::ListBox* list : ui_.columns()) list->set_enabled(true);
   ui_.Bdv_Detail.set_enabled(true);
-  for (screen::TextControl* box : ui_.edit_line()) box->set_enabled(false);
+  for (screen::TextControl* box : ui_.entry_controls()) box->set_enabled(false);
 }
 
 void Frm_RubSaisie::Vider_Texte() {

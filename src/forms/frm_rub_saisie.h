@@ -52,16 +52,20 @@ class ItemScreen : public screen::Form {
   std::array<screen::ListBox*, 5> columns() {
     return {&Lst_Code, &Lst_LibRub, &Lst_Base, &Lst_Taux, &Lst_Montant};
   }
-  // The entry line, and what it reads, in the same order.
-  std::array<screen::TextControl*, 5> edit_line() {
+  // Those of the figures, and the boxes below them, in the order of card::kItemFigures.
+  std::array<screen::ListBox*, card::kItemFigures.size()> figure_lists() {
+    return std::to_array({&Lst_Base, &Lst_Taux, &Lst_Montant});
+  }
+  std::array<screen::TextBox*, card::kItemFigures.size()> figure_boxes() {
+    return std::to_array({&Txt_Base, &Txt_Taux, &Txt_Montant});
+  }
+  // The entry line, and what it reads, in the order of the columns.
+  std::array<screen::TextControl*, 5> entry_controls() {
     return {&Txt_Code, &Cbo_LibRub, &Txt_Base, &Txt_Taux, &Txt_Montant};
   }
   std::array<std::string, 5> entered() const {
     return {Txt_Code.text(), Cbo_LibRub.text(), Txt_Base.text(), Txt_Taux.text(), Txt_Montant.text()};
   }
-  // Those of the figures, and the boxes below them, in the order of card::kItemFigures.
-  std::array<screen::ListBox*, 3> figure_lists() { return {&Lst_Base, &Lst_Taux, &Lst_Montant}; }
-  std::array<screen::TextBox*, 3> figure_boxes() { return {&Txt_Base, &Txt_Taux, &Txt_Montant}; }
 };
 
 // What the opener hands to the form.

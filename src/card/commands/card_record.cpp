@@ -17,19 +17,13 @@ CardRecord::CardRecord(const Ground& on)
       entry_(on.entry),
       lists_(on.lists),
       amendments_(on.amendments),
-      fields_{{&ui_.Txt_HorMensEtab, kEstablishmentHours},
-              {&ui_.Txt_ConvCol, kAgreement},
-              {&ui_.Txt_Secteur, kSector},
-              {&ui_.Cbo_Com, kTown},
-              {&ui_.Txt_DatDeb, kContractStart},
-              {&ui_.Txt_DatNais, kBirth},
-              {&ui_.Txt_Profil1, kProfile1},
-              {&ui_.Txt_Profil2, kProfile2},
-              {&ui_.Txt_HresExo, kExemptedHours},
-              {&ui_.Txt_PlafSecu, kCeiling},
-              {&ui_.Txt_AssSS, kSocialBase},
-              {&ui_.Txt_DatFin, kContractEnd},
-              {&ui_.Txt_ChargMutContrat, kMutualCharge}},
+      fields_{{&ui_.Txt_NomAidant, kName},     {&ui_.Txt_HorMensEtab, kEstablishmentHours},
+              {&ui_.Txt_ConvCol, kAgreement},  {&ui_.Txt_Secteur, kSector},
+              {&ui_.Cbo_Com, kTown},           {&ui_.Txt_DatDeb, kContractStart},
+              {&ui_.Txt_DatNais, kBirth},      {&ui_.Txt_Profil1, kProfile1},
+              {&ui_.Txt_Profil2, kProfile2},   {&ui_.Txt_HresExo, kExemptedHours},
+              {&ui_.Txt_PlafSecu, kCeiling},   {&ui_.Txt_AssSS, kSocialBase},
+              {&ui_.Txt_DatFin, kContractEnd}, {&ui_.Txt_ChargMutContrat, kMutualCharge}},
       shares_{{&ui_.Txt_MutSalContrat, kMutualEmployee}, {&ui_.Txt_MutPatContrat, kMutualEmployer}},
       draft_as_opened_(card_.draft) {
   for (const Group group : {Group::kNameBox, Group::kEstablishmentBoxes, Group::kContractKey,
@@ -45,7 +39,6 @@ CardRecord::CardRecord(const Ground& on)
 
 void CardRecord::ChargerAidant() {
   const screen::Scope loading(card_.loading);
-  ui_.Txt_NomAidant.show_whole(card_.draft.shown(kName));
   load_options();
   for (const auto& [box, field] : fields_) box->show_whole(card_.draft.shown(field));
   load_activities();
@@ -119,11 +112,19 @@ void CardRecord::load_charge() {
   if (entry > 0 && !code.empty()) ui_.Cbo_ChargMutContrat.set_index(entry - 1);
 }
 
+screen::TextControl* CardRecord::box_of(const Field& field) const {
+  for (const auto* boxes : {&fields_, &shares_}) {
+    for (const auto& [box, own] : *boxes) {
+      if (own == field) return box;
+    }
+  }
+  return nullptr;
+}
+
 // ---- From the screen to the record.
 
 Draft CardRecord::entered() const {
   Draft card = card_.draft;
-  card.put(kName, ui_.Txt_NomAidant.text());
   for (const auto& [box, field] : fields_) card.put(field, box->text());
   card.put_stored(kContractType, ui_.Opt_CDD.value() ? kFixedTerm : kPermanent);
   card.put_stored(kStaffKind, ui_.Opt_Prod.value() ? kProduction : kAdministrative);

@@ -32,6 +32,8 @@ class CardRecord {
   void ChargerAidant();
   // The draft with what the controls hold; its lines are in it already.
   card::Draft entered() const;
+  // The box that shows a field as it is; null: it is shown otherwise.
+  screen::TextControl* box_of(const card::Field& field) const;
   // Every attribute of the draft, as it is saved.
   void ChargerDonnees();
 

@@ -9,27 +9,18 @@
 namespace velanor::commands {
 
 screen::Control* Validation::control_of(const card::Field& field) const {
-  const std::pair<card::Field, screen::Control*> kControls[] = {
-      {card::kName, &ui_.Txt_NomAidant},
+  const std::pair<card::Field, screen::Control*> kOthers[] = {
       {card::kEstablishment, &ui_.Txt_CodEtab},
-      {card::kEstablishmentHours, &ui_.Txt_HorMensEtab},
-      {card::kAgreement, &ui_.Txt_ConvCol},
-      {card::kSector, &ui_.Txt_Secteur},
-      {card::kTown, &ui_.Cbo_Com},
-      {card::kContractStart, &ui_.Txt_DatDeb},
       {card::kActivity, &ui_.Cmd_AjAct},
       {card::kShare, &ui_.Lst_Activites},
       // The same button as for the activities, deliberately.
       {card::kEffective, &ui_.Cmd_AjAct},
-      {card::kProfile1, &ui_.Txt_Profil1},
-      {card::kExemptedHours, &ui_.Txt_HresExo},
-      {card::kContractEnd, &ui_.Txt_DatFin},
       {card::kEndReason, &ui_.Cbo_MotifFin},
   };
-  for (const auto& [own, control] : kControls) {
+  for (const auto& [own, control] : kOthers) {
     if (own == field) return control;
   }
-  return nullptr;
+  return record_.box_of(field);
 }
 
 void Validation::VerifZone() {

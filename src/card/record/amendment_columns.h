@@ -10,7 +10,6 @@ namespace velanor::card {
 
 inline constexpr std::array<Field, 2> kActivityColumns{kActivity, kShare};
 
-// In the order of CardScreen::amendment_lists.
 inline constexpr std::array<Field, 8> kAmendmentColumns{
     kEffective, kGridStart, kQualification, kGrid, kCategory, kNewMeasure, kHourlyRate, kMonthlyTime};
 constexpr std::size_t column_of(const Field& field) {

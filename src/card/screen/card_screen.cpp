@@ -35,14 +35,14 @@ const std::vector<screen::Control*>& CardScreen::group(Group group) const {
   return groups_[static_cast<std::size_t>(group)];
 }
 
-std::array<screen::ListBox*, 8> CardScreen::amendment_lists() {
-  return {&Lst_DatEffet,  &Lst_DatDepGrille, &Lst_Qualif, &Lst_Grille,
-          &Lst_Categorie, &Lst_NouvMes,      &Lst_TxHor,  &Lst_DureMens};
+std::array<screen::ListBox*, kAmendmentColumns.size()> CardScreen::amendment_lists() {
+  return std::to_array<screen::ListBox*>({&Lst_DatEffet, &Lst_DatDepGrille, &Lst_Qualif, &Lst_Grille,
+                                          &Lst_Categorie, &Lst_NouvMes, &Lst_TxHor, &Lst_DureMens});
 }
 
-std::array<screen::TextControl*, 8> CardScreen::amendment_entries() {
-  return {&Txt_DatEffet,  &Txt_DatDepGrille, &Cbo_Qualif, &Cbo_Grille,
-          &Txt_Categorie, &Cbo_NouvMes,      &Txt_TxHor,  &Txt_DureMens};
+std::array<screen::TextControl*, kAmendmentColumns.size()> CardScreen::amendment_entries() {
+  return std::to_array<screen::TextControl*>({&Txt_DatEffet, &Txt_DatDepGrille, &Cbo_Qualif, &Cbo_Grille,
+                                              &Txt_Categorie, &Cbo_NouvMes, &Txt_TxHor, &Txt_DureMens});
 }
 
 }  // namespace velanor::card
