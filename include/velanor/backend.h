@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -56,6 +57,26 @@ class Backend {
   // See Database.
   virtual void in_one_change(const std::function<void()>& writes) = 0;
   virtual void in_one_view(const std::function<void()>& reads) = 0;
+};
+
+class StoreDatabase : public Database {
+ public:
+  explicit StoreDatabase(std::unique_ptr<Backend> backend);
+  ~StoreDatabase() override;
+
+  std::unique_ptr<DbFile> OpenFile(std::string_view name) override;
+  // A request that was run before answers at once while its file has not changed.
+  DbResult Select(std::string_view request, std::string_view option = {}) override;
+  void in_one_change(const std::function<void()>& writes) override;
+  void in_one_view(const std::function<void()>& reads) override;
+  void name_id_part(std::string_view file, std::string_view name, const IdPart& part) override;
+
+ protected:
+  Backend& backend();
+
+ private:
+  struct Engine;
+  std::unique_ptr<Engine> engine_;
 };
 
 }  // namespace velanor::store

@@ -6,15 +6,39 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
-
-#include "velanor/event.h"
 
 namespace velanor::screen {
 
 class Form;
 class Frame;
 class Label;
+
+// Handlers run in the order in which they were bound. They live as long as the control.
+class Event {
+ public:
+  void operator+=(std::function<void()> handler) { handlers_.push_back(std::move(handler)); }
+  void raise() const {
+    for (const auto& handler : handlers_) handler();
+  }
+
+ private:
+  std::vector<std::function<void()>> handlers_;
+};
+
+// A key on its way into a control. A handler may change it, or swallow it.
+struct Key {
+  static constexpr char32_t kBackspace = 8;
+  static constexpr char32_t kTab = 9;
+  static constexpr char32_t kEnter = 13;
+  static constexpr char32_t kEscape = 27;
+  static constexpr char32_t kDelete = 127;
+
+  char32_t code = 0;
+  void swallow() { code = 0; }
+  bool swallowed() const { return code == 0; }
+};
 
 // What is fixed about a control when its form is made.
 struct Spec {
@@ -61,7 +85,7 @@ class Control {
   Event got_focus;
 
  protected:
-  void touch() { ++revision_; }
+  void touch();
 
  private:
   Form& form_;

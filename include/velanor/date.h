@@ -24,6 +24,8 @@ Clock system_clock();
 // not exist.
 std::optional<int> day_number(const Date& date);
 Date date_of(int day_number);
+// The day number that a text is; nothing for a text that is no day of the calendar.
+std::optional<int> stored_day(std::string_view text);
 // Ten characters, dd/mm/yyyy.
 std::string date_text(const Date& date);
 // The year that one or two digits mean: 00-49 are 20xx, 50-99 19xx.

@@ -10,6 +10,17 @@
 
 namespace velanor::screen {
 
+// Lists that stand side by side are the columns of one table; so are the parts of the lines of one list.
+struct TableColumn {
+  ListBox* list;
+  const Label* heading = nullptr;
+  const TextControl* entry = nullptr;  // what the user enters into it
+  bool figures = false;                // which stand at the right
+  // What of a line stands in it; null: all.
+  std::string_view (*part)(std::string_view line) = nullptr;
+};
+using TableColumns = std::vector<TableColumn>;
+
 // Holds no control itself: they are members of what derives from it, and register in the order
 // in which they are declared, which is the tab order.
 class Form {
@@ -61,6 +72,7 @@ class Form {
   bool can_focus(const Control& control) const;
   bool in_sight(const Control& control) const;
 
+  std::vector<TableColumns> tables;
   // Escape presses the first of these that is usable.
   std::vector<CommandButton*> cancel_buttons;
   // Those that delete.
@@ -68,6 +80,8 @@ class Form {
   bool abandons(const Control& control) const;
   // Asked when the close box is used: false keeps the form open.
   std::function<bool()> may_close;
+  // What a view shows of one of its controls has changed; for the toolkit that shows the form.
+  std::function<void()> changed;
   // A right mouse button press on the background.
   Event right_pressed;
 

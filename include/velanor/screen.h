@@ -35,6 +35,11 @@ struct Comparison {
   std::vector<Line> lines;
 };
 
+// Thrown by a toolkit whose window has gone, out of what it was asked: leaves the rules where they stand, for
+// none of them may go on. An act ends with it and lets nothing of it out. No std::exception, so that nobody
+// in between takes it for a failure that could be told.
+struct Gone {};
+
 // What the hands and eyes of the user are made of. All calls come from the thread of the
 // component; `message` returns when the user has answered.
 class Toolkit {

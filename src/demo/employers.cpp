@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+#include "card/record/reference_layout.h"
+#include "control/session/card_id.h"
 #include "demo/source.h"
 #include "text/utf8.h"
 
@@ -29,9 +31,11 @@ std::vector<Model> read_models() {
 }
 
 void read_establishments(Employer& employer) {
-  for (const Row& row : read_table(source("reference/ETABLISSEMENT.csv")).rows) {
+  const Table all = read_table(source("reference/ETABLISSEMENT.csv"));
+  const std::size_t hours = all.column_of(card::establishments::kMonthlyHours);
+  for (const Row& row : all.rows) {
     if (row[0].starts_with(employer.model)) {
-      employer.establishments.push_back({row[0].substr(3), number_of(row[2])});
+      employer.establishments.push_back({row[0].substr(card::kEntityCodeLength), number_of(row[hours])});
     }
   }
 }
@@ -39,7 +43,7 @@ void read_establishments(Employer& employer) {
 void read_activities(Employer& employer) {
   for (const Row& row : read_table(source("reference/ACTIVITES.csv")).rows) {
     if (row[0].starts_with(employer.model)) {
-      employer.activities.push_back(employer.code + std::string(row[0].substr(3)));
+      employer.activities.push_back(employer.code + std::string(row[0].substr(card::kEntityCodeLength)));
     }
   }
 }

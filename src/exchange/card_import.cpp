@@ -67,7 +67,7 @@ CardImport::Findings CardImport::finish(std::string_view id, const DbRecord* bef
   const auto entity = id.substr(card::kEmployeeCodeLength, card::kEntityCodeLength);
   if (before == nullptr && !references_.has("ASSOCIATION", entity))
     findings.unknown_codes.push_back(card::unknown_entity(entity));
-  if (has_column(card::kName)) card.set(card::kName, text::upper(card(card::kName)));
+  if (has_column(card::kName)) set_element(card, card::kName, text::upper(element(card, card::kName)));
   for (const Column& column : columns_) {
     const card::Field* field = card::card_field(column.position.attribute);
     if (column.id != IdPart::kNone || field == nullptr) continue;
@@ -76,7 +76,7 @@ CardImport::Findings CardImport::finish(std::string_view id, const DbRecord* bef
     });
   }
   const auto dates = [](const DbRecord& record) {
-    return std::pair(record(card::kBirth), record(card::kContractStart));
+    return std::pair(element(record, card::kBirth), element(record, card::kContractStart));
   };
   if (before == nullptr || dates(*before) != dates(card)) {
     for (const card::Fault& fault : card::faults_of_dates(card, today_)) findings.faults.push_back(fault);
@@ -105,18 +105,18 @@ void CardImport::finish_element(const card::Field& field, const store::Position&
   }
 }
 
-bool CardImport::has_column(int attribute) const {
+bool CardImport::has_column(const card::Field& field) const {
   return std::any_of(columns_.begin(), columns_.end(), [=](const Column& column) {
-    return column.id == IdPart::kNone && column.position.attribute == attribute;
+    return column.id == IdPart::kNone && column.position.attribute == field.number;
   });
 }
 
 // A column of the table has the last word.
 void CardImport::follow_saving(const DbRecord* before, DbRecord& card) const {
-  if (before == nullptr && !has_column(card::kStatus)) card.set(card::kStatus, "0");
+  if (before == nullptr && !has_column(card::kStatus)) set_element(card, card::kStatus, "0");
   if (before == nullptr || !card::results_are_stale(card, before)) return;
-  for (const int result : card::kResults) {
-    if (!has_column(result)) card.set(result, {});
+  for (const card::Field& result : card::kResults) {
+    if (!has_column(result)) set_element(card, result, "");
   }
 }
 

@@ -80,7 +80,8 @@ std::optional<screen::Answer> ControleVelanorWidget::Stage::put(
     const Asked& asked, const std::function<void(const MessageSheet&)>& read) {
   const Frame frame(*this);
   std::optional<screen::Answer> answer;
-  if (widget_ && !closed_) {
+  const bool told = widget_ && !closed_;
+  if (told) {
     refresh();
     QEventLoop loop;
     OpenMessage open(*this, asked);
@@ -99,7 +100,8 @@ std::optional<screen::Answer> ControleVelanorWidget::Stage::put(
     if (!answer && widget_ && !closed_) loop.exec();
   }
   place_focus();
-  if (!acting_ || open_message()) gate_.release();
+  if (!at_work() || open_message()) gate_.release();
+  if (told && widget_) emit widget_->message_closed();
   return answer;
 }
 
@@ -109,7 +111,7 @@ void ControleVelanorWidget::Stage::form_opened(screen::Form& form) {
   QWidget* pages = make_pages(form);
   sheet->set_contents(pages);
   forms_.back().views->leave_all_but(nullptr);
-  forms_.push_back({&form, sheet, std::make_unique<FormViews>(*this, form, *pages)});
+  add_form(form, sheet, *pages);
   connect(sheet, &Sheet::close_asked, this, [this] { act([](screen::Hand& hand) { hand.close(); }); });
   set_mnemonics();
   refresh();

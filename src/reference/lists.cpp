@@ -89,7 +89,8 @@ void ReferenceLists::RemplirAidant() {
 
 void ReferenceLists::RemplirConvCol() {
   fill_or_take(ui_.Cbo_Convcol, &ui_.Txt_ConvCol, kept_.agreements,
-               procedure_.select("SSELECT CONVENTIONCOL AVEC 0 # " + store::quoted("02") + " 0 PAR 0",
+               procedure_.select("SSELECT CONVENTIONCOL AVEC 0 # " +
+                                     store::quoted(card::agreements::kReserved) + " 0 PAR 0",
                                  "CONVENTIONCOL", "0 1"));
 }
 
@@ -115,7 +116,8 @@ void ReferenceLists::RemplirAct() {
 namespace {
 
 store::DbResult select_profiles(const control::Procedure& procedure) {
-  return procedure.select("SSELECT PROFIL AVEC 4 # " + store::quoted("1") + " PAR 1", "PROFIL", "0 1");
+  return procedure.select("SSELECT PROFIL AVEC 4 # " + store::quoted(card::kMarked) + " PAR 1", "PROFIL",
+                          "0 1");
 }
 
 }  // namespace
@@ -128,9 +130,9 @@ void ReferenceLists::RemplirFinContrat() {
   const store::DbRecord& table = procedure_.variable().fincontrat;
   ui_.Cbo_MotifFin.set_enabled(true);
   ui_.Cbo_MotifFin.clear();
-  if (table(card::kTableLabels, 1).empty()) return;
-  for (int value = 1; value <= table.Count(card::kTableLabels); ++value) {
-    if (card::is_offered(table, value)) ui_.Cbo_MotifFin.add(table(card::kTableLabels, value));
+  if (table(card::tables::kLabels, 1).empty()) return;
+  for (int value = 1; value <= table.Count(card::tables::kLabels); ++value) {
+    if (card::is_offered(table, value)) ui_.Cbo_MotifFin.add(table(card::tables::kLabels, value));
   }
 }
 
@@ -152,17 +154,17 @@ void ReferenceLists::Remplir_Etablissement() {
 }
 
 void ReferenceLists::fill_natures() {
-  constexpr int kListed = 4;
   if (ui_.Cbo_NatureContrat.count() > 0) return;
   const store::DbRecord& table = procedure_.variable().naturecontrat;
-  for (int value = 1; value <= table.Count(card::kTableCodes); ++value) {
-    if (table(kListed, value) == "O") ui_.Cbo_NatureContrat.add(card::table_entry(table, value));
+  for (int value = 1; value <= table.Count(card::tables::kCodes); ++value) {
+    if (table(card::tables::kOffered, value) == card::kYes)
+      ui_.Cbo_NatureContrat.add(card::table_entry(table, value));
   }
 }
 
 void ReferenceLists::fill_diplomas() {
   const store::DbRecord& table = procedure_.variable().diplomes;
-  for (int value = 1; value <= table.Count(card::kTableCodes); ++value)
+  for (int value = 1; value <= table.Count(card::tables::kCodes); ++value)
     ui_.Cbo_EtudeAidant.add(card::table_entry(table, value));
 }
 
@@ -179,7 +181,6 @@ void ReferenceLists::fill_card_lists() {
 }
 
 void ReferenceLists::ChercheRegroupBudget(std::string_view qualification) {
-  constexpr int kGroupingOfQualification = 4;
   if (qualification.empty()) {
     ui_.Txt_RegroupBudget.set_text({});
     ui_.Txt_CodeRegBud.set_text({});
@@ -188,13 +189,13 @@ void ReferenceLists::ChercheRegroupBudget(std::string_view qualification) {
   }
   const store::DbRecord& qualifications = procedure_.variable().qualif;
   const store::DbRecord& groupings = procedure_.variable().regroupbudget;
-  const int i = card::find_value(qualifications, card::kTableCodes, qualification);
+  const int i = card::find_value(qualifications, card::tables::kCodes, qualification);
   const int j =
       i == 0 ? 0
-             : card::find_value(groupings, card::kTableCodes, qualifications(kGroupingOfQualification, i));
+             : card::find_value(groupings, card::tables::kCodes, qualifications(card::tables::kGrouping, i));
   if (j == 0) return;
-  ui_.Txt_RegroupBudget.set_text(groupings(card::kTableLabels, j));
-  ui_.Txt_CodeRegBud.set_text(groupings(card::kTableCodes, j));
+  ui_.Txt_RegroupBudget.set_text(groupings(card::tables::kLabels, j));
+  ui_.Txt_CodeRegBud.set_text(groupings(card::tables::kCodes, j));
   card_.grouping = ui_.Txt_CodeRegBud.text();
 }
 

@@ -71,7 +71,7 @@ void LookupPairs::code_changed(const LookupPair& pair) {
   if (pair.refusal) {
     if (const auto message = pair.refusal(code, *record); !message.empty()) return refuse(pair, message);
   }
-  pair.label.set_text((*record)(1));
+  pair.label.set_text((*record)(card::kReferenceLabel));
   if (pair.accepted) pair.accepted(*record);
 }
 
@@ -116,7 +116,7 @@ void LookupPairs::label_left(const LookupPair& pair) {
 
 void LookupPairs::label_restored(const LookupPair& pair) {
   const auto record = pair.code.is_empty() ? std::nullopt : read_code(pair);
-  pair.label.set_text(record ? (*record)(1) : std::string_view{});
+  pair.label.set_text(record ? (*record)(card::kReferenceLabel) : std::string_view{});
 }
 
 void LookupPairs::add_town(screen::ComboBox& town, const control::Procedure& procedure) {

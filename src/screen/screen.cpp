@@ -27,6 +27,7 @@ namespace {
 std::exception_ptr failure_of(const std::function<void()>& what) {
   try {
     what();
+  } catch (const Gone&) {
   } catch (...) {
     return std::current_exception();
   }

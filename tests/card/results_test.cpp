@@ -1,7 +1,7 @@
 // The results of the budget calculation: which changes of a card empty them, and what goes with a card.
 #include <gtest/gtest.h>
 
-#include "card/record/record_layout.h"
+#include "card/record/element.h"
 #include "support/failing_database.h"
 #include "support/office.h"
 
@@ -16,29 +16,30 @@ class Results : public testing::Test {
   Results() {
     load(database_, "lib/cards.play");
     store::DbRecord card = stored();
-    for (int attribute : card::kResults) card.set(attribute, "9" + std::to_string(attribute));
-    for (const auto& [attribute, text] : {std::pair<int, const char*>{card::kProfile2, "002"},
-                                          {card::kCeiling, "346400"},
-                                          {card::kContractEnd, "22000"},
-                                          {card::kEndReason, "01"},
-                                          {card::kSocialBase, "200000"},
-                                          {card::kMutualEmployer, "4321"}})
-      card.set(attribute, text);
+    for (const card::Field& result : card::kResults) set_element(card, result, calculated(result));
+    for (const auto& [field, text] : {std::pair<card::Field, const char*>{card::kProfile2, "002"},
+                                      {card::kCeiling, "346400"},
+                                      {card::kContractEnd, "22000"},
+                                      {card::kEndReason, "01"},
+                                      {card::kSocialBase, "200000"},
+                                      {card::kMutualEmployer, "4321"}})
+      set_element(card, field, text);
     // An item that has a base, a rate and an amount.
-    card.set(card::kItemCode, 1, 3, "002");
-    card.set(card::kItemBase, 1, 3, "200");
-    card.set(card::kItemRate, 1, 3, "125000");
-    card.set(card::kItemAmount, 1, 3, "2500");
+    set_element(card, card::kItemCode, 1, 3, "002");
+    set_element(card, card::kItemBase, 1, 3, "200");
+    set_element(card, card::kItemRate, 1, 3, "125000");
+    set_element(card, card::kItemAmount, 1, 3, "2500");
     database_.put("VELANORO", kId, card);
   }
 
+  static std::string calculated(const card::Field& result) { return "9" + std::to_string(result.number); }
   store::DbRecord stored() { return *database_.find("VELANORO", kId); }
   bool results_stand() {
     const store::DbRecord card = stored();
     bool all = true, any = false;
-    for (int attribute : card::kResults) {
-      all &= card(attribute) == "9" + std::to_string(attribute);
-      any |= !card(attribute).empty();
+    for (const card::Field& result : card::kResults) {
+      all &= element(card, result) == calculated(result);
+      any |= !element(card, result).empty();
     }
     EXPECT_EQ(all, any) << "some results stand and some do not";
     return all;
@@ -88,7 +89,7 @@ TEST_F(Results, AreEmptiedByWhatTheyAreMadeOfAndByNothingElse) {
   const bool kKept = true, kEmptied = false;
   const struct {
     const char* what;
-    int attribute;
+    card::Field field;
     void (*change)(const Clerk&);
     bool kept;
   } cases[] = {
@@ -200,7 +201,7 @@ TEST_F(Results, AreEmptiedByWhatTheyAreMadeOfAndByNothingElse) {
     clerk.click("Cmd_OK");
     EXPECT_TRUE(office.ui.Cmd_Sortir.enabled())
         << "not saved: " << testing::PrintToString(office.toolkit.messages);
-    EXPECT_NE(stored()(test.attribute), before(test.attribute)) << "nothing was changed";
+    EXPECT_NE(element(stored(), test.field), element(before, test.field)) << "nothing was changed";
     EXPECT_EQ(results_stand(), test.kept);
   }
 }
@@ -208,8 +209,8 @@ TEST_F(Results, AreEmptiedByWhatTheyAreMadeOfAndByNothingElse) {
 // Hours that are typed count for administrative staff alone.
 TEST_F(Results, AreEmptiedByTheMonthlyTimeOfAdministrativeStaff) {
   store::DbRecord card = stored();
-  card.set(card::kStaffKind, "A");
-  card.set(card::kMonthlyTime, 2, "15167");
+  set_element(card, card::kStaffKind, "A");
+  set_element(card, card::kMonthlyTime, 2, "15167");
   database_.put("VELANORO", kId, card);
   Office office(database_);
   office.component.init();
@@ -218,7 +219,7 @@ TEST_F(Results, AreEmptiedByTheMonthlyTimeOfAdministrativeStaff) {
   office.hand.type(office.ui.Txt_Aidant, "00010");
   clerk.amend("Txt_DureMens", "120");
   clerk.click("Cmd_OK");
-  EXPECT_EQ(stored()(card::kMonthlyTime, 2), "12000");
+  EXPECT_EQ(element(stored(), card::kMonthlyTime, 2), "12000");
   EXPECT_FALSE(results_stand());
 }
 

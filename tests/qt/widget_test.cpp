@@ -7,17 +7,13 @@
 #include <QCompleter>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QTabWidget>
 #include <set>
-#include <stdexcept>
 
 #include "qt/action_button.h"
-#include "qt/binder.h"
 #include "qt/strings.h"
-#include "qt/text_edit.h"
 #include "window_test.h"
 
 namespace velanor::qt {
@@ -312,24 +308,6 @@ TEST_F(WidgetTest, ATableOfAClosedYearIsCopiedByTheKeyboardAndByItsMenu) {
   ASSERT_NE(menu, nullptr);
   menu->actions().last()->trigger();
   EXPECT_EQ(copied(), by_key);
-}
-
-// A page file that forgets a control, or gives it another kind of widget, is found out at the start.
-TEST_F(WidgetTest, EveryControlHasAWidgetOfItsKind) {
-  class NoActs : public Acts {
-    bool open_to(const screen::Control&) const override { return false; }
-    void act(const std::function<void(screen::Hand&)>&) override {}
-    bool press(screen::Control&) override { return false; }
-    void focus_came(screen::Control&, Qt::FocusReason) override {}
-  } acts;
-  screen::Form form("Frm", "");
-  screen::TextBox box(form, {.name = "Txt_Nom"});
-  QWidget empty, wrong, right;
-  (new QLabel(&wrong))->setObjectName("Txt_Nom");
-  (new TextEdit(&right))->setObjectName("Txt_Nom");
-  EXPECT_THROW(FormViews(acts, form, empty), std::logic_error);
-  EXPECT_THROW(FormViews(acts, form, wrong), std::logic_error);
-  EXPECT_NO_THROW(FormViews(acts, form, right));
 }
 
 // What a screen reader says of a control that the user can reach; empty when it could not be told from

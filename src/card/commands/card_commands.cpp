@@ -1,6 +1,7 @@
 #include "card/commands/card_commands.h"
 
-#include "card/record/record_layout.h"
+#include "card/record/element.h"
+#include "card/record/reference_layout.h"
 #include "entry/decimal.h"
 #include "screen/scope.h"
 #include "text/utf8.h"
@@ -77,9 +78,11 @@ void CardCommands::enter_entity() {
   ui.Txt_Aidant.set_enabled(true);
   ui.Cbo_Aidant.set_enabled(true);
   ui.Cmd_Ajout.set_enabled(!on_.card.read_only);
-  constexpr int kMonthlyHours = 2;
-  const auto establishment = on_.procedure.establishments().find(entity() + "001");
-  const auto hours = establishment ? entry::parse_decimal((*establishment)(kMonthlyHours), 0) : std::nullopt;
+  const auto establishment =
+      on_.procedure.establishments().find(entity() + std::string(card::establishments::kFirst));
+  const auto hours = establishment
+                         ? entry::parse_decimal((*establishment)(card::establishments::kMonthlyHours), 0)
+                         : std::nullopt;
   on_.card.default_hours =
       hours ? text::pad_left(entry::format_decimal(*hours, 2, 2), 6, '0') : std::string();
   RemplirPeriodes();
@@ -231,7 +234,7 @@ void CardCommands::card_went() {
 void CardCommands::tell_of_stored(CardEvent::Kind kind, const std::string& copy) {
   const store::FileRecord& file = *on_.card.file;
   const CardEvent event{kind, file.id(),
-                        title_of(file.id().substr(0, card::kEmployeeCodeLength), file(card::kName)), copy};
+                        title_of(file.id().substr(0, card::kEmployeeCodeLength), card::element(file, card::kName)), copy};
   if (open_) open_ = CardEvent{kind, event.id, event.title, {}};
   tell_(event);
 }
@@ -420,8 +423,8 @@ void CardCommands::Cmd_Copier_Click() {
   const store::FileRecord written = write_new_card([&](const std::string& new_code) {
     code = new_code;
     store::DbRecord copy = *on_.card.file;
-    copy.set(card::kName, code);
-    for (int attribute : card::kResults) copy.set(attribute, {});
+    set_element(copy, card::kName, code);
+    for (const card::Field& result : card::kResults) set_element(copy, result, "");
     return copy;
   });
   tell_of_stored(CardEvent::Kind::kCopied, written.id());

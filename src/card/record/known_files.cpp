@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <vector>
 
+#include "card/record/reference_layout.h"
 #include "control/session/procedure.h"
+#include "control/session/years.h"
 #include "text/number.h"
 #include "text/utf8.h"
 
@@ -51,8 +53,11 @@ struct CodeColumn {
 };
 constexpr int kTableCodeLength = 2;
 constexpr CodeColumn kCodeColumns[] = {
-    {"BUDGETPARAM", 10, 2},          {"BUDGETTRAMESAISIE", 1, 3},     {"RUBCHARGE", 16, 2},
-    {"TABLES", 2, kTableCodeLength}, {"TABLES", 4, kTableCodeLength},
+    {"BUDGETPARAM", control::kDefaultAgreements, 2},
+    {"BUDGETTRAMESAISIE", templates::kItem, 3},
+    {"RUBCHARGE", charges::kNature, 2},
+    {"TABLES", tables::kCodes, kTableCodeLength},
+    {"TABLES", tables::kGrouping, kTableCodeLength},
 };
 
 const IdShape* shape_of(std::string_view file) {

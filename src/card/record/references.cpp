@@ -1,8 +1,9 @@
 #include "card/record/references.h"
 
-#include <charconv>
-
 #include "card/record/known_files.h"
+#include "card/record/reference_layout.h"
+#include "control/session/years.h"
+#include "velanor/date.h"
 #include "text/number.h"
 #include "text/utf8.h"
 
@@ -37,14 +38,14 @@ void References::read_table(store::DbFile& tables, std::string_view table) {
   const auto record = tables.find(table);
   if (!record) faults_.emplace_back("L'enregistrement « " + std::string(table) + " » manque dans TABLES.");
   auto& codes = codes_[std::string(table)];
-  for (int v = 1; record && v <= record->Count(2); ++v) codes.emplace((*record)(2, v));
+  for (int v = 1; record && v <= record->Count(tables::kCodes); ++v)
+    codes.emplace((*record)(tables::kCodes, v));
 }
 
 void References::read_parameters(store::Database& database) {
   const auto parameters = database.OpenFile("BUDGETPARAM")->find("1");
   if (!parameters) return void(faults_.emplace_back("L'enregistrement « 1 » manque dans BUDGETPARAM."));
-  const std::string_view day = (*parameters)(1, parameters->Count(1));
-  std::from_chars(day.data(), day.data() + day.size(), reference_day_);
+  reference_day_ = entry::stored_day(control::reference_date(*parameters)).value_or(0);
 }
 
 bool References::has(std::string_view list, std::string_view code) const {

@@ -4,7 +4,7 @@
 #include <array>
 #include <vector>
 
-#include "card/record/record_layout.h"
+#include "card/record/amendment_columns.h"
 #include "velanor/form.h"
 
 namespace velanor::card {
@@ -51,13 +51,14 @@ class CardScreen : public screen::Form {
   // The controls of a group, in tab order.
   const std::vector<screen::Control*>& group(Group group) const;
 
-  // The parallel columns of the amendments and the entry controls below them, column by column:
-  // effective date, grid start, qualification, grid, category, new measure, hourly rate,
-  // monthly time.
-  std::array<screen::ListBox*, 8> amendment_lists();
-  std::array<screen::TextControl*, 8> amendment_entries();
+  // The parallel columns of the amendments and the entry controls below them, in the order of
+  // kAmendmentColumns.
+  std::array<screen::ListBox*, kAmendmentColumns.size()> amendment_lists();
+  std::array<screen::TextControl*, kAmendmentColumns.size()> amendment_entries();
 
  private:
+  screen::TableColumns amendment_table();
+
   // Declared before the controls, which add themselves.
   std::array<std::vector<screen::Control*>, static_cast<std::size_t>(Group::kCommand) + 1> groups_;
 

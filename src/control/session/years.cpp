@@ -54,17 +54,20 @@ std::string LireParametres(const Procedure& procedure, std::string current) {
     // Any other failure counts as an empty record.
     if (error.number() == store::kMissingRecord) return current;
   }
-  constexpr int kAgreements = 10;
-  std::string first(parameters(kAgreements, 1));
-  for (int value = 1; !parameters(kAgreements, value).empty(); ++value) {
-    if (parameters(kAgreements, value) != first) return {};
+  std::string first(parameters(kDefaultAgreements, 1));
+  for (int value = 1; !parameters(kDefaultAgreements, value).empty(); ++value) {
+    if (parameters(kDefaultAgreements, value) != first) return {};
   }
   return first;
 }
 
 std::string reference_date(const Procedure& procedure) {
   const auto parameters = procedure.file(File::kParameters).find("1");
-  return parameters ? std::string((*parameters)(1, parameters->Count(1))) : std::string();
+  return parameters ? std::string(reference_date(*parameters)) : std::string();
+}
+
+std::string_view reference_date(const store::DbRecord& parameters) {
+  return parameters(kReferenceDates, parameters.Count(kReferenceDates));
 }
 
 }  // namespace velanor::control
