@@ -4,7 +4,6 @@
 #include <functional>
 #include <optional>
 #include <set>
-#include <span>
 
 #include "card/record/amendment_columns.h"
 #include "card/record/named_fields.h"
@@ -20,8 +19,9 @@ using Line = Parts::Line;
 using Lines = Parts::Lines;
 using Values = std::map<int, std::string>;
 
-bool is_in(std::span<const Field> columns, int attribute) {
-  return std::any_of(columns.begin(), columns.end(), [=](const Field& c) { return c.number == attribute; });
+template <typename Fields>
+bool is_in(const Fields& fields, int attribute) {
+  return std::any_of(fields.begin(), fields.end(), [=](const Field& f) { return f.number == attribute; });
 }
 
 // Single fields: neither a column of a list nor of the calculation.
