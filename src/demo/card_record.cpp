@@ -7,6 +7,7 @@
 #include <string>
 
 #include "card/record/element.h"
+#include "velanor/date.h"
 #include "card/record/record_compare.h"
 
 namespace velanor::demo {
