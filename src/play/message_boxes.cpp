@@ -45,13 +45,15 @@ Answer MessageBoxes::show(const screen::Message& message) {
 }
 
 std::vector<Answer> MessageBoxes::compare(const screen::Comparison& comparison) {
-  screen::Message box{comparison.title, comparison.text, screen::Icon::Question, Buttons::OkCancel, Answer::Cancel};
+  screen::Message box{comparison.title, comparison.text, screen::Icon::Question, Buttons::OkCancel,
+                      Answer::Cancel};
   for (const auto& line : comparison.lines)
     box.text += "\r\n" + line.name + " : " + line.before + " | " + line.theirs + " | " + line.mine;
   shown_.push_back(box);
   std::vector<Answer> answers;
   for (std::size_t i = 0; i < comparison.lines.size(); ++i) {
-    const bool chosen = !answers_.empty() && (answers_.front() == Answer::Mine || answers_.front() == Answer::Theirs);
+    const bool chosen =
+        !answers_.empty() && (answers_.front() == Answer::Mine || answers_.front() == Answer::Theirs);
     const bool back = i == 0 && !answers_.empty() && answers_.front() == Answer::Cancel;
     if (chosen || back) {
       answers.push_back(answers_.front());

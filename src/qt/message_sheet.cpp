@@ -58,8 +58,8 @@ MessageSheet::MessageSheet(const screen::Message& message, QWidget& over)
 }
 
 MessageSheet::MessageSheet(const screen::Comparison& comparison, QWidget& over)
-    : MessageSheet(screen::Message{comparison.title, comparison.text, screen::Icon::Question, Buttons::OkCancel,
-                                   Answer::Cancel},
+    : MessageSheet(screen::Message{comparison.title, comparison.text, screen::Icon::Question,
+                                   Buttons::OkCancel, Answer::Cancel},
                    over) {
   compare(comparison.lines);
 }
@@ -81,7 +81,8 @@ QWidget* MessageSheet::make_contents() {
   grid->setHorizontalSpacing(14);
   grid->setVerticalSpacing(14);
   grid->addWidget(new MessageIcon(message_.icon), 0, 0, Qt::AlignTop);
-  grid->addWidget(make_text(message_.text), 0, 1, Qt::AlignVCenter);
+  grid->addWidget(make_text(message_.text), 0, 1, Qt::AlignVCenter | Qt::AlignLeft);
+  grid->setColumnStretch(1, 1);
   auto* row = new QHBoxLayout;
   row->addStretch();
   for (const Answer answer : offered(message_.buttons)) {

@@ -233,8 +233,9 @@ void CardCommands::card_went() {
 
 void CardCommands::tell_of_stored(CardEvent::Kind kind, const std::string& copy) {
   const store::FileRecord& file = *on_.card.file;
-  const CardEvent event{kind, file.id(),
-                        title_of(file.id().substr(0, card::kEmployeeCodeLength), card::element(file, card::kName)), copy};
+  const CardEvent event{
+      kind, file.id(),
+      title_of(file.id().substr(0, card::kEmployeeCodeLength), card::element(file, card::kName)), copy};
   if (open_) open_ = CardEvent{kind, event.id, event.title, {}};
   tell_(event);
 }

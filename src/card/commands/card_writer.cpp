@@ -81,7 +81,8 @@ std::optional<store::DbRecord> CardWriter::put_together(const card::Draft& befor
   using card::Merge;
   Merge merge(before, theirs, mine);
   std::vector<card::Side> sides;
-  std::string text = kMeanwhile + ".\r\nPour ce que vous avez modifié tous les deux, choisissez ce qui est gardé.";
+  std::string text =
+      kMeanwhile + ".\r\nPour ce que vous avez modifié tous les deux, choisissez ce qui est gardé.";
   for (bool asked = false;; asked = true) {
     if (asked || !merge.clashes().empty()) {
       const auto answers = screen_.compare(text, lines_of(merge));
@@ -104,7 +105,8 @@ std::optional<card::Fault> CardWriter::fault_of(const store::DbRecord& card,
   return card::first_fault(card, reading.codec, reference);
 }
 
-CardWriter::Outcome CardWriter::remove(const store::FileRecord& stored, const std::function<void()>& with_it) {
+CardWriter::Outcome CardWriter::remove(const store::FileRecord& stored,
+                                       const std::function<void()>& with_it) {
   store::DbFile& cards = procedure_.file(control::File::kCards);
   store::Expected expected = store::Expected::record(stored);
   while (true) {

@@ -78,7 +78,9 @@ void sort_lines(Lines& lines, const Lines& before, const Lines& theirs, const Li
   const auto in_order_of = [&](const Lines& model) {
     const auto keys = keys_of(model, there);
     std::sort(lines.begin(), lines.end(), [&](const Line& a, const Line& b) {
-      const auto at = [&](const Line& l) { return std::find(keys.begin(), keys.end(), l.key) - keys.begin(); };
+      const auto at = [&](const Line& l) {
+        return std::find(keys.begin(), keys.end(), l.key) - keys.begin();
+      };
       return at(a) != at(b) ? at(a) < at(b) : a.key < b.key;
     });
   };
@@ -116,7 +118,8 @@ void write(const Values& values, store::DbRecord& card, int value) {
 
 void Parts::write_to(store::DbRecord& card) const {
   for (int attribute = card.DCount(); attribute >= 1; --attribute) {
-    const bool stays = is_in(kResults, attribute) || attribute == kStatus.number || fields.contains(attribute);
+    const bool stays =
+        is_in(kResults, attribute) || attribute == kStatus.number || fields.contains(attribute);
     if (!stays) card.set(attribute, {});
   }
   // An attribute beyond the layout may hold values of its own.
@@ -255,8 +258,8 @@ std::optional<Line> Joiner::choose(const Line* before, const Line* theirs, const
     return before ? std::nullopt : std::optional(*left);
   }
   const Side side = decide_([&] {
-    return Clash{capitalised((this->*name_of)(*left)), summary(before, ""), summary(theirs, before ? "supprimé" : ""),
-                 summary(mine, before ? "supprimé" : "")};
+    return Clash{capitalised((this->*name_of)(*left)), summary(before, ""),
+                 summary(theirs, before ? "supprimé" : ""), summary(mine, before ? "supprimé" : "")};
   });
   const Line* const taken = side == Side::kTheirs ? theirs : mine;
   return taken ? std::optional(*taken) : std::nullopt;
@@ -324,8 +327,9 @@ std::string Joiner::summary(const Line* line, std::string_view none) const {
 std::string Joiner::summary(const Lines& lines) const {
   std::string text;
   for (const Line& line : lines) {
-    text += (text.empty() ? "" : ", ") + shown(kActivity.number, value_or_nothing(line.values, kActivity.number)) +
-            " " + shown(kShare.number, value_or_nothing(line.values, kShare.number));
+    text += (text.empty() ? "" : ", ") +
+            shown(kActivity.number, value_or_nothing(line.values, kActivity.number)) + " " +
+            shown(kShare.number, value_or_nothing(line.values, kShare.number));
   }
   return text;
 }
