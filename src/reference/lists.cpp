@@ -21,8 +21,7 @@ std::vector<std::string> labels_of(const store::DbResult& result) {
 
 std::vector<std::string> employee_codes(const store::DbResult& employees) {
   std::vector<std::string> codes;
-  for (int i = 1; i <= employees.DCount(); ++i)
-    codes.emplace_back(text::left(employees(i, kId), card::kEmployeeCodeLength));
+  for (int i = 1; i <= employees.DCount(); ++i) codes.emplace_back(card::employee_of(employees(i, kId)));
   return codes;
 }
 

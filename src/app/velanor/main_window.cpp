@@ -201,7 +201,7 @@ void MainWindow::follow() {
 void MainWindow::tell_change(const std::string& card) {
   const auto change = database_.take_change();
   if (!change) return;
-  const std::string code = change->id.substr(0, card::kEmployeeCodeLength);
+  const std::string code(card::employee_of(change->id));
   if (change->kind == WatchedDatabase::CardChange::Kind::kDeleted)
     tell("Fiche " + card + " supprimée");
   else if (card_.card_open())
