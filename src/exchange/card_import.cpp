@@ -89,17 +89,23 @@ void CardImport::finish_element(const card::Field& field, const store::Position&
                                 std::string_view id, const DbRecord* before, DbRecord& card,
                                 Findings& findings) const {
   const std::string given(element(card, position));
-  if (given.empty() || (before != nullptr && element(*before, position) == given)) return;
+  const auto stood = [&](std::string_view text) {
+    return before != nullptr && element(*before, position) == text;
+  };
+  if (given.empty() || stood(given)) return;
   if (field.list.empty()) {
     if (auto fault = card::fault_of(field, given)) findings.faults.push_back(std::move(*fault));
     return;
   }
   const std::string code = references_.completed(field.list, given, card::entity_of(id));
   if (code != given) set_element(card, position, code);
+  if (stood(code)) return;
   if (auto fault = card::fault_of(field, code)) {
     findings.faults.push_back(std::move(*fault));
   } else if (!references_.has(field.list, code)) {
     findings.unknown_codes.push_back(card::unknown_code(field, code));
+  } else if (!references_.fits(field.list, code)) {
+    findings.faults.push_back(card::unfit_code(field, code));
   }
 }
 

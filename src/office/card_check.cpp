@@ -89,6 +89,8 @@ void Examination::check_fields() {
         faults_.push_back(std::move(*found));
       } else if (!field.list.empty() && !references_.has(field.list, text)) {
         faults_.push_back(card::unknown_code(field, text));
+      } else if (!references_.fits(field.list, text)) {
+        faults_.push_back(card::unfit_code(field, text));
       }
     });
   }

@@ -1,5 +1,6 @@
 #include "card/record/references.h"
 
+#include "card/record/fit_codes.h"
 #include "card/record/known_files.h"
 #include "card/record/reference_layout.h"
 #include "control/session/years.h"
@@ -21,14 +22,17 @@ bool belongs_to_entity(std::string_view list) { return list == "ETABLISSEMENT" |
 }  // namespace
 
 References::References(store::Database& database) {
-  const auto read = [&](std::string_view file, std::string_view attribute) {
-    const store::DbResult found =
-        database.Select(store::DbQuery("SSELECT " + std::string(file), file, attribute).encoded());
-    auto& codes = codes_[std::string(file)];
+  const auto select = [&](const std::string& statement, std::string_view file, std::string_view attribute) {
+    const store::DbResult found = database.Select(store::DbQuery(statement, file, attribute).encoded());
+    Codes codes;
     for (int i = 1; i <= found.DCount(); ++i) codes.emplace(found(i, 1));
+    return codes;
   };
-  for (const std::string_view list : kIdLists) read(list, "0");
-  read(kTowns, "1");
+  for (const std::string_view list : kIdLists) {
+    codes_[std::string(list)] = select("SSELECT " + std::string(list), list, "0");
+    if (const Fit* fit = fit_of(list)) fit_[std::string(list)] = select(fit->statement, list, "0");
+  }
+  codes_[std::string(kTowns)] = select("SSELECT " + std::string(kTowns), kTowns, "1");
   const auto tables = database.OpenFile("TABLES");
   for (const std::string_view table : kTables) read_table(*tables, table);
   read_parameters(database);
@@ -46,6 +50,11 @@ void References::read_parameters(store::Database& database) {
   const auto parameters = database.OpenFile("BUDGETPARAM")->find("1");
   if (!parameters) return void(faults_.emplace_back("L'enregistrement « 1 » manque dans BUDGETPARAM."));
   reference_day_ = entry::stored_day(control::reference_date(*parameters)).value_or(0);
+}
+
+bool References::fits(std::string_view list, std::string_view code) const {
+  const auto found = fit_.find(list);
+  return found == fit_.end() || found->second.contains(code);
 }
 
 bool References::has(std::string_view list, std::string_view code) const {
@@ -70,12 +79,18 @@ std::string References::completed(std::string_view list, std::string_view code,
   return text::pad_left(code, list_code_length(list), '0');
 }
 
-card::Fault unknown_code(const Field& field, std::string_view code) {
-  return card::Fault(std::string(field.noun) + " « … » n'existe pas.", std::string(code));
+Fault unknown_code(const Field& field, std::string_view code) {
+  return Fault(std::string(field.noun) + " « … » n'existe pas.", std::string(code));
 }
 
-card::Fault unknown_entity(std::string_view entity) {
-  return card::Fault("L'entité « … » n'existe pas.", std::string(entity));
+Fault unfit_code(const Field& field, std::string_view code) {
+  return Fault(
+      std::string(field.noun) + " « … » ne convient pas. " + std::string(fit_of(field.list)->refusal),
+      std::string(code));
+}
+
+Fault unknown_entity(std::string_view entity) {
+  return Fault("L'entité « … » n'existe pas.", std::string(entity));
 }
 
 }  // namespace velanor::card
