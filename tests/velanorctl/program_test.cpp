@@ -52,15 +52,16 @@ TEST_F(Program, TellsAFaultyCardAndEndsWithOne) {
   write("faute.csv", "id;1\n000010092026;X\n");
   EXPECT_EQ(
       run("import faute.csv --store base --file VELANORO").output,
-      "faute.csv:2: L'entité « 009 » n'existe pas.\n"
+      "faute.csv:2: L'entité « 009 » n'existe pas dans ASSOCIATION.\n"
       "Importez d'abord les fichiers de référence ; --accepter-inconnus admet les codes qui n'y sont pas.\n"
       "Rien n'a été importé. Corrigez le tableau, puis recommencez.\n");
   EXPECT_EQ(run("import faute.csv --store base --file VELANORO --accepter-inconnus").output,
-            "Attention : faute.csv:2: L'entité « 009 » n'existe pas.\n"
+            "Attention : faute.csv:2: L'entité « 009 » n'existe pas dans ASSOCIATION.\n"
             "VELANORO : enregistrements créés : 1, modifiés : 0, inchangés : 0.\n");
   const Outcome check = run("check --store sqlite:base");
   EXPECT_EQ(check.status, 1);
-  EXPECT_NE(check.output.find("000010092026 : L'entité « 009 » n'existe pas.\n"), std::string::npos);
+  EXPECT_NE(check.output.find("000010092026 : L'entité « 009 » n'existe pas dans ASSOCIATION.\n"),
+            std::string::npos);
   EXPECT_NE(check.output.find("fiches en faute : 1"), std::string::npos) << check.output;
 }
 
