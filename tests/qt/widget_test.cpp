@@ -277,6 +277,46 @@ TEST_F(WidgetTest, LinesThatReadTheSameAreToldApart) {
   EXPECT_EQ(text("Cbo_Com"), "");
 }
 
+// Down and Tab: the line under the bar is meant, and not what its text reads, which another line reads too.
+TEST_F(WidgetTest, TabTakesTheLineUnderTheBar) {
+  memory_.put("VELANORO", "000300012026", *memory_.find("VELANORO", "000100012026"));
+  for (const bool forward : {true, false}) {
+    SCOPED_TRACE(forward);
+    if (forward) start();
+    if (forward) type("Txt_Asso", "001");
+    type("Cbo_Aidant", "martin");
+    auto& box = widget<QComboBox>("Cbo_Aidant");
+    ASSERT_EQ(offered(box), (std::vector<std::string>{"MARTIN JEANNE, 00010", "MARTIN JEANNE, 00030"}));
+    QAbstractItemView& list = *box.completer()->popup();
+    press(list, Qt::Key_Down);
+    press(list, Qt::Key_Down);
+    press(list, forward ? Qt::Key_Tab : Qt::Key_Backtab, forward ? Qt::NoModifier : Qt::ShiftModifier);
+    EXPECT_EQ(widget_.card_id(), "000300012026");
+    EXPECT_EQ(widget_.screen().base().focus()->name(), "Txt_NomAidant");
+    EXPECT_EQ(told(), std::vector<std::string>());
+    click("Cmd_OK");
+  }
+}
+
+TEST_F(WidgetTest, TabGoesToTheOptionThatIsSetAndTheArrowsToTheOthers) {
+  open_card();
+  ASSERT_TRUE(widget<QAbstractButton>("Opt_CDI").isChecked());
+  const auto focus = [&] { return widget_.screen().base().focus()->name(); };
+  shown("Cbo_Com").setFocus(Qt::TabFocusReason);
+  press(Qt::Key_Tab);
+  EXPECT_EQ(focus(), "Opt_CDI");
+  press(Qt::Key_Tab);
+  EXPECT_EQ(focus(), "Opt_Prod");
+  press(Qt::Key_Backtab, Qt::ShiftModifier);
+  press(Qt::Key_Backtab, Qt::ShiftModifier);
+  EXPECT_EQ(focus(), "Cbo_Com");
+  press(Qt::Key_Tab);
+  press(Qt::Key_Left);
+  EXPECT_EQ(focus(), "Opt_CDD");
+  EXPECT_TRUE(widget<QAbstractButton>("Opt_CDD").isChecked());
+  EXPECT_TRUE(widget_.modified());
+}
+
 std::string copied() { return QGuiApplication::clipboard()->text().toStdString(); }
 
 TEST_F(WidgetTest, TablesAreCopiedAsCellsWithTheirHeadings) {
