@@ -230,7 +230,10 @@ bool ControleVelanorWidget::Stage::step_focus(bool forward) {
   // A page that is being turned has hidden what has the focus.
   if (const QWidget* focus = QApplication::focusWidget(); focus && !focus->isVisible()) return true;
   screen::Form& form = screen().top();
-  const View* here = form.focus() ? view_of(*form.focus()) : nullptr;
+  const screen::Control* const from = form.focus();
+  View* here = from ? view_of(*from) : nullptr;
+  // What that opens has the focus then.
+  if (here && here->take_line_under_bar() && form.focus() != from) return true;
   const auto same_stop = [&](const screen::Control& control) { return here && view_of(control) == here; };
   stepped_ = form.neighbour(form.focus(), forward, same_stop);
   act([&](screen::Hand& hand) { hand.step(forward, same_stop); });

@@ -80,7 +80,7 @@ screen::Answer ControleVelanorWidget::Stage::ask(const screen::Message& message)
   place_focus();
   if (!at_work() || open_message()) gate_.release();
   if (told && widget_) emit widget_->message_closed();
-  return answer.value_or(MessageSheet::closing_answer(message.buttons));
+  return answer.value_or(MessageSheet::closing_answer(message));
 }
 
 void ControleVelanorWidget::Stage::form_opened(screen::Form& form) {
