@@ -57,8 +57,8 @@ Amendments amendments_until(const Career& career, int last_day) {
   return {all.begin(), end};
 }
 
-template <typename Lines, typename Cell>
-void put_column(RecordText& record, int attribute, const Lines& lines, Cell cell) {
+template <typename Items, typename Cell>
+void put_column(RecordText& record, int attribute, const Items& lines, Cell cell) {
   int line = 0;
   for (const auto& each : lines) record.set(attribute, ++line, 1, text(std::invoke(cell, each)));
 }

@@ -6,7 +6,7 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
-#include "qt/stage_frame.h"
+#include "qt/stage_life.h"
 #include "qt/strings.h"
 #include "screen/scope.h"
 #include "ui_card_pages.h"
@@ -87,7 +87,7 @@ View* ControleVelanorWidget::Stage::view_of(const screen::Control& control) cons
 // ---- The widget comes and goes.
 
 void ControleVelanorWidget::Stage::start() {
-  const Frame frame(*this);
+  const KeepAlive alive(*this);
   std::exception_ptr failure;
   {
     const Scope acting(acting_);
@@ -145,7 +145,7 @@ bool ControleVelanorWidget::Stage::open_to(const screen::Control& control) const
 
 void ControleVelanorWidget::Stage::act(const std::function<void(screen::Hand&)>& what) {
   if (!idle()) return;
-  const Frame frame(*this);
+  const KeepAlive alive(*this);
   std::exception_ptr failure;
   refused_ = false;
   {
@@ -166,7 +166,7 @@ void ControleVelanorWidget::Stage::act(const std::function<void(screen::Hand&)>&
 
 bool ControleVelanorWidget::Stage::press(screen::Control& control) {
   if (!open_to(control)) return false;
-  const Frame frame(*this);
+  const KeepAlive alive(*this);
   const int messages = screen().messages_shown();
   act([&](screen::Hand& hand) {
     if (control.takes_focus()) hand.focus(control);
@@ -178,7 +178,7 @@ bool ControleVelanorWidget::Stage::press(screen::Control& control) {
 // Menus, lists that open and other windows borrow the focus; they do not move it.
 void ControleVelanorWidget::Stage::focus_came(screen::Control& control, Qt::FocusReason reason) {
   if (!widget_ || placing_ || acting_ || screen().finished()) return;
-  const Frame frame(*this);
+  const KeepAlive alive(*this);
   if (reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason ||
       reason == Qt::MenuBarFocusReason)
     return keep_focus();

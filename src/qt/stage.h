@@ -73,7 +73,7 @@ class ControleVelanorWidget::Stage : public QObject,
     Sheet* sheet;
     std::unique_ptr<FormViews> views;
   };
-  class Frame;
+  class KeepAlive;
   class CallOut;
   class OpenMessage;
   bool idle() const { return widget_ && !acting_ && messages_.empty() && !screen().finished(); }
