@@ -44,12 +44,9 @@ class ScriptedToolkit : public screen::Toolkit {
  public:
   explicit ScriptedToolkit(MessageBoxes& boxes) : boxes_(boxes) {}
   screen::Answer message(const screen::Message& message) override { return boxes_.show(message); }
-  void beep() override { ++beeps_; }
-  int beeps() const { return beeps_; }
 
  private:
   MessageBoxes& boxes_;
-  int beeps_ = 0;
 };
 
 }  // namespace velanor::play

@@ -87,7 +87,7 @@ class ControleVelanorWidget::Stage : public QObject,
     Sheet* sheet;
     std::unique_ptr<FormViews> views;
   };
-  class Frame;
+  class KeepAlive;
   class CallOut;
   class OpenMessage;
   // The rules are at work, or what is shown follows them.

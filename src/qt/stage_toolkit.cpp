@@ -5,7 +5,7 @@
 #include <QMenu>
 #include <optional>
 
-#include "qt/stage_frame.h"
+#include "qt/stage_life.h"
 #include "qt/strings.h"
 
 namespace velanor::qt {
@@ -56,7 +56,7 @@ screen::Answer ControleVelanorWidget::Stage::message(const screen::Message& mess
 }
 
 screen::Answer ControleVelanorWidget::Stage::ask(const screen::Message& message) {
-  const Frame frame(*this);
+  const KeepAlive alive(*this);
   refused_ = message.buttons == screen::Buttons::Ok && message.icon == screen::Icon::Exclamation;
   std::optional<screen::Answer> answer;
   const bool told = widget_ && !closed_;

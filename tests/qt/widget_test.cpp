@@ -177,13 +177,13 @@ TEST_F(WidgetTest, FailureOfTheStoreIsToldAndTheCardStays) {
   open_card();
   std::string told;
   at_next_message([&](MessageSheet& sheet) { told = sheet.message().text; });
-  database_.fail = true;
+  database_.fail_writes(true);
   type("Txt_HorMensEtab", "150");
   widget<QAbstractButton>("Cmd_OK").click();
-  EXPECT_EQ(told, "Le disque est plein.");
+  EXPECT_EQ(told, store::kPlannedFailure);
   EXPECT_EQ(text("Txt_Etat"), "Modification");
   EXPECT_EQ(text("Txt_NomAidant"), "MARTIN JEANNE");
-  database_.fail = false;
+  database_.fail_writes(false);
   widget<QAbstractButton>("Cmd_OK").click();
   EXPECT_EQ(memory_.OpenFile("VELANORO")->find("000100012026").value()(2), "15000");
 }
@@ -221,8 +221,8 @@ TEST_F(WidgetTest, EveryEditableListOffersWhatHoldsTheTypedTextAtAnyPlace) {
   auto& towns = static_cast<screen::ComboBox&>(*top().find("Cbo_Com"));
   towns.refill({"Saint-Étienne", "Nœux", "L'Étang", "Albi"});
   auto& box = widget<QComboBox>("Cbo_Com");
-  using Lines = std::vector<std::string>;
-  const std::vector<std::pair<const char*, Lines>> kTyped{
+  using Texts = std::vector<std::string>;
+  const std::vector<std::pair<const char*, Texts>> kTyped{
       {"etan", {"L'Étang"}}, {"ST ETIENNE", {"Saint-Étienne"}},
       {"noeux", {"Nœux"}},   {"e", {"Saint-Étienne", "Nœux", "L'Étang"}},
       {"xyz", {}},           {"-", {}}};
