@@ -3,7 +3,7 @@
 #include <QLayout>
 #include <utility>
 
-#include "qt/stage_frame.h"
+#include "qt/stage_life.h"
 #include "qt/strings.h"
 
 namespace velanor::qt {
