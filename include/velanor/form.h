@@ -56,10 +56,12 @@ class Form {
   // elsewhere. The control must be usable and in sight. What a field holds is not judged on the way
   // to a cancel button, where it may be thrown away, but when the focus goes on from there.
   bool move_focus(Control* control);
-  // The user's Tab: to the next (or previous) control as it stands when the one left has been heard.
-  // Those that `passes` names belong to the same stop and are passed over.
+  // The user's Tab: to the next (or previous) control as it stands when the one left has been heard. Of
+  // option buttons the one that is set is the stop. Those that `passes` names belong to the same stop and are
+  // passed over.
   bool step_focus(bool forward, const Passes& passes = {});
-  // The user thought better of a button that cancels or deletes: back to where the focus came from.
+  // The user thought better of a button that cancels or deletes: back to where the focus came from. Who had
+  // stepped to the button by Tab is there already.
   void resume();
   // As when the form is shown anew: nothing has the focus, without events.
   void forget_focus() { focus_ = unjudged_ = before_ = nullptr; }
@@ -104,6 +106,7 @@ class Form {
   Control* before_ = nullptr;    // where the focus was before a button that cancels or deletes
   bool leaving_ = false;
   bool settled_ = false;
+  bool stepped_ = false;  // the focus came where it is by Tab
   bool redirected_ = false;
 };
 

@@ -23,6 +23,8 @@ struct Message {
   Buttons buttons = Buttons::Ok;
   // The answer that Enter gives. Never the one that throws work away.
   Answer preset = Answer::Ok;
+  // What closing the box means, without an answer; else the last of its buttons.
+  std::optional<Answer> closing = {};
 };
 
 // What two users have changed at once, each in his own way; the texts are what a screen shows ("": nothing).
@@ -109,7 +111,11 @@ class Screen {
   bool confirm_loss(std::string_view text, Icon icon = Icon::Question) {
     return say(text, icon, Buttons::YesNo, Answer::No) == Answer::Yes;
   }
-  Answer say(std::string_view text, Icon icon, Buttons buttons, Answer preset = Answer::Ok);
+  // Whether work is kept ("Oui") or dropped ("Non"); who closes the question has said neither: Cancel.
+  Answer keep_or_drop(std::string_view text, Icon icon = Icon::Question);
+  Answer say(std::string_view text, Icon icon, Buttons buttons, Answer preset = Answer::Ok,
+             std::optional<Answer> closing = {});
+  // See Toolkit::compare.
   std::optional<std::vector<Answer>> compare(std::string_view text, std::vector<Comparison::Line> lines);
   // Message boxes shown so far; a click during which one opens is lost.
   int messages_shown() const { return messages_shown_; }

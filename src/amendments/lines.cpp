@@ -70,6 +70,8 @@ void AmendmentLines::size_scroll_bar() {
 void AmendmentLines::select(int index) {
   for (screen::ListBox* list : on_.ui.amendment_lists()) list->set_index(index);
   on_.lists.ChercheRegroupBudget(on_.ui.Lst_Qualif.line(index));
+  // What the items of one line made there says nothing of another.
+  if (!on_.card.enters_amendment()) on_.ui.Txt_DureMens.set_text({});
   if (index >= 0) on_.ui.Cmd_Detail.set_enabled(true);
 }
 

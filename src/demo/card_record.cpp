@@ -58,8 +58,8 @@ Amendments amendments_until(const Career& career, int last_day) {
   return {all.begin(), end};
 }
 
-template <typename Lines, typename Cell>
-void put_column(RecordText& record, const card::Field& field, const Lines& lines, Cell cell) {
+template <typename Items, typename Cell>
+void put_column(RecordText& record, const card::Field& field, const Items& lines, Cell cell) {
   int line = 0;
   for (const auto& each : lines) record.set(field.number, ++line, 1, text(std::invoke(cell, each)));
 }

@@ -35,7 +35,7 @@ void read_establishments(Employer& employer) {
   const std::size_t hours = all.column_of(card::establishments::kMonthlyHours);
   for (const Row& row : all.rows) {
     if (row[0].starts_with(employer.model)) {
-      employer.establishments.push_back({row[0].substr(card::kEntityCodeLength), number_of(row[hours])});
+      employer.establishments.push_back({card::own_code_of(row[0]), number_of(row[hours])});
     }
   }
 }
@@ -43,7 +43,7 @@ void read_establishments(Employer& employer) {
 void read_activities(Employer& employer) {
   for (const Row& row : read_table(source("reference/ACTIVITES.csv")).rows) {
     if (row[0].starts_with(employer.model)) {
-      employer.activities.push_back(employer.code + std::string(row[0].substr(card::kEntityCodeLength)));
+      employer.activities.push_back(employer.code + std::string(card::own_code_of(row[0])));
     }
   }
 }

@@ -53,7 +53,7 @@ std::string card_id(const CardIdParts& parts, std::string& wrong) {
 
 std::string card_id(std::string_view whole, std::string& wrong) {
   const auto id = card::completed_id(kCardFile, text::trim(whole));
-  if (id && text::is_digits(*id) && text::length(*id) == card::id_length(kCardFile)) return *id;
+  if (id && text::is_digits(*id) && card::is_record_id(*id)) return *id;
   wrong = not_an_id(whole);
   return {};
 }
@@ -64,8 +64,7 @@ CardImport::CardImport(store::Database& database, const std::vector<Column>& col
 
 CardImport::Findings CardImport::finish(std::string_view id, const DbRecord* before, DbRecord& card) const {
   Findings findings;
-  const auto entity = id.substr(card::kEmployeeCodeLength, card::kEntityCodeLength);
-  if (before == nullptr && !references_.has("ASSOCIATION", entity))
+  if (const auto entity = card::entity_of(id); before == nullptr && !references_.has("ASSOCIATION", entity))
     findings.unknown_codes.push_back(card::unknown_entity(entity));
   if (has_column(card::kName)) set_element(card, card::kName, text::upper(element(card, card::kName)));
   for (const Column& column : columns_) {
@@ -90,18 +89,23 @@ void CardImport::finish_element(const card::Field& field, const store::Position&
                                 std::string_view id, const DbRecord* before, DbRecord& card,
                                 Findings& findings) const {
   const std::string given(element(card, position));
-  if (given.empty() || (before != nullptr && element(*before, position) == given)) return;
+  const auto stood = [&](std::string_view text) {
+    return before != nullptr && element(*before, position) == text;
+  };
+  if (given.empty() || stood(given)) return;
   if (field.list.empty()) {
     if (auto fault = card::fault_of(field, given)) findings.faults.push_back(std::move(*fault));
     return;
   }
-  const auto entity = id.substr(card::kEmployeeCodeLength, card::kEntityCodeLength);
-  const std::string code = references_.completed(field.list, given, entity);
+  const std::string code = references_.completed(field.list, given, card::entity_of(id));
   if (code != given) set_element(card, position, code);
+  if (stood(code)) return;
   if (auto fault = card::fault_of(field, code)) {
     findings.faults.push_back(std::move(*fault));
   } else if (!references_.has(field.list, code)) {
     findings.unknown_codes.push_back(card::unknown_code(field, code));
+  } else if (!references_.fits(field.list, code)) {
+    findings.faults.push_back(card::unfit_code(field, code));
   }
 }
 

@@ -86,6 +86,7 @@ void Frm_RubSaisie::Remplir_RubSaisie() {
   catalogue_.load(procedure_);
   ui_.Cbo_LibRub.clear();
   ui_.Cbo_LibRub.refill(catalogue_.labels());
+  ui_.Cbo_LibRub.annotate(catalogue_.notes());
 }
 
 void Frm_RubSaisie::Afficher_Donnees() {
@@ -234,9 +235,13 @@ void Frm_RubSaisie::Cbo_LibRub_Click() {
   ui_.Txt_Code.set_text(none ? std::string_view{} : catalogue_.code(ui_.Cbo_LibRub.index() + 1));
 }
 
-// What matches no item is told when the line is confirmed.
+// What matches no item is told when the line is confirmed. Items of one label are different ones.
 void Frm_RubSaisie::Cbo_LibRub_LostFocus() {
-  if (ui_.Cbo_LibRub.edited() && ui_.Cbo_LibRub.index() < 0) reference::take_typed(ui_.Cbo_LibRub);
+  screen::ComboBox& box = ui_.Cbo_LibRub;
+  if (!box.edited() || box.index() >= 0) return;
+  if (reference::take_typed(box, reference::Alike::kDifferent) != reference::Found::kSeveral) return;
+  box.clear_edited();
+  refuse(reference::kSeveralMatch, box);
 }
 
 void Frm_RubSaisie::Txt_Code_Change() {
@@ -397,8 +402,10 @@ bool Frm_RubSaisie::hours_accepted() {
 void Frm_RubSaisie::Cmd_Retour_Click() {
   if (!card_.draft.same_items(copy_, context_.amendment - 1)) {
     screen_.toolkit().beep();
-    if (screen_.confirm("Voulez-vous enregistrer les modifications apportées à cet article ?",
-                        screen::Icon::Exclamation)) {
+    const auto answer = screen_.keep_or_drop(
+        "Voulez-vous enregistrer les modifications apportées à cet article ?", screen::Icon::Exclamation);
+    if (answer == screen::Answer::Cancel) return;
+    if (answer == screen::Answer::Yes) {
       write_grid();
       if (!hours_accepted()) return;
     } else {

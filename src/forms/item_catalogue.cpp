@@ -29,6 +29,15 @@ std::vector<std::string> ItemCatalogue::labels() const {
   return labels;
 }
 
+std::vector<std::string> ItemCatalogue::notes() const {
+  std::vector<std::string> notes;
+  for (int row = 1; !code(row).empty(); ++row) {
+    const bool alike = label(row) == label(row - 1) || label(row) == label(row + 1);
+    notes.emplace_back(alike ? code(row) : std::string_view());
+  }
+  return notes;
+}
+
 int ItemCatalogue::row(std::string_view code_text) const {
   for (int row = 1; !code(row).empty(); ++row) {
     if (code(row) == code_text) return row;

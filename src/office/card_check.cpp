@@ -9,8 +9,8 @@
 #include "card/record/named_fields.h"
 #include "card/record/record_compare.h"
 #include "card/record/rules.h"
+#include "text/number.h"
 #include "velanor/date.h"
-#include "text/utf8.h"
 
 namespace velanor::office {
 
@@ -62,11 +62,9 @@ class Examination {
 };
 
 void Examination::check_id() {
-  constexpr int kLength = card::kEmployeeCodeLength + card::kEntityCodeLength + 4;
-  const bool digits = std::all_of(id_.begin(), id_.end(), [](char c) { return c >= '0' && c <= '9'; });
-  if (!digits || text::length(id_) != kLength)
+  if (!text::is_digits(id_) || !card::is_record_id(id_))
     return fault("L'identifiant n'est pas un code de salarié, un code d'entité et une année.");
-  const auto entity = id_.substr(card::kEmployeeCodeLength, card::kEntityCodeLength);
+  const auto entity = card::entity_of(id_);
   if (!references_.has("ASSOCIATION", entity)) faults_.push_back(card::unknown_entity(entity));
   const auto establishment = element(card_, card::kEstablishment);
   if (!establishment.empty() && !establishment.starts_with(entity))
@@ -91,6 +89,8 @@ void Examination::check_fields() {
         faults_.push_back(std::move(*found));
       } else if (!field.list.empty() && !references_.has(field.list, text)) {
         faults_.push_back(card::unknown_code(field, text));
+      } else if (!references_.fits(field.list, text)) {
+        faults_.push_back(card::unfit_code(field, text));
       }
     });
   }

@@ -51,12 +51,9 @@ class ScriptedToolkit : public screen::Toolkit {
   std::optional<std::vector<screen::Answer>> compare(const screen::Comparison& comparison) override {
     return boxes_.compare(comparison);
   }
-  void beep() override { ++beeps_; }
-  int beeps() const { return beeps_; }
 
  private:
   MessageBoxes& boxes_;
-  int beeps_ = 0;
 };
 
 }  // namespace velanor::play

@@ -95,7 +95,9 @@ QWidget* MessageSheet::make_contents() {
   return contents;
 }
 
-Answer MessageSheet::closing_answer(Buttons buttons) { return offered(buttons).back(); }
+Answer MessageSheet::closing_answer(const screen::Message& message) {
+  return message.closing.value_or(offered(message.buttons).back());
+}
 
 ActionButton* MessageSheet::button(Answer answer) const {
   for (const auto& [own, button] : buttons_) {
@@ -104,7 +106,9 @@ ActionButton* MessageSheet::button(Answer answer) const {
   return nullptr;
 }
 
-Answer MessageSheet::preset() const { return button(message_.preset) ? message_.preset : closing_answer(); }
+Answer MessageSheet::preset() const {
+  return button(message_.preset) ? message_.preset : offered(message_.buttons).back();
+}
 
 void MessageSheet::focus_preset() {
   QWidget* const first = table_ ? static_cast<QWidget*>(table_) : button(preset());

@@ -6,7 +6,7 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
-#include "qt/stage_frame.h"
+#include "qt/stage_life.h"
 #include "qt/strings.h"
 #include "screen/scope.h"
 #include "ui_card_pages.h"
@@ -93,7 +93,7 @@ View* ControleVelanorWidget::Stage::view_of(const screen::Control& control) cons
 // ---- The widget comes and goes.
 
 void ControleVelanorWidget::Stage::start() {
-  const Frame frame(*this);
+  const KeepAlive alive(*this);
   const std::exception_ptr failure = run([this] { screen().act([this] { component_.init(); }); });
   if (!widget_) return;
   show_start(component_.closed() ? failure : nullptr);
@@ -146,7 +146,7 @@ bool ControleVelanorWidget::Stage::open_to(const screen::Control& control) const
 
 void ControleVelanorWidget::Stage::act(const std::function<void(screen::Hand&)>& what) {
   if (!idle()) return;
-  const Frame frame(*this);
+  const KeepAlive alive(*this);
   const std::exception_ptr failure = run([&] {
     screen().act([&] {
       screen::Hand hand(screen());
@@ -158,7 +158,7 @@ void ControleVelanorWidget::Stage::act(const std::function<void(screen::Hand&)>&
 
 // Also where the rules failed half way: the control that has the focus may be locked by now.
 void ControleVelanorWidget::Stage::acted() {
-  const Frame frame(*this);
+  const KeepAlive alive(*this);
   if (!widget_) return;
   {
     const Scope following(following_);
@@ -184,7 +184,7 @@ control::Opening ControleVelanorWidget::Stage::open(std::string_view entity, std
                                                     std::string_view employee) {
   if (component_.closed()) return control::Opening::not_started();
   if (!idle()) return control::Opening::busy();
-  const Frame frame(*this);
+  const KeepAlive alive(*this);
   control::Opening opening = control::Opening::not_started();
   const auto failure = run([&] { opening = component_.open(entity, year, employee); });
   if (failure) std::rethrow_exception(failure);
@@ -193,7 +193,7 @@ control::Opening ControleVelanorWidget::Stage::open(std::string_view entity, std
 
 bool ControleVelanorWidget::Stage::press(screen::Control& control) {
   if (!open_to(control)) return false;
-  const Frame frame(*this);
+  const KeepAlive alive(*this);
   const int messages = screen().messages_shown();
   act([&](screen::Hand& hand) {
     if (control.takes_focus()) hand.focus(control);
@@ -205,7 +205,7 @@ bool ControleVelanorWidget::Stage::press(screen::Control& control) {
 // Menus, lists that open and other windows borrow the focus; they do not move it.
 void ControleVelanorWidget::Stage::focus_came(screen::Control& control, Qt::FocusReason reason) {
   if (!widget_ || placing_ || at_work() || screen().finished()) return;
-  const Frame frame(*this);
+  const KeepAlive alive(*this);
   if (reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason ||
       reason == Qt::MenuBarFocusReason)
     return keep_focus();
@@ -230,7 +230,10 @@ bool ControleVelanorWidget::Stage::step_focus(bool forward) {
   // A page that is being turned has hidden what has the focus.
   if (const QWidget* focus = QApplication::focusWidget(); focus && !focus->isVisible()) return true;
   screen::Form& form = screen().top();
-  const View* here = form.focus() ? view_of(*form.focus()) : nullptr;
+  const screen::Control* const from = form.focus();
+  View* here = from ? view_of(*from) : nullptr;
+  // What that opens has the focus then.
+  if (here && here->take_line_under_bar() && form.focus() != from) return true;
   const auto same_stop = [&](const screen::Control& control) { return here && view_of(control) == here; };
   stepped_ = form.neighbour(form.focus(), forward, same_stop);
   act([&](screen::Hand& hand) { hand.step(forward, same_stop); });

@@ -90,7 +90,7 @@ class ControleVelanorWidget::Stage : public QObject,
     Sheet* sheet;
     std::unique_ptr<FormViews> views;
   };
-  class Frame;
+  class KeepAlive;
   class CallOut;
   class OpenMessage;
   template <typename Asked>

@@ -3,7 +3,7 @@
 #include <QLayout>
 #include <utility>
 
-#include "qt/stage_frame.h"
+#include "qt/stage_life.h"
 #include "qt/strings.h"
 
 namespace velanor::qt {
@@ -47,7 +47,7 @@ void ControleVelanorWidget::Stage::show_start(const std::exception_ptr& failure)
 // Whoever hears may destroy the widget.
 template <typename Signal, typename... Values>
 void ControleVelanorWidget::Stage::tell(Signal signal, const Values&... values) {
-  const Frame frame(*this);
+  const KeepAlive alive(*this);
   const screen::Scope called_out(called_out_);
   if (widget_) emit(widget_->*signal)(values...);
 }
@@ -71,7 +71,7 @@ void ControleVelanorWidget::Stage::card_closed(const control::Card& card) {
 // Each property as it is when its turn comes: a slot of the one before may have changed it.
 void ControleVelanorWidget::Stage::state_changed() {
   using Widget = ControleVelanorWidget;
-  const Frame frame(*this);
+  const KeepAlive alive(*this);
   const auto tell_if_new = [&](auto& told, const auto& now, auto signal) {
     if (std::exchange(told, now) != now) tell(signal, now);
   };

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "qt/comparison_table.h"
-#include "qt/stage_frame.h"
+#include "qt/stage_life.h"
 #include "qt/strings.h"
 
 namespace velanor::qt {
@@ -61,7 +61,7 @@ screen::Answer ControleVelanorWidget::Stage::message(const screen::Message& mess
 
 screen::Answer ControleVelanorWidget::Stage::ask(const screen::Message& message) {
   refused_ = message.buttons == screen::Buttons::Ok && message.icon == screen::Icon::Exclamation;
-  return put(message, {}).value_or(MessageSheet::closing_answer(message.buttons));
+  return put(message, {}).value_or(MessageSheet::closing_answer(message));
 }
 
 std::optional<std::vector<screen::Answer>> ControleVelanorWidget::Stage::compare(
@@ -78,7 +78,7 @@ std::optional<std::vector<screen::Answer>> ControleVelanorWidget::Stage::compare
 template <typename Asked>
 std::optional<screen::Answer> ControleVelanorWidget::Stage::put(
     const Asked& asked, const std::function<void(const MessageSheet&)>& read) {
-  const Frame frame(*this);
+  const KeepAlive alive(*this);
   std::optional<screen::Answer> answer;
   const bool told = widget_ && !closed_;
   if (told) {

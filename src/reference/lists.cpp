@@ -1,5 +1,6 @@
 #include "reference/lists.h"
 
+#include "card/record/fit_codes.h"
 #include "card/record/labels.h"
 #include "card/record/record_layout.h"
 #include "store/text_literal.h"
@@ -21,8 +22,7 @@ std::vector<std::string> labels_of(const store::DbResult& result) {
 
 std::vector<std::string> employee_codes(const store::DbResult& employees) {
   std::vector<std::string> codes;
-  for (int i = 1; i <= employees.DCount(); ++i)
-    codes.emplace_back(text::left(employees(i, kId), card::kEmployeeCodeLength));
+  for (int i = 1; i <= employees.DCount(); ++i) codes.emplace_back(card::employee_of(employees(i, kId)));
   return codes;
 }
 
@@ -51,6 +51,10 @@ void ReferenceLists::fill_or_take(screen::ComboBox& box, screen::TextBox* code, 
   if (kept.DCount() != 1) return;
   if (code) code->set_text(text::mid(kept(1, kId), code_from));
   box.set_text(kept(1, kLabel));
+}
+
+store::DbResult ReferenceLists::fit_codes(const card::Field& field) const {
+  return procedure_.select(card::fit_of(field.list)->statement, field.list, "0 1");
 }
 
 void ReferenceLists::RequeteAssoc() {
@@ -88,10 +92,7 @@ void ReferenceLists::RemplirAidant() {
 }
 
 void ReferenceLists::RemplirConvCol() {
-  fill_or_take(ui_.Cbo_Convcol, &ui_.Txt_ConvCol, kept_.agreements,
-               procedure_.select("SSELECT CONVENTIONCOL AVEC 0 # " +
-                                     store::quoted(card::agreements::kReserved) + " 0 PAR 0",
-                                 "CONVENTIONCOL", "0 1"));
+  fill_or_take(ui_.Cbo_Convcol, &ui_.Txt_ConvCol, kept_.agreements, fit_codes(card::kAgreement));
 }
 
 void ReferenceLists::RemplirSecteur() {
@@ -113,18 +114,9 @@ void ReferenceLists::RemplirAct() {
   ui_.Cbo_Activites.set_enabled(false);
 }
 
-namespace {
+void ReferenceLists::RemplirProfil1() { fill(ui_.Cbo_Profil1, kept_.profiles1, fit_codes(card::kProfile1)); }
 
-store::DbResult select_profiles(const control::Procedure& procedure) {
-  return procedure.select("SSELECT PROFIL AVEC 4 # " + store::quoted(card::kMarked) + " PAR 1", "PROFIL",
-                          "0 1");
-}
-
-}  // namespace
-
-void ReferenceLists::RemplirProfil1() { fill(ui_.Cbo_Profil1, kept_.profiles1, select_profiles(procedure_)); }
-
-void ReferenceLists::RemplirProfil2() { fill(ui_.Cbo_Profil2, kept_.profiles2, select_profiles(procedure_)); }
+void ReferenceLists::RemplirProfil2() { fill(ui_.Cbo_Profil2, kept_.profiles2, fit_codes(card::kProfile2)); }
 
 void ReferenceLists::RemplirFinContrat() {
   const store::DbRecord& table = procedure_.variable().fincontrat;
@@ -145,12 +137,7 @@ void ReferenceLists::Remplir_Etablissement() {
                kCodeFrom);
   card_.only_establishment =
       kept_.establishments.DCount() == 1 ? text::mid(kept_.establishments(1, kId), kCodeFrom) : "";
-  const std::string charge = "\"08\"", amount = "\"Montant\"";
-  fill(ui_.Cbo_ChargMutContrat, kept_.charges,
-       procedure_.select("SSELECT RUBCHARGE AVEC 16 = " + charge + " AND AVEC 11 = " + amount +
-                             " AND AVEC 30 = " + amount + " OR AVEC 16 = " + charge +
-                             " AND AVEC 15 = " + amount + " PAR 1",
-                         "RUBCHARGE", "0 1"));
+  fill(ui_.Cbo_ChargMutContrat, kept_.charges, fit_codes(card::kMutualCharge));
 }
 
 void ReferenceLists::fill_natures() {

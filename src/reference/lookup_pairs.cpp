@@ -8,8 +8,6 @@ namespace velanor::reference {
 namespace {
 
 constexpr std::string_view kNoneMatches = "Aucun libellé de la liste ne correspond à ce texte.";
-constexpr std::string_view kSeveralMatch =
-    "Plusieurs libellés de la liste correspondent à ce texte, veuillez en choisir un.";
 
 void pad(screen::TextBox& box) {
   if (!box.is_empty() && text::length(box.text()) < box.max_length())

@@ -71,9 +71,14 @@ bool Screen::request_close() {
   return !is_open(form);
 }
 
-Answer Screen::say(std::string_view text, Icon icon, Buttons buttons, Answer preset) {
+Answer Screen::keep_or_drop(std::string_view text, Icon icon) {
+  return say(text, icon, Buttons::YesNo, Answer::Yes, Answer::Cancel);
+}
+
+Answer Screen::say(std::string_view text, Icon icon, Buttons buttons, Answer preset,
+                   std::optional<Answer> closing) {
   ++messages_shown_;
-  return toolkit_.message({std::string(kTitle), std::string(text), icon, buttons, preset});
+  return toolkit_.message({std::string(kTitle), std::string(text), icon, buttons, preset, closing});
 }
 
 std::optional<std::vector<Answer>> Screen::compare(std::string_view text,

@@ -19,9 +19,9 @@ struct Line {
   std::vector<std::string> amounts;  // hundredths, one item each
 };
 
-class Clerk : public testing::Test {
+class RandomLines : public testing::Test {
  protected:
-  Clerk() {
+  RandomLines() {
     load(database_, "lib/cards.play");
     store::DbRecord card = *database_.find("VELANORO", kId);
     for (int a : {12, 13, 14, 15, 16, 17, 18, 38, 30, 31, 32, 33}) card.set(a, "");
@@ -155,7 +155,7 @@ class Clerk : public testing::Test {
   int saved_ = 0;
 };
 
-TEST_F(Clerk, LinesColumnsAndItemsStayTogetherThroughRandomCommands) {
+TEST_F(RandomLines, LinesColumnsAndItemsStayTogetherThroughRandomCommands) {
   constexpr int kCommands = 30'000;
   constexpr std::size_t kMost = 12;
   for (int i = 0; i < kCommands; ++i) {

@@ -49,7 +49,7 @@ class Results : public testing::Test {
 };
 
 // How a clerk changes a card.
-struct Clerk {
+struct CardEditor {
   Office& office;
 
   void click(const char* button) const { ASSERT_EQ(office.hand.click(office.control(button)), "") << button; }
@@ -90,32 +90,34 @@ TEST_F(Results, AreEmptiedByWhatTheyAreMadeOfAndByNothingElse) {
   const struct {
     const char* what;
     card::Field field;
-    void (*change)(const Clerk&);
+    void (*change)(const CardEditor&);
     bool kept;
   } cases[] = {
-      {"sector", card::kSector, [](const Clerk& c) { c.choose("Cbo_Secteur", "Agglomération"); }, kKept},
-      {"town", card::kTown, [](const Clerk& c) { c.choose("Cbo_Com", "Eze"); }, kKept},
-      {"birth", card::kBirth, [](const Clerk& c) { c.enter("Txt_DatNais", "02/02/1980"); }, kKept},
-      {"social base", card::kSocialBase, [](const Clerk& c) { c.enter("Txt_AssSS", "1900"); }, kKept},
+      {"sector", card::kSector, [](const CardEditor& c) { c.choose("Cbo_Secteur", "Agglomération"); }, kKept},
+      {"town", card::kTown, [](const CardEditor& c) { c.choose("Cbo_Com", "Eze"); }, kKept},
+      {"birth", card::kBirth, [](const CardEditor& c) { c.enter("Txt_DatNais", "02/02/1980"); }, kKept},
+      {"social base", card::kSocialBase, [](const CardEditor& c) { c.enter("Txt_AssSS", "1900"); }, kKept},
       {"new measure", card::kNewMeasure,
-       [](const Clerk& c) {
+       [](const CardEditor& c) {
          c.edit("Lst_DatEffet", 1);
          c.choose("Cbo_NouvMes", "OUI");
          c.click("Cmd_OkDetail");
        },
        kKept},
-      {"establishment", card::kEstablishment, [](const Clerk& c) { c.enter("Txt_CodEtab", "002"); }, kKept},
+      {"establishment", card::kEstablishment, [](const CardEditor& c) { c.enter("Txt_CodEtab", "002"); },
+       kKept},
       {"nature", card::kContractNature,
-       [](const Clerk& c) { c.choose("Cbo_NatureContrat", "02 Apprentissage"); }, kKept},
-      {"branch", card::kBranchEntry, [](const Clerk& c) { c.enter("Txt_DateBranche", "02/02/2015"); }, kKept},
+       [](const CardEditor& c) { c.choose("Cbo_NatureContrat", "02 Apprentissage"); }, kKept},
+      {"branch", card::kBranchEntry, [](const CardEditor& c) { c.enter("Txt_DateBranche", "02/02/2015"); },
+       kKept},
 
-      {"name", card::kName, [](const Clerk& c) { c.enter("Txt_NomAidant", "Martin"); }, kEmptied},
+      {"name", card::kName, [](const CardEditor& c) { c.enter("Txt_NomAidant", "Martin"); }, kEmptied},
       {"hours of the establishment", card::kEstablishmentHours,
-       [](const Clerk& c) { c.enter("Txt_HorMensEtab", "140"); }, kEmptied},
-      {"contract type", card::kContractType, [](const Clerk& c) { c.click("Opt_CDD"); }, kEmptied},
-      {"staff kind", card::kStaffKind, [](const Clerk& c) { c.click("Opt_Admin"); }, kEmptied},
+       [](const CardEditor& c) { c.enter("Txt_HorMensEtab", "140"); }, kEmptied},
+      {"contract type", card::kContractType, [](const CardEditor& c) { c.click("Opt_CDD"); }, kEmptied},
+      {"staff kind", card::kStaffKind, [](const CardEditor& c) { c.click("Opt_Admin"); }, kEmptied},
       {"activity", card::kActivity,
-       [](const Clerk& c) {
+       [](const CardEditor& c) {
          c.edit("Lst_Activites", 1);
          c.enter("Txt_Pourc", "0");
          c.click("Cmd_OkAct");
@@ -126,7 +128,7 @@ TEST_F(Results, AreEmptiedByWhatTheyAreMadeOfAndByNothingElse) {
        },
        kEmptied},
       {"shares", card::kShare,
-       [](const Clerk& c) {
+       [](const CardEditor& c) {
          for (int line : {0, 1}) {
            c.edit("Lst_Activites", line);
            c.enter("Txt_Pourc", "50");
@@ -134,42 +136,43 @@ TEST_F(Results, AreEmptiedByWhatTheyAreMadeOfAndByNothingElse) {
          }
        },
        kEmptied},
-      {"effective date", card::kEffective, [](const Clerk& c) { c.amend("Txt_DatEffet", "02/02/2026"); },
+      {"effective date", card::kEffective, [](const CardEditor& c) { c.amend("Txt_DatEffet", "02/02/2026"); },
        kEmptied},
       {"grid start", card::kGridStart,
-       [](const Clerk& c) {
+       [](const CardEditor& c) {
          c.edit("Lst_DatEffet", 0);
          c.enter("Txt_DatDepGrille", "02/02/2024");
          c.click("Cmd_OkDetail");
        },
        kEmptied},
       {"qualification", card::kQualification,
-       [](const Clerk& c) {
+       [](const CardEditor& c) {
          c.edit("Lst_DatEffet", 0);
          c.choose("Cbo_Qualif", "ED");
          c.click("Cmd_OkDetail");
        },
        kEmptied},
       {"grid", card::kGrid,
-       [](const Clerk& c) {
+       [](const CardEditor& c) {
          c.edit("Lst_DatEffet", 0);
          c.choose("Cbo_Grille", "Technicien");
          c.choose("Cbo_Qualif", "RS");
          c.click("Cmd_OkDetail");
        },
        kEmptied},
-      {"category", card::kCategory, [](const Clerk& c) { c.amend("Txt_Categorie", "b"); }, kEmptied},
-      {"hourly rate", card::kHourlyRate, [](const Clerk& c) { c.amend("Txt_TxHor", "16"); }, kEmptied},
-      {"profile", card::kProfile1, [](const Clerk& c) { c.enter("Txt_Profil1", "002"); }, kEmptied},
-      {"second profile", card::kProfile2, [](const Clerk& c) { c.enter("Txt_Profil2", "001"); }, kEmptied},
-      {"exempted hours", card::kExemptedHours, [](const Clerk& c) { c.enter("Txt_HresExo", "99,99"); },
+      {"category", card::kCategory, [](const CardEditor& c) { c.amend("Txt_Categorie", "b"); }, kEmptied},
+      {"hourly rate", card::kHourlyRate, [](const CardEditor& c) { c.amend("Txt_TxHor", "16"); }, kEmptied},
+      {"profile", card::kProfile1, [](const CardEditor& c) { c.enter("Txt_Profil1", "002"); }, kEmptied},
+      {"second profile", card::kProfile2, [](const CardEditor& c) { c.enter("Txt_Profil2", "001"); },
        kEmptied},
-      {"ceiling", card::kCeiling, [](const Clerk& c) { c.enter("Txt_PlafSecu", "3000"); }, kEmptied},
-      {"end", card::kContractEnd, [](const Clerk& c) { c.enter("Txt_DatFin", "31/12/2027"); }, kEmptied},
-      {"end reason", card::kEndReason, [](const Clerk& c) { c.choose("Cbo_MotifFin", "Fin de contrat"); },
+      {"exempted hours", card::kExemptedHours, [](const CardEditor& c) { c.enter("Txt_HresExo", "99,99"); },
        kEmptied},
+      {"ceiling", card::kCeiling, [](const CardEditor& c) { c.enter("Txt_PlafSecu", "3000"); }, kEmptied},
+      {"end", card::kContractEnd, [](const CardEditor& c) { c.enter("Txt_DatFin", "31/12/2027"); }, kEmptied},
+      {"end reason", card::kEndReason,
+       [](const CardEditor& c) { c.choose("Cbo_MotifFin", "Fin de contrat"); }, kEmptied},
       {"items", card::kItemCode,
-       [](const Clerk& c) {
+       [](const CardEditor& c) {
          c.office.hand.pick(c.office.ui.Lst_DatEffet, 0);
          c.click("Cmd_Detail");
          c.edit("Lst_Code", 1);
@@ -177,15 +180,17 @@ TEST_F(Results, AreEmptiedByWhatTheyAreMadeOfAndByNothingElse) {
          c.click("Cmd_Retour");
        },
        kEmptied},
-      {"base of an item", card::kItemBase, [](const Clerk& c) { c.reckon("Txt_Base", "105", 0); }, kEmptied},
-      {"rate of an item", card::kItemRate, [](const Clerk& c) { c.reckon("Txt_Taux", "13", 2); }, kEmptied},
-      {"amount of an item", card::kItemAmount, [](const Clerk& c) { c.reckon("Txt_Montant", "26", 1); },
+      {"base of an item", card::kItemBase, [](const CardEditor& c) { c.reckon("Txt_Base", "105", 0); },
+       kEmptied},
+      {"rate of an item", card::kItemRate, [](const CardEditor& c) { c.reckon("Txt_Taux", "13", 2); },
+       kEmptied},
+      {"amount of an item", card::kItemAmount, [](const CardEditor& c) { c.reckon("Txt_Montant", "26", 1); },
        kEmptied},
       {"mutual insurance, employee", card::kMutualEmployee,
-       [](const Clerk& c) { c.enter("Txt_MutSalContrat", "12,35"); }, kEmptied},
+       [](const CardEditor& c) { c.enter("Txt_MutSalContrat", "12,35"); }, kEmptied},
       {"mutual insurance, employer", card::kMutualEmployer,
-       [](const Clerk& c) { c.enter("Txt_MutPatContrat", "43,22"); }, kEmptied},
-      {"charge item", card::kMutualCharge, [](const Clerk& c) { c.enter("Txt_ChargMutContrat", "401"); },
+       [](const CardEditor& c) { c.enter("Txt_MutPatContrat", "43,22"); }, kEmptied},
+      {"charge item", card::kMutualCharge, [](const CardEditor& c) { c.enter("Txt_ChargMutContrat", "401"); },
        kEmptied},
   };
   const store::DbRecord before = stored();
@@ -194,7 +199,7 @@ TEST_F(Results, AreEmptiedByWhatTheyAreMadeOfAndByNothingElse) {
     database_.put("VELANORO", kId, before);
     Office office(database_);
     office.component.init();
-    const Clerk clerk{office};
+    const CardEditor clerk{office};
     clerk.enter("Txt_Asso", "001");
     office.hand.type(office.ui.Txt_Aidant, "00010");
     test.change(clerk);
@@ -214,7 +219,7 @@ TEST_F(Results, AreEmptiedByTheMonthlyTimeOfAdministrativeStaff) {
   database_.put("VELANORO", kId, card);
   Office office(database_);
   office.component.init();
-  const Clerk clerk{office};
+  const CardEditor clerk{office};
   clerk.enter("Txt_Asso", "001");
   office.hand.type(office.ui.Txt_Aidant, "00010");
   clerk.amend("Txt_DureMens", "120");

@@ -191,7 +191,7 @@ std::string LineWatch::activities(Office& office, const Act& act) {
 std::string LineWatch::items(Office& office, const Act& act) {
   const Sight now = look(office);
   if (!same_card(now) || !sight_.form || !now.form || now.items == sight_.items) return {};
-  const Lines& before = sight_.items;
+  const Texts& before = sight_.items;
   const int edited = sight_.item;
   if (act.control == "Cmd_OK" && edited == kNew && added_at(now.items, before) >= 0) return {};
   if (act.control == "Cmd_OK" && edited >= 0 && now.items.size() == before.size() &&

@@ -148,8 +148,8 @@ std::string StoreJudge::lost_field(const DbRecord& card) const {
 
 void StoreJudge::judge(std::string_view file, std::string_view id, const DbRecord* record) {
   if (file != "VELANORO") return;
-  constexpr std::size_t kLength = card::kEmployeeCodeLength + card::kEntityCodeLength + 4;
-  if (id.size() != kLength || !all_digits(id)) breach_[0] = "a card goes by the id <" + std::string(id) + ">";
+  if (id.size() != card::kRecordIdLength || !all_digits(id))
+    breach_[0] = "a card goes by the id <" + std::string(id) + ">";
   if (!record) return;
   breach_[1] = bad_figure(*record);
   breach_[2] = new_fault(id, *record);

@@ -119,7 +119,7 @@ TEST_F(HostTest, WhatTheHostWritesIntoAControlShowsByItself) {
 
 TEST_F(HostTest, AFailureOfAnActOfTheHostsReachesTheHostAlone) {
   open_card();
-  database_.fail = true;
+  database_.fail_writes(true);
   int failures = 0;
   widget_.set_failure_handler([&](auto) { ++failures; });
   EXPECT_THROW(hand().click(control<screen::CommandButton>("Cmd_OK")), store::DbError);

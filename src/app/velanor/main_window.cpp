@@ -260,7 +260,7 @@ bool MainWindow::asks_and_may_leave() {
 // The rules may answer with one more message.
 void MainWindow::end_message() {
   qt::MessageSheet* sheet = leaving_ == Leaving::kNot ? nullptr : component_->open_message();
-  if (sheet) emit sheet->answered(qt::MessageSheet::closing_answer(sheet->message().buttons));
+  if (sheet) emit sheet->answered(sheet->closing_answer());
 }
 
 void MainWindow::go_on_leaving() {

@@ -25,10 +25,11 @@ std::string CardCommands::id_of(const std::string& employee) const {
 
 void CardCommands::write_card(store::FileRecord& card, const store::Expected& expected) {
   if (!card::is_record_id(card.id())) {
-    throw store::DbError(store::kStoreFailure,
-                         "La fiche « " + card.id() +
-                             " » ne peut pas être enregistrée : il manque un code de salarié, une entité ou "
-                             "une année.");
+    throw store::DbError(
+        store::kStoreFailure,
+        "La fiche « " + card.id() +
+            " » ne peut pas être enregistrée dans VELANORO : il manque un code de salarié, une "
+            "entité ou une année. Annulez, puis choisissez-les.");
   }
   card.DBWrite(expected);
 }
@@ -320,8 +321,10 @@ void CardCommands::RechCode() {
       return;
     }
   }
-  throw store::DbError(store::kStoreFailure,
-                       "Aucun code de salarié n'est libre pour cette entité et cette année.");
+  throw store::DbError(
+      store::kStoreFailure,
+      "Aucun code de salarié n'est libre pour cette entité et cette année : supprimez une fiche "
+      "qui ne sert plus.");
 }
 
 // ---- Back to browsing.

@@ -1,6 +1,7 @@
 #include "card/commands/card_fields.h"
 
 #include "card/commands/card_commands.h"
+#include "card/record/fit_codes.h"
 #include "card/record/record_layout.h"
 #include "card/record/reference_layout.h"
 #include "text/utf8.h"
@@ -88,10 +89,8 @@ LookupPair CardFields::file_pair(screen::TextBox& code, screen::ComboBox& label,
 LookupPair CardFields::profile_pair(screen::TextBox& code, screen::ComboBox& label,
                                     const store::DbResult& kept) {
   LookupPair pair = file_pair(code, label, control::File::kProfiles, kept);
-  pair.refusal = [](const std::string&, const store::DbRecord& profile) -> std::string_view {
-    return profile(card::profiles::kMandate) == card::kMarked
-               ? "Vous ne pouvez pas affecter un profil mandataire."
-               : "";
+  pair.refusal = [](const std::string&, const store::DbRecord& profile) {
+    return card::fits_profile(profile) ? std::string_view() : card::fit_of(card::kProfile1.list)->refusal;
   };
   return pair;
 }
@@ -99,8 +98,8 @@ LookupPair CardFields::profile_pair(screen::TextBox& code, screen::ComboBox& lab
 LookupPair CardFields::agreement_pair() {
   LookupPair pair = file_pair(on_.ui.Txt_ConvCol, on_.ui.Cbo_Convcol, control::File::kAgreements,
                               on_.lists.kept().agreements);
-  pair.refusal = [](const std::string& code, const store::DbRecord&) -> std::string_view {
-    return code == card::agreements::kReserved ? "Vous ne pouvez pas sélectionner cette convention." : "";
+  pair.refusal = [](const std::string& code, const store::DbRecord&) {
+    return card::fits_agreement(code) ? std::string_view() : card::fit_of(card::kAgreement.list)->refusal;
   };
   pair.accepted = [this](const store::DbRecord& agreement) { on_.card.agreement = agreement; };
   pair.incomplete = [this] { on_.card.agreement = {}; };
@@ -149,18 +148,17 @@ LookupPair CardFields::establishment_pair() {
 // A charge item must be one of its list, whose criteria are what makes it fit.
 LookupPair CardFields::charge_pair() {
   const store::DbResult& kept = on_.lists.kept().charges;
-  return {
-      .code = on_.ui.Txt_ChargMutContrat,
-      .label = on_.ui.Cbo_ChargMutContrat,
-      .unknown = "La rubrique de charge n'existe pas ou ne répond pas aux critères, veuillez la ressaisir.",
-      .read = [&kept](const std::string& code) -> std::optional<store::DbRecord> {
-        const int entry = reference::find_entry(kept, 1, code);
-        if (entry == 0) return std::nullopt;
-        store::DbRecord charge;
-        charge.set(card::kReferenceLabel, kept(entry, 2));
-        return charge;
-      },
-      .kept = kept};
+  return {.code = on_.ui.Txt_ChargMutContrat,
+          .label = on_.ui.Cbo_ChargMutContrat,
+          .unknown = card::fit_of(card::kMutualCharge.list)->refusal,
+          .read = [&kept](const std::string& code) -> std::optional<store::DbRecord> {
+            const int entry = reference::find_entry(kept, 1, code);
+            if (entry == 0) return std::nullopt;
+            store::DbRecord charge;
+            charge.set(card::kReferenceLabel, kept(entry, 2));
+            return charge;
+          },
+          .kept = kept};
 }
 
 void CardFields::bind_pairs(reference::LookupPairs& pairs, CardCommands& commands) {

@@ -55,8 +55,8 @@ void CardRecord::ChargerAidant() {
 
 // A card without one keeps the only one that its entity has.
 void CardRecord::load_establishment() {
-  const std::string_view code = text::mid(element(card_.draft.record(), kEstablishment),
-                                          kEntityCodeLength + 1, kEstablishmentCodeLength);
+  const std::string_view code =
+      text::left(own_code_of(element(card_.draft.record(), kEstablishment)), kOwnCodeLength);
   ui_.Txt_CodEtab.set_text(text::trim(code).empty() ? std::string_view(card_.only_establishment) : code);
 }
 

@@ -1,4 +1,5 @@
-// Dates of a card that cannot be, beside the others and today.
+// Dates of a card that cannot be, beside the others and today. The check and the import tell them; the
+// screen takes them.
 #pragma once
 
 #include <vector>

@@ -73,7 +73,7 @@ std::optional<Fault> fault_of(const Field& field, std::string_view stored) {
   if (decimals(field) > 0) return fault_of_figure(field, stored);
   // The screen shows the establishment without its entity.
   const bool establishment = field == kEstablishment;
-  return fault_of_length(field, establishment ? text::mid(stored, kEntityCodeLength + 1) : stored);
+  return fault_of_length(field, establishment ? own_code_of(stored) : stored);
 }
 
 }  // namespace velanor::card

@@ -32,8 +32,9 @@ inline constexpr int kMandate = 4;  // marked: never on a card
 
 // Payroll charges.
 namespace charges {
-inline constexpr int kNature = 16;
-}
+inline constexpr int kEmployeeShare = 11, kEmployerAlone = 15, kNature = 16, kEmployerShare = 30;
+inline constexpr std::string_view kMutual = "08", kAmount = "Montant";
+}  // namespace charges
 
 // Career grids; the code of one stands behind that of its agreement.
 namespace grids {

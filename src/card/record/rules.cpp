@@ -41,7 +41,7 @@ struct Rule {
 constexpr std::int64_t kHundredPercent = 10000;
 
 bool establishment_missing(const Facts& facts) {
-  return text::trim(text::mid(element(facts.card, kEstablishment), kEntityCodeLength + 1)).empty();
+  return text::trim(own_code_of(element(facts.card, kEstablishment))).empty();
 }
 
 bool shares_differ_from_100(const Facts& facts) {

@@ -12,12 +12,9 @@ namespace velanor::card {
 // Controls that are switched together.
 enum class Group {
   kMenu,
-  kLabel,
-  kEntity,   // entity and year
   kChoice,   // employee to open
   kNameBox,  // name of the open employee
   kDisplay,  // written by the program alone
-  kTabs,
   kEstablishmentBoxes,
   kContractKey,  // agreement and start date: locked once the card is stored
   kEmployee,
@@ -26,11 +23,10 @@ enum class Group {
   kActivityEntry,
   kAmendmentFrame,
   kAmendmentList,
-  kAmendmentScroll,
   kAmendmentEntry,
   kAmendmentButton,
   kMutual,
-  kCommand,
+  kAlone,  // each by itself, or with its field
 };
 
 // Pages of Ong_FichPers.
@@ -60,7 +56,7 @@ class CardScreen : public screen::Form {
   screen::TableColumns amendment_table();
 
   // Declared before the controls, which add themselves.
-  std::array<std::vector<screen::Control*>, static_cast<std::size_t>(Group::kCommand) + 1> groups_;
+  std::array<std::vector<screen::Control*>, static_cast<std::size_t>(Group::kAlone) + 1> groups_;
 
  public:
   using Label = screen::Label;
