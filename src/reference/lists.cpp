@@ -2,7 +2,6 @@
 
 #include "card/record/labels.h"
 #include "card/record/record_layout.h"
-#include "store/text_literal.h"
 #include "text/utf8.h"
 
 namespace velanor::reference {

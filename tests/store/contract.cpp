@@ -1,7 +1,6 @@
 #include "store/contract.h"
 
 #include "store/notation.h"
-#include "store/text_literal.h"
 
 namespace velanor::store {
 
