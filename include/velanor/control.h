@@ -85,7 +85,7 @@ class Control {
   Event got_focus;
 
  protected:
-  void touch() { ++revision_; }
+  void touch();
 
  private:
   Form& form_;

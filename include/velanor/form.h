@@ -68,6 +68,8 @@ class Form {
   bool abandons(const Control& control) const;
   // Asked when the close box is used: false keeps the form open.
   std::function<bool()> may_close;
+  // What a view shows of one of its controls has changed; for the toolkit that shows the form.
+  std::function<void()> changed;
   // A right mouse button press on the background.
   Event right_pressed;
 

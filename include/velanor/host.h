@@ -97,6 +97,8 @@ struct Opening {
   Outcome outcome = Outcome::kOpen;
   std::string why;  // a French sentence for the user; "" when the card is open
   bool is_open() const { return outcome == Outcome::kOpen; }
+  static Opening busy();
+  static Opening not_started();
 };
 
 }  // namespace velanor::control

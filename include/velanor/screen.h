@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,7 +23,14 @@ struct Message {
   Buttons buttons = Buttons::Ok;
   // The answer that Enter gives. Never the one that throws work away.
   Answer preset = Answer::Ok;
+  // What closing the box means, without an answer; else the last of its buttons.
+  std::optional<Answer> closing = {};
 };
+
+// Thrown by a toolkit whose window has gone, out of what it was asked: leaves the rules where they stand, for
+// none of them may go on. An act ends with it and lets nothing of it out. No std::exception, so that nobody
+// in between takes it for a failure that could be told.
+struct Gone {};
 
 // What the hands and eyes of the user are made of. All calls come from the thread of the
 // component; `message` returns when the user has answered.
@@ -89,7 +97,10 @@ class Screen {
   bool confirm_loss(std::string_view text, Icon icon = Icon::Question) {
     return say(text, icon, Buttons::YesNo, Answer::No) == Answer::Yes;
   }
-  Answer say(std::string_view text, Icon icon, Buttons buttons, Answer preset = Answer::Ok);
+  // Whether work is kept ("Oui") or dropped ("Non"); who closes the question has said neither: Cancel.
+  Answer keep_or_drop(std::string_view text, Icon icon = Icon::Question);
+  Answer say(std::string_view text, Icon icon, Buttons buttons, Answer preset = Answer::Ok,
+             std::optional<Answer> closing = {});
   // Message boxes shown so far; a click during which one opens is lost.
   int messages_shown() const { return messages_shown_; }
 

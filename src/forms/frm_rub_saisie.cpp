@@ -402,8 +402,10 @@ bool Frm_RubSaisie::hours_accepted() {
 void Frm_RubSaisie::Cmd_Retour_Click() {
   if (!card_.draft.same_items(copy_, context_.amendment - 1)) {
     screen_.toolkit().beep();
-    if (screen_.confirm("Voulez-vous enregistrer les modifications apportées à cet article ?",
-                        screen::Icon::Exclamation)) {
+    const auto answer = screen_.keep_or_drop(
+        "Voulez-vous enregistrer les modifications apportées à cet article ?", screen::Icon::Exclamation);
+    if (answer == screen::Answer::Cancel) return;
+    if (answer == screen::Answer::Yes) {
       write_grid();
       if (!hours_accepted()) return;
     } else {

@@ -75,7 +75,9 @@ QWidget* MessageSheet::make_contents() {
   return contents;
 }
 
-Answer MessageSheet::closing_answer(Buttons buttons) { return offered(buttons).back(); }
+Answer MessageSheet::closing_answer(const screen::Message& message) {
+  return message.closing.value_or(offered(message.buttons).back());
+}
 
 ActionButton* MessageSheet::button(Answer answer) const {
   for (const auto& [own, button] : buttons_) {
@@ -84,7 +86,9 @@ ActionButton* MessageSheet::button(Answer answer) const {
   return nullptr;
 }
 
-Answer MessageSheet::preset() const { return button(message_.preset) ? message_.preset : closing_answer(); }
+Answer MessageSheet::preset() const {
+  return button(message_.preset) ? message_.preset : offered(message_.buttons).back();
+}
 
 void MessageSheet::focus_preset() { button(preset())->setFocus(Qt::TabFocusReason); }
 

@@ -19,8 +19,8 @@ class MessageSheet : public Sheet {
   MessageSheet(const screen::Message& message, QWidget& over);
 
   // What closing the box without an answer means.
-  static screen::Answer closing_answer(screen::Buttons buttons);
-  screen::Answer closing_answer() const { return closing_answer(message_.buttons); }
+  static screen::Answer closing_answer(const screen::Message& message);
+  screen::Answer closing_answer() const { return closing_answer(message_); }
   ActionButton* button(screen::Answer answer) const;
   const screen::Message& message() const { return message_; }
   // The answer that Enter gives; where the message names none that it offers, the closing one.

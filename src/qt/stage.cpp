@@ -56,7 +56,8 @@ ControleVelanorWidget::Stage::Stage(ControleVelanorWidget& widget)
   auto* column = new QVBoxLayout(boards_);
   column->setContentsMargins(0, 0, 0, 0);
   column->addWidget(pages);
-  forms_.push_back({&base, nullptr, std::make_unique<FormViews>(*this, base, *pages)});
+  add_form(base, nullptr, *pages);
+  component_.listen(*this);
   connect(qApp, &QApplication::focusChanged, this, [this](QWidget* before, QWidget* now) {
     const bool ours = before && (before == boards_ || boards_->isAncestorOf(before));
     const bool same_window = now && now->window() == boards_->window();
@@ -77,6 +78,11 @@ QWidget* ControleVelanorWidget::Stage::make_pages(const screen::Form& form) cons
   return make<Ui::CardPages>();
 }
 
+void ControleVelanorWidget::Stage::add_form(screen::Form& form, Sheet* sheet, QWidget& pages) {
+  form.changed = [this] { control_changed(); };
+  forms_.push_back({&form, sheet, std::make_unique<FormViews>(*this, form, pages)});
+}
+
 View* ControleVelanorWidget::Stage::view_of(const screen::Control& control) const {
   for (const OpenForm& open : forms_) {
     if (open.form == &control.form()) return open.views->view_of(control);
@@ -88,15 +94,10 @@ View* ControleVelanorWidget::Stage::view_of(const screen::Control& control) cons
 
 void ControleVelanorWidget::Stage::start() {
   const Frame frame(*this);
-  std::exception_ptr failure;
-  {
-    const Scope acting(acting_);
-    failure = run([this] { component_.init(); });
-    refresh();
-    place_focus();
-  }
-  gate_.release();
-  if (failure && widget_) std::rethrow_exception(failure);
+  const std::exception_ptr failure = run([this] { screen().act([this] { component_.init(); }); });
+  if (!widget_) return;
+  show_start(component_.closed() ? failure : nullptr);
+  if (failure) std::rethrow_exception(failure);
 }
 
 // Taken off the widget, the boards stay for as long as there are frames that stand on them.
@@ -132,7 +133,7 @@ std::exception_ptr ControleVelanorWidget::Stage::run(const std::function<void()>
   const Scope in_rules(in_rules_);
   try {
     rules();
-  } catch (const Gone&) {
+  } catch (const screen::Gone&) {
   } catch (...) {
     return std::current_exception();
   }
@@ -146,22 +147,48 @@ bool ControleVelanorWidget::Stage::open_to(const screen::Control& control) const
 void ControleVelanorWidget::Stage::act(const std::function<void(screen::Hand&)>& what) {
   if (!idle()) return;
   const Frame frame(*this);
-  std::exception_ptr failure;
-  refused_ = false;
-  {
-    const Scope acting(acting_);
-    failure = run([&] {
+  const std::exception_ptr failure = run([&] {
+    screen().act([&] {
       screen::Hand hand(screen());
       what(hand);
     });
-    // Also where the rules failed half way: the control that has the focus may be locked by now.
+  });
+  if (failure) report(failure);
+}
+
+// Also where the rules failed half way: the control that has the focus may be locked by now.
+void ControleVelanorWidget::Stage::acted() {
+  const Frame frame(*this);
+  if (!widget_) return;
+  {
+    const Scope following(following_);
     if (!screen().finished()) run([&] { screen().top().settle_focus(); });
     refresh();
     place_focus();
   }
+  refused_ = false;
   gate_.release();
-  if (failure) report(failure);
-  if (widget_) emit widget_->acted();
+}
+
+// The host wrote into it itself. Many at a time are one.
+void ControleVelanorWidget::Stage::control_changed() {
+  if (!widget_ || at_work() || std::exchange(written_, true)) return;
+  const auto follow = [this] {
+    written_ = false;
+    act([](screen::Hand&) {});
+  };
+  QMetaObject::invokeMethod(this, follow, Qt::QueuedConnection);
+}
+
+control::Opening ControleVelanorWidget::Stage::open(std::string_view entity, std::string_view year,
+                                                    std::string_view employee) {
+  if (component_.closed()) return control::Opening::not_started();
+  if (!idle()) return control::Opening::busy();
+  const Frame frame(*this);
+  control::Opening opening = control::Opening::not_started();
+  const auto failure = run([&] { opening = component_.open(entity, year, employee); });
+  if (failure) std::rethrow_exception(failure);
+  return opening;
 }
 
 bool ControleVelanorWidget::Stage::press(screen::Control& control) {
@@ -177,7 +204,7 @@ bool ControleVelanorWidget::Stage::press(screen::Control& control) {
 
 // Menus, lists that open and other windows borrow the focus; they do not move it.
 void ControleVelanorWidget::Stage::focus_came(screen::Control& control, Qt::FocusReason reason) {
-  if (!widget_ || placing_ || acting_ || screen().finished()) return;
+  if (!widget_ || placing_ || at_work() || screen().finished()) return;
   const Frame frame(*this);
   if (reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason ||
       reason == Qt::MenuBarFocusReason)

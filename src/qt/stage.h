@@ -12,6 +12,8 @@
 #include "qt/message_sheet.h"
 #include "velanor/controle_velanor_widget.h"
 
+class QLabel;
+
 namespace velanor::qt {
 
 // The host may destroy the widget at any time, also while a message waits for its answer deep in the rules.
@@ -21,6 +23,7 @@ class ControleVelanorWidget::Stage : public QObject,
                                      public screen::Toolkit,
                                      public control::HelpViewer,
                                      public control::HostWindow,
+                                     public control::CardListener,
                                      public Acts {
  public:
   explicit Stage(ControleVelanorWidget& widget);
@@ -35,6 +38,8 @@ class ControleVelanorWidget::Stage : public QObject,
   MessageSheet* open_message() const { return messages_.empty() ? nullptr : messages_.back(); }
   Sheet* open_sheet() const { return forms_.back().sheet; }
   View* view_of(const screen::Control& control) const;
+
+  control::Opening open(std::string_view entity, std::string_view year, std::string_view employee);
 
   // False while the program itself moves the focus.
   bool step_focus(bool forward);
@@ -54,6 +59,7 @@ class ControleVelanorWidget::Stage : public QObject,
   screen::Answer message(const screen::Message& message) override;
   void form_opened(screen::Form& form) override;
   void form_closed(screen::Form& form) override;
+  void acted() override;
   void pop_up(screen::Menu& menu) override;
   void beep() override;
   void set_busy(bool busy) override;
@@ -62,6 +68,14 @@ class ControleVelanorWidget::Stage : public QObject,
   void show(control::Client* client, store::Database& database, std::string_view page, std::string_view title,
             std::string_view section) override;
   void unload() override;
+
+  // What the component tells of the cards.
+  void card_opened(const control::Card& card) override;
+  void card_saved(const control::Card& card) override;
+  void card_deleted(const control::Card& card) override;
+  void card_copied(const control::Card& card, const std::string& copy) override;
+  void card_closed(const control::Card& card) override;
+  void state_changed() override;
 
   control::HelpViewer* help = nullptr;
   std::function<void(std::exception_ptr)> failed;
@@ -76,8 +90,16 @@ class ControleVelanorWidget::Stage : public QObject,
   class Frame;
   class CallOut;
   class OpenMessage;
-  bool idle() const { return widget_ && !acting_ && messages_.empty() && !screen().finished(); }
+  // The rules are at work, or what is shown follows them.
+  bool at_work() const { return screen().acting() || following_; }
+  bool idle() const {
+    return widget_ && !at_work() && messages_.empty() && !component_.closed() && !screen().finished();
+  }
   QWidget* make_pages(const screen::Form& form) const;
+  void add_form(screen::Form& form, Sheet* sheet, QWidget& pages);
+  void control_changed();
+  template <typename Signal, typename... Values>
+  void tell(Signal signal, const Values&... values);
   std::exception_ptr run(const std::function<void()>& rules);
   void refresh();
   void place_focus();
@@ -87,9 +109,11 @@ class ControleVelanorWidget::Stage : public QObject,
   void window_closed(bool closed);
   void answer_messages();
   void report(const std::exception_ptr& failure);
+  void show_start(const std::exception_ptr& failure);
 
   ControleVelanorWidget* widget_;  // null when it has gone
   Boards* boards_;
+  QLabel* no_start_ = nullptr;  // in place of the pages when the component has not started
   mutable ControleVelanor component_;
   std::vector<OpenForm> forms_;
   std::vector<MessageSheet*> messages_;  // that wait, the topmost last
@@ -98,7 +122,11 @@ class ControleVelanorWidget::Stage : public QObject,
   const screen::Control* placed_ = nullptr;   // had the focus last
   const screen::Control* stepped_ = nullptr;  // where the user's step goes to
   int frames_ = 0;
-  bool acting_ = false;
+  control::State told_state_ = control::State::kNone;
+  QString told_id_, told_title_;
+  bool told_modified_ = false;
+  bool following_ = false;
+  bool written_ = false;  // by the host, into a control; what is shown follows soon
   bool placing_ = false;
   bool in_rules_ = false;
   bool called_out_ = false;  // by the rules

@@ -6,10 +6,6 @@
 
 namespace velanor::qt {
 
-// Leaves the rules where they stand, because the widget has gone: none of them may go on to the host's
-// store. No std::exception, so that nobody in between takes it for a failure that could be told.
-struct Gone {};
-
 // While one lives the stage does, and its boards.
 class ControleVelanorWidget::Stage::Frame {
  public:
@@ -36,7 +32,7 @@ class ControleVelanorWidget::Stage::CallOut {
   }
   // To be called at the end: the rules go on only as long as there is a widget.
   void return_if_there() const {
-    if (!stage_.widget_) throw Gone();
+    if (!stage_.widget_) throw screen::Gone();
   }
 
  private:

@@ -59,7 +59,8 @@ screen::Answer ControleVelanorWidget::Stage::ask(const screen::Message& message)
   const Frame frame(*this);
   refused_ = message.buttons == screen::Buttons::Ok && message.icon == screen::Icon::Exclamation;
   std::optional<screen::Answer> answer;
-  if (widget_ && !closed_) {
+  const bool told = widget_ && !closed_;
+  if (told) {
     refresh();
     QEventLoop loop;
     OpenMessage open(*this, message);
@@ -77,8 +78,9 @@ screen::Answer ControleVelanorWidget::Stage::ask(const screen::Message& message)
     if (!answer && widget_ && !closed_) loop.exec();
   }
   place_focus();
-  if (!acting_ || open_message()) gate_.release();
-  return answer.value_or(MessageSheet::closing_answer(message.buttons));
+  if (!at_work() || open_message()) gate_.release();
+  if (told && widget_) emit widget_->message_closed();
+  return answer.value_or(MessageSheet::closing_answer(message));
 }
 
 void ControleVelanorWidget::Stage::form_opened(screen::Form& form) {
@@ -87,7 +89,7 @@ void ControleVelanorWidget::Stage::form_opened(screen::Form& form) {
   QWidget* pages = make_pages(form);
   sheet->set_contents(pages);
   forms_.back().views->leave_all_but(nullptr);
-  forms_.push_back({&form, sheet, std::make_unique<FormViews>(*this, form, *pages)});
+  add_form(form, sheet, *pages);
   connect(sheet, &Sheet::close_asked, this, [this] { act([](screen::Hand& hand) { hand.close(); }); });
   set_mnemonics();
   refresh();

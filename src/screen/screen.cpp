@@ -22,6 +22,7 @@ namespace {
 std::exception_ptr failure_of(const std::function<void()>& what) {
   try {
     what();
+  } catch (const Gone&) {
   } catch (...) {
     return std::current_exception();
   }
@@ -65,9 +66,14 @@ bool Screen::request_close() {
   return !is_open(form);
 }
 
-Answer Screen::say(std::string_view text, Icon icon, Buttons buttons, Answer preset) {
+Answer Screen::keep_or_drop(std::string_view text, Icon icon) {
+  return say(text, icon, Buttons::YesNo, Answer::Yes, Answer::Cancel);
+}
+
+Answer Screen::say(std::string_view text, Icon icon, Buttons buttons, Answer preset,
+                   std::optional<Answer> closing) {
   ++messages_shown_;
-  return toolkit_.message({"Message TALVERINE", std::string(text), icon, buttons, preset});
+  return toolkit_.message({"Message TALVERINE", std::string(text), icon, buttons, preset, closing});
 }
 
 }  // namespace velanor::screen

@@ -87,6 +87,15 @@ TEST_F(Desk, StatusBarTellsWhatWasSavedCopiedAndDeleted) {
   EXPECT_EQ(clerk_.status(), "Fiche 99999 99999 supprimée");
 }
 
+TEST_F(Desk, ACopyOfWhatWasJustDeletedIsToldAsACopy) {
+  clerk_.open_card("00001");
+  clerk_.answer_next(Answer::Yes);
+  clerk_.click("Cmd_Supp");
+  clerk_.answer_next(Answer::Ok);
+  clerk_.click("Cmd_Copier");
+  EXPECT_EQ(clerk_.status(), "Fiche 00001 HUET FABIENNE copiée sur le code 99999");
+}
+
 TEST_F(Desk, ClosesAtOnceWhenNoCardIsOpen) {
   window_.close();
   EXPECT_TRUE(closed());

@@ -18,6 +18,7 @@
 #include "qt/binder.h"
 #include "qt/strings.h"
 #include "qt/text_edit.h"
+#include "velanor/hand.h"
 #include "window_test.h"
 
 namespace velanor::qt {
@@ -386,9 +387,29 @@ TEST_F(WidgetTest, EnterGivesTheAnswerThatTheMessageNames) {
     at_next_message([this](MessageSheet&) { press(Qt::Key_Return); });
     EXPECT_EQ(widget_.ask({.title = "T", .text = "?", .buttons = buttons, .preset = preset}), given);
     at_next_message([this](MessageSheet&) { press(Qt::Key_Escape); });
-    EXPECT_EQ(widget_.ask({.title = "T", .text = "?", .buttons = buttons, .preset = preset}),
-              MessageSheet::closing_answer(buttons));
+    const Answer last = buttons == Buttons::Ok      ? Answer::Ok
+                        : buttons == Buttons::YesNo ? Answer::No
+                                                    : Answer::Cancel;
+    EXPECT_EQ(widget_.ask({.title = "T", .text = "?", .buttons = buttons, .preset = preset}), last);
   }
+}
+
+// "Non" would drop what was entered, and closing the question is no answer to it.
+TEST_F(WidgetTest, EscapeAtTheQuestionOfTheItemFormStaysThere) {
+  open_card();
+  open_items_of_first_amendment();
+  screen::Hand(widget_.screen()).double_click(dynamic_cast<screen::ListBox&>(*top().find("Lst_Code")), 0);
+  paste("Txt_Base", "9");
+  click("Cmd_OK");
+  at_next_message([this](MessageSheet&) { press(Qt::Key_Escape); });
+  click("Cmd_Retour");
+  EXPECT_EQ(top().name(), "Frm_RubSaisie");
+  EXPECT_TRUE(widget_.modified());
+  at_next_message([this](MessageSheet&) { press(Qt::Key_Return); });
+  click("Cmd_Retour");
+  EXPECT_EQ(top().name(), "ControleVelanor");
+  EXPECT_EQ(widget_.card_in_hand()(31, 1, 1), "900");
+  EXPECT_EQ(told().size(), 2U);
 }
 
 TEST_F(WidgetTest, SheetsAreDialogsThatSayWhatTheyAsk) {
