@@ -59,18 +59,14 @@ class MapBackend : public velanor::store::Backend {
   std::uint64_t revision(std::string_view) override { return revision_; }
 
   void in_one_change(const std::function<void()>& writes) override {
-    if (changing_) return writes();
     Files before = files_;
-    changing_ = true;
     try {
       writes();
     } catch (...) {
-      changing_ = false;
       files_.swap(before);
       ++revision_;
       throw;
     }
-    changing_ = false;
   }
 
   // Nobody else writes meanwhile.
@@ -85,5 +81,4 @@ class MapBackend : public velanor::store::Backend {
 
   Files& files_;
   std::uint64_t revision_ = 0;
-  bool changing_ = false;
 };

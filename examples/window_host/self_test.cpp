@@ -86,7 +86,8 @@ void SelfTest::close_with_changes() {
     QCoreApplication::sendEvent(window_.focusWidget(), &escape);
   });
   window_.close();
-  while (!asked) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  while (!asked && window_.isVisible()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  must(asked, "The window closes without a question.");
   must(window_.isVisible(), "The window was closed against the answer.");
   must(window_.cards().modified(), "What was entered is lost.");
   enter_birth(velanor::entry::make_util_saisie()->InternalToDate(before_(9)));

@@ -127,8 +127,8 @@ class Database {
   // These two are for work on many records, such as an import; the component uses neither, and they throw a
   // DbError where they are not overridden. What the function throws goes on to the caller.
   // Carries out everything that `writes` writes through this database as one change: all of it, or nothing
-  // when it throws. What it reads sees what it wrote. Within another change it belongs to that one, and is
-  // undone with it alone.
+  // when it throws. What it reads sees what it wrote. Within another change it belongs to that one, and
+  // its failure must be let through.
   virtual void in_one_change(const std::function<void()>& writes);
   // Runs reads that see the database as it stands now, whatever others write meanwhile. It writes nothing.
   virtual void in_one_view(const std::function<void()>& reads);
