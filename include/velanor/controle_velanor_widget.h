@@ -62,14 +62,15 @@ class ControleVelanorWidget : public QWidget {
   const store::DbRecord& card_in_hand() const;
   // The widget that shows a control, and null where there is none.
   QWidget* widget_of(const screen::Control& control) const;
-  // The message box that waits for its answer, or null.
+  // The message box that waits for its answer, or null. What it is made of is the widget's own affair.
   MessageSheet* open_message() const;
   // The sheet of the topmost modal form, or null.
   QWidget* open_sheet() const;
   // A message of the host's own, drawn as the component's are. Runs an event loop until it is answered.
   screen::Answer ask(const screen::Message& message);
 
-  // Gets what a handler let out, after the act; without one the sentence is shown as a message.
+  // Gets what an act of the user's let out (see store::DbError), when it is over; without one the sentence is
+  // shown as a message. What the host does itself throws to the host.
   void set_failure_handler(std::function<void(std::exception_ptr)> handler);
 
   QSize sizeHint() const override { return {1250, 620}; }

@@ -21,8 +21,9 @@ struct TableColumn {
 };
 using TableColumns = std::vector<TableColumn>;
 
-// Holds no control itself: they are members of what derives from it, and register in the order
-// in which they are declared, which is the tab order.
+// Holds no control itself: they are members of what derives from it, and register in the order in which they
+// are declared, which is the tab order. The forms of a component live as long as it does; a host reads them
+// and finds their controls, and moves the focus by a Hand.
 class Form {
  public:
   Form(std::string_view name, std::string_view caption) : name_(name), caption_(caption) {}
@@ -38,6 +39,7 @@ class Form {
   const std::vector<Control*>& controls() const { return controls_; }
   // The control of that name, or null.
   Control* find(std::string_view name) const;
+  // Null where it has no pages.
   Tabs* tabs() const { return tabs_; }
 
   // Names the controls that are passed over.

@@ -10,10 +10,13 @@ class Database;
 
 namespace velanor::control {
 
+// All of these are called on the component's thread.
+
 // The access-rights component. The answer is kept and passed on to nobody.
 class UserRights {
  public:
   virtual ~UserRights() = default;
+  // Called once, when they are handed in.
   virtual std::string rights(std::string_view element) = 0;
 };
 
@@ -26,8 +29,8 @@ class Client {
 class HelpViewer {
  public:
   virtual ~HelpViewer() = default;
-  // Shows a page by file name, with a window title and a section letter. The client may be null
-  // when the host set none.
+  // Shows a page by file name, with a window title and a section letter, and does not wait until it is read.
+  // The client is null where the host set none.
   virtual void show(Client* client, store::Database& database, std::string_view page, std::string_view title,
                     std::string_view section) = 0;
 };

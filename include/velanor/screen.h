@@ -42,11 +42,14 @@ struct Comparison {
 // in between takes it for a failure that could be told.
 struct Gone {};
 
-// What the hands and eyes of the user are made of. All calls come from the thread of the
-// component; `message` returns when the user has answered.
+// What the hands and eyes of the user are made of. All calls come from the thread of the component, within
+// its acts, and none may destroy it; what they throw ends the act, and goes on to whoever acted. It must
+// outlive the component, whose forms live as long as it does.
 class Toolkit {
  public:
   virtual ~Toolkit() = default;
+  // Returns when the user has answered, with one of the buttons that the message offers. Meanwhile the
+  // component can be asked what is open, but nobody acts on it.
   virtual Answer message(const Message& message) = 0;
   // Lets the user choose line by line whose change is taken: an answer a line, Mine or Theirs; none at all
   // when he wants to go back. Nothing where the toolkit does not offer it: then the failure that asked for
@@ -75,7 +78,8 @@ class Busy {
   Toolkit& toolkit_;
 };
 
-// The stack of forms of one component. Forms and toolkit must outlive it.
+// The stack of forms of one component, and the acts on them. Forms and toolkit must outlive it. A host gets
+// that of its component, hands it to a Hand and looks at its forms; the rest is the rules' own.
 class Screen {
  public:
   Screen(Form& base, Toolkit& toolkit) : toolkit_(toolkit), stack_{{&base, {}}} {}

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "entry/decimal.h"
-#include "store/text_literal.h"
 
 namespace velanor::amendments {
 namespace {

@@ -3,7 +3,6 @@
 #include "card/record/fit_codes.h"
 #include "card/record/labels.h"
 #include "card/record/record_layout.h"
-#include "store/text_literal.h"
 #include "text/utf8.h"
 
 namespace velanor::reference {

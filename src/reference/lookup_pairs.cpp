@@ -1,7 +1,6 @@
 #include "reference/lookup_pairs.h"
 
 #include "entry/key_filters.h"
-#include "store/text_literal.h"
 #include "text/utf8.h"
 
 namespace velanor::reference {
