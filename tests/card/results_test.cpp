@@ -1,7 +1,10 @@
 // The results of the budget calculation: which changes of a card empty them, and what goes with a card.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "card/record/element.h"
+#include "card/record/named_fields.h"
 #include "support/failing_database.h"
 #include "support/office.h"
 
@@ -107,6 +110,8 @@ TEST_F(Results, AreEmptiedByWhatTheyAreMadeOfAndByNothingElse) {
       {"establishment", card::kEstablishment, [](const Clerk& c) { c.enter("Txt_CodEtab", "002"); }, kKept},
       {"nature", card::kContractNature,
        [](const Clerk& c) { c.choose("Cbo_NatureContrat", "02 Apprentissage"); }, kKept},
+      {"education", card::kEducation, [](const Clerk& c) { c.choose("Cbo_EtudeAidant", "1 Sans diplôme"); },
+       kKept},
       {"branch", card::kBranchEntry, [](const Clerk& c) { c.enter("Txt_DateBranche", "02/02/2015"); }, kKept},
 
       {"name", card::kName, [](const Clerk& c) { c.enter("Txt_NomAidant", "Martin"); }, kEmptied},
@@ -188,6 +193,15 @@ TEST_F(Results, AreEmptiedByWhatTheyAreMadeOfAndByNothingElse) {
       {"charge item", card::kMutualCharge, [](const Clerk& c) { c.enter("Txt_ChargMutContrat", "401"); },
        kEmptied},
   };
+  for (const card::Field& field : card::card_fields()) {
+    const bool locked = field == card::kAgreement || field == card::kContractStart;
+    const bool told_below = field == card::kMonthlyTime;
+    const bool told = std::any_of(std::begin(cases), std::end(cases),
+                                  [&](const auto& test) { return test.field == field; });
+    EXPECT_TRUE(told || told_below || locked)
+        << "tests/card/results_test.cpp does not say whether the results stand when " << field.name
+        << " changes";
+  }
   const store::DbRecord before = stored();
   for (const auto& test : cases) {
     SCOPED_TRACE(test.what);
