@@ -1,7 +1,10 @@
 // The results of the budget calculation: which changes of a card empty them, and what goes with a card.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "card/record/element.h"
+#include "card/record/named_fields.h"
 #include "support/failing_database.h"
 #include "support/office.h"
 
@@ -108,8 +111,9 @@ TEST_F(Results, AreEmptiedByWhatTheyAreMadeOfAndByNothingElse) {
        kKept},
       {"nature", card::kContractNature,
        [](const CardEditor& c) { c.choose("Cbo_NatureContrat", "02 Apprentissage"); }, kKept},
-      {"branch", card::kBranchEntry, [](const CardEditor& c) { c.enter("Txt_DateBranche", "02/02/2015"); },
+      {"education", card::kEducation, [](const CardEditor& c) { c.choose("Cbo_EtudeAidant", "1 Sans diplôme"); },
        kKept},
+      {"branch", card::kBranchEntry, [](const CardEditor& c) { c.enter("Txt_DateBranche", "02/02/2015"); }, kKept},
 
       {"name", card::kName, [](const CardEditor& c) { c.enter("Txt_NomAidant", "Martin"); }, kEmptied},
       {"hours of the establishment", card::kEstablishmentHours,
@@ -193,6 +197,15 @@ TEST_F(Results, AreEmptiedByWhatTheyAreMadeOfAndByNothingElse) {
       {"charge item", card::kMutualCharge, [](const CardEditor& c) { c.enter("Txt_ChargMutContrat", "401"); },
        kEmptied},
   };
+  for (const card::Field& field : card::card_fields()) {
+    const bool locked = field == card::kAgreement || field == card::kContractStart;
+    const bool told_below = field == card::kMonthlyTime;
+    const bool told = std::any_of(std::begin(cases), std::end(cases),
+                                  [&](const auto& test) { return test.field == field; });
+    EXPECT_TRUE(told || told_below || locked)
+        << "tests/card/results_test.cpp does not say whether the results stand when " << field.name
+        << " changes";
+  }
   const store::DbRecord before = stored();
   for (const auto& test : cases) {
     SCOPED_TRACE(test.what);

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "card/record/record_layout.h"
-#include "store/text_literal.h"
+#include "velanor/query.h"
 
 namespace velanor::card {
 namespace {
