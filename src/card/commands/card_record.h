@@ -44,7 +44,6 @@ class CardRecord {
   void load_end_reason();
   void load_establishment();
   std::string amount(const card::Draft& card, const card::Field& field) const;
-  void load_mutual_shares();
   void load_entry(screen::ComboBox& box, const card::Field& field);
   void load_charge();
 
