@@ -36,11 +36,10 @@ std::vector<EndReason> read_end_reasons() {
 
 Row offered_natures() {
   Row codes;
-  const Table tables = read_table(source("reference/TABLES.csv"));
-  const std::size_t code = tables.column_of(card::tables::kCodes);
-  const std::size_t offered = tables.column_of(card::tables::kOffered);
-  for (const Row& row : tables.rows) {
-    if (row[0] == "NATURECONTRAT" && row[offered] == card::kYes) codes.push_back(row[code]);
+  const Table all = read_table(source("reference/TABLES.csv"));
+  for (const Row& row : all.rows) {
+    if (row[0] == "NATURECONTRAT" && all.cell(row, card::tables::kOffered) == card::kYes)
+      codes.push_back(all.cell(row, card::tables::kCodes));
   }
   return codes;
 }
@@ -75,21 +74,18 @@ Catalogue::Catalogue()
 
 void Catalogue::read_agreements() {
   const Table all = read_table(source("reference/CONVENTIONCOL.csv"));
-  const std::size_t categories = all.column_of(card::agreements::kCategories);
   for (const Row& row : all.rows) {
     Agreement& agreement = agreements[row[0]];
-    agreement.categories = !row[categories].empty();
+    agreement.categories = !all.cell(row, card::agreements::kCategories).empty();
     agreement.two_generations = card::agreements::is_of_the_branch(row[0]);
   }
   const Table grids = read_table(source("reference/GRILLESCCBUDGET.csv"));
-  const std::size_t category = grids.column_of(card::grids::kCategory);
-  const std::size_t without = grids.column_of(card::grids::kNoQualifications);
-  const std::size_t open_to = grids.column_of(card::grids::kQualifications);
   for (const Row& row : grids.rows) {
     Agreement& agreement = agreements.at(row[0].substr(0, card::kAgreement.length));
     const bool current = !agreement.two_generations || in_new_generation(row[0]);
-    if (row[without] != card::kMarked)
-      agreement.grids.push_back({row[0], row[category], split(row[open_to], '|'), current});
+    if (grids.cell(row, card::grids::kNoQualifications) == card::kMarked) continue;
+    agreement.grids.push_back({row[0], grids.cell(row, card::grids::kCategory),
+                               split(grids.cell(row, card::grids::kQualifications), '|'), current});
   }
   for (auto& [code, agreement] : agreements) {
     for (const Qualification& qualification : qualifications) {
@@ -101,14 +97,13 @@ void Catalogue::read_agreements() {
 void Catalogue::read_items() {
   std::map<std::string_view, Item::Kind> kinds;
   const Table all = read_table(source("reference/RUBSAISIE.csv"));
-  const std::size_t type = all.column_of(card::items::kType);
-  const std::size_t rate_typed = all.column_of(card::items::kRateTyped);
-  const std::size_t figures = all.column_of(card::items::kFigures);
   for (const Row& row : all.rows) {
-    const bool rated = row[type] == "2" && (row[rate_typed] == card::kMarked || row[figures] == "2");
-    kinds[row[0]] = card::items::is_hours(row[type]) ? Item::Kind::kHours
-                    : rated                          ? Item::Kind::kBaseAndRate
-                                                     : Item::Kind::kAmount;
+    const auto type = all.cell(row, card::items::kType);
+    const bool rated = type == "2" && (all.cell(row, card::items::kRateTyped) == card::kMarked ||
+                                       all.cell(row, card::items::kFigures) == "2");
+    kinds[row[0]] = card::items::is_hours(type) ? Item::Kind::kHours
+                    : rated                     ? Item::Kind::kBaseAndRate
+                                                : Item::Kind::kAmount;
   }
   for (const Row& row : read_table(source("demo/rubriques.csv")).rows) {
     items.push_back({row[0], kinds.at(row[0]), number_of(row[1]), number_of(row[2]), bounds(row, 3),

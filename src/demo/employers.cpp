@@ -32,10 +32,10 @@ std::vector<Model> read_models() {
 
 void read_establishments(Employer& employer) {
   const Table all = read_table(source("reference/ETABLISSEMENT.csv"));
-  const std::size_t hours = all.column_of(card::establishments::kMonthlyHours);
   for (const Row& row : all.rows) {
     if (row[0].starts_with(employer.model)) {
-      employer.establishments.push_back({card::own_code_of(row[0]), number_of(row[hours])});
+      employer.establishments.push_back(
+          {card::own_code_of(row[0]), number_of(all.cell(row, card::establishments::kMonthlyHours))});
     }
   }
 }

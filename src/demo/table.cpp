@@ -20,10 +20,10 @@ int Table::attribute_of(std::size_t column) const {
   return number != 0 ? number : static_cast<int>(column);
 }
 
-std::size_t Table::column_of(int attribute) const {
+std::string_view Table::cell(const Row& row, int attribute) const {
   std::size_t column = 0;
   while (attribute_of(column) != attribute) ++column;
-  return column;
+  return row[column];
 }
 
 Row split(std::string_view text, char separator) {

@@ -16,8 +16,8 @@ struct Table {
 
   // The attribute that a column stands for: the number that its name begins with, otherwise its position.
   int attribute_of(std::size_t column) const;
-  // The column of an attribute; throws std::out_of_range where there is none.
-  std::size_t column_of(int attribute) const;
+  // What a row has of an attribute; throws std::out_of_range where no column stands for it.
+  std::string_view cell(const Row& row, int attribute) const;
 };
 
 // Reads a source; lines that begin with '#' and empty lines are passed over, the first other

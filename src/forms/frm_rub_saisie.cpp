@@ -448,8 +448,8 @@ void Frm_RubSaisie::Cmd_SaisieAuto_Click() {
 
 void Frm_RubSaisie::fill_from(const store::DbRecord& record, const Hours& hours) {
   const screen::Busy busy(screen_.toolkit());
-  for (const FilledItem& item : fill_template(record, hours, procedure_.file(control::File::kItems))) {
-    add_line(ui_.Lst_Code.count(), filled_line(item));
+  for (card::ItemText& item : fill_template(record, hours, procedure_.file(control::File::kItems))) {
+    add_line(ui_.Lst_Code.count(), filled_line(std::move(item)));
   }
   ui_.Bdv_Detail.fit(ui_.Lst_Code.count(), kPageOfLines);
   ui_.Cmd_SaisieAuto.set_enabled(false);
@@ -457,8 +457,7 @@ void Frm_RubSaisie::fill_from(const store::DbRecord& record, const Hours& hours)
 }
 
 // Empty figures of filled lines show as "0,00".
-card::ItemText Frm_RubSaisie::filled_line(const FilledItem& item) const {
-  card::ItemText line{item.code, item.label, {{{item.base, {}}, {item.rate, {}}, {item.amount, {}}}}};
+card::ItemText Frm_RubSaisie::filled_line(card::ItemText line) const {
   for (std::size_t f = 0; f < line.figures.size(); ++f) {
     const card::Field& column = card::kItemFigures[f];
     card::ItemText::Figure& own = line.figures[f];

@@ -141,7 +141,7 @@ class Frm_RubSaisie {
   std::string column_text(std::size_t figure, std::string_view text) const;
   // A line as the columns show it.
   card::ItemText in_columns(card::ItemText line) const;
-  card::ItemText filled_line(const FilledItem& item) const;
+  card::ItemText filled_line(card::ItemText line) const;
   // The edit line; a figure that reads as before is stored as before.
   card::ItemText edit_line();
   void add_line(int position, card::ItemText line);

@@ -33,24 +33,26 @@ BothHours both_hours(const store::DbRecord& record, const Hours& hours) {
 
 }  // namespace
 
-std::vector<FilledItem> fill_template(const store::DbRecord& record, const Hours& hours,
-                                      store::DbFile& items) {
+std::vector<card::ItemText> fill_template(const store::DbRecord& record, const Hours& hours,
+                                          store::DbFile& items) {
   const BothHours both = both_hours(record, hours);
-  std::vector<FilledItem> lines;
+  std::vector<card::ItemText> lines;
   for (int i = 1; !record(templates::kItem, i).empty(); ++i) {
     const auto item = items.find(record(templates::kItem, i));
     if (!item) continue;
-    FilledItem line{
-        std::string(record(templates::kItem, i)), std::string((*item)(card::kReferenceLabel)), {}, {}, {}};
+    card::ItemText line{
+        std::string(record(templates::kItem, i)), std::string((*item)(card::kReferenceLabel)), {}};
+    auto& [base, rate, amount] = line.figures;
     const std::string_view source = record(templates::kBaseSource, i);
-    line.base = source == "T"   ? both.worked
-                : source == "P" ? both.paid
-                                : entry::stored_to_text(record(templates::kFixedBase, i), 2, 2);
+    base.shown = source == "T"   ? both.worked
+                 : source == "P" ? both.paid
+                                 : entry::stored_to_text(record(templates::kFixedBase, i), 2, 2);
     const std::string_view own_rate = record(templates::kRate, i);
-    line.rate = entry::stored_to_text(own_rate.empty() ? (*item)(card::items::kDefaultRate) : own_rate, 4, 4);
-    const bool product = !line.base.empty() && !line.rate.empty();
-    line.amount = product ? entry::amount_of(line.base, line.rate)
-                          : entry::stored_to_text(record(templates::kFixedAmount, i), 2, 2);
+    rate.shown =
+        entry::stored_to_text(own_rate.empty() ? (*item)(card::items::kDefaultRate) : own_rate, 4, 4);
+    const bool product = !base.shown.empty() && !rate.shown.empty();
+    amount.shown = product ? entry::amount_of(base.shown, rate.shown)
+                           : entry::stored_to_text(record(templates::kFixedAmount, i), 2, 2);
     lines.push_back(std::move(line));
   }
   return lines;

@@ -110,7 +110,7 @@ TEST_F(DraftTest, SavingWritesOutWhatTheScreenImplies) {
   EXPECT_EQ(element(record, kNewMeasure, 2), "N");
 }
 
-TEST_F(DraftTest, EveryFaultIsFoundAndTheFirstIsTheOneTold) {
+TEST_F(DraftTest, EveryFaultIsFoundInTheOrderOfTheScreen) {
   EXPECT_EQ(faults_of(stored().record(), reading_.codec, 21186).size(), 0u);
   Draft card = stored();
   for (const Field& field : std::initializer_list<Field>{kSector, kProfile1, kExemptedHours})
@@ -123,7 +123,7 @@ TEST_F(DraftTest, EveryFaultIsFoundAndTheFirstIsTheOneTold) {
             (std::vector<std::string>{"Le secteur est obligatoire.", "Le profil de paie est obligatoire.",
                                       "Le pourcentage des heures exonérées est obligatoire.",
                                       "Aucun détail n'a été saisi pour l'avenant du 01/01/2026."}));
-  EXPECT_EQ(first_fault(card.record(), reading_.codec, 21186)->field.number, kSector.number);
+  EXPECT_EQ(faults_of(card.record(), reading_.codec, 21186).front().field.number, kSector.number);
 }
 
 }  // namespace

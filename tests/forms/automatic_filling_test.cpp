@@ -59,10 +59,11 @@ TEST_F(AutomaticFilling, MakesHoursWorkedOfHoursPaid) {
   EXPECT_EQ(filled("Txt_NbHresPayees", "110"), kLines);
 }
 
-std::string texts(const std::vector<forms::FilledItem>& items) {
+std::string texts(const std::vector<card::ItemText>& items) {
   std::string text;
   for (const auto& item : items) {
-    for (const std::string& part : {item.code, item.base, item.rate, item.amount}) text += part + "|";
+    text += item.code + "|";
+    for (const auto& figure : item.figures) text += figure.shown + "|";
     text += " ";
   }
   return text;

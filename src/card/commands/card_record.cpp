@@ -46,7 +46,7 @@ void CardRecord::ChargerAidant() {
   load_end_reason();
   ui_.Cmd_Detail.set_enabled(true);
   load_establishment();
-  load_mutual_shares();
+  for (const auto& [box, share] : shares_) box->show_whole(amount(card_.draft, share));
   load_charge();
   load_entry(ui_.Cbo_NatureContrat, kContractNature);
   if (ui_.Txt_DateBranche.visible()) ui_.Txt_DateBranche.show_whole(card_.draft.shown(kBranchEntry));
@@ -92,10 +92,6 @@ void CardRecord::load_end_reason() {
 
 std::string CardRecord::amount(const Draft& card, const Field& field) const {
   return entry_.FormatAmount(card.shown(field), decimals(field), integer_digits(field));
-}
-
-void CardRecord::load_mutual_shares() {
-  for (const auto& [box, share] : shares_) box->show_whole(amount(card_.draft, share));
 }
 
 // An entry that is not offered any more is shown by its label, a code that has left the table by

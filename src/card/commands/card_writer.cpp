@@ -102,7 +102,8 @@ std::optional<store::DbRecord> CardWriter::put_together(const card::Draft& befor
 std::optional<card::Fault> CardWriter::fault_of(const store::DbRecord& card,
                                                 const card::Reading& reading) const {
   const auto reference = entry::parse_decimal(control::reference_date(procedure_), 0).value_or(0);
-  return card::first_fault(card, reading.codec, reference);
+  const auto faults = card::faults_of(card, reading.codec, reference);
+  return faults.empty() ? std::nullopt : std::optional(faults.front());
 }
 
 CardWriter::Outcome CardWriter::remove(const store::FileRecord& stored,

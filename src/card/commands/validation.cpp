@@ -26,13 +26,14 @@ screen::Control* Validation::control_of(const card::Field& field) const {
 void Validation::VerifZone() {
   const auto reference = entry::parse_decimal(control::reference_date(procedure_), 0).value_or(0);
   const card::Draft card = record_.entered();
-  const auto fault = card::first_fault(card.record(), card.reading().codec, reference);
-  if (!fault) return;
-  screen_.refuse(fault->sentence());
+  const auto faults = card::faults_of(card.record(), card.reading().codec, reference);
+  if (faults.empty()) return;
+  const card::Fault& fault = faults.front();
+  screen_.refuse(fault.sentence());
   card_.Erreur = true;
-  screen::Control* control = control_of(fault->field);
+  screen::Control* control = control_of(fault.field);
   auto* box = dynamic_cast<screen::TextControl*>(control);
-  if (box && fault->is_a_wrong_value) box->set_text({});
+  if (box && fault.is_a_wrong_value) box->set_text({});
   if (control) ui_.set_focus(*control);
 }
 

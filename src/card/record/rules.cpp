@@ -107,42 +107,23 @@ constexpr Rule kRules[] = {
      no_amendment_at_start},
 };
 
-// Hands each fault to `tell` until it wants no more.
-template <typename Tell>
-void find_faults(const Facts& facts, Tell tell) {
-  for (const Rule& rule : kRules) {
-    if (rule.broken ? !rule.broken(facts) : !facts.missing(rule.field)) continue;
-    Fault fault(std::string(rule.sentence), rule.value ? rule.value(facts) : std::string());
-    fault.field = rule.field;
-    fault.is_a_wrong_value = rule.is_a_wrong_value;
-    if (!tell(std::move(fault))) return;
-  }
-  for (int i = 1; i <= facts.amendments; ++i) {
-    if (!element(facts.card, kItemCode, i).empty()) continue;
-    const std::string date = facts.codec.shown(facts.card, kEffective, i);
-    if (!tell(Fault("Aucun détail n'a été saisi pour l'avenant du ….", date))) return;
-  }
-}
-
 }  // namespace
 
 std::vector<Fault> faults_of(const store::DbRecord& card, const Codec& codec, std::int64_t reference_day) {
+  const Facts facts{card, codec, reference_day};
   std::vector<Fault> faults;
-  find_faults({card, codec, reference_day}, [&](Fault fault) {
-    faults.push_back(std::move(fault));
-    return true;
-  });
+  for (const Rule& rule : kRules) {
+    if (rule.broken ? !rule.broken(facts) : !facts.missing(rule.field)) continue;
+    faults.emplace_back(std::string(rule.sentence), rule.value ? rule.value(facts) : std::string());
+    faults.back().field = rule.field;
+    faults.back().is_a_wrong_value = rule.is_a_wrong_value;
+  }
+  for (int i = 1; i <= facts.amendments; ++i) {
+    if (element(card, kItemCode, i).empty())
+      faults.emplace_back("Aucun détail n'a été saisi pour l'avenant du ….",
+                          codec.shown(card, kEffective, i));
+  }
   return faults;
-}
-
-std::optional<Fault> first_fault(const store::DbRecord& card, const Codec& codec,
-                                 std::int64_t reference_day) {
-  std::optional<Fault> first;
-  find_faults({card, codec, reference_day}, [&](Fault fault) {
-    first = std::move(fault);
-    return false;
-  });
-  return first;
 }
 
 }  // namespace velanor::card
