@@ -69,7 +69,6 @@ void CardGuide::lead_to(const Wanted& wanted) {
   card::CardScreen& ui = on_.ui;
   screen::Hand hand(on_.screen);
   ui.forget_focus();
-  ui.Txt_Aidant.set_text({});
   const bool chosen = ui.Txt_Asso.text() == wanted.entity && !ui.Cbo_Asso.edited();
   if (!chosen) {
     hand.replace_text(ui.Txt_Asso, {});
