@@ -37,7 +37,6 @@ inline constexpr std::uint32_t kNotOffered = 0x80040004;
 // every other failure.
 inline constexpr std::uint32_t kStoreFailure = 0x80040001;
 
-
 // The one error of a store. It ends the operation in progress and reaches the host. Its sentence is in
 // French, for the user: what happened, and what to do.
 class DbError : public std::runtime_error {
@@ -128,9 +127,9 @@ class Database {
   // Runs a request in its encoded form (see DbQuery). `option` is always "". Sees every write before it.
   virtual DbResult Select(std::string_view request, std::string_view option = {}) = 0;
 
-  // These two are for work on many records, such as an import, or the deletion of a card with what was computed
-  // of it, which the component does call by call where the database has no changes. They throw a DbError
-  // (kNotOffered) where they are not overridden. What the function throws goes on to the caller.
+  // These two are for work on many records, such as an import, or the deletion of a card with what was
+  // computed of it, which the component does call by call where the database has no changes. They throw a
+  // DbError (kNotOffered) where they are not overridden. What the function throws goes on to the caller.
   // Carries out everything that `writes` writes through this database as one change: all of it, or nothing
   // when it throws. What it reads sees what it wrote. Within another change it belongs to that one, and
   // its failure must be let through.

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "card/record/element.h"
-#include "velanor/date.h"
 #include "card/record/record_compare.h"
+#include "velanor/date.h"
 
 namespace velanor::demo {
 namespace {

@@ -8,8 +8,8 @@
 #include "control/session/years.h"
 #include "demo/source.h"
 #include "demo/table.h"
-#include "velanor/date.h"
 #include "text/utf8.h"
+#include "velanor/date.h"
 
 namespace velanor::exchange {
 namespace {

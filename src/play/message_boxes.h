@@ -19,8 +19,8 @@ class MessageBoxes {
   // are failures; then the answer is the one of a person who closes the box.
   screen::Answer show(const screen::Message& message);
 
-  // Lines to choose: noted as a box with a line each, "NAME : BEFORE | THEIRS | MINE"; takes an answer a line,
-  // or Annuler for all of them.
+  // Lines to choose: noted as a box with a line each, "NAME : BEFORE | THEIRS | MINE"; takes an answer a
+  // line, or Annuler for all of them.
   std::vector<screen::Answer> compare(const screen::Comparison& comparison);
 
   // The boxes that were shown and not taken yet, oldest first.

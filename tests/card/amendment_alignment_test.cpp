@@ -6,8 +6,8 @@
 #include <random>
 
 #include "card/record/element.h"
-#include "velanor/date.h"
 #include "support/office.h"
+#include "velanor/date.h"
 
 namespace velanor::test {
 namespace {

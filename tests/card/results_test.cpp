@@ -111,9 +111,10 @@ TEST_F(Results, AreEmptiedByWhatTheyAreMadeOfAndByNothingElse) {
        kKept},
       {"nature", card::kContractNature,
        [](const CardEditor& c) { c.choose("Cbo_NatureContrat", "02 Apprentissage"); }, kKept},
-      {"education", card::kEducation, [](const CardEditor& c) { c.choose("Cbo_EtudeAidant", "1 Sans diplôme"); },
+      {"education", card::kEducation,
+       [](const CardEditor& c) { c.choose("Cbo_EtudeAidant", "1 Sans diplôme"); }, kKept},
+      {"branch", card::kBranchEntry, [](const CardEditor& c) { c.enter("Txt_DateBranche", "02/02/2015"); },
        kKept},
-      {"branch", card::kBranchEntry, [](const CardEditor& c) { c.enter("Txt_DateBranche", "02/02/2015"); }, kKept},
 
       {"name", card::kName, [](const CardEditor& c) { c.enter("Txt_NomAidant", "Martin"); }, kEmptied},
       {"hours of the establishment", card::kEstablishmentHours,

@@ -5,8 +5,8 @@
 #include "card/record/amendment_columns.h"
 #include "card/record/element.h"
 #include "card/record/reference_layout.h"
-#include "velanor/date.h"
 #include "entry/decimal.h"
+#include "velanor/date.h"
 
 namespace velanor::test {
 namespace {

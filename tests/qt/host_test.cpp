@@ -119,6 +119,7 @@ TEST_F(HostTest, WhatTheHostWritesIntoAControlShowsByItself) {
 
 TEST_F(HostTest, AFailureOfAnActOfTheHostsReachesTheHostAlone) {
   open_card();
+  hand().replace_text(control<screen::TextBox>("Txt_PlafSecu"), "1,00");
   database_.fail_writes(true);
   int failures = 0;
   widget_.set_failure_handler([&](auto) { ++failures; });

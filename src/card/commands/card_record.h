@@ -50,7 +50,6 @@ class CardRecord {
   void load_end_reason();
   void load_establishment();
   std::string amount(const card::Draft& card, const card::Field& field) const;
-  void load_mutual_shares();
   std::vector<std::string> entries() const;
   void load_entry(screen::ComboBox& box, const card::Field& field);
   void load_charge();

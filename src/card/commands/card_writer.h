@@ -22,10 +22,11 @@ class CardWriter {
 
   enum class Outcome {
     kDone,
-    kBack,  // the user goes back to the card; nothing was written
+    kUnchanged,  // there was nothing to write
+    kBack,       // the user goes back to the card; nothing was written
   };
-  // `stored` is the card as it was opened, and then as it was written. Nothing is written where nothing has
-  // changed. Throws store::DbError; kConflict where the toolkit cannot ask the user.
+  // `stored` is the card as it was opened, and then as it was written. Throws store::DbError; kConflict where
+  // the toolkit cannot ask the user.
   Outcome save(store::FileRecord& stored, const card::Draft& entered);
   // One that somebody has changed meanwhile is deleted only if the user says so again. `with_it` deletes what
   // goes with the card, in the same change where the database can make one.

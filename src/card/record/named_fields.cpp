@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "velanor/date.h"
 #include "entry/decimal.h"
 #include "text/number.h"
 #include "text/utf8.h"
+#include "velanor/date.h"
 
 namespace velanor::card {
 namespace {

@@ -6,9 +6,9 @@
 #include "card/record/known_files.h"
 #include "card/record/reference_layout.h"
 #include "control/session/years.h"
-#include "velanor/date.h"
 #include "text/number.h"
 #include "text/utf8.h"
+#include "velanor/date.h"
 
 namespace velanor::card {
 namespace {
