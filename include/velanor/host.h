@@ -39,8 +39,8 @@ class HelpViewer {
 class HostWindow {
  public:
   virtual ~HostWindow() = default;
-  // The user left the component: the last call that it makes. The window may not destroy the
-  // component before the call has returned.
+  // The user left the component: its last call to the host, but for the toolkit's `acted`. The window may not
+  // destroy the component before the act in which it is called is over.
   virtual void unload() = 0;
 };
 
