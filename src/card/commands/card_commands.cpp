@@ -284,14 +284,12 @@ void CardCommands::Cmd_OK_Click() {
   on_.card.CodeAidant = on_.ui.Txt_Aidant.text();
   // What the clerk sees stays what is in hand if the store fails.
   const card::Draft in_hand = on_.card.draft;
-  auto outcome = CardWriter::Outcome::kDone;
   try {
     on_.record.ChargerDonnees();
     if (on_.card.Creation) {
       on_.card.file = write_new_card([this](const std::string&) { return on_.card.draft.record(); });
     } else {
-      outcome = writer_.save(*on_.card.file, on_.card.draft);
-      if (outcome == CardWriter::Outcome::kBack) {
+      if (writer_.save(*on_.card.file, on_.card.draft) == CardWriter::Outcome::kBack) {
         on_.card.draft = in_hand;
         return;
       }
@@ -301,7 +299,7 @@ void CardCommands::Cmd_OK_Click() {
     if (on_.card.Creation) on_.card.file.reset();
     throw;
   }
-  if (outcome == CardWriter::Outcome::kDone) tell_of_stored(CardEvent::Kind::kSaved);
+  tell_of_stored(CardEvent::Kind::kSaved);
   clear_display();
   const std::exception_ptr failure = return_to_browsing();
   on_.ui.Cmd_Ajout.set_enabled(true);

@@ -39,7 +39,7 @@ void in_one_change(store::Database& database, const std::function<void()>& write
 }  // namespace
 
 CardWriter::Outcome CardWriter::save(store::FileRecord& stored, const card::Draft& entered) {
-  if (entered.record() == stored) return Outcome::kUnchanged;
+  if (entered.record() == stored) return Outcome::kDone;
   store::DbFile& cards = procedure_.file(control::File::kCards);
   const card::Draft before(entered.reading(), stored);
   store::DbRecord wanted = entered.record();

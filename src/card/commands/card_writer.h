@@ -21,9 +21,8 @@ class CardWriter {
       : procedure_(procedure), screen_(screen) {}
 
   enum class Outcome {
-    kDone,
-    kUnchanged,  // there was nothing to write
-    kBack,       // the user goes back to the card; nothing was written
+    kDone,  // it is stored as it was entered; where nothing has changed, nothing was written
+    kBack,  // the user goes back to the card; nothing was written
   };
   // `stored` is the card as it was opened, and then as it was written. Throws store::DbError; kConflict where
   // the toolkit cannot ask the user.
