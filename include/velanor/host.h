@@ -73,8 +73,8 @@ class CardListener {
   virtual ~CardListener() = default;
   // A card is on the screen, to be made, changed or read.
   virtual void card_opened(const Card&) {}
-  // It was saved: it is stored as it stood on the screen. A new one for the first time: its id is the one that
-  // it was given. One in which nothing had changed was not written again.
+  // It was saved: it is stored as it stood on the screen. A new one for the first time: its id is the one
+  // that it was given. One in which nothing had changed was not written again.
   virtual void card_saved(const Card&) {}
   // Its record was removed.
   virtual void card_deleted(const Card&) {}
