@@ -23,7 +23,7 @@ QFont fixed_pitch(const QFont& like) {
   return font;
 }
 
-// Two lines of the ordinary font; said in full, or the header would inherit the list's.
+// In the ordinary font; said in full, or the header would inherit the list's.
 void give_headings(QHeaderView& header) {
   QFont font = QApplication::font();
   font.setFamily(font.family());
@@ -31,7 +31,6 @@ void give_headings(QHeaderView& header) {
   font.setStyleHint(QFont::SansSerif);
   font.setPointSizeF(font.pointSizeF());
   header.setFont(font);
-  header.setFixedHeight(2 * QFontMetrics(font).height() + 6);
 }
 
 std::vector<screen::ListBox*> lists_of(const screen::TableColumns& columns) {

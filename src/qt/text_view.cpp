@@ -1,6 +1,8 @@
 #include "qt/text_view.h"
 
+#include <QHelpEvent>
 #include <QKeyEvent>
+#include <QToolTip>
 #include <algorithm>
 
 #include "qt/strings.h"
@@ -108,6 +110,19 @@ bool TextView::key(QKeyEvent& event) {
   if (!open) return true;
   const screen::Scope typed(typed_, code);
   acts().act([&](screen::Hand& hand) { hand.press(text_, Key{code}, selection()); });
+  return true;
+}
+
+bool TextView::is_cut() const {
+  constexpr int kFrame = 8;
+  return edit_ && edit_->fontMetrics().horizontalAdvance(edit_->text()) > edit_->width() - kFrame;
+}
+
+// What the box cannot show, the hint says first.
+bool TextView::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::ToolTip || !is_cut()) return View::eventFilter(watched, event);
+  QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), edit_->text() + '\n' + widget().toolTip(),
+                     edit_);
   return true;
 }
 

@@ -193,6 +193,7 @@ TEST_F(WidgetTest, ListOfThirtyFiveThousandTownsOpensAndIsTypedInto) {
   open_card();
   auto& towns = static_cast<screen::ComboBox&>(*widget_.screen().base().find("Cbo_Com"));
   std::vector<std::string> many;
+  many.reserve(35000);
   for (int i = 0; i < 35000; ++i) many.push_back("Commune " + std::to_string(i));
   towns.refill(many);
   auto& box = widget<QComboBox>("Cbo_Com");
