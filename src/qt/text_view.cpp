@@ -109,7 +109,7 @@ bool TextView::key(QKeyEvent& event) {
   event.accept();
   if (!open) return true;
   const screen::Scope typed(typed_, code);
-  acts().act([&](screen::Hand& hand) { hand.press(text_, Key{code}, selection()); });
+  acts().act([&](screen::Hand& hand) { return hand.press(text_, Key{code}, selection()); });
   return true;
 }
 
@@ -129,7 +129,7 @@ bool TextView::eventFilter(QObject* watched, QEvent* event) {
 void TextView::text_changed() {
   if (showing()) return;
   if (acts().open_to(text_))
-    acts().act([this](screen::Hand& hand) { hand.replace_text(text_, from_qt(edit_->text())); });
+    acts().act([this](screen::Hand& hand) { return hand.replace_text(text_, from_qt(edit_->text())); });
   refresh_again();
 }
 

@@ -418,7 +418,9 @@ TEST_F(WidgetTest, EnterGivesTheAnswerThatTheMessageNames) {
 TEST_F(WidgetTest, EscapeAtTheQuestionOfTheItemFormStaysThere) {
   open_card();
   open_items_of_first_amendment();
-  screen::Hand(widget_.screen()).double_click(dynamic_cast<screen::ListBox&>(*top().find("Lst_Code")), 0);
+  EXPECT_EQ(
+      screen::Hand(widget_.screen()).double_click(dynamic_cast<screen::ListBox&>(*top().find("Lst_Code")), 0),
+      "");
   paste("Txt_Base", "9");
   click("Cmd_OK");
   at_next_message([this](MessageSheet&) { press(Qt::Key_Escape); });
