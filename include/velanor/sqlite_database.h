@@ -1,7 +1,9 @@
 // The embedded store: all files of records in one SQLite database file.
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,6 +33,8 @@ class SqliteDatabase : public StoreDatabase {
     Missing missing = Missing::kFail;
     // How long a write waits for other programs, in milliseconds.
     int patience = 5000;
+    // Seconds since 1970, UTC; the system's where nothing is given.
+    std::function<std::int64_t()> clock = {};
   };
 
   // A file of another kind, or written by a later version, is refused and left as it is; an older
@@ -38,9 +42,11 @@ class SqliteDatabase : public StoreDatabase {
   // opened for reading; every write then fails.
   explicit SqliteDatabase(const std::string& path) : SqliteDatabase(path, Options()) {}
   SqliteDatabase(const std::string& path, Options options);
+  ~SqliteDatabase() override;
 
   // Whether it is open for reading alone.
   bool read_only() const override;
+  History* history() override { return history_.get(); }
 
   // One change of many records is also fast. Others wait with their writes meanwhile, and see nothing
   // before its end. Nobody waits for a view; to write inside one is an error.
@@ -63,6 +69,7 @@ class SqliteDatabase : public StoreDatabase {
   explicit SqliteDatabase(std::unique_ptr<sqlite::SqliteBackend> backend);
 
   sqlite::SqliteBackend* backend_;
+  std::unique_ptr<History> history_;
 };
 
 }  // namespace velanor::store

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <random>
 
+#include "sqlite/as_nobody.h"
 #include "sqlite/temporary_folder.h"
 #include "store/contract.h"
 #include "store/notation.h"
@@ -224,16 +225,6 @@ TEST_F(SqliteFile, AFileThatIsNotThereIsNotCreatedUnlessThatIsAsked) {
                 "avez le droit de les lire et d'y écrire.");
   EXPECT_FALSE(std::filesystem::exists(path_));
 }
-
-// Some user who owns nothing: root may write everywhere.
-class AsNobody {
- public:
-  AsNobody() { [[maybe_unused]] const int done = seteuid(kNobody); }
-  ~AsNobody() { [[maybe_unused]] const int done = seteuid(getuid()); }
-
- private:
-  static constexpr uid_t kNobody = 65534;
-};
 
 TEST_F(SqliteFile, WhatMayNotBeWrittenIsReadAndEveryWriteIsRefusedWithASentence) {
   namespace fs = std::filesystem;

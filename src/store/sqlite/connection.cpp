@@ -103,6 +103,10 @@ std::string_view Statement::bytes(int column) const {
   return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column))};
 }
 
+bool Statement::is_null(int column) const {
+  return sqlite3_column_type(statement_.get(), column) == SQLITE_NULL;
+}
+
 // What it returns has been said by the step already.
 void Statement::reset() { sqlite3_reset(statement_.get()); }
 

@@ -29,6 +29,7 @@ class Statement {
   bool step();
   std::int64_t number(int column) const;
   std::string_view bytes(int column) const;
+  bool is_null(int column) const;
   void reset();
 
  private:

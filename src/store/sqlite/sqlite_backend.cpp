@@ -1,5 +1,8 @@
 #include "store/sqlite/sqlite_backend.h"
 
+#include <pwd.h>
+#include <unistd.h>
+
 #include <utility>
 
 #include "store/sqlite/schema.h"
@@ -9,34 +12,60 @@ namespace {
 
 std::string reversed(std::string_view id) { return {id.rbegin(), id.rend()}; }
 
+std::string user_of_the_system() {
+  const passwd* user = getpwuid(geteuid());
+  return user == nullptr ? std::to_string(geteuid()) : clean_text(user->pw_name);
+}
+
 Connection opened(const std::string& path, Missing missing, int patience) {
   Connection connection(path, missing, patience);
   prepare(connection);
   return connection;
 }
 
+// Whether what stands there is as expected.
+bool holds(const Expected& expected, const std::optional<RecordWriter::Current>& current) {
+  if (!current) return expected.holds_for(std::nullopt);
+  // A damaged record is none that anybody can have read.
+  return expected.holds_for(current->sound ? DbRecord::from_encoded(current->content) : DbRecord());
+}
+
+DbError change_is_broken(const std::string& path) {
+  return {kStoreFailure, "La base « " + path +
+                             " » n'a pas été modifiée : une des écritures a échoué, et les autres avec elle. "
+                             "Recommencez."};
+}
+
+// A mode that ends however its scope is left.
+template <class Act>
+class OnExit {
+ public:
+  explicit OnExit(Act act) : act_(std::move(act)) {}
+  ~OnExit() { act_(); }
+  OnExit(const OnExit&) = delete;
+  OnExit& operator=(const OnExit&) = delete;
+
+ private:
+  Act act_;
+};
+
 }  // namespace
 
 SqliteBackend::Shelf::Shelf(const std::string& path, Missing missing, int patience)
     : connection(opened(path, missing, patience)),
       find(connection, "SELECT content FROM record WHERE file = ?1 AND id = ?2"),
-      put(connection,
-          "INSERT INTO record(file, id, tail, content) VALUES (?1, ?2, ?3, ?4) "
-          "ON CONFLICT(file, id) DO UPDATE SET content = excluded.content"),
-      create(connection,
-             "INSERT INTO record(file, id, tail, content) VALUES (?1, ?2, ?3, ?4) ON CONFLICT DO NOTHING"),
-      erase(connection, "DELETE FROM record WHERE file = ?1 AND id = ?2"),
       ids(connection, "SELECT id FROM record WHERE file = ?1 AND id >= ?2 ORDER BY id"),
       records(connection, "SELECT id, content FROM record WHERE file = ?1 AND id >= ?2 ORDER BY id"),
       tails(connection, "SELECT id, content, tail FROM record WHERE file = ?1 AND tail >= ?2 ORDER BY tail"),
       number(connection, "SELECT number FROM file WHERE name = ?1"),
-      add_file(connection, "INSERT OR IGNORE INTO file(name) VALUES (?1)"),
       revision(connection, "SELECT revision FROM file WHERE name = ?1") {}
 
-SqliteBackend::SqliteBackend(std::string path, Missing missing, int patience)
+SqliteBackend::SqliteBackend(std::string path, Missing missing, int patience, Clock clock)
     : path_(std::move(path)),
       patience_(patience),
-      shelf_(std::make_shared<Shelf>(path_, missing, patience)) {}
+      shelf_(std::make_shared<Shelf>(path_, missing, patience)),
+      clock_(std::move(clock)),
+      author_(user_of_the_system()) {}
 
 const std::shared_ptr<SqliteBackend::Shelf>& SqliteBackend::shelf() {
   if (shelf_->connection.outdated()) {
@@ -57,13 +86,9 @@ std::optional<std::int64_t> SqliteBackend::number(std::string_view file) {
   return numbers_[std::string(file)] = run->number(0);
 }
 
-std::int64_t SqliteBackend::number_for_writing(std::string_view file) {
+std::int64_t SqliteBackend::number_for_writing(RecordWriter& writer, std::string_view file) {
   if (const auto known = number(file)) return *known;
-  {
-    Run run(shelf()->add_file);
-    run->bind_text(1, file);
-    run->step();
-  }
+  writer.add_file(file);
   return number(file).value();
 }
 
@@ -80,44 +105,41 @@ std::optional<DbRecord> SqliteBackend::find(std::string_view file, std::string_v
 
 bool SqliteBackend::put(std::string_view file, std::string_view id, const DbRecord& record,
                         const Expected& expected) {
-  if (expected.wants_anything() || expected.wants_absence())
-    return put(file, id, record, expected.wants_absence());
-  Transaction transaction(connection());
-  const bool as_expected = expected.holds_for(find(file, id));
-  if (as_expected) put(file, id, record, false);
-  transaction.commit();
+  bool as_expected = true;
+  write([&](RecordWriter& writer) {
+    const auto number = this->number(file);
+    const auto current = number ? writer.current(*number, id) : std::nullopt;
+    as_expected = holds(expected, current);
+    if (!as_expected || (current && current->sound && current->content == record.encoded())) return;
+    writer.put(number_for_writing(writer, file), id, record.encoded(), current, hand());
+  });
   return as_expected;
-}
-
-bool SqliteBackend::put(std::string_view file, std::string_view id, const DbRecord& record, bool only_new) {
-  const std::int64_t number = number_for_writing(file);
-  const std::string tail = reversed(id);
-  const auto held = shelf();
-  Run run(only_new ? held->create : held->put);
-  run->bind(1, number);
-  run->bind_text(2, id);
-  run->bind_blob(3, tail);
-  run->bind_blob(4, record.encoded());
-  run->step();
-  return held->connection.changes() > 0;
 }
 
 bool SqliteBackend::erase(std::string_view file, std::string_view id, const Expected& expected) {
-  if (expected.wants_anything()) return erase(file, id), true;
-  Transaction transaction(connection());
-  const bool as_expected = expected.holds_for(find(file, id));
-  if (as_expected) erase(file, id);
-  transaction.commit();
+  bool as_expected = true;
+  write([&](RecordWriter& writer) {
+    const auto number = this->number(file);
+    const auto current = number ? writer.current(*number, id) : std::nullopt;
+    as_expected = holds(expected, current);
+    if (as_expected && current) writer.erase(*number, id, *current, hand());
+  });
   return as_expected;
 }
 
-void SqliteBackend::erase(std::string_view file, std::string_view id) {
-  const auto number = this->number(file);
-  if (!number) return;
-  Run run(shelf()->erase);
-  run->bind(1, *number);
-  run->bind_text(2, id);
-  run->step();
+// A write that fails may have rolled everything back, or have been half done: what the change wrote before
+// must not stay without it, nor what it goes on to write.
+void SqliteBackend::write(const std::function<void(RecordWriter&)>& act) {
+  const auto write_one = [&] {
+    const auto held = shelf();
+    if (!held->writer) held->writer.emplace(held->connection);
+    act(*held->writer);
+  };
+  if (!in_change_) return run_change(write_one);
+  if (broken_) throw change_is_broken(path_);
+  broken_ = true;
+  write_one();
+  broken_ = false;
 }
 
 void SqliteBackend::scan(std::string_view file, const Narrowing& narrowing, Content content,
@@ -177,6 +199,17 @@ std::vector<std::string> SqliteBackend::files() {
 }
 
 void SqliteBackend::in_one_change(const std::function<void()>& writes) {
+  if (in_change_) return writes();
+  in_change_ = true;
+  broken_ = false;
+  const OnExit no_longer([&] { in_change_ = false; });
+  run_change([&] {
+    writes();
+    if (broken_) throw change_is_broken(path_);
+  });
+}
+
+void SqliteBackend::run_change(const std::function<void()>& writes) {
   try {
     Transaction transaction(connection());
     writes();

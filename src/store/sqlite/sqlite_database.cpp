@@ -3,12 +3,14 @@
 #include <sqlite3.h>
 
 #include <array>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 
 #include "store/sqlite/failure.h"
 #include "store/sqlite/schema.h"
 #include "store/sqlite/sqlite_backend.h"
+#include "store/sqlite/sqlite_history.h"
 
 namespace velanor::store {
 namespace {
@@ -21,6 +23,11 @@ using sqlite::Statement;
 
 sqlite::Missing if_missing(SqliteDatabase::Missing missing) {
   return missing == SqliteDatabase::Missing::kCreate ? sqlite::Missing::kCreate : sqlite::Missing::kFail;
+}
+
+std::function<std::int64_t()> clock_of(const SqliteDatabase::Options& options) {
+  if (options.clock) return options.clock;
+  return [] { return static_cast<std::int64_t>(std::time(nullptr)); };
 }
 
 // Copies all pages within one view of the source, so that writers neither wait nor disturb it.
@@ -98,10 +105,15 @@ class Copy {
 }  // namespace
 
 SqliteDatabase::SqliteDatabase(const std::string& path, Options options)
-    : SqliteDatabase(std::make_unique<SqliteBackend>(path, if_missing(options.missing), options.patience)) {}
+    : SqliteDatabase(std::make_unique<SqliteBackend>(path, if_missing(options.missing), options.patience,
+                                                     clock_of(options))) {}
 
 SqliteDatabase::SqliteDatabase(std::unique_ptr<SqliteBackend> backend)
-    : StoreDatabase(std::move(backend)), backend_(static_cast<SqliteBackend*>(&StoreDatabase::backend())) {}
+    : StoreDatabase(std::move(backend)),
+      backend_(static_cast<SqliteBackend*>(&StoreDatabase::backend())),
+      history_(std::make_unique<sqlite::SqliteHistory>(*backend_)) {}
+
+SqliteDatabase::~SqliteDatabase() = default;
 
 bool SqliteDatabase::read_only() const { return backend_->connection().access() != sqlite::Access::kWrite; }
 
