@@ -55,12 +55,30 @@ class SqliteDatabase : public StoreDatabase {
   void put(std::string_view file, std::string_view id, const DbRecord& record);
   // The files that hold records, by name.
   std::vector<std::string> files();
-  // Copies the database, as it stands now, to a new file (mode 0600) that appears when it is complete
-  // and has been found sound; others may write meanwhile. A file that exists, or is being made by
-  // another copy, is a NameTaken. `progress` hears what part is copied, from 0 to 1.
+  // Makes a new database file (mode 0600) that appears, complete and on the disk, when `fill` has returned
+  // true, and else not at all. A file that exists is a NameTaken.
+  static void build(const std::string& path, const std::function<bool(SqliteDatabase&)>& fill);
+  // Puts a copy of a backup, found sound, in the place of a database file that nobody has open. Returns where
+  // that one then stands; "" where there was none.
+  static std::string restore(const std::string& backup, const std::string& path);
+  // Copies the database, as it stands now, to a new file (mode 0600) that appears when it is complete,
+  // has been found sound and is on the disk; others may write meanwhile. A file that exists is a NameTaken.
+  // `progress` hears what part is copied, from 0 to 1.
   void back_up(const std::string& path, const std::function<void(double)>& progress = {});
   // What is damaged in the file itself, in SQLite's words; nothing for a sound file.
   std::vector<std::string> damages();
+  // Where what is derived from the records (indexes, triggers, ids kept backwards) does not agree with them,
+  // and what in the file is not this program's.
+  std::vector<std::string> disagreements();
+  // Makes that anew as one change; a DbError, and nothing changed, where the file is not sound afterwards.
+  void repair();
+  // Versions whose checksum does not hold. To read such a record is an error, to write it is not.
+  struct DamagedRecord {
+    std::string file, id;
+    bool in_history;       // what is stored now is sound
+    std::string sentence;  // names the latest version that is sound
+  };
+  std::vector<DamagedRecord> damaged_records();
 
   // Whether the file says of itself that it is such a database; nothing else of it is looked at.
   static bool is_at(const std::string& path);

@@ -21,8 +21,9 @@ struct Outcome {
 class Program : public testing::Test {
  protected:
   // Both outputs together.
-  Outcome run(const std::string& arguments) const {
-    const std::string command = "cd '" + folder_.file("") + "' && " VELANORCTL " " + arguments + " 2>&1";
+  Outcome run(const std::string& arguments, const std::string& as = "") const {
+    const std::string command =
+        "cd '" + folder_.file("") + "' && " + as + VELANORCTL " " + arguments + " 2>&1";
     std::FILE* pipe = popen(command.c_str(), "r");
     std::string output;
     std::array<char, 4096> buffer;

@@ -52,7 +52,7 @@ std::optional<RecordWriter::Current> RecordWriter::current(std::int64_t file, st
 
 void RecordWriter::put(std::int64_t file, std::string_view id, std::string_view content,
                        const std::optional<Current>& current, const Hand& hand) {
-  const std::int64_t before = current ? current->version : last_deletion(file, id);
+  const std::int64_t before = last_version(file, id, current);
   if (current) keep(file, id, *current, hand.time);
   if (!current && before > 0) end_deletion(file, id, hand.time);
   const std::string tail = reversed(id);
@@ -63,10 +63,11 @@ void RecordWriter::put(std::int64_t file, std::string_view id, std::string_view 
 }
 
 void RecordWriter::erase(std::int64_t file, std::string_view id, const Current& current, const Hand& hand) {
+  const std::int64_t before = last_version(file, id, current);
   keep(file, id, current, hand.time);
   {
     Run run(bury_);
-    bind_version(run, {file, id, current.version + 1, hand.author, hand.time, std::nullopt});
+    bind_version(run, {file, id, before + 1, hand.author, hand.time, std::nullopt});
     run->step();
   }
   Run run(erase_);
@@ -81,11 +82,14 @@ void RecordWriter::add_file(std::string_view name) {
   run->step();
 }
 
-std::int64_t RecordWriter::last_deletion(std::int64_t file, std::string_view id) {
+// The number of a damaged record may be what is damaged: it was the one behind those that are kept.
+std::int64_t RecordWriter::last_version(std::int64_t file, std::string_view id,
+                                        const std::optional<Current>& current) {
+  if (current && current->sound) return current->version;
   Run run(last_);
   run->bind(1, file);
   run->bind_text(2, id);
-  return run->step() ? run->number(0) : 0;
+  return (run->step() ? run->number(0) : 0) + (current ? 1 : 0);
 }
 
 // What can no longer be read is no version that anybody could go back to.

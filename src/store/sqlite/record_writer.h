@@ -37,7 +37,7 @@ class RecordWriter {
   void add_file(std::string_view name);
 
  private:
-  std::int64_t last_deletion(std::int64_t file, std::string_view id);
+  std::int64_t last_version(std::int64_t file, std::string_view id, const std::optional<Current>& current);
   void keep(std::int64_t file, std::string_view id, const Current& current, std::int64_t until);
   void end_deletion(std::int64_t file, std::string_view id, std::int64_t until);
 

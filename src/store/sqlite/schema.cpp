@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <chrono>
 #include <string>
 
 #include "store/sqlite/failure.h"
@@ -68,6 +69,20 @@ CREATE TEMP VIEW history AS SELECT file, id, 0 AS version, '' AS author, 0 AS ti
   NULL AS sum FROM main.record WHERE 0;
 )sql";
 
+// Within it a call that finds the file taken says so at once.
+class ImpatientScope {
+ public:
+  explicit ImpatientScope(Connection& connection) : connection_(connection) {
+    sqlite3_busy_timeout(connection.handle(), 0);
+  }
+  ~ImpatientScope() { sqlite3_busy_timeout(connection_.handle(), connection_.patience()); }
+  ImpatientScope(const ImpatientScope&) = delete;
+  ImpatientScope& operator=(const ImpatientScope&) = delete;
+
+ private:
+  Connection& connection_;
+};
+
 std::int64_t version(Connection& connection) { return connection.number("PRAGMA user_version"); }
 
 bool is_new(Connection& connection) {
@@ -101,14 +116,16 @@ void read_older(Connection& connection, std::int64_t known) {
   if (version(connection) == 1 && known > 1) connection.run(kVersion1AsRead);
 }
 
-// Where the file system cannot do it the file stays as it is, which is as safe and only slower.
+// Where the file system cannot do it the file stays as it is, which is as safe and only slower. While another
+// program does the same SQLite says so at once, without patience.
 void write_ahead(Connection& connection) {
-  constexpr int kTries = 100, kPause = 20;
-  for (int n = 0; connection.text("PRAGMA journal_mode") == "delete"; ++n) {
-    // While another program does the same SQLite says so at once, without patience.
+  constexpr int kPause = 20;
+  const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(connection.patience());
+  const ImpatientScope impatient(connection);
+  while (connection.text("PRAGMA journal_mode") == "delete") {
     const int code =
         sqlite3_exec(connection.handle(), "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr);
-    if ((code & 0xFF) != SQLITE_BUSY || n == kTries) {
+    if ((code & 0xFF) != SQLITE_BUSY || std::chrono::steady_clock::now() >= until) {
       connection.check(code);
       return;
     }
@@ -124,6 +141,9 @@ void prepare(Connection& connection, std::span<const char* const> steps) {
   const auto known = static_cast<std::int64_t>(steps.size());
   refuse_others(connection, known);
   if (connection.access() == Access::kWrite) {
+    // A journal that comes back because its removal was never brought to the disk would undo what is then
+    // in the log.
+    connection.run("PRAGMA synchronous = EXTRA");
     if (version(connection) < known) take_steps(connection, steps);
     write_ahead(connection);
   } else {

@@ -10,7 +10,9 @@
 #include <string_view>
 #include <vector>
 
+#include "store/sqlite/checkpointer.h"
 #include "store/sqlite/connection.h"
+#include "store/sqlite/failure.h"
 #include "store/sqlite/record_writer.h"
 #include "velanor/backend.h"
 
@@ -41,6 +43,8 @@ class SqliteBackend : public Backend {
   Connection& connection() { return shelf()->connection; }
   // Nothing for a file that was never written.
   std::optional<std::int64_t> number(std::string_view file);
+  // What to tell of a record whose checksum does not hold: that, and which version is sound.
+  DamagedRecord damaged(std::string_view file, std::string_view id);
   void set_author(std::string_view name) { author_ = clean_text(name); }
 
  private:
@@ -49,7 +53,9 @@ class SqliteBackend : public Backend {
     Shelf(const std::string& path, Missing missing, int patience);
     Connection connection;
     Statement find, ids, records, tails, number, revision;
-    std::optional<RecordWriter> writer;  // once something is written
+    // Once something is written.
+    std::optional<RecordWriter> writer;
+    std::unique_ptr<Checkpointer> checkpointer;
   };
   // A file that is read alone is opened anew when somebody has come to write it.
   const std::shared_ptr<Shelf>& shelf();
@@ -59,8 +65,17 @@ class SqliteBackend : public Backend {
   void run_change(const std::function<void()>& writes);
   std::int64_t number_for_writing(RecordWriter& writer, std::string_view file);
   RecordWriter::Hand hand() const { return {author_, clock_()}; }
-  void scan_ids(Content content, std::int64_t file, std::string_view prefix, const Visit& visit);
-  void scan_tails(std::int64_t file, std::string_view suffix, const Visit& visit);
+  // A file by its name, and by its number.
+  struct File {
+    std::string_view name;
+    std::int64_t number;
+  };
+  void scan_ids(Content content, const File& file, std::string_view prefix, const Visit& visit);
+  void scan_tails(const File& file, std::string_view suffix, const Visit& visit);
+  // The content of a row that begins with kStoredColumns. Throws DamagedRecord.
+  std::string_view sound_content(const Statement& row, const File& file, std::string_view id);
+  bool holds(const Expected& expected, const std::optional<RecordWriter::Current>& current,
+             std::string_view file, std::string_view id);
 
   std::string path_;
   int patience_;

@@ -37,8 +37,9 @@ std::vector<std::string> SqliteHistory::deleted(std::string_view file, std::stri
   if (!number) return {};
   std::vector<std::string> ids;
   Statement rows(backend_.connection(),
-                 "SELECT id FROM history WHERE file = ?1 AND content IS NULL AND until IS NULL "
-                 "ORDER BY time DESC, rowid DESC");
+                 "SELECT id FROM history WHERE file = ?1 AND content IS NULL AND NOT EXISTS "
+                 "(SELECT 1 FROM record WHERE record.file = ?1 AND record.id = history.id) "
+                 "GROUP BY id ORDER BY max(time) DESC, max(rowid) DESC");
   rows.bind(1, *number);
   while (rows.step()) {
     if (rows.bytes(0).ends_with(id_suffix)) ids.push_back(clean_text(rows.bytes(0)));
