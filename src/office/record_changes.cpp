@@ -15,11 +15,11 @@ enum class Depth { kAttribute, kValues, kSubvalues };
 
 // As deep as the card counts, also where there is only one: "Date d'effet 1" is an amendment's.
 Depth depth_of_card(int attribute) {
-  const auto is = [=](const auto& column) { return column.attribute == attribute; };
-  const auto& items = card::kItemColumns;
-  if (std::find(items.begin(), items.end(), attribute) != items.end()) return Depth::kSubvalues;
-  if (std::any_of(card::kAmendmentColumns.begin(), card::kAmendmentColumns.end(), is)) return Depth::kValues;
-  return attribute == card::kActivity || attribute == card::kShare ? Depth::kValues : Depth::kAttribute;
+  const auto among = [=](const auto& columns) {
+    return std::any_of(columns.begin(), columns.end(), [=](const auto& c) { return c.number == attribute; });
+  };
+  if (among(card::kItemColumns)) return Depth::kSubvalues;
+  return among(card::kAmendmentColumns) || among(card::kActivityColumns) ? Depth::kValues : Depth::kAttribute;
 }
 
 // As deep as there is something to tell apart.
@@ -66,12 +66,13 @@ class Comparison {
   std::string shown(const Position& at, std::string_view stored) const {
     if (stored.empty()) return "(vide)";
     const card::Field* named = file_ == exchange::kCardFile ? card::card_field(at.attribute) : nullptr;
-    return exchange::write_field({.position = at, .named = named}, stored);
+    return exchange::write_field(card::Codec(*entry_), {.position = at, .named = named}, stored);
   }
 
   std::string_view file_;
   const DbRecord& before_;
   const DbRecord& after_;
+  const std::unique_ptr<entry::UtilSaisie> entry_ = entry::make_util_saisie();
   std::vector<std::string> lines_;
 };
 

@@ -11,7 +11,7 @@
 #include <system_error>
 #include <utility>
 
-#include "velanor/error.h"
+#include "velanor/database.h"
 
 namespace velanor::store {
 namespace {

@@ -9,6 +9,7 @@
 #include "sqlite/disk.h"
 #include "sqlite/snapshot.h"
 #include "sqlite/temporary_folder.h"
+#include "store/checked_writes.h"
 #include "store/sqlite/sqlite_backend.h"
 
 namespace velanor::store {

@@ -1,4 +1,4 @@
-#include "velanor/store_database.h"
+#include "velanor/backend.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 namespace velanor::app {
 namespace {
 
-class Check : public Program {
+class Check : public CommandLine {
  protected:
   void SetUp() override { run("demo base"); }
   void change(const char* sql) {

@@ -18,7 +18,7 @@ struct Outcome {
   std::string output;
 };
 
-class Program : public testing::Test {
+class CommandLine : public testing::Test {
  protected:
   // Both outputs together.
   Outcome run(const std::string& arguments, const std::string& as = "") const {

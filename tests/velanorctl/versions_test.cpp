@@ -6,7 +6,7 @@
 namespace velanor::app {
 namespace {
 
-class Versions : public Program {
+class Versions : public CommandLine {
  protected:
   // Moments and the system's user differ from run to run.
   std::string told(const std::string& arguments) const {

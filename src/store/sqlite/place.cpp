@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "velanor/error.h"
+#include "velanor/database.h"
 
 namespace velanor::store::sqlite {
 namespace {

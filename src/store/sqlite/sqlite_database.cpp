@@ -4,6 +4,7 @@
 #include <ctime>
 #include <fstream>
 
+#include "store/checked_writes.h"
 #include "store/sqlite/examination.h"
 #include "store/sqlite/failure.h"
 #include "store/sqlite/place.h"
