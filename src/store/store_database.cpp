@@ -1,3 +1,5 @@
+#include <new>
+
 #include "store/checked_writes.h"
 #include "store/plan.h"
 #include "store/result_cache.h"
@@ -10,16 +12,27 @@
 namespace velanor::store {
 namespace {
 
+// Whoever asks gets a sentence, whatever gave out.
+template <class Act>
+auto in_memory_that_suffices(Act act) try {
+  return act();
+} catch (const std::bad_alloc&) {
+  throw DbError(kStoreFailure,
+                "Il n'y a plus assez de mémoire. Fermez d'autres programmes, puis recommencez.");
+}
+
 class StoreFile : public DbFile {
  public:
   StoreFile(Backend& backend, std::string_view name) : backend_(&backend), name_(name) {}
 
-  std::optional<DbRecord> find(std::string_view id) override { return backend_->find(name_, id); }
+  std::optional<DbRecord> find(std::string_view id) override {
+    return in_memory_that_suffices([&] { return backend_->find(name_, id); });
+  }
   void write(std::string_view id, const DbRecord& record, const Expected& expected) override {
-    put_checked(*backend_, name_, id, record, expected);
+    in_memory_that_suffices([&] { put_checked(*backend_, name_, id, record, expected); });
   }
   void remove(std::string_view id, const Expected& expected) override {
-    erase_checked(*backend_, name_, id, expected);
+    in_memory_that_suffices([&] { erase_checked(*backend_, name_, id, expected); });
   }
 
  private:
@@ -53,6 +66,7 @@ void erase_checked(Backend& backend, std::string_view file, std::string_view id,
 }
 
 struct StoreDatabase::Engine {
+  DbResult answer(std::string_view request);
   DbResult run(const DbRecord& query);
 
   std::unique_ptr<Backend> backend;
@@ -85,15 +99,19 @@ std::unique_ptr<DbFile> StoreDatabase::OpenFile(std::string_view name) {
 }
 
 DbResult StoreDatabase::Select(std::string_view request, std::string_view) {
-  if (const auto* kept = engine_->cache.find(request)) {
-    if (kept->revision == backend().revision(kept->file)) return kept->result;
+  return in_memory_that_suffices([&] { return engine_->answer(request); });
+}
+
+DbResult StoreDatabase::Engine::answer(std::string_view request) {
+  if (const auto* kept = cache.find(request)) {
+    if (kept->revision == backend->revision(kept->file)) return kept->result;
   }
   const DbRecord query = DbRecord::from_encoded(request);
   // Asked before the scan: what changes meanwhile makes the kept result old, not wrong.
   const std::string file(query(2));
-  const std::uint64_t revision = backend().revision(file);
-  DbResult result = engine_->run(query);
-  engine_->cache.keep({std::string(request), file, revision, result});
+  const std::uint64_t revision = backend->revision(file);
+  DbResult result = run(query);
+  cache.keep({std::string(request), file, revision, result});
   return result;
 }
 
