@@ -32,7 +32,8 @@ const Work kWorks[] = {
      [](auto& folder) { on_base(folder, [](auto& base) { base.put("F", "1", record("changed")); }); }},
     {"new card",
      [](auto& folder) {
-       on_base(folder, [](auto& base) { base.OpenFile("F")->write("99", record("new"), Expected::absent()); });
+       on_base(folder,
+               [](auto& base) { base.OpenFile("F")->write("99", record("new"), Expected::absent()); });
      }},
     {"deletion",
      [](auto& folder) { on_base(folder, [](auto& base) { base.OpenFile("F")->DeleteRecord("1"); }); }},

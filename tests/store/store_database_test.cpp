@@ -1,10 +1,9 @@
-#include "velanor/backend.h"
-
 #include <gtest/gtest.h>
 
 #include <new>
 
 #include "store/memory_backend.h"
+#include "velanor/backend.h"
 
 namespace velanor::store {
 namespace {
