@@ -11,7 +11,7 @@
 #include "app/velanorctl/progress.h"
 #include "exchange/csv.h"
 #include "exchange/export_csv.h"
-#include "store/unfinished_file.h"
+#include "store/sqlite/unfinished_file.h"
 
 namespace velanor::app {
 namespace {
@@ -51,7 +51,7 @@ void write_to_output(const Options& options) {
 }
 
 void write_table(const Options& options) {
-  store::UnfinishedFile file(options.table);
+  store::sqlite::UnfinishedFile file(options.table);
   {
     std::ofstream out(file.path(), std::ios::binary);
     write(options, out);

@@ -12,7 +12,7 @@
 #include "store/sqlite/failure.h"
 #include "store/sqlite/place.h"
 #include "store/sqlite/schema.h"
-#include "store/unfinished_file.h"
+#include "store/sqlite/unfinished_file.h"
 #include "velanor/sqlite_database.h"
 
 namespace velanor::store::sqlite {

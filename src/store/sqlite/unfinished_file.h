@@ -3,7 +3,7 @@
 
 #include <string>
 
-namespace velanor::store {
+namespace velanor::store::sqlite {
 
 // The file is made beside the one it is to become, readable by its owner alone, under a name of its own that
 // nobody could have put a link at. What is interrupted leaves nothing that looks like the file, and what
@@ -36,4 +36,4 @@ class UnfinishedFile {
 void sync_to_disk(const std::string& path);
 void sync_folder_of(const std::string& path);
 
-}  // namespace velanor::store
+}  // namespace velanor::store::sqlite

@@ -1,4 +1,4 @@
-#include "store/unfinished_file.h"
+#include "store/sqlite/unfinished_file.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -13,7 +13,7 @@
 
 #include "velanor/database.h"
 
-namespace velanor::store {
+namespace velanor::store::sqlite {
 namespace {
 
 namespace fs = std::filesystem;
@@ -126,4 +126,4 @@ bool UnfinishedFile::complete_if_free() {
 
 void UnfinishedFile::remove() const { remove_with_companions(unfinished_); }
 
-}  // namespace velanor::store
+}  // namespace velanor::store::sqlite
