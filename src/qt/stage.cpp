@@ -9,6 +9,7 @@
 #include "qt/stage_life.h"
 #include "qt/strings.h"
 #include "screen/scope.h"
+#include "text/failure.h"
 #include "ui_card_pages.h"
 #include "ui_hours_form.h"
 #include "ui_item_form.h"
@@ -255,7 +256,7 @@ void ControleVelanorWidget::Stage::report(const std::exception_ptr& failure) {
   try {
     std::rethrow_exception(failure);
   } catch (const std::exception& error) {
-    ask({.title = "Fiches du personnel", .text = error.what()});
+    ask({.title = "Fiches du personnel", .text = text::failure_sentence(error)});
   } catch (...) {
     ask({.title = "Fiches du personnel", .text = "L'opération a échoué pour une raison inconnue."});
   }

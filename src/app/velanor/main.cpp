@@ -14,6 +14,7 @@
 #include "app/velanor/program.h"
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/usage.h"
+#include "text/failure.h"
 
 namespace {
 
@@ -138,6 +139,6 @@ int main(int argc, char** argv) try {
   translate_toolkit(application);
   return parse_and_run(application, argc, argv);
 } catch (const std::exception& error) {
-  std::cerr << "velanor : " << error.what() << "\n";
+  std::cerr << "velanor : " << velanor::text::failure_sentence(error) << "\n";
   return kFailed;
 }

@@ -15,6 +15,7 @@
 #include "app/velanor/place.h"
 #include "demo/demo.h"
 #include "screen/scope.h"
+#include "text/failure.h"
 #include "velanor/sqlite_database.h"
 
 namespace velanor::app {
@@ -77,7 +78,7 @@ bool Program::start(const StoreOptions& options) try {
   const QString last = settings_.last();
   return last.isEmpty() || last == own_database() ? open_own() : open_last(last);
 } catch (const std::exception& error) {
-  QMessageBox::critical(nullptr, kTitle, QString::fromUtf8(error.what()));
+  QMessageBox::critical(nullptr, kTitle, QString::fromStdString(text::failure_sentence(error)));
   return false;
 }
 
@@ -98,7 +99,7 @@ bool Program::open_last(const QString& path) try {
   const QString question = QStringLiteral(
                                "%1\n\nC'est la base ouverte en dernier. Voulez-vous ouvrir à sa place votre "
                                "propre base ?")
-                               .arg(QString::fromUtf8(error.what()));
+                               .arg(QString::fromStdString(text::failure_sentence(error)));
   return QMessageBox::question(nullptr, kTitle, question) == QMessageBox::Yes && open_own();
 }
 
@@ -109,8 +110,8 @@ void Program::open(const QString& path, MainWindow& asker) try {
   settings_.set_place(asker.saveGeometry());
   show(open_desk(options, path, IfMissing::kFail));
 } catch (const std::exception& error) {
-  auto* box = new QMessageBox(QMessageBox::Critical, kTitle, QString::fromUtf8(error.what()), QMessageBox::Ok,
-                              &asker);
+  auto* box = new QMessageBox(QMessageBox::Critical, kTitle,
+                              QString::fromStdString(text::failure_sentence(error)), QMessageBox::Ok, &asker);
   box->setAttribute(Qt::WA_DeleteOnClose);
   box->open();
 }
@@ -150,7 +151,7 @@ void Program::begin(Desk& desk) try {
   desk.started = true;
   if (!desk.path.isEmpty()) remember(desk.path);
 } catch (const std::exception& error) {
-  give_up(desk, error.what());
+  give_up(desk, text::failure_sentence(error));
 }
 
 void Program::give_up(Desk& desk, const std::string& sentence) {
@@ -175,7 +176,7 @@ void Program::offer_demonstration(Desk& desk) {
     try {
       fill(*desk.store);
     } catch (const std::exception& error) {
-      return give_up(desk, error.what());
+      return give_up(desk, text::failure_sentence(error));
     }
     begin(desk);
   });

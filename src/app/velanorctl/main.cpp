@@ -2,20 +2,18 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
-#include <new>
 
 #include "app/velanorctl/commands.h"
 #include "app/velanorctl/guarded_output.h"
 #include "app/velanorctl/usage.h"
 #include "store/sqlite/failure.h"
+#include "text/failure.h"
 
 namespace {
 
 using namespace velanor::app;
 
 constexpr int kFailed = 1;
-constexpr const char* kNoMemory =
-    "il n'y a plus assez de mémoire. Fermez d'autres programmes, puis recommencez.";
 
 constexpr void (*kCommands[])(CLI::App&, int&) = {
     add_play,   add_demo,    add_import,  add_export, add_select,          add_show,         add_check,
@@ -49,10 +47,7 @@ int main(int argc, char** argv) try {
 } catch (const velanor::store::sqlite::DamagedError& error) {
   std::cerr << "velanorctl : " << error.what() << "\n";
   return kDamaged;
-} catch (const std::bad_alloc&) {
-  std::cerr << "velanorctl : " << kNoMemory << "\n";
-  return kFailed;
 } catch (const std::exception& error) {
-  std::cerr << "velanorctl : " << error.what() << "\n";
+  std::cerr << "velanorctl : " << velanor::text::failure_sentence(error) << "\n";
   return kFailed;
 }
