@@ -67,6 +67,12 @@ control::Opening ControleVelanor::open(std::string_view entity, std::string_view
   return parts_->rules->guide.open(entity, year, employee);
 }
 
+control::Opening ControleVelanor::reload() {
+  if (parts_->closed) return control::Opening::not_started();
+  if (parts_->screen.acting()) return control::Opening::busy();
+  return parts_->rules->guide.reload();
+}
+
 screen::Screen& ControleVelanor::screen() { return parts_->screen; }
 const store::DbRecord& ControleVelanor::card_in_hand() const {
   static const store::DbRecord kNone;

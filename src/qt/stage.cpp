@@ -181,13 +181,13 @@ void ControleVelanorWidget::Stage::control_changed() {
   QMetaObject::invokeMethod(this, follow, Qt::QueuedConnection);
 }
 
-control::Opening ControleVelanorWidget::Stage::open(std::string_view entity, std::string_view year,
-                                                    std::string_view employee) {
+control::Opening ControleVelanorWidget::Stage::lead(
+    const std::function<control::Opening(ControleVelanor&)>& to) {
   if (component_.closed()) return control::Opening::not_started();
   if (!idle()) return control::Opening::busy();
   const KeepAlive alive(*this);
   control::Opening opening = control::Opening::not_started();
-  const auto failure = run([&] { opening = component_.open(entity, year, employee); });
+  const auto failure = run([&] { opening = to(component_); });
   if (failure) std::rethrow_exception(failure);
   return opening;
 }

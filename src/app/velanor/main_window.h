@@ -14,6 +14,7 @@ class QStackedWidget;
 
 namespace velanor::app {
 
+class CardHistory;
 class HelpWindow;
 
 // Shows one database, which must outlive it. Before `start` it shows an empty page, on which the program
@@ -74,6 +75,7 @@ class MainWindow : public QMainWindow, private control::UserRights {
 
   qt::ControleVelanorWidget* component_;
   control::Client client_;
+  CardHistory* history_;
   QStackedWidget* pages_;
   QMenu* recent_ = nullptr;
   QLabel* told_;
