@@ -387,7 +387,7 @@ TEST_F(SqliteFile, WhatAKilledBackupLeavesIsRemovedByTheNextButNotWhatIsBeingMad
   const auto database = open();
   for (const char* ending : {"", "-wal", "-journal"})
     std::ofstream(folder_.file(std::string("copie.0123456789ab.partiel") + ending)) << "reste";
-  const UnfinishedFile under_way(folder_.file("copie"));
+  const sqlite::UnfinishedFile under_way(folder_.file("copie"));
   EXPECT_FALSE(std::filesystem::exists(folder_.file("copie.0123456789ab.partiel")));
   EXPECT_FALSE(std::filesystem::exists(folder_.file("copie.0123456789ab.partiel-wal")));
   database->back_up(folder_.file("copie"));
