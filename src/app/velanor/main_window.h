@@ -39,6 +39,8 @@ class MainWindow : public QMainWindow, private control::UserRights {
   // The title and the status bar say that nothing can be written.
   void set_read_only();
   void set_recent(const QStringList& files);
+  // In the status bar, until the next thing is told.
+  void tell(const QString& sentence) const;
 
   void bring_forward();
   enum class Leaving { kNot, kClosing, kQuitting };
@@ -66,7 +68,6 @@ class MainWindow : public QMainWindow, private control::UserRights {
   void show_about();
   bool is_started() const;
   void follow_card();
-  void tell(const QString& sentence) const;
   void update_title();
   bool would_ask() const;
   bool asks_and_may_leave();

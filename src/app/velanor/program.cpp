@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QPointer>
@@ -11,6 +10,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "app/velanor/daily_backup.h"
 #include "app/velanor/main_window.h"
 #include "app/velanor/place.h"
 #include "demo/demo.h"
@@ -27,13 +27,6 @@ QString own_database() {
   const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
   QDir().mkpath(folder);
   return QDir(folder).filePath("velanor.db");
-}
-
-// Made empty before the store writes into it, so that nobody else could ever read it.
-void make_private(const QString& path) {
-  QFile file(path);
-  if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly, QFileDevice::ReadOwner | QFileDevice::WriteOwner))
-    file.close();
 }
 
 // The records that the component reads at its start are missing.
@@ -60,6 +53,7 @@ struct Program::Desk {
   QString path;  // "" for the demonstration data in memory
   Place place;
   std::unique_ptr<MainWindow> window;
+  std::unique_ptr<DailyBackup> backup = {};
   std::optional<Turns::Seat> seat = {};
   bool started = false;
 };
@@ -85,7 +79,6 @@ bool Program::start(const StoreOptions& options) try {
 bool Program::open_own() {
   StoreOptions own;
   const QString path = own_database();
-  make_private(path);
   own.url = path.toStdString();
   return show(open_desk(own, path, IfMissing::kCreate)), true;
 }
@@ -150,8 +143,20 @@ void Program::begin(Desk& desk) try {
   desk.window->start();
   desk.started = true;
   if (!desk.path.isEmpty()) remember(desk.path);
+  look_after(desk);
 } catch (const std::exception& error) {
   give_up(desk, text::failure_sentence(error));
+}
+
+// What can only be told, in the window that has come up.
+void Program::look_after(Desk& desk) {
+  const auto* base = dynamic_cast<const store::SqliteDatabase*>(desk.store.get());
+  if (base == nullptr || base->read_only()) return;
+  if (const std::string remark = base->remark(); !remark.empty())
+    desk.window->tell(QString::fromStdString(remark));
+  desk.backup = std::make_unique<DailyBackup>(desk.path);
+  connect(desk.backup.get(), &DailyBackup::failed, desk.window.get(), &MainWindow::tell);
+  desk.backup->start();
 }
 
 void Program::give_up(Desk& desk, const std::string& sentence) {

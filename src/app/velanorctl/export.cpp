@@ -9,6 +9,7 @@
 #include "app/velanorctl/guarded_output.h"
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/progress.h"
+#include "card/record/known_files.h"
 #include "exchange/csv.h"
 #include "exchange/export_csv.h"
 #include "store/sqlite/unfinished_file.h"
@@ -23,8 +24,18 @@ struct Options {
   std::string separator = ";";
 };
 
+// A name that is misspelt would pass for a file without records.
+void refuse_unknown(store::Database& database, const std::string& file) {
+  if (card::is_known_file(file)) return;
+  if (database.Select(store::DbQuery("SSELECT " + file, file, "0").encoded()).DCount() > 0) return;
+  throw store::DbError(store::kStoreFailure, "Le fichier « " + file +
+                                                 " » n'est pas dans la base. Le composant connaît " +
+                                                 card::known_files() + ".");
+}
+
 void write(const Options& options, std::ostream& out) {
   const auto database = open_named_store(options.store);
+  refuse_unknown(*database, options.file);
   Progress progress("Exportation");
   out << exchange::kByteOrderMark;
   database->in_one_view([&] {

@@ -29,10 +29,8 @@ int parse_and_run(CLI::App& program, int argc, char** argv, const int& status) t
   return end_of_parsing(program, end);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) try {
-  const GuardedOutput output(std::cout), errors(std::cerr);
+// The exit status, of a failure too.
+int run(int argc, char** argv) try {
   int status = 0;
   CLI::App program("Fiches du personnel : le composant et sa base, à la ligne de commande", "velanorctl");
   speak_french(program);
@@ -50,4 +48,12 @@ int main(int argc, char** argv) try {
 } catch (const std::exception& error) {
   std::cerr << "velanorctl : " << velanor::text::failure_sentence(error) << "\n";
   return kFailed;
+}
+
+}  // namespace
+
+// What is told of a failure holds stored texts too.
+int main(int argc, char** argv) {
+  const GuardedOutput output(std::cout), errors(std::cerr);
+  return run(argc, argv);
 }
