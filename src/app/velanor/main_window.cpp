@@ -103,6 +103,9 @@ void MainWindow::make_menus() {
   recent_ = file->addMenu("Bases &récentes");
   recent_->setEnabled(false);
   recent_->setToolTipsVisible(true);
+  backups_ = file->addAction("Reprendre une &sauvegarde…");
+  backups_->setEnabled(false);
+  connect(backups_, &QAction::triggered, this, &MainWindow::backups_asked);
   file->addSeparator();
   QAction* shut = file->addAction("&Fermer la fenêtre");
   shut->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_W));
@@ -133,10 +136,12 @@ void MainWindow::set_source(const QString& path) {
   const QFileInfo file(path);
   source_ = path.isEmpty() ? QStringLiteral("Démonstration") : file.fileName();
   if (!path.isEmpty()) folder_ = file.absolutePath();
+  backups_->setEnabled(!path.isEmpty());
   update_title();
 }
 
 void MainWindow::set_read_only() {
+  backups_->setEnabled(false);
   mode_->setText("Consultation seule");
   mode_->setToolTip("Ce fichier ou son dossier est protégé : rien ne peut y être enregistré.");
   tell("Cette base est protégée en écriture : les fiches se consultent, rien ne peut être enregistré.");

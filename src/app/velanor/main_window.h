@@ -8,6 +8,7 @@
 #include "velanor/controle_velanor_widget.h"
 #include "velanor/host.h"
 
+class QAction;
 class QLabel;
 class QMenu;
 class QStackedWidget;
@@ -53,6 +54,7 @@ class MainWindow : public QMainWindow, private control::UserRights {
 
  signals:
   void open_asked(const QString& file);
+  void backups_asked();
   void quit_asked();
   void closed();
 
@@ -79,6 +81,7 @@ class MainWindow : public QMainWindow, private control::UserRights {
   CardHistory* history_;
   QStackedWidget* pages_;
   QMenu* recent_ = nullptr;
+  QAction* backups_ = nullptr;
   QLabel* told_;
   QLabel* mode_;
   QString source_;

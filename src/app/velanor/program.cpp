@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "app/velanor/backups_dialog.h"
 #include "app/velanor/daily_backup.h"
 #include "app/velanor/main_window.h"
 #include "app/velanor/place.h"
@@ -40,6 +41,12 @@ void fill(store::Database& database) {
         [&](auto file, auto id, const auto& record) { database.OpenFile(file)->write(id, record); });
     demo::fill(sink);
   });
+}
+
+void tell_failure(QWidget& window, const QString& sentence) {
+  auto* box = new QMessageBox(QMessageBox::Critical, kTitle, sentence, QMessageBox::Ok, &window);
+  box->setAttribute(Qt::WA_DeleteOnClose);
+  box->open();
 }
 
 constexpr const char* kCannotBeUsed =
@@ -103,10 +110,7 @@ void Program::open(const QString& path, MainWindow& asker) try {
   settings_.set_place(asker.saveGeometry());
   show(open_desk(options, path, IfMissing::kFail));
 } catch (const std::exception& error) {
-  auto* box = new QMessageBox(QMessageBox::Critical, kTitle,
-                              QString::fromStdString(text::failure_sentence(error)), QMessageBox::Ok, &asker);
-  box->setAttribute(Qt::WA_DeleteOnClose);
-  box->open();
+  tell_failure(asker, QString::fromStdString(text::failure_sentence(error)));
 }
 
 Program::Desk& Program::open_desk(const StoreOptions& options, const QString& path, IfMissing if_missing) {
@@ -130,6 +134,7 @@ void Program::show(Desk& desk) {
         if (asker) open(path, *asker);
       },
       Qt::QueuedConnection);
+  connect(&window, &MainWindow::backups_asked, this, [this, asker] { show_backups(*asker); });
   connect(&window, &MainWindow::quit_asked, this, &Program::quit, Qt::QueuedConnection);
   connect(&window, &MainWindow::closed, this, [this, asker] { closed(*asker); });
   desk.seat.emplace(turns_, window);
@@ -190,6 +195,52 @@ void Program::offer_demonstration(Desk& desk) {
 void Program::remember(const QString& path) {
   settings_.remember(path);
   for (MainWindow* window : windows()) window->set_recent(settings_.recent());
+}
+
+// ---- Backups.
+
+void Program::show_backups(MainWindow& window) try {
+  const Desk* desk = desk_of(window);
+  if (!desk || window.component().open_message()) return;
+  auto* dialog = new BackupsDialog(desk->path, &window);
+  // When the dialog is gone.
+  connect(
+      dialog, &BackupsDialog::taken, this,
+      [this, window = QPointer<MainWindow>(&window)](const QString& backup, const QString& moment) {
+        if (window) take_backup(*window, backup, moment);
+      },
+      Qt::QueuedConnection);
+  dialog->open();
+} catch (const std::exception& error) {
+  tell_failure(window, QString::fromStdString(text::failure_sentence(error)));
+}
+
+void Program::take_backup(MainWindow& window, const QString& backup, const QString& moment) {
+  if (!window.may_leave(MainWindow::Leaving::kNot)) return;
+  const auto at = std::find_if(desks_.begin(), desks_.end(),
+                               [&](const auto& desk) { return desk->window.get() == &window; });
+  const QString path = (*at)->path;
+  settings_.set_place(window.saveGeometry());
+  desks_.erase(at);
+  QString failure, told;
+  try {
+    const std::string aside = store::SqliteDatabase::restore(backup.toStdString(), path.toStdString());
+    told = "Sauvegarde du " + moment + " reprise. L'ancienne base est gardée sous « " +
+           QFileInfo(QString::fromStdString(aside)).fileName() + " ».";
+  } catch (const std::exception& error) {
+    failure = QString::fromStdString(text::failure_sentence(error));
+  }
+  try {
+    StoreOptions options;
+    options.url = path.toStdString();
+    Desk& desk = open_desk(options, path, IfMissing::kFail);
+    show(desk);
+    desk.window->tell(told);
+    if (!failure.isEmpty()) tell_failure(*desk.window, failure);
+  } catch (const std::exception& error) {
+    QMessageBox::critical(nullptr, kTitle, QString::fromStdString(text::failure_sentence(error)));
+    if (desks_.empty()) QCoreApplication::quit();
+  }
 }
 
 // ---- Closing.

@@ -25,6 +25,8 @@ class Program : public QObject {
   // Opens a database beside the others; one that is open already comes to the front. What cannot be
   // opened is told over `asker`.
   void open(const QString& path, MainWindow& asker);
+  // Shows the backups of a window's database file.
+  void show_backups(MainWindow& window);
   // Closes one window after the other; each that has an open card asks first, and one that is to stay
   // keeps those that have not been asked.
   void quit();
@@ -44,6 +46,8 @@ class Program : public QObject {
   void offer_demonstration(Desk& desk);
   // Tells it in the window itself, which then goes.
   void give_up(Desk& desk, const std::string& sentence);
+  // Closes the window, puts the backup in the place of its database, and opens that again; or says why not.
+  void take_backup(MainWindow& window, const QString& backup, const QString& moment);
   void remember(const QString& path);
   void closed(MainWindow& window);
   void forget(const MainWindow* window);
