@@ -59,6 +59,25 @@ TEST(Checkpoint, TheLogIsBroughtOverWithoutAnybodyClosingAndAfterAReaderHasGone)
   EXPECT_TRUE(comes_true([&] { return fs::file_size(path) > 3 * kOnce; }));
 }
 
+// A table that is exported for an hour holds back the log of all who save meanwhile.
+TEST(Checkpoint, AReaderThatNeverWritesBringsOverWhatItHasHeldBack) {
+  const TemporaryFolder folder;
+  const std::string path = folder.file("base");
+  SqliteDatabase writer(path, {.missing = SqliteDatabase::Missing::kCreate});
+  writer.put("F", "first", record("x"));
+  constexpr auto kAll = std::uintmax_t{2 * kPages} * 3000;
+  {
+    SqliteDatabase reader(path);
+    reader.in_one_view([&] {
+      save_pages(writer, 0);
+      save_pages(writer, kPages);
+      EXPECT_LT(fs::file_size(path), kAll);
+    });
+  }
+  // The writer may be at it too, with what stood in the log before the reader had gone.
+  EXPECT_TRUE(comes_true([&] { return fs::file_size(path) > kAll; }));
+}
+
 struct Latency {
   double half, most, longest;  // milliseconds: median, 99.9 of 100, all
 };

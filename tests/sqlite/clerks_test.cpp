@@ -78,6 +78,25 @@ TEST_F(Clerks, WhoExpectNothingLoseChanges) {
   std::cout << "clerks expecting nothing: " << lost << " acknowledged changes lost, at try " << tries << "\n";
 }
 
+TEST_F(Clerks, AreNotKeptFromSavingByABackupWhichHoldsOneMomentOfTheirWork) {
+  int backups = 0;
+  const int acknowledged = test::together(kClerks, [&](int clerk) {
+    if (clerk > 0) return count_up(clerk, times_, true);
+    const auto database = open();
+    for (int n = 0; n < 5; ++n) database->back_up(folder_.file("copie" + std::to_string(n)));
+    return 0;
+  });
+  EXPECT_EQ(counted(), acknowledged);
+  for (int n = 0; n < 5; ++n) {
+    SqliteDatabase copy(folder_.file("copie" + std::to_string(n)));
+    EXPECT_TRUE(copy.damages().empty() && copy.damaged_records().empty());
+    for (int card = 0; card < kCards; ++card) EXPECT_TRUE(history_is_whole(copy, "F", std::to_string(card)));
+    ++backups;
+  }
+  std::cout << "clerks beside backups: " << acknowledged << " acknowledged, " << acknowledged - counted()
+            << " lost, " << backups << " backups sound\n";
+}
+
 TEST_F(Clerks, WhoCreateCardsNeverGetOneCodeTwice) {
   const int made = test::together(kClerks, [&](int clerk) {
     const auto database = open();

@@ -71,7 +71,10 @@ struct DiskCalls {
     return code;
   }
   static int read(sqlite3_file* file, void* out, int size, sqlite3_int64 at) {
-    return inner(file)->pMethods->xRead(inner(file), out, size, at);
+    return guarded(file, [&](Disk& on, sqlite3_file* system) {
+      return on.fails(Disk::Fault::kRead) ? SQLITE_IOERR_READ
+                                          : system->pMethods->xRead(system, out, size, at);
+    });
   }
   static int write(sqlite3_file* file, const void* bytes, int size, sqlite3_int64 at) {
     return guarded(file, [&](Disk& on, sqlite3_file* system) {
@@ -156,6 +159,11 @@ constexpr sqlite3_io_methods kMethods = {
 
 int DiskCalls::open(sqlite3_vfs* vfs, const char* name, sqlite3_file* file, int flags, int* out) {
   Disk& on = disk(vfs);
+  ours(file).base.pMethods = nullptr;
+  {
+    const std::scoped_lock lock(on.mutex_);
+    if (on.fails(Disk::Fault::kOpen)) return SQLITE_CANTOPEN;
+  }
   const int code = on.system_->xOpen(on.system_, name, inner(file), flags, out);
   ours(file).base.pMethods = inner(file)->pMethods != nullptr ? &kMethods : nullptr;
   if (ours(file).base.pMethods == nullptr) return code;

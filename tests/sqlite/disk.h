@@ -25,10 +25,10 @@ class Disk {
 
   // ---- Failing.
 
-  enum class Fault { kNone, kError, kFull, kSync };
+  enum class Fault { kNone, kError, kFull, kSync, kRead, kOpen };
   enum class Lasting { kOnce, kForEver };
   // From now on the nth call (from 1) that could so fail does so: an I/O error of a write, a truncation or a
-  // sync, a disk that is full in the middle of a write, a sync that fails.
+  // sync, a disk that is full in the middle of a write, a sync that fails, a read, the opening of a file.
   void fail(Fault fault, int nth, Lasting lasting);
   void work() { fail(Fault::kNone, 0, Lasting::kOnce); }
   // How many calls have failed since then.

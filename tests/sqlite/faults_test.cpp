@@ -167,7 +167,8 @@ TEST_F(FailingDisk, IsToldAndLeavesTheOldStateOrTheNewOneAtEveryCallOfEveryWork)
       // A base that is looked at is brought up to date by that.
       if (work.base == Base::kOlder) before = after;
     }
-    for (const auto fault : {Disk::Fault::kError, Disk::Fault::kFull, Disk::Fault::kSync}) {
+    for (const auto fault : {Disk::Fault::kError, Disk::Fault::kFull, Disk::Fault::kSync, Disk::Fault::kRead,
+                             Disk::Fault::kOpen}) {
       for (const auto lasting : {Disk::Lasting::kOnce, Disk::Lasting::kForEver}) {
         int step = 1, done = 0;
         for (int nth = 1; run(work, fault, lasting, nth, before, after); nth += step) {

@@ -15,6 +15,25 @@ constexpr int kPageSize = 4096;
 // Milliseconds that a checkpoint waits for a save, and that a save could wait for it.
 constexpr int kPatience = 50;
 
+struct Log {
+  int length, brought_over;  // in pages
+};
+
+// Waits for nobody but for another's checkpoint, which may have begun before what this is asked for.
+Log bring_over(Connection& connection) {
+  constexpr int kTries = 100, kPause = 20;
+  Log log{};
+  for (int tries = 0; tries < kTries; ++tries) {
+    const int code = sqlite3_wal_checkpoint_v2(connection.handle(), nullptr, SQLITE_CHECKPOINT_PASSIVE,
+                                               &log.length, &log.brought_over);
+    if (code == SQLITE_OK) return log;
+    constexpr int kPrimaryCode = 0xFF;
+    if ((code & kPrimaryCode) != SQLITE_BUSY) return {};
+    sqlite3_sleep(kPause);
+  }
+  return {};
+}
+
 }  // namespace
 
 Checkpointer::Checkpointer(Connection& connection) : connection_(connection) {
@@ -42,17 +61,11 @@ void Checkpointer::committed(int pages_in_log) {
   if (pages_in_log >= kWorthwhile) ask();
 }
 
-// Of a reader in another program only the length of the log tells.
+// By the length of the log, which also others have written.
 void Checkpointer::reader_gone() {
   std::error_code none;
   const auto length = std::filesystem::file_size(connection_.path() + "-wal", none);
-  const bool long_log = !none && length > std::uintmax_t{kTooLong} * kPageSize;
-  bool behind;
-  {
-    const std::scoped_lock lock(mutex_);
-    behind = behind_;
-  }
-  if (behind || long_log) ask();
+  if (!none && length >= std::uintmax_t{kWorthwhile} * kPageSize) ask();
 }
 
 void Checkpointer::ask() {
@@ -72,17 +85,13 @@ void Checkpointer::work() try {
   std::unique_lock lock(mutex_);
   while (true) {
     asked_.wait(lock, [this] { return wanted_ || ends_; });
-    if (ends_) return;
+    if (!wanted_) return;
     wanted_ = false;
     lock.unlock();
-    int left = -1, length = 0;
-    const int code =
-        sqlite3_wal_checkpoint_v2(own.handle(), nullptr, SQLITE_CHECKPOINT_PASSIVE, &length, &left);
-    left = code == SQLITE_OK ? length - left : 0;
-    if (length > kTooLong && left < kWorthwhile)
+    const auto [length, brought_over] = bring_over(own);
+    if (length > kTooLong && length - brought_over < kWorthwhile)
       sqlite3_wal_checkpoint_v2(own.handle(), nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
     lock.lock();
-    behind_ = left > 0;
   }
 } catch (const std::exception&) {
 }

@@ -17,7 +17,7 @@ class Checkpointer {
  public:
   // Hears of the commits of the connection, which must outlive it.
   explicit Checkpointer(Connection& connection);
-  // Waits for the checkpoint under way.
+  // Waits for the checkpoint that is wanted.
   ~Checkpointer();
   Checkpointer(const Checkpointer&) = delete;
   Checkpointer& operator=(const Checkpointer&) = delete;
@@ -33,7 +33,7 @@ class Checkpointer {
   Connection& connection_;
   std::mutex mutex_;
   std::condition_variable asked_;
-  bool wanted_ = false, ends_ = false, behind_ = false;
+  bool wanted_ = false, ends_ = false;
   std::thread thread_;
 };
 

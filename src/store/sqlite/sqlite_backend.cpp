@@ -287,8 +287,10 @@ void SqliteBackend::run_change(const std::function<void()>& writes) {
 // A statement that is not at its end keeps the view of its connection.
 void SqliteBackend::in_one_view(const std::function<void()>& reads) {
   const auto held = shelf();
+  const bool writable = held->connection.access() == Access::kWrite;
+  if (writable && !held->checkpointer) held->checkpointer = std::make_unique<Checkpointer>(held->connection);
   const OnExit gone([&] {
-    if (held->checkpointer) held->checkpointer->reader_gone();
+    if (writable) held->checkpointer->reader_gone();
   });
   Statement view(held->connection, "SELECT 1 FROM sqlite_schema");
   view.step();
