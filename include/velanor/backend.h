@@ -50,6 +50,10 @@ class Backend {
   // call the backend.
   virtual void scan(std::string_view file, const Narrowing& narrowing, Content content,
                     const Visit& visit) = 0;
+  // A scan, unless the file still stands at the revision `seen`. Returns the revision of what was visited,
+  // or an earlier one. Where every call is a journey, both are to be one.
+  virtual std::uint64_t scan_if_changed(std::string_view file, std::optional<std::uint64_t> seen,
+                                        const Narrowing& narrowing, Content content, const Visit& visit);
   // Differs from every earlier answer for the file if the file has changed since, by whichever
   // process.
   virtual std::uint64_t revision(std::string_view file) = 0;

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "velanor/error.h"
 #include "velanor/history.h"
@@ -37,6 +38,8 @@ class Expected {
 
   bool wants_anything() const { return kind_ == Kind::kAnything; }
   bool wants_absence() const { return kind_ == Kind::kAbsent; }
+  // What the expected record holds, for a store that compares elsewhere; "" for the other kinds.
+  const std::string& content() const { return content_; }
   // Whether what is stored (nothing: no record) is as expected.
   bool holds_for(const std::optional<DbRecord>& stored) const;
 
@@ -97,6 +100,8 @@ class Database {
   // Nothing can be written: every write fails. What is open is open for reading.
   virtual bool read_only() const { return false; }
 
+  // The files that hold records, by name; none where a database does not know them.
+  virtual std::vector<std::string> files() { return {}; }
   // The versions of its records; null where none are kept.
   virtual History* history() { return nullptr; }
   // From now on statements may call a part of the ids of a file by this name. The component names those

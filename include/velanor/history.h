@@ -33,6 +33,9 @@ class History {
   virtual std::vector<std::string> deleted(std::string_view file, std::string_view id_suffix) = 0;
   // Forgets the versions that were replaced before that time; what is stored now stays. How many went.
   virtual std::size_t purge(std::int64_t before) = 0;
+  // Lays down the versions of a record that never was, as another store kept them, the last one as what is
+  // stored now. False, and nothing done, where a store cannot.
+  virtual bool restore(std::string_view file, std::string_view id, const std::vector<Version>& versions);
 };
 
 }  // namespace velanor::store

@@ -48,7 +48,7 @@ class SqliteDatabase : public StoreDatabase {
   // Writes a record without opening its file.
   void put(std::string_view file, std::string_view id, const DbRecord& record);
   // The files that hold records, by name.
-  std::vector<std::string> files();
+  std::vector<std::string> files() override;
   // Copies the database, as it stands now, to a new file (mode 0600) that appears when it is complete
   // and has been found sound; others may write meanwhile. A file that exists, or is being made by
   // another copy, is a NameTaken. `progress` hears what part is copied, from 0 to 1.

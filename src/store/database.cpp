@@ -19,6 +19,8 @@ void Database::in_one_view(const std::function<void()>&) {
   throw DbError(kStoreFailure, "Cette base ne sait pas être lue à un instant donné : rien n'a été lu.");
 }
 
+bool History::restore(std::string_view, std::string_view, const std::vector<Version>&) { return false; }
+
 DbRecord DbFile::Read(std::string_view id) {
   if (auto record = find(id)) return std::move(*record);
   throw DbError(kMissingRecord, "L'enregistrement « " + clean_text(id) + " » n'existe pas.");
