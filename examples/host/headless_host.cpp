@@ -1,10 +1,10 @@
 // The component without a window: opens a database, chooses an entity and prints its employees.
 // Usage: headless_host DATABASE ENTITY
-#include <iostream>
-
 #include <velanor/controle_velanor.h>
 #include <velanor/hand.h>
 #include <velanor/sqlite_database.h>
+
+#include <iostream>
 
 namespace {
 

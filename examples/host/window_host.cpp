@@ -1,9 +1,9 @@
 // The component on a window of a program of your own. Usage: window_host DATABASE
-#include <QApplication>
-#include <QMainWindow>
-
 #include <velanor/controle_velanor_widget.h>
 #include <velanor/sqlite_database.h>
+
+#include <QApplication>
+#include <QMainWindow>
 
 namespace {
 

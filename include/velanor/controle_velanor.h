@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "velanor/date.h"
 #include "velanor/database.h"
+#include "velanor/date.h"
 #include "velanor/host.h"
 #include "velanor/screen.h"
 #include "velanor/util_saisie.h"

@@ -4,8 +4,8 @@
 #include <numeric>
 #include <set>
 
-#include "velanor/date.h"
 #include "text/utf8.h"
+#include "velanor/date.h"
 
 namespace velanor::demo {
 namespace {

@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "entry/blanks.h"
-#include "velanor/date.h"
 #include "entry/decimal.h"
 #include "text/number.h"
 #include "text/utf8.h"
+#include "velanor/date.h"
 
 namespace velanor::entry {
 namespace {

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "card/record/references.h"
-#include "velanor/date.h"
 #include "exchange/columns.h"
+#include "velanor/date.h"
 
 namespace velanor::exchange {
 

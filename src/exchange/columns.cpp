@@ -7,9 +7,9 @@
 #include "card/record/card_dates.h"
 #include "demo/source.h"
 #include "demo/table.h"
-#include "velanor/date.h"
 #include "entry/decimal.h"
 #include "text/utf8.h"
+#include "velanor/date.h"
 
 namespace velanor::exchange {
 namespace {

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "velanor/date.h"
 #include "velanor/database.h"
+#include "velanor/date.h"
 
 namespace velanor::exchange {
 

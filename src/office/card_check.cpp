@@ -9,9 +9,9 @@
 #include "card/record/record_compare.h"
 #include "card/record/record_layout.h"
 #include "card/record/rules.h"
-#include "velanor/date.h"
 #include "text/number.h"
 #include "text/utf8.h"
+#include "velanor/date.h"
 
 namespace velanor::office {
 

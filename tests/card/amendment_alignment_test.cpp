@@ -6,8 +6,8 @@
 #include <random>
 
 #include "card/record/record_layout.h"
-#include "velanor/date.h"
 #include "support/office.h"
+#include "velanor/date.h"
 
 namespace velanor::test {
 namespace {

@@ -6,8 +6,8 @@
 #include <set>
 
 #include "card/record/record_layout.h"
-#include "velanor/date.h"
 #include "text/utf8.h"
+#include "velanor/date.h"
 
 namespace velanor::demo {
 namespace {

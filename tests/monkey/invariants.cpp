@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "card/record/activity_line.h"
-#include "velanor/date.h"
 #include "entry/decimal.h"
+#include "velanor/date.h"
 
 namespace velanor::test {
 

@@ -4,8 +4,8 @@
 
 #include "card/record/item_hours.h"
 #include "card/record/record_layout.h"
-#include "velanor/date.h"
 #include "entry/decimal.h"
+#include "velanor/date.h"
 
 namespace velanor::test {
 namespace {
