@@ -268,46 +268,50 @@ bool PostgresBackend::write_record(std::string_view file, std::string_view id,
 PostgresBackend::Answer PostgresBackend::write_in_change(Write& write, const Expected& expected) {
   Answer answer{};
   write.token = change_;
-  in_transaction([&](Connection& connection) { answer = send(connection, write, expected); });
+  in_transaction([&](Connection& connection) { answer = send(connection, write, false, expected); });
   ++own_revision_;
   if (answer == Answer::kDone) last_done_ = std::move(write);
   return answer;
 }
 
-// Sent again under the same token until it is known to be done, once.
+// Sent again under the same token until it is known to be done, once. Nothing is unknown of what was never
+// sent.
 PostgresBackend::Answer PostgresBackend::write_surely(Write& write, const Expected& expected) {
   const bool resumed = unknown_ && unknown_->file == write.file && unknown_->id == write.id &&
                        unknown_->content == write.content;
   write.token = resumed ? unknown_->token : random_number();
   write.again = resumed;
   constexpr int kTries = 3;
-  for (int tries = 1;; ++tries) try {
-      Connection& connection = (write.again ? session_again() : session()).connection();
-      const bool sent_before = std::exchange(write.again, true);
-      const Answer answer =
-          send(connection, {write.file, write.id, write.content, write.token, sent_before}, expected);
+  for (int tries = 1;; ++tries) {
+    Connection& connection = session_for(write);
+    const bool again = std::exchange(write.again, true);
+    try {
+      const Answer answer = send(connection, write, again, expected);
       unknown_.reset();
       take_notices();
       return answer;
     } catch (const ConnectionLost&) {
-      if (tries < kTries) continue;
-      give_up(write);
-      throw;
-    } catch (const Unreachable&) {
-      give_up(write);
-      throw;
+      lost();
+      if (tries == kTries) leave_unknown(write);
     }
+  }
 }
 
-// Nothing is unknown of what was never sent.
-void PostgresBackend::give_up(const Write& write) {
-  lost();
-  if (!write.again) return;
+Connection& PostgresBackend::session_for(const Write& write) {
+  if (!write.again) return session().connection();
+  try {
+    return session_again().connection();
+  } catch (const DbError&) {
+    leave_unknown(write);
+  }
+}
+
+void PostgresBackend::leave_unknown(const Write& write) {
   unknown_ = write;
   throw outcome_unknown();
 }
 
-PostgresBackend::Answer PostgresBackend::send(Connection& connection, const Write& write,
+PostgresBackend::Answer PostgresBackend::send(Connection& connection, const Write& write, bool again,
                                               const Expected& expected) {
   const std::int64_t kind = expected.wants_anything() ? 0 : expected.wants_absence() ? 1 : 2;
   const auto view = [](const std::optional<std::string>& text) {
@@ -315,7 +319,7 @@ PostgresBackend::Answer PostgresBackend::send(Connection& connection, const Writ
   };
   const Result answer =
       connection.run(kPut, {write.file, write.id, reversed(write.id), view(write.content), kind,
-                            expected.content(), view(author_), write.token, std::int64_t{write.again}});
+                            expected.content(), view(author_), write.token, std::int64_t{again}});
   return static_cast<Answer>(answer.number(0, 0));
 }
 

@@ -73,8 +73,9 @@ class PostgresBackend : public Backend {
                     const Expected& expected);
   Answer write_in_change(Write& write, const Expected& expected);
   Answer write_surely(Write& write, const Expected& expected);
-  Answer send(Connection& connection, const Write& write, const Expected& expected);
-  void give_up(const Write& write);
+  Answer send(Connection& connection, const Write& write, bool again, const Expected& expected);
+  Connection& session_for(const Write& write);
+  [[noreturn]] void leave_unknown(const Write& write);
 
   void refuse_in_view() const;
   // Runs what belongs to the change or view under way, of which a failure is the end.

@@ -134,6 +134,8 @@ BEGIN
     RETURN CASE WHEN p_kind = 2 THEN 0 ELSE 1 END;
   END IF;
   IF n IS NULL THEN
+    -- Two changes that make the same files in different order would wait for each other.
+    PERFORM pg_advisory_xact_lock(1986358895, 3);
     INSERT INTO file(name) VALUES (p_file) ON CONFLICT DO NOTHING;
     SELECT number INTO n FROM file WHERE name = p_file;
   END IF;
