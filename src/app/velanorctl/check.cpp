@@ -58,9 +58,8 @@ int check_records(store::Database& database) {
 }
 
 int check(const StoreOptions& options) {
-  const bool file = !options.url.empty() && options.url != kMemoryStore;
   const std::unique_ptr<store::Database> database =
-      file ? open_to_examine(options.url) : open_named_store(options);
+      is_file(options) ? open_to_examine(options.url) : open_named_store(options);
   int status = 0;
   database->in_one_view([&] {
     const auto damages = damages_of(*database);

@@ -21,5 +21,7 @@ void add_select(CLI::App& program, int& status);
 void add_show(CLI::App& program, int& status);
 void add_check(CLI::App& program, int& status);
 void add_backup(CLI::App& program, int& status);
+void add_copy(CLI::App& program, int& status);
+void add_setup_server(CLI::App& program, int& status);
 
 }  // namespace velanor::app

@@ -46,6 +46,13 @@ std::string place_of(const PQconninfoOption* info) {
   return host.empty() ? named : named + " du serveur « " + clean_text(host) + " »";
 }
 
+// What the library says of a URL that it cannot read, or has read otherwise than it was meant, may show the
+// password: an "@" in it would make its rest a part of the host.
+bool is_readable(const std::string& url) {
+  const Info info(PQconninfoParse(url.c_str(), nullptr));
+  return info != nullptr && value_of(info.get(), "host").find('@') == std::string::npos;
+}
+
 // What stands first is only for those whom the URL does not contradict. A server that went away without a
 // word is noticed by these.
 PGconn* connect(const std::string& url, int seconds) {
@@ -106,17 +113,11 @@ std::string_view Result::tag() const { return PQcmdStatus(result_.get()); }
 
 // ---- The connection.
 
-std::string place_of(const std::string& url) {
-  const Info info(PQconninfoParse(url.c_str(), nullptr));
-  return place_of(info.get());
-}
-
 void Connection::Finish::operator()(pg_conn* connection) const { PQfinish(connection); }
 
 Connection::Connection(const std::string& url, const Limits& limits, std::uint64_t& round_trips)
     : limits_(limits), round_trips_(round_trips) {
-  // What the library says of a URL that it cannot read may show the password.
-  if (!Info(PQconninfoParse(url.c_str(), nullptr))) {
+  if (!is_readable(url)) {
     throw DbError(kStoreFailure,
                   "L'adresse de la base n'est pas lisible. Donnez-la sous la forme "
                   "postgresql://utilisateur@serveur/base ; dans un mot de passe, « @ », « / » et « % » "

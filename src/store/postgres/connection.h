@@ -104,7 +104,4 @@ class Connection {
   bool alive_ = true;
 };
 
-// "« base » du serveur « hôte »", without what is secret.
-std::string place_of(const std::string& url);
-
 }  // namespace velanor::store::postgres

@@ -19,9 +19,9 @@ constexpr Sentence kSentences[] = {
     {"42P01", kAskForSetup},
     {"42883", kAskForSetup},
     {"42501",
-     "n'a pas été modifiée : vous n'en avez pas le droit. Demandez à celui qui gère le serveur de vous "
-     "donner "
-     "le rôle qu'il faut."},
+     "a refusé : vous n'en avez pas le droit, et rien n'a été modifié. Demandez à celui qui gère le serveur "
+     "de "
+     "vous donner le rôle qu'il faut."},
     {"25006",
      "n'a pas été modifiée : elle est ouverte en lecture seule. Ouvrez la base principale pour écrire."},
     {"55P03",

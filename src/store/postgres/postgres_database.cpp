@@ -39,14 +39,13 @@ bool PostgresDatabase::is_url(std::string_view text) {
   return text.starts_with("postgresql://") || text.starts_with("postgres://");
 }
 
-// Between the user's name and the "@", and among the options behind the "?".
+// Between the user's name and the last "@" in front of the base, and among the options behind the "?".
 std::string PostgresDatabase::without_password(std::string_view url) {
   std::string shown(url);
   const std::size_t start = shown.find("://") + 3;
-  const std::size_t end = std::min(shown.find('?', start), shown.size());
-  const std::size_t at = shown.rfind('@', end);
+  const std::size_t at = shown.rfind('@', shown.find_first_of("/?", shown.find('@', start)));
   const std::size_t colon = shown.find(':', start);
-  if (at != shown.npos && at > start && colon < at) shown.erase(colon, at - colon);
+  if (at != shown.npos && at >= start && colon < at) shown.erase(colon, at - colon);
   for (const std::string_view option : {"password=", "sslpassword="}) {
     for (std::size_t found = shown.find('?'); (found = shown.find(option, found)) != shown.npos;) {
       const std::size_t value = found + option.size();
