@@ -135,13 +135,17 @@ void PostgresBackend::lost() {
 
 void PostgresBackend::read(const std::function<void(Connection&)>& reads) {
   if (mode_ != Mode::kPlain) return in_transaction(reads);
+  on_a_connection(reads);
+  take_notices();
+}
+
+void PostgresBackend::on_a_connection(const std::function<void(Connection&)>& act) {
   try {
-    reads(session().connection());
+    act(session().connection());
   } catch (const ConnectionLost&) {
     lost();
-    reads(session().connection());
+    act(session().connection());
   }
-  take_notices();
 }
 
 // ---- Reading.
@@ -353,8 +357,6 @@ void PostgresBackend::in_one_change(const std::function<void()>& writes) {
   if (mode_ == Mode::kChange) return writes();
   refuse_in_view();
   change_ = random_number();
-  last_done_.reset();
-  wrote_otherwise_ = false;
   try {
     transaction("BEGIN ISOLATION LEVEL READ COMMITTED", Mode::kChange, writes);
   } catch (...) {
@@ -371,8 +373,10 @@ void PostgresBackend::in_one_view(const std::function<void()>& reads) {
 }
 
 void PostgresBackend::transaction(const char* begin, Mode mode, const std::function<void()>& acts) {
-  read([&](Connection& connection) { connection.run(begin); });
+  on_a_connection([&](Connection& connection) { connection.run(begin); });
   broken_ = false;
+  last_done_.reset();
+  wrote_otherwise_ = false;
   {
     mode_ = mode;
     const OnExit plain([&] { mode_ = Mode::kPlain; });

@@ -64,6 +64,7 @@ class PostgresBackend : public Backend {
   // The same, for a while, with a server that has just fallen.
   Session& session_again();
   void lost();
+  void on_a_connection(const std::function<void(Connection&)>& act);
 
   std::optional<DbRecord> find(Connection& connection, std::string_view file, std::string_view id);
   std::optional<DbRecord> find_kept(std::string_view file, std::string_view id);
