@@ -20,12 +20,12 @@ class ServerSetup : public testing::Test {
     return server_.ask(
         base,
         "SELECT string_agg(x, E'\\n' ORDER BY x) FROM ("
-        "SELECT c.oid::regclass || ' ' || c.relkind || ' ' || coalesce(c.relacl::text, '') AS x "
-        "FROM pg_class c WHERE relnamespace = 'velanor'::regnamespace "
-        "UNION ALL SELECT oid::regprocedure || ' ' || coalesce(proacl::text, '') FROM pg_proc "
+        "SELECT c.oid::regclass::text || ' ' || c.relkind::text || ' ' || coalesce(c.relacl::text, '') AS x "
+        "FROM pg_class c WHERE relnamespace = 'velanor'::regnamespace AND relkind <> 'i' "
+        "UNION ALL SELECT oid::regprocedure::text || ' ' || coalesce(proacl::text, '') FROM pg_proc "
         "WHERE pronamespace = 'velanor'::regnamespace "
-        "UNION ALL SELECT tgname FROM pg_trigger WHERE NOT tgisinternal "
-        "UNION ALL SELECT attrelid::regclass || '.' || attname || ' ' || "
+        "UNION ALL SELECT tgname::text FROM pg_trigger WHERE NOT tgisinternal "
+        "UNION ALL SELECT attrelid::regclass::text || '.' || attname || ' ' || "
         "coalesce(attacl::text, '') FROM pg_attribute JOIN pg_class c ON c.oid = attrelid "
         "WHERE relnamespace = 'velanor'::regnamespace) all_of_it");
   }

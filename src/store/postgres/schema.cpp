@@ -8,6 +8,7 @@ namespace {
 // The roles belong to the server, the rest to a base. Whoever runs this must be able to act as the owner.
 constexpr const char* kPrologue = R"sql(
 BEGIN;
+SET LOCAL client_min_messages = warning;
 SELECT pg_advisory_xact_lock(1986358895, 2);
 DO $do$
 DECLARE
