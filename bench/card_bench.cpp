@@ -10,8 +10,8 @@
 namespace velanor::test {
 namespace {
 
-struct Desk {
-  Desk() {
+struct Browsing {
+  Browsing() {
     MemorySink sink(database);
     demo::fill(sink, demo::of_scale(500'000));
     office.component.init();
@@ -32,9 +32,9 @@ struct Desk {
   int next = 0;
 };
 
-Desk& desk() {
-  static Desk desk;
-  return desk;
+Browsing& browsing() {
+  static Browsing browsing;
+  return browsing;
 }
 
 // Changes each reference file, so that every list has to be filled anew.
@@ -48,7 +48,7 @@ void touch_reference_files(store::MemoryDatabase& database) {
 }
 
 void start(benchmark::State& state) {
-  Desk& at = desk();
+  Browsing& at = browsing();
   for (auto _ : state) {
     Office office(at.database);
     office.component.init();
@@ -57,7 +57,7 @@ void start(benchmark::State& state) {
 BENCHMARK(start)->Unit(benchmark::kMillisecond);
 
 void choose_with_lists_kept(benchmark::State& state) {
-  Desk& at = desk();
+  Browsing& at = browsing();
   for (auto _ : state) {
     at.choose();
     state.PauseTiming();
@@ -68,7 +68,7 @@ void choose_with_lists_kept(benchmark::State& state) {
 BENCHMARK(choose_with_lists_kept)->Unit(benchmark::kMillisecond);
 
 void choose_with_every_list_anew(benchmark::State& state) {
-  Desk& at = desk();
+  Browsing& at = browsing();
   for (auto _ : state) {
     state.PauseTiming();
     touch_reference_files(at.database);
@@ -83,12 +83,12 @@ BENCHMARK(choose_with_every_list_anew)->Unit(benchmark::kMillisecond);
 
 // Saving lists the employees anew; what that costs alone is measured below.
 void save(benchmark::State& state) {
-  Desk& at = desk();
+  Browsing& at = browsing();
   for (auto _ : state) {
     state.PauseTiming();
     at.choose();
     state.ResumeTiming();
-    Desk::must(at.office.hand.click(at.office.ui.Cmd_OK));
+    Browsing::must(at.office.hand.click(at.office.ui.Cmd_OK));
   }
   if (!at.office.toolkit.messages.empty() && at.office.ui.Cmd_OK.enabled()) state.SkipWithError("not saved");
 }
@@ -96,7 +96,7 @@ BENCHMARK(save)->Unit(benchmark::kMillisecond);
 
 // The same list after a change of one card, asked for by choosing the year again.
 void employee_list_after_a_save(benchmark::State& state) {
-  Desk& at = desk();
+  Browsing& at = browsing();
   for (auto _ : state) {
     state.PauseTiming();
     const std::string id = "00001" + at.office.ui.Txt_Asso.text() + "1999";

@@ -22,14 +22,11 @@ endif()
 install(TARGETS ${exported} EXPORT VelanorTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(EXPORT VelanorTargets NAMESPACE Velanor:: DESTINATION ${package})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/velanor DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-foreach(program velanorctl velanor)
-  if(TARGET ${program})
-    install(TARGETS ${program} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-  endif()
-endforeach()
+install(TARGETS velanorctl RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-# The place in the menus of the desktop.
+# The window, and its place in the menus of the desktop.
 if(TARGET velanor)
+  install(TARGETS velanor RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   set(desk ${PROJECT_SOURCE_DIR}/src/app/velanor)
   install(FILES ${desk}/velanor.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
   install(FILES ${desk}/icon/velanor.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)

@@ -7,9 +7,9 @@
 #include <string_view>
 
 #include "check.h"
+#include "store/checked_writes.h"
 #include "store/memory_backend.h"
 #include "velanor/memory_database.h"
-#include "velanor/store_database.h"
 
 namespace velanor::store::fuzz {
 

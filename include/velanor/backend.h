@@ -1,8 +1,10 @@
-// What a place that keeps records must offer; everything above it is written once.
+// A place that keeps records, and the database over it: whoever writes a backend over a store of his own
+// has the selection language, the files and the checks of writes for nothing.
 #pragma once
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,7 +18,7 @@ namespace velanor::store {
 struct Narrowing {
   enum class Kind { kNone, kId, kIdPrefix, kIdSuffix };
   Kind kind = Kind::kNone;
-  std::string text;
+  std::string text;  // the id, or its beginning or end; "" admits every id, but for kId
 };
 
 // A record as it lies in a store: its id and its encoded form.
@@ -27,39 +29,71 @@ struct Row {
 
 enum class Content { kIdsOnly, kRecords };
 
-// Files of records by name. A file that was never written is empty, or an error where the backend
-// knows which files there are. Every failure is a DbError (kStoreFailure) whose sentence says what
-// to do; ids and records handed in are clean, those handed out must be.
+// Files of records by name. A file that was never written is empty, or an error where the backend knows
+// which files there are. Ids are compared byte by byte. Ids and records handed in are clean and hold for the
+// call alone; those handed out must be clean (see DbRecord::from_encoded for bytes that others may have
+// written). Every failure is a DbError (kStoreFailure) whose sentence says what to do, and leaves the store
+// as it was before the call.
+//
+// Called by one StoreDatabase, which owns it, on the thread of that database. What is stored may be changed
+// by others at any time, and every call sees it as it is then; only inside a change or a view it stands
+// still but for what is written there.
 class Backend {
  public:
   using Visit = std::function<void(const Row&)>;
 
   virtual ~Backend() = default;
-  // Throws where the file cannot be used.
+  // Before the first use of a file, as often as it is opened. Throws where the file cannot be used.
   virtual void open(std::string_view file) = 0;
   virtual std::optional<DbRecord> find(std::string_view file, std::string_view id) = 0;
-  // Durable, where the backend is, once it returns. False, and nothing written, where the record was
-  // not as expected; no other writer comes between the look and the write.
+  // Writes the record in the place of what stands under the id, if that is as expected. Durable, where the
+  // backend is, once it returns. False, and nothing written, where it was not as expected; no other writer
+  // comes between the look and the write.
   virtual bool put(std::string_view file, std::string_view id, const DbRecord& record,
                    const Expected& expected) = 0;
   // The same for removing a record; one that is not there is not an error.
   virtual bool erase(std::string_view file, std::string_view id, const Expected& expected) = 0;
-  // Visits every record that the narrowing admits, once each, in any order; ascending ids make the
-  // sorting cheapest. It may visit others: a narrowing only saves work. A row lives until its
-  // visit returns; its record may be left empty when only ids are asked for. The visit does not
-  // call the backend.
+  // Visits every record that the narrowing admits, once each, in any order; ascending ids make the sorting
+  // cheapest. It may visit others: a narrowing only saves work. A row lives until its visit returns; its
+  // record may be left empty when only ids are asked for. The visit does not call the backend; what it
+  // throws ends the scan and goes on to the caller.
   virtual void scan(std::string_view file, const Narrowing& narrowing, Content content,
                     const Visit& visit) = 0;
   // A scan, unless the file still stands at the revision `seen`. Returns the revision of what was visited,
   // or an earlier one. Where every call is a journey, both are to be one.
   virtual std::uint64_t scan_if_changed(std::string_view file, std::optional<std::uint64_t> seen,
                                         const Narrowing& narrowing, Content content, const Visit& visit);
-  // Differs from every earlier answer for the file if the file has changed since, by whichever
-  // process.
+  // Differs from every earlier answer for the file if the file has changed since, by whichever process: by
+  // it a selection that was run before is known to be good still. Undoing a change is a change: what was
+  // told inside it is never told again.
   virtual std::uint64_t revision(std::string_view file) = 0;
-  // See Database.
+  // See Database. A change may stand within a change, a view within either; it then belongs to the outer one.
   virtual void in_one_change(const std::function<void()>& writes) = 0;
   virtual void in_one_view(const std::function<void()>& reads) = 0;
+};
+
+// The database over a backend: opens files, refuses ids that are no texts, and runs selections the same way
+// everywhere, narrowed by what they say of ids and each record checked again.
+class StoreDatabase : public Database {
+ public:
+  // The backend is not null.
+  explicit StoreDatabase(std::unique_ptr<Backend> backend);
+  ~StoreDatabase() override;
+
+  std::unique_ptr<DbFile> OpenFile(std::string_view name) override;
+  // A request that was run before answers at once while its file has not changed.
+  DbResult Select(std::string_view request, std::string_view option = {}) override;
+  void in_one_change(const std::function<void()>& writes) override;
+  void in_one_view(const std::function<void()>& reads) override;
+  void name_id_part(std::string_view file, std::string_view name, const IdPart& part) override;
+
+ protected:
+  // For what a database of its own kind offers besides.
+  Backend& backend();
+
+ private:
+  struct Engine;
+  std::unique_ptr<Engine> engine_;
 };
 
 }  // namespace velanor::store

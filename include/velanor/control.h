@@ -1,14 +1,15 @@
-// The controls of a screen as plain values with events, without a windowing toolkit. A toolkit
-// shows them and passes on what the user does (see hand.h); the rules read and write them.
+// The controls of a screen as plain values with events, without a windowing toolkit. A toolkit shows them and
+// passes on what the user does (see hand.h); the rules read and write them. A host finds those of the
+// component by their names (see Form::find), reads them, and may write into them and hear their events, on
+// the component's thread.
 #pragma once
 
 #include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
-
-#include "velanor/event.h"
 
 namespace velanor::screen {
 
@@ -16,7 +17,35 @@ class Form;
 class Frame;
 class Label;
 
-// What is fixed about a control when its form is made.
+// Handlers run in the order in which they were bound, and live as long as the control: what they refer to
+// must outlive it. One that throws keeps those behind it from running, and ends the act. None may bind
+// another to the event that it is called by, or destroy the control.
+class Event {
+ public:
+  void operator+=(std::function<void()> handler) { handlers_.push_back(std::move(handler)); }
+  void raise() const {
+    for (const auto& handler : handlers_) handler();
+  }
+
+ private:
+  std::vector<std::function<void()>> handlers_;
+};
+
+// A key on its way into a control. A handler may change it, or swallow it.
+struct Key {
+  static constexpr char32_t kBackspace = 8;
+  static constexpr char32_t kTab = 9;
+  static constexpr char32_t kEnter = 13;
+  static constexpr char32_t kEscape = 27;
+  static constexpr char32_t kDelete = 127;
+
+  char32_t code = 0;
+  void swallow() { code = 0; }
+  bool swallowed() const { return code == 0; }
+};
+
+// What is fixed about a control when its form is made. Texts are copied; label and frame are of the same
+// form.
 struct Spec {
   std::string_view name;
   std::string_view caption = {};
@@ -26,8 +55,8 @@ struct Spec {
   int max_length = 0;      // characters; 0: no bound
 };
 
-// A control belongs to one form, which must outlive it, and registers there under its name.
-// `enabled` and `visible` are its own properties; `usable` is what a hand finds.
+// A control is a member of one form, where it registers under its name, and goes with it. `enabled` and
+// `visible` are its own properties; `usable` is what a hand finds.
 class Control {
  public:
   Control(Form& form, const Spec& spec);
@@ -38,6 +67,7 @@ class Control {
   const std::string& name() const { return name_; }
   Form& form() const { return form_; }
   int page() const { return page_; }
+  // Null where it has none.
   Frame* frame() const { return frame_; }
   Label* label() const { return label_; }
 
@@ -61,7 +91,7 @@ class Control {
   Event got_focus;
 
  protected:
-  void touch() { ++revision_; }
+  void touch();
 
  private:
   Form& form_;

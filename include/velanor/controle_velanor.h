@@ -13,9 +13,10 @@
 
 namespace velanor {
 
-// Made by a host, given its three objects, then started by `init`; from then on it runs on what
-// the user does through its screen, and on what the host does through it (see Hand) or asks of it here.
-// Not used again after the user has left it.
+// Made by a host, given its three objects, then started by `init`; from then on it runs on what the user does
+// through its screen, and on what the host does through it (see Hand) or asks of it here. When the user has
+// left it, it is not used again, and only waits to be destroyed. A host on a Qt window has it made and driven
+// by the widget (controle_velanor_widget.h).
 //
 // One thread, that of the host's user interface. Everything that is handed in by reference must outlive it.
 // Several components in one process do not disturb each other; those on one database share its open files.
@@ -23,7 +24,7 @@ namespace velanor {
 // host window while it calls them (see `abandon`).
 class ControleVelanor {
  public:
-  // What surrounds the component.
+  // What surrounds the component, and outlives it.
   struct Surroundings {
     screen::Toolkit& toolkit;
     control::HelpViewer& help;
@@ -70,6 +71,7 @@ class ControleVelanor {
   control::Opening open(std::string_view entity, std::string_view year, std::string_view employee);
 
   // Listeners hear in the order in which they came; each must stop before it is destroyed, or outlive this.
+  // One that never came is passed over.
   void listen(control::CardListener& listener);
   void ignore(control::CardListener& listener);
 

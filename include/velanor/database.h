@@ -1,14 +1,19 @@
-// The database as the component sees it: files of records, and selections over them.
+// The database as the component sees it: files of records, and selections over them. A host takes one of
+// those that are there (sqlite_database.h, memory_database.h), writes a backend under their engine
+// (backend.h), or derives from Database itself.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
-#include "velanor/error.h"
 #include "velanor/history.h"
 #include "velanor/query.h"
 #include "velanor/record.h"
@@ -21,6 +26,29 @@ struct Variable;
 namespace velanor::store {
 
 class DbFile;
+
+// Numbers of errors: a record that does not exist, where one had to be read;
+inline constexpr std::uint32_t kMissingRecord = 0x8004000B;
+// a selection statement that is not of the language;
+inline constexpr std::uint32_t kBadStatement = 0x80040002;
+// a write or a deletion that found under its id something else than it expected, and did nothing;
+inline constexpr std::uint32_t kConflict = 0x80040003;
+// what this kind of database cannot do at all: changes and views of several calls;
+inline constexpr std::uint32_t kNotOffered = 0x80040004;
+// every other failure.
+inline constexpr std::uint32_t kStoreFailure = 0x80040001;
+
+// The one error of a store. It ends the operation in progress and reaches the host. Its sentence is in
+// French, for the user: what happened, and what to do.
+class DbError : public std::runtime_error {
+ public:
+  DbError(std::uint32_t number, const std::string& sentence)
+      : std::runtime_error(sentence), number_(number) {}
+  std::uint32_t number() const { return number_; }
+
+ private:
+  std::uint32_t number_;
+};
 
 // Some characters of an id: the first of them, from 1, and how many; 0: all that follow.
 struct IdPart {
@@ -50,8 +78,8 @@ class Expected {
   std::string content_;
 };
 
-// A record bound to a file and an id: filled, then written by DBWrite. It starts empty.
-// The file must outlive it.
+// A record bound to a file and an id: filled, then written by DBWrite. It starts empty, whatever is stored
+// there. The file must outlive it; copies are bound alike.
 class FileRecord : public DbRecord {
  public:
   FileRecord(DbFile& file, std::string id) : file_(&file), id_(std::move(id)) {}
@@ -66,11 +94,15 @@ class FileRecord : public DbRecord {
   std::string id_;
 };
 
-// An open file. Failures are DbError; a missing record is one only for Read.
+// An open file. It belongs to who opened it, who destroys it before its database. Failures are DbError; a
+// missing record is one only for Read, whose number callers test for.
 class DbFile {
  public:
   virtual ~DbFile() = default;
+  // Nothing where there is no such record.
   virtual std::optional<DbRecord> find(std::string_view id) = 0;
+  // Takes the place of what stands there, if that is as expected; durable where the store is, once it
+  // returns. The id is a text that is not empty.
   virtual void write(std::string_view id, const DbRecord& record, const Expected& expected) = 0;
   void write(std::string_view id, const DbRecord& record) { write(id, record, Expected::anything()); }
   virtual void remove(std::string_view id, const Expected& expected) = 0;
@@ -82,22 +114,34 @@ class DbFile {
   FileRecord Record(std::string_view id) { return FileRecord(*this, std::string(id)); }
 };
 
-// What the host hands in as TheDatabase. Used from one thread. Files that it opened must not
-// outlive it. One that cannot make changes or views of several calls says so with a DbError.
+// What the host hands in as TheDatabase. It and its files are used from one thread, that of the components
+// on it, by them and as the host likes. It must outlive the components and the files: they are closed when
+// the last component on it has been left or destroyed. Every call may fail with a DbError.
 class Database {
  public:
+  Database() = default;
   virtual ~Database() = default;
+  Database(const Database&) = delete;
+  Database& operator=(const Database&) = delete;
+
+  // Never null; the same name may be opened many times. A file without records is as good as any; one that
+  // the database cannot have at all is an error.
   virtual std::unique_ptr<DbFile> OpenFile(std::string_view name) = 0;
-  // Runs a request in its encoded form (see DbQuery). `option` is always "".
+  // Runs a request in its encoded form (see DbQuery). `option` is always "". Sees every write before it.
   virtual DbResult Select(std::string_view request, std::string_view option = {}) = 0;
 
+  // These two are for work on many records, such as an import, or the deletion of a card with what was
+  // computed of it, which the component does call by call where the database has no changes. They throw a
+  // DbError (kNotOffered) where they are not overridden. What the function throws goes on to the caller.
   // Carries out everything that `writes` writes through this database as one change: all of it, or nothing
-  // when it throws. Within another change it belongs to that one.
+  // when it throws. What it reads sees what it wrote. Within another change it belongs to that one, and
+  // its failure must be let through.
   virtual void in_one_change(const std::function<void()>& writes);
-  // Runs reads that see the database as it stands now, whatever others write meanwhile.
+  // Runs reads that see the database as it stands now, whatever others write meanwhile. It writes nothing.
   virtual void in_one_view(const std::function<void()>& reads);
 
-  // Nothing can be written: every write fails. What is open is open for reading.
+  // Nothing can be written: every write fails. What is open is open for reading. Asked when a component is
+  // started.
   virtual bool read_only() const { return false; }
 
   // The files that hold records, by name; none where a database does not know them.

@@ -10,8 +10,20 @@
 
 namespace velanor::screen {
 
-// Holds no control itself: they are members of what derives from it, and register in the order
-// in which they are declared, which is the tab order.
+// Lists that stand side by side are the columns of one table; so are the parts of the lines of one list.
+struct TableColumn {
+  ListBox* list;
+  const Label* heading = nullptr;
+  const TextControl* entry = nullptr;  // what the user enters into it
+  bool figures = false;                // which stand at the right
+  // What of a line stands in it; null: all.
+  std::string_view (*part)(std::string_view line) = nullptr;
+};
+using TableColumns = std::vector<TableColumn>;
+
+// Holds no control itself: they are members of what derives from it, and register in the order in which they
+// are declared, which is the tab order. The forms of a component live as long as it does; a host reads them
+// and finds their controls, and moves the focus by a Hand.
 class Form {
  public:
   Form(std::string_view name, std::string_view caption) : name_(name), caption_(caption) {}
@@ -27,6 +39,7 @@ class Form {
   const std::vector<Control*>& controls() const { return controls_; }
   // The control of that name, or null.
   Control* find(std::string_view name) const;
+  // Null where it has no pages.
   Tabs* tabs() const { return tabs_; }
 
   // Names the controls that are passed over.
@@ -45,10 +58,12 @@ class Form {
   // elsewhere. The control must be usable and in sight. What a field holds is not judged on the way
   // to a cancel button, where it may be thrown away, but when the focus goes on from there.
   bool move_focus(Control* control);
-  // The user's Tab: to the next (or previous) control as it stands when the one left has been heard.
-  // Those that `passes` names belong to the same stop and are passed over.
+  // The user's Tab: to the next (or previous) control as it stands when the one left has been heard. Of
+  // option buttons the one that is set is the stop. Those that `passes` names belong to the same stop and are
+  // passed over.
   bool step_focus(bool forward, const Passes& passes = {});
-  // The user thought better of a button that cancels or deletes: back to where the focus came from.
+  // The user thought better of a button that cancels or deletes: back to where the focus came from. Who had
+  // stepped to the button by Tab is there already.
   void resume();
   // As when the form is shown anew: nothing has the focus, without events.
   void forget_focus() { focus_ = unjudged_ = before_ = nullptr; }
@@ -61,6 +76,7 @@ class Form {
   bool can_focus(const Control& control) const;
   bool in_sight(const Control& control) const;
 
+  std::vector<TableColumns> tables;
   // Escape presses the first of these that is usable.
   std::vector<CommandButton*> cancel_buttons;
   // Those that delete.
@@ -68,6 +84,8 @@ class Form {
   bool abandons(const Control& control) const;
   // Asked when the close box is used: false keeps the form open.
   std::function<bool()> may_close;
+  // What a view shows of one of its controls has changed; for the toolkit that shows the form.
+  std::function<void()> changed;
   // A right mouse button press on the background.
   Event right_pressed;
 
@@ -90,6 +108,7 @@ class Form {
   Control* before_ = nullptr;    // where the focus was before a button that cancels or deletes
   bool leaving_ = false;
   bool settled_ = false;
+  bool stepped_ = false;  // the focus came where it is by Tab
   bool redirected_ = false;
 };
 

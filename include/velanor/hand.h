@@ -1,5 +1,5 @@
-// What a user can do to a screen, judged as it would be under a hand: whatever is disabled,
-// hidden or behind another form does not answer. A scenario and a window both act through it.
+// What a user can do to a screen, judged as it would be under a hand: whatever is disabled, hidden or behind
+// another form does not answer. A scenario, a window and a host all act through it.
 #pragma once
 
 #include <string>
@@ -9,11 +9,13 @@
 
 namespace velanor::screen {
 
-// Why an action could not be made; empty when it was. A click that is lost on its way, because the
-// control left keeps the focus or speaks up, was made all the same.
+// Why an action could not be made, in English, for the programmer; empty when it was. A click that is lost on
+// its way, because the control left keeps the focus or speaks up, was made all the same.
 using Refusal = std::string;
 
-// Everything that it does is one act of the screen.
+// Everything that it does is one act of the screen (see Screen::act), and throws what the rules throw, such
+// as store::DbError. It keeps nothing but the screen, which must outlive it; a component that was destroyed
+// by what it did has no screen any more. Not used while a message waits.
 class Hand {
  public:
   explicit Hand(Screen& screen) : screen_(screen) {}

@@ -10,10 +10,13 @@ class Database;
 
 namespace velanor::control {
 
+// All of these are called on the component's thread.
+
 // The access-rights component. The answer is kept and passed on to nobody.
 class UserRights {
  public:
   virtual ~UserRights() = default;
+  // Called once, when they are handed in.
   virtual std::string rights(std::string_view element) = 0;
 };
 
@@ -26,8 +29,8 @@ class Client {
 class HelpViewer {
  public:
   virtual ~HelpViewer() = default;
-  // Shows a page by file name, with a window title and a section letter. The client may be null
-  // when the host set none.
+  // Shows a page by file name, with a window title and a section letter, and does not wait until it is read.
+  // The client is null where the host set none.
   virtual void show(Client* client, store::Database& database, std::string_view page, std::string_view title,
                     std::string_view section) = 0;
 };
@@ -36,8 +39,8 @@ class HelpViewer {
 class HostWindow {
  public:
   virtual ~HostWindow() = default;
-  // The user left the component: the last call that it makes. The window may not destroy the
-  // component before the call has returned.
+  // The user left the component: its last call to the host, but for the toolkit's `acted`. The window may not
+  // destroy the component before the act in which it is called is over.
   virtual void unload() = 0;
 };
 
@@ -70,7 +73,8 @@ class CardListener {
   virtual ~CardListener() = default;
   // A card is on the screen, to be made, changed or read.
   virtual void card_opened(const Card&) {}
-  // It was written, a new one for the first time: its id is the one that it was given.
+  // It was saved: it is stored as it stood on the screen. A new one for the first time: its id is the one
+  // that it was given. One in which nothing had changed was not written again.
   virtual void card_saved(const Card&) {}
   // Its record was removed.
   virtual void card_deleted(const Card&) {}
@@ -97,6 +101,8 @@ struct Opening {
   Outcome outcome = Outcome::kOpen;
   std::string why;  // a French sentence for the user; "" when the card is open
   bool is_open() const { return outcome == Outcome::kOpen; }
+  static Opening busy();
+  static Opening not_started();
 };
 
 }  // namespace velanor::control

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "velanor/store_database.h"
+#include "velanor/backend.h"
 
 namespace velanor::store {
 

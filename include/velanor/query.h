@@ -9,21 +9,27 @@
 
 namespace velanor::store {
 
-// A request record: attribute 1 the statement, 2 the file name, 3 the numbers of the attributes
-// to return, separated by single blanks (0 is the id).
+// A text as the value of a criterion: between double quotes, its own double quotes written twice, so that it
+// cannot change the statement's shape. Brackets at its ends keep their meaning.
+std::string quoted(std::string_view text);
+
+// A request record: attribute 1 the statement (its grammar: docs/embedding.md), 2 the file name, which
+// must be the statement's, 3 the numbers of the attributes to return, separated by single blanks (0 is
+// the id). Database::Select takes its encoded form, and judges it.
 class DbQuery : public DbRecord {
  public:
   DbQuery() = default;
   DbQuery(std::string_view statement, std::string_view file, std::string_view attributes);
 };
 
-// The selected records in order. Element (i, k) is attribute k of the request's list for record
-// i, both from 1; its values come as subvalues, (i, k, v). (i) alone is the whole entry. A
-// default-made result is empty. Cheap to copy: copies share the rows, which do not change when
-// the store does.
+// The selected records in order. Element (i, k) is attribute k of the request's list for record i, both
+// from 1; its values come as subvalues, (i, k, v), and its own subvalues among them. (i) alone is the
+// whole entry. What is not there reads as "". Cheap to copy: copies share the rows, which do not
+// change when the store does, and a view that was read lives as long as one of them.
 class DbResult {
  public:
-  DbResult();
+  DbResult();  // empty
+  // Rows as attributes of a record, which is not null.
   explicit DbResult(const std::shared_ptr<const DbRecord>& rows) : DbResult(rows, rows->DCount()) {}
   // With the number of rows said apart: a single row whose only element is empty reads like no row.
   DbResult(std::shared_ptr<const DbRecord> rows, int count) : rows_(std::move(rows)), count_(count) {}

@@ -28,28 +28,30 @@ inline constexpr Append kAppend;
 // The highest number that a write may name; beyond it lies a mistake, not a record.
 inline constexpr int kMaxNumber = 1'000'000;
 
-// A value type: the encoded string and an index of its elements. Reading never fails and never
-// parses: an element that is not there reads as "". A view that was read lives until the record
-// is next written or destroyed.
+// A value: the encoded string and an index of its elements. Copies share nothing, and as with a string
+// each thread may use its own; one that was moved from is to be assigned anew. Reading never fails and
+// never parses: an element that is not there reads as "". A view that was read lives until the record is
+// next written, moved or destroyed; it may itself be what is written.
 //
-// Texts written through `set` and `Insert` are one element each: mark bytes, NUL and
-// invalid UTF-8 in them are replaced by U+FFFD (see clean_text), so no text can change the
-// record's structure. Only `copy_attribute` and the whole-record writes carry structure.
+// Texts written through `set` and `Insert` are one element each: mark bytes, NUL and invalid UTF-8 in them
+// are replaced by U+FFFD (see clean_text), so no text can change the record's structure. Only
+// `copy_attribute` and what makes or assigns a whole record carry structure. A record of 2 GiB throws
+// std::length_error.
 class DbRecord {
  public:
   DbRecord() = default;
   // The record of an encoded string. Marks are structure; other bytes that are not UTF-8 and
   // NULs are replaced.
   static DbRecord from_encoded(std::string_view encoded);
-  // The same for a string that comes out of a record, whose bytes need no look.
+  // The same for a string that `encoded` once gave, whose bytes need no look. Any other must not come here.
   static DbRecord from_trusted(std::string encoded);
 
   // The whole record in its encoded form.
   const std::string& encoded() const { return bytes_; }
   bool empty() const { return bytes_.empty(); }
 
-  // Element (attribute), (attribute, value) or (attribute, value, subvalue). Numbers below 1
-  // other than kWhole read as "".
+  // Element (attribute), (attribute, value) or (attribute, value, subvalue), with the marks of what stands
+  // in it. Numbers below 1 other than kWhole read as "".
   std::string_view operator()(int attribute, int value = kWhole, int subvalue = kWhole) const;
   std::string_view operator()(int attribute, Append, int subvalue = kWhole) const = delete;
   // The same, under its other name; a subvalue of kWhole is the whole value.
@@ -71,7 +73,7 @@ class DbRecord {
   void copy_attribute(int attribute, const DbRecord& from, int from_attribute);
 
   // A new value before value `value` of the attribute (or a new subvalue before `subvalue`);
-  // past the end it is appended right behind the last one.
+  // past the end, or with kAppend, it is appended right behind the last one. Numbers as in `set`.
   void Insert(int attribute, int value, std::string_view text);
   void Insert(int attribute, int value, int subvalue, std::string_view text);
   // Removes the element; later ones of its level move down. What is not there is passed over.
@@ -83,6 +85,7 @@ class DbRecord {
   int DCount() const;
   int DCount(int attribute) const { return Count(attribute); }
 
+  // By their encoded forms: an empty element at the end makes a difference.
   friend bool operator==(const DbRecord& a, const DbRecord& b) { return a.bytes_ == b.bytes_; }
 
  private:

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,7 +14,7 @@ namespace velanor::screen {
 
 enum class Icon { Exclamation, Question, Information };
 enum class Buttons { Ok, OkCancel, YesNo };
-enum class Answer { Ok, Cancel, Yes, No };
+enum class Answer { Ok, Cancel, Yes, No, Mine, Theirs };
 
 struct Message {
   std::string title;
@@ -22,14 +23,38 @@ struct Message {
   Buttons buttons = Buttons::Ok;
   // The answer that Enter gives. Never the one that throws work away.
   Answer preset = Answer::Ok;
+  // What closing the box means, without an answer; else the last of its buttons.
+  std::optional<Answer> closing = {};
 };
 
-// What the hands and eyes of the user are made of. All calls come from the thread of the
-// component; `message` returns when the user has answered.
+// What two users have changed at once, each in his own way; the texts are what a screen shows ("": nothing).
+struct Comparison {
+  struct Line {
+    std::string name, before, theirs, mine;
+  };
+  std::string title;
+  std::string text;  // lines end with CR LF
+  std::vector<Line> lines;
+};
+
+// Thrown by a toolkit whose window has gone, out of what it was asked: leaves the rules where they stand, for
+// none of them may go on. An act ends with it and lets nothing of it out. No std::exception, so that nobody
+// in between takes it for a failure that could be told.
+struct Gone {};
+
+// What the hands and eyes of the user are made of. All calls come from the thread of the component, within
+// its acts, and none may destroy it; what they throw ends the act, and goes on to whoever acted. It must
+// outlive the component, whose forms live as long as it does.
 class Toolkit {
  public:
   virtual ~Toolkit() = default;
+  // Returns when the user has answered, with one of the buttons that the message offers. Meanwhile the
+  // component can be asked what is open, but nobody acts on it.
   virtual Answer message(const Message& message) = 0;
+  // Lets the user choose line by line whose change is taken: an answer a line, Mine or Theirs; none at all
+  // when he wants to go back. Nothing where the toolkit does not offer it: then the failure that asked for
+  // it goes on to the host.
+  virtual std::optional<std::vector<Answer>> compare(const Comparison&) { return std::nullopt; }
   // A modal form came on top, or went away; the forms below take no input meanwhile.
   virtual void form_opened(Form&) {}
   virtual void form_closed(Form&) {}
@@ -53,7 +78,8 @@ class Busy {
   Toolkit& toolkit_;
 };
 
-// The stack of forms of one component. Forms and toolkit must outlive it.
+// The stack of forms of one component, and the acts on them. Forms and toolkit must outlive it. A host gets
+// that of its component, hands it to a Hand and looks at its forms; the rest is the rules' own.
 class Screen {
  public:
   Screen(Form& base, Toolkit& toolkit) : toolkit_(toolkit), stack_{{&base, {}}} {}
@@ -89,7 +115,12 @@ class Screen {
   bool confirm_loss(std::string_view text, Icon icon = Icon::Question) {
     return say(text, icon, Buttons::YesNo, Answer::No) == Answer::Yes;
   }
-  Answer say(std::string_view text, Icon icon, Buttons buttons, Answer preset = Answer::Ok);
+  // Whether work is kept ("Oui") or dropped ("Non"); who closes the question has said neither: Cancel.
+  Answer keep_or_drop(std::string_view text, Icon icon = Icon::Question);
+  Answer say(std::string_view text, Icon icon, Buttons buttons, Answer preset = Answer::Ok,
+             std::optional<Answer> closing = {});
+  // See Toolkit::compare.
+  std::optional<std::vector<Answer>> compare(std::string_view text, std::vector<Comparison::Line> lines);
   // Message boxes shown so far; a click during which one opens is lost.
   int messages_shown() const { return messages_shown_; }
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "velanor/store_database.h"
+#include "velanor/backend.h"
 
 namespace velanor::store {
 
@@ -20,9 +20,10 @@ class NameTaken : public DbError {
   using DbError::DbError;
 };
 
-// What is written is on the disk once the call returns; a failure leaves the file as it was. Several
-// programs, and several of these, may use one database file; each sees at once what the others
-// write. Every failure is a DbError (kStoreFailure) whose sentence says what to do.
+// What is written is on the disk once the call returns; a failure leaves the file as it was. Any file of
+// records can be opened; one that was never written is empty. Several programs, and several of these, each on
+// a thread of its own, may use one database file; each sees at once what the others write. Every failure is a
+// DbError (kStoreFailure) whose sentence says what to do.
 class SqliteDatabase : public StoreDatabase {
  public:
   enum class Missing { kFail, kCreate };
@@ -42,8 +43,8 @@ class SqliteDatabase : public StoreDatabase {
   // Whether it is open for reading alone.
   bool read_only() const override;
 
-  // One change of many records is also fast. Others wait with their writes meanwhile, and see nothing
-  // before its end. Nobody waits for a view; to write inside one is an error.
+  // Of in_one_change: many records in one are also fast. Others wait with their writes meanwhile, and see
+  // nothing before its end. Of in_one_view: nobody waits for it; to write inside one is an error.
 
   // Writes a record without opening its file.
   void put(std::string_view file, std::string_view id, const DbRecord& record);
@@ -51,7 +52,7 @@ class SqliteDatabase : public StoreDatabase {
   std::vector<std::string> files() override;
   // Copies the database, as it stands now, to a new file (mode 0600) that appears when it is complete
   // and has been found sound; others may write meanwhile. A file that exists, or is being made by
-  // another copy, is a NameTaken. `progress` hears what part is copied, from 0 to 1.
+  // another copy, is a NameTaken. `progress` hears what part is copied, from 0 to 1; it throws nothing.
   void back_up(const std::string& path, const std::function<void(double)>& progress = {});
   // What is damaged in the file itself, in SQLite's words; nothing for a sound file.
   std::vector<std::string> damages();

@@ -11,26 +11,36 @@ namespace velanor::entry {
 
 // A date as CheckDate confirms it; both empty when the text is no date.
 struct CheckedDate {
-  std::string day;     // internal day number, as text
-  std::string second;  // what the effective date's length rule looks at
+  // The day as cards store it: a whole number as text, greater for a later day. A database is written and
+  // read with one numbering alone; this system's is that of date.h.
+  std::string day;
+  // An effective date is refused where this has more than 6 characters.
+  std::string second;
 };
 
-// An interface: a host may bring its own. All texts are UTF-8.
+// An interface: a host may bring its own, for instance one that hands on to the default one (see
+// make_util_saisie) and adds a rule. All texts are UTF-8; dates show as dd/mm/yyyy, numbers with a comma.
+// Called by the component on its thread, within the acts of the user; what it throws ends the act and reaches
+// the host. It must outlive the component.
 class UtilSaisie {
  public:
   virtual ~UtilSaisie() = default;
 
-  // The typed text completed to dd/mm/yyyy; `refused` is set when it may not stand at all.
+  // Of a date field that is left and not empty. The text as it is to stand in the field, completed to
+  // dd/mm/yyyy where that can be done. Sets `refused`, to true where it may not stand at all.
   virtual std::string CompleteDate(std::string_view typed, bool& refused) = 0;
-  // The refusal flag that CompleteDate left, updated.
+  // Asked right behind it with the flag that it left: true puts the caret back into the field, without a
+  // word; who refuses says why. Only what was not refused goes on to CheckDate, and is refused with a message
+  // where that finds no date.
   virtual bool DateRefused(bool& refused) = 0;
+  // Also of texts that the rules compare, with a year of two digits among them.
   virtual CheckedDate CheckDate(std::string_view text) = 0;
-  // dd/mm/yyyy of a day number; "" for a text that is none.
+  // dd/mm/yyyy of a stored day; "" for a text that is none, which is then shown as it stands.
   virtual std::string InternalToDate(std::string_view day) = 0;
   // The key as it may pass into a number box that holds `text` (0: swallowed): a point becomes
   // a comma, the integer part never outgrows `integer_digits`.
   virtual char32_t FilterNumericKey(std::string_view text, char32_t key, int integer_digits) = 0;
-  // Number text for an edit box. An empty text stays empty.
+  // Number text for an edit box, whole where it has more digits. An empty text stays empty.
   virtual std::string FormatAmount(std::string_view text, int decimals, int integer_digits) = 0;
   // Number text for a list column: integer_digits + 1 + decimals characters, filled with blanks
   // on the left. An empty text stays empty.

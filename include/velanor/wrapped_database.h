@@ -1,4 +1,5 @@
-// A database in front of another: the base of those that watch, count, refuse or slow down.
+// A database in front of another: the base of those that watch, count, refuse or slow down, and of what a
+// host does beside the component's reads and writes.
 #pragma once
 
 #include <memory>
@@ -9,8 +10,9 @@
 
 namespace velanor::store {
 
-// One call on its way to the database behind. `file` is empty for a selection, `id` the id of a
-// record or the request of a selection; `record` is what is to be written, else null.
+// One call on its way to the database behind. `file` is empty for a selection; `id` is the id of a record,
+// the encoded request of a selection, and empty for opening a file; `record` is what is to be written, else
+// null. All of it holds for the call alone.
 struct DatabaseCall {
   enum class Kind { kOpen, kSelect, kFind, kWrite, kDelete };
   Kind kind;
@@ -18,7 +20,9 @@ struct DatabaseCall {
   const DbRecord* record = nullptr;
 };
 
-// Hands every call on to the other database, which must outlive it, and its changes and views as well.
+// Hands every call on to the other database, which must outlive it, and its changes and views as well. It
+// must outlive the files that were opened through it. Components on it and components on the other share
+// nothing but what is stored.
 class WrappedDatabase : public Database {
  public:
   explicit WrappedDatabase(Database& inner) : inner_(inner) {}
@@ -37,7 +41,7 @@ class WrappedDatabase : public Database {
  protected:
   // Hears of each call before it is made; what it throws is thrown in its place.
   virtual void before(const DatabaseCall&) {}
-  // Hears of each call that was made without failing.
+  // Hears of each call that was made without failing; what it throws is thrown for it, though it was made.
   virtual void after(const DatabaseCall&) {}
 
  private:

@@ -1,7 +1,7 @@
 #include "amendments/activities.h"
 
 #include "card/record/activity_line.h"
-#include "card/record/record_layout.h"
+#include "card/record/element.h"
 #include "entry/decimal.h"
 
 namespace velanor::amendments {
@@ -63,7 +63,7 @@ void ActivityLines::Lst_Activites_DblClick() {
   if (changed_line_ < 0) return;
   const std::string line(ui_.Lst_Activites.line(changed_line_));
   begin_entry();
-  const std::string_view code = card_.draft.record()(card::kActivity, changed_line_ + 1);
+  const std::string_view code = element(card_.draft.record(), card::kActivity, changed_line_ + 1);
   // What stands in the line is what the file called it when the line was made; an activity that
   // has left the list shows the line's own text.
   int entry = reference::find_entry(lists_.kept().activities, 1, code) - 1;

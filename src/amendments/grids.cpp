@@ -3,17 +3,17 @@
 #include <algorithm>
 
 #include "entry/decimal.h"
-#include "store/text_literal.h"
 
 namespace velanor::amendments {
 namespace {
 
+using card::grids::kFirstBehind;
+using card::grids::kFirstNew;
+
+// Of what is asked for.
 constexpr int kId = 1;
 constexpr int kLabel = 2;
 constexpr int kCategory = 3;
-// Attributes of a grid's record.
-constexpr int kNoQualifications = 8;
-constexpr int kQualifications = 9;
 constexpr std::string_view kFile = "GRILLESCCBUDGET";
 
 }  // namespace
@@ -32,7 +32,7 @@ void CareerGrids::bind() {
 }
 
 bool CareerGrids::splits_generations() const {
-  return ui_.Txt_ConvCol.text() == "01" || ui_.Txt_ConvCol.text() == "06";
+  return card::agreements::is_of_the_branch(ui_.Txt_ConvCol.text());
 }
 
 bool CareerGrids::is_new_generation() const {
@@ -49,8 +49,8 @@ std::string CareerGrids::bound(std::string_view code) const {
 void CareerGrids::RemplirGrille() {
   std::string statement = "SSELECT GRILLESCCBUDGET AVEC 0 = " + store::quoted(ui_.Txt_ConvCol.text() + "]");
   if (splits_generations() && !ui_.Txt_DatEffet.is_empty()) {
-    statement += is_new_generation() ? " AND AVEC 0 >= " + bound("400") + " AND < " + bound("500")
-                                     : " AND AVEC 0 < " + bound("400") + " OR >= " + bound("500");
+    statement += is_new_generation() ? " AND AVEC 0 >= " + bound(kFirstNew) + " AND < " + bound(kFirstBehind)
+                                     : " AND AVEC 0 < " + bound(kFirstNew) + " OR >= " + bound(kFirstBehind);
   }
   store::DbResult found;
   try {
@@ -93,8 +93,8 @@ void CareerGrids::RemplirQualif() {
   const store::DbRecord& table = procedure_.variable().qualif;
   std::vector<std::string> labels;
   for (const std::string& code : codes) {
-    const int value = card::find_value(table, card::kTableCodes, code);
-    labels.emplace_back(value > 0 ? table(card::kTableLabels, value) : std::string_view());
+    const int value = card::find_value(table, card::tables::kCodes, code);
+    labels.emplace_back(value > 0 ? table(card::tables::kLabels, value) : std::string_view());
   }
   ui_.Cbo_Qualif.refill(std::move(codes));
   ui_.Cbo_Qualif.annotate(std::move(labels));
@@ -108,13 +108,13 @@ std::vector<std::string> CareerGrids::offered_qualifications() const {
   if (!splits_generations()) {
     const store::DbRecord& table = procedure_.variable().qualif;
     std::vector<std::string> codes;
-    for (int value = 1; !table(card::kTableCodes, value).empty(); ++value)
-      codes.emplace_back(table(card::kTableCodes, value));
+    for (int value = 1; !table(card::tables::kCodes, value).empty(); ++value)
+      codes.emplace_back(table(card::tables::kCodes, value));
     return codes;
   }
   const std::string id = listed_id();
   const std::string every = ui_.Txt_ConvCol.text() + "]";
-  const std::string bounds = " AND AVEC 0 >= " + bound("400") + " AND < " + bound("500");
+  const std::string bounds = " AND AVEC 0 >= " + bound(kFirstNew) + " AND < " + bound(kFirstBehind);
   const auto statement = [](const std::string& which, const std::string& range) {
     return "SSELECT GRILLESCCBUDGET AVEC 0 = " + store::quoted(which) + range + " AND AVEC 8 <> " +
            store::quoted("1") + " PAR 0";
@@ -130,9 +130,11 @@ bool CareerGrids::offers_every_qualification(const std::string& id) const {
   if (id.empty()) return false;
   const auto number = [](const std::string& text) { return entry::parse_decimal(text, 0).value_or(0); };
   const std::string& agreement = ui_.Txt_ConvCol.text();
-  if (number(id) >= number(agreement + "400") && number(id) < number(agreement + "500")) return false;
+  if (number(id) >= number(agreement + std::string(kFirstNew)) &&
+      number(id) < number(agreement + std::string(kFirstBehind)))
+    return false;
   const auto grid = procedure_.file(control::File::kGrids).find(id);
-  return !grid || (*grid)(kNoQualifications) != "1";
+  return !grid || (*grid)(card::grids::kNoQualifications) != card::kMarked;
 }
 
 std::vector<std::string> CareerGrids::qualifications(const std::string& statement) const {
@@ -141,8 +143,8 @@ std::vector<std::string> CareerGrids::qualifications(const std::string& statemen
   for (int i = 1; i <= ids.DCount(); ++i) {
     const auto grid = procedure_.file(control::File::kGrids).find(ids(i));
     if (!grid) continue;
-    for (int value = 1; value <= grid->Count(kQualifications); ++value) {
-      const std::string code((*grid)(kQualifications, value));
+    for (int value = 1; value <= grid->Count(card::grids::kQualifications); ++value) {
+      const std::string code((*grid)(card::grids::kQualifications, value));
       if (!code.empty() && std::find(codes.begin(), codes.end(), code) == codes.end()) codes.push_back(code);
     }
   }
@@ -156,10 +158,7 @@ std::string CareerGrids::listed_id() const {
   return std::string(grids_(reference::find_entry(grids_, kLabel, ui_.Cbo_Grille.text()), kId));
 }
 
-bool CareerGrids::uses_categories() const {
-  constexpr int kUsesCategories = 36;
-  return !card_.agreement(kUsesCategories).empty();
-}
+bool CareerGrids::uses_categories() const { return !card_.agreement(card::agreements::kCategories).empty(); }
 
 // A grid dictates the category, where it has the one that the agreement asks for.
 void CareerGrids::update_category() {

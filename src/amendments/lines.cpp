@@ -70,6 +70,8 @@ void AmendmentLines::size_scroll_bar() {
 void AmendmentLines::select(int index) {
   for (screen::ListBox* list : on_.ui.amendment_lists()) list->set_index(index);
   on_.lists.ChercheRegroupBudget(on_.ui.Lst_Qualif.line(index));
+  // What the items of one line made there says nothing of another.
+  if (!on_.card.enters_amendment()) on_.ui.Txt_DureMens.set_text({});
   if (index >= 0) on_.ui.Cmd_Detail.set_enabled(true);
 }
 
@@ -169,7 +171,7 @@ void AmendmentLines::SelListe() {
   ui.Cmd_SuppDetail.set_enabled(true);
   fill_entry([&] {
     for (std::size_t c = 0; c < lists.size(); ++c) entries[c]->show_whole(lists[c]->line(index));
-    const std::string grid(on_.card.draft.record()(card::kGrid, index + 1));
+    const std::string grid(element(on_.card.draft.record(), card::kGrid, index + 1));
     on_.grids.show(grid, std::string(ui.Lst_Grille.line(index)));
   });
   ui.Cmd_Detail.set_enabled(true);
@@ -177,8 +179,8 @@ void AmendmentLines::SelListe() {
 
 // ---- Confirming.
 
-long AmendmentLines::day(std::string_view date) const {
-  return static_cast<long>(entry::parse_decimal(on_.entry.CheckDate(date).day, 0).value_or(0));
+std::int64_t AmendmentLines::day(std::string_view date) const {
+  return entry::parse_decimal(on_.entry.CheckDate(date).day, 0).value_or(0);
 }
 
 bool AmendmentLines::refuse(std::string_view message, screen::Control& caret) {
@@ -224,7 +226,7 @@ bool AmendmentLines::grid_or_rate_is_valid() {
 
 bool AmendmentLines::category_is_valid() {
   const std::string& agreement = on_.ui.Txt_ConvCol.text();
-  if (agreement == "01" || agreement == "06" || !on_.grids.uses_categories()) return true;
+  if (card::agreements::is_of_the_branch(agreement) || !on_.grids.uses_categories()) return true;
   if (!on_.ui.Txt_Categorie.is_empty()) return true;
   on_.screen.refuse("Vous devez entrer une catégorie.");
   return false;
@@ -249,7 +251,7 @@ int AmendmentLines::add_line(card::AmendmentText line) {
   card::Draft& draft = on_.card.draft;
   const int position = draft.position_for(day(on_.ui.Txt_DatEffet.text()));
   if (position < draft.amendments())
-    line.shown[card::kMonthlyColumn] = entry::format_pattern(on_.ui.Txt_HorMensEtab.text(), 2);
+    line.shown[card::column_of(card::kMonthlyTime)] = entry::format_pattern(on_.ui.Txt_HorMensEtab.text(), 2);
   draft.insert_amendment(position, line);
   insert_line(position, line);
   return position;

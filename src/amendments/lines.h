@@ -91,7 +91,7 @@ class AmendmentLines {
   // The lists get a line (or lose it), and show it.
   void insert_line(int position, const card::AmendmentText& line);
   void remove_line(int position);
-  long day(std::string_view date) const;
+  std::int64_t day(std::string_view date) const;
 
   Ground on_;
   OpenItems open_items_;

@@ -15,13 +15,21 @@ std::string padded(std::string_view code, int length) {
 
 }  // namespace
 
+Opening Opening::busy() {
+  return {Outcome::kBusy, "Répondez d'abord au message affiché, ou attendez la fin de l'opération en cours."};
+}
+
+Opening Opening::not_started() {
+  return {Outcome::kNotStarted, "Les fiches du personnel ne sont pas ouvertes."};
+}
+
 Opening CardGuide::open(std::string_view entity, std::string_view year, std::string_view employee) {
   Wanted wanted{padded(entity, card::kEntityCodeLength),
                 std::string(text::trim(year)),
                 padded(employee, card::kEmployeeCodeLength),
                 {}};
   wanted.id = card::record_id(wanted.employee, wanted.entity, wanted.year);
-  Opening opening;
+  Opening opening = Opening::not_started();  // unless the window goes meanwhile
   on_.screen.act([&] { opening = open(wanted); });
   return opening;
 }
@@ -61,7 +69,6 @@ void CardGuide::lead_to(const Wanted& wanted) {
   card::CardScreen& ui = on_.ui;
   screen::Hand hand(on_.screen);
   ui.forget_focus();
-  ui.Txt_Aidant.set_text({});
   const bool chosen = ui.Txt_Asso.text() == wanted.entity && !ui.Cbo_Asso.edited();
   if (!chosen) {
     hand.replace_text(ui.Txt_Asso, {});

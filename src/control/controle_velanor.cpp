@@ -62,11 +62,8 @@ void ControleVelanor::ignore(control::CardListener& listener) { parts_->announce
 
 control::Opening ControleVelanor::open(std::string_view entity, std::string_view year,
                                        std::string_view employee) {
-  using Outcome = control::Opening::Outcome;
-  if (parts_->closed) return {Outcome::kNotStarted, "Les fiches du personnel ne sont pas ouvertes."};
-  if (parts_->screen.acting())
-    return {Outcome::kBusy,
-            "Répondez d'abord au message affiché, ou attendez la fin de l'opération en cours."};
+  if (parts_->closed) return control::Opening::not_started();
+  if (parts_->screen.acting()) return control::Opening::busy();
   return parts_->rules->guide.open(entity, year, employee);
 }
 

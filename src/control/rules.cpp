@@ -80,9 +80,7 @@ control::Standing Rules::standing() const {
   return {state, {card.file ? card.file->id() : "", commands.title()}, modified()};
 }
 
-// What stands in the box that has the focus is given up as well, and not judged.
 void Rules::leave_card() {
-  ui.forget_focus();
   hours_form.give_up();
   item_form.give_up();
   lines.give_up();

@@ -6,7 +6,8 @@
 #include <span>
 #include <string>
 
-#include "card/record/record_layout.h"
+#include "card/record/element.h"
+#include "card/record/record_compare.h"
 #include "velanor/date.h"
 
 namespace velanor::demo {
@@ -57,27 +58,27 @@ Amendments amendments_until(const Career& career, int last_day) {
   return {all.begin(), end};
 }
 
-template <typename Lines, typename Cell>
-void put_column(RecordText& record, int attribute, const Lines& lines, Cell cell) {
+template <typename Items, typename Cell>
+void put_column(RecordText& record, const card::Field& field, const Items& lines, Cell cell) {
   int line = 0;
-  for (const auto& each : lines) record.set(attribute, ++line, 1, text(std::invoke(cell, each)));
+  for (const auto& each : lines) record.set(field.number, ++line, 1, text(std::invoke(cell, each)));
 }
 
 template <typename Cell>
-void put_items(RecordText& record, int attribute, Amendments amendments, Cell cell) {
+void put_items(RecordText& record, const card::Field& field, Amendments amendments, Cell cell) {
   int amendment_number = 0;
   for (const Amendment& amendment : amendments) {
     ++amendment_number;
     int line = 0;
     for (const ItemLine& item : amendment.items) {
-      record.set(attribute, amendment_number, ++line, text(std::invoke(cell, item)));
+      record.set(field.number, amendment_number, ++line, text(std::invoke(cell, item)));
     }
   }
 }
 
 template <typename Value>
-void put(RecordText& record, int attribute, const Value& value) {
-  record.set(attribute, 1, 1, text(value));
+void put(RecordText& record, const card::Field& field, const Value& value) {
+  record.set(field.number, 1, 1, text(value));
 }
 
 void put_identity(RecordText& record, const Career& career) {
@@ -86,8 +87,9 @@ void put_identity(RecordText& record, const Career& career) {
   put(record, card::kAgreement, career.agreement);
   put(record, card::kSector, career.sector);
   put(record, card::kTown, career.town);
-  put(record, card::kContractType, career.fixed_term ? "D" : "I");
-  put(record, card::kStaffKind, career.staff == Staff::kProduction ? "P" : "A");
+  put(record, card::kContractType, career.fixed_term ? card::kFixedTerm : card::kPermanent);
+  put(record, card::kStaffKind,
+      career.staff == Staff::kProduction ? card::kProduction : card::kAdministrative);
   put(record, card::kContractStart, career.start);
   put(record, card::kBirth, career.birth);
   put_column(record, card::kActivity, career.activities, &ActivityShare::activity);
@@ -147,7 +149,8 @@ std::optional<DbRecord> card_of(const Career& career, const Employer& employer, 
   put_items(record, card::kItemAmount, lines,
             [](const ItemLine& item) { return std::optional(item.amount); });
   put(record, card::kSocialBase, career.social_base);
-  put_column(record, card::kNewMeasure, lines, [](const Amendment& a) { return a.new_measure ? "O" : "N"; });
+  put_column(record, card::kNewMeasure, lines,
+             [](const Amendment& a) { return a.new_measure ? card::kYes : card::kNo; });
   put_mutual_and_origin(record, career, employer);
   return record.record();
 }
@@ -164,9 +167,9 @@ void set_results(DbRecord& card, const Career& career, int year) {
   for (long long result :
        {gross, charges, gross + charges + mutual, static_cast<long long>(kMonths) * line.monthly_time,
         full_time, mutual, gross / kMonths, 0LL}) {
-    card.set(card::kResults[next++], std::to_string(result));
+    set_element(card, card::kResults[next++], std::to_string(result));
   }
-  card.set(card::kStatus, "1");
+  set_element(card, card::kStatus, "1");
 }
 
 }  // namespace velanor::demo

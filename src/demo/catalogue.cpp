@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "card/record/record_layout.h"
+#include "card/record/reference_layout.h"
 #include "demo/source.h"
 
 namespace velanor::demo {
@@ -34,15 +36,17 @@ std::vector<EndReason> read_end_reasons() {
 
 Row offered_natures() {
   Row codes;
-  for (const Row& row : read_table(source("reference/TABLES.csv")).rows) {
-    if (row[0] == "NATURECONTRAT" && row[3] == "O") codes.push_back(row[1]);
+  const Table all = read_table(source("reference/TABLES.csv"));
+  for (const Row& row : all.rows) {
+    if (row[0] == "NATURECONTRAT" && all.cell(row, card::tables::kOffered) == card::kYes)
+      codes.push_back(all.cell(row, card::tables::kCodes));
   }
   return codes;
 }
 
 bool in_new_generation(std::string_view grid_id) {
-  const int code = number_of(grid_id.substr(2));
-  return code >= 400 && code < 500;
+  const std::string_view code = grid_id.substr(card::kAgreement.length);
+  return code >= card::grids::kFirstNew && code < card::grids::kFirstBehind;
 }
 
 bool is_open_to(const Agreement& agreement, const Qualification& qualification) {
@@ -69,15 +73,19 @@ Catalogue::Catalogue()
 }
 
 void Catalogue::read_agreements() {
-  for (const Row& row : read_table(source("reference/CONVENTIONCOL.csv")).rows) {
+  const Table all = read_table(source("reference/CONVENTIONCOL.csv"));
+  for (const Row& row : all.rows) {
     Agreement& agreement = agreements[row[0]];
-    agreement.categories = !row[2].empty();
-    agreement.two_generations = row[0] == "01" || row[0] == "06";
+    agreement.categories = !all.cell(row, card::agreements::kCategories).empty();
+    agreement.two_generations = card::agreements::is_of_the_branch(row[0]);
   }
-  for (const Row& row : read_table(source("reference/GRILLESCCBUDGET.csv")).rows) {
-    Agreement& agreement = agreements.at(row[0].substr(0, 2));
+  const Table grids = read_table(source("reference/GRILLESCCBUDGET.csv"));
+  for (const Row& row : grids.rows) {
+    Agreement& agreement = agreements.at(row[0].substr(0, card::kAgreement.length));
     const bool current = !agreement.two_generations || in_new_generation(row[0]);
-    if (row[3] != "1") agreement.grids.push_back({row[0], row[2], split(row[4], '|'), current});
+    if (grids.cell(row, card::grids::kNoQualifications) == card::kMarked) continue;
+    agreement.grids.push_back({row[0], grids.cell(row, card::grids::kCategory),
+                               split(grids.cell(row, card::grids::kQualifications), '|'), current});
   }
   for (auto& [code, agreement] : agreements) {
     for (const Qualification& qualification : qualifications) {
@@ -88,12 +96,14 @@ void Catalogue::read_agreements() {
 
 void Catalogue::read_items() {
   std::map<std::string_view, Item::Kind> kinds;
-  for (const Row& row : read_table(source("reference/RUBSAISIE.csv")).rows) {
-    const int type = number_of(row[2]);
-    const bool rated = type == 2 && (row[5] == "1" || row[7] == "2");
-    kinds[row[0]] = type >= 3 && type <= 5 ? Item::Kind::kHours
-                    : rated                ? Item::Kind::kBaseAndRate
-                                           : Item::Kind::kAmount;
+  const Table all = read_table(source("reference/RUBSAISIE.csv"));
+  for (const Row& row : all.rows) {
+    const auto type = all.cell(row, card::items::kType);
+    const bool rated = type == "2" && (all.cell(row, card::items::kRateTyped) == card::kMarked ||
+                                       all.cell(row, card::items::kFigures) == "2");
+    kinds[row[0]] = card::items::is_hours(type) ? Item::Kind::kHours
+                    : rated                     ? Item::Kind::kBaseAndRate
+                                                : Item::Kind::kAmount;
   }
   for (const Row& row : read_table(source("demo/rubriques.csv")).rows) {
     items.push_back({row[0], kinds.at(row[0]), number_of(row[1]), number_of(row[2]), bounds(row, 3),

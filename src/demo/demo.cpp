@@ -4,7 +4,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "card/record/record_layout.h"
+#include "card/record/element.h"
+#include "card/record/reference_layout.h"
 #include "demo/card_record.h"
 #include "demo/career.h"
 #include "demo/catalogue.h"
@@ -20,16 +21,16 @@ constexpr int kMonths = 12;
 
 // The calculation records of a card: a total, and a record a month.
 void put_calculation(Sink& sink, const std::string& id, const store::DbRecord& card) {
-  const long long gross = number_of(card(card::kResults[0]));
-  const long long charges = number_of(card(card::kResults[1]));
+  const long long gross = number_of(element(card, card::kResults[0]));
+  const long long charges = number_of(element(card, card::kResults[1]));
   store::DbRecord total;
-  total.set(1, std::to_string(gross));
-  total.set(2, std::to_string(charges));
+  total.set(card::calculation::kGross, std::to_string(gross));
+  total.set(card::calculation::kCharges, std::to_string(charges));
   sink.put("BUDGETHISTORCUMUL", id, total);
   for (int month = 1; month <= kMonths; ++month) {
     store::DbRecord detail;
-    detail.set(1, std::to_string(gross / kMonths));
-    detail.set(2, std::to_string(charges / kMonths));
+    detail.set(card::calculation::kGross, std::to_string(gross / kMonths));
+    detail.set(card::calculation::kCharges, std::to_string(charges / kMonths));
     sink.put("BUDGETDETAILCALCUL", id + text::pad_left(std::to_string(month), 2, '0'), detail);
   }
 }

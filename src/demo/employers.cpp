@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+#include "card/record/reference_layout.h"
+#include "control/session/card_id.h"
 #include "demo/source.h"
 #include "text/utf8.h"
 
@@ -29,9 +31,11 @@ std::vector<Model> read_models() {
 }
 
 void read_establishments(Employer& employer) {
-  for (const Row& row : read_table(source("reference/ETABLISSEMENT.csv")).rows) {
+  const Table all = read_table(source("reference/ETABLISSEMENT.csv"));
+  for (const Row& row : all.rows) {
     if (row[0].starts_with(employer.model)) {
-      employer.establishments.push_back({row[0].substr(3), number_of(row[2])});
+      employer.establishments.push_back(
+          {card::own_code_of(row[0]), number_of(all.cell(row, card::establishments::kMonthlyHours))});
     }
   }
 }
@@ -39,7 +43,7 @@ void read_establishments(Employer& employer) {
 void read_activities(Employer& employer) {
   for (const Row& row : read_table(source("reference/ACTIVITES.csv")).rows) {
     if (row[0].starts_with(employer.model)) {
-      employer.activities.push_back(employer.code + std::string(row[0].substr(3)));
+      employer.activities.push_back(employer.code + std::string(card::own_code_of(row[0])));
     }
   }
 }

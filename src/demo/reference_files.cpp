@@ -4,6 +4,8 @@
 #include <string>
 #include <utility>
 
+#include "card/record/reference_layout.h"
+#include "control/session/years.h"
 #include "demo/source.h"
 #include "demo/table.h"
 #include "velanor/date.h"
@@ -12,12 +14,6 @@ namespace velanor::demo {
 namespace {
 
 using Records = std::vector<std::pair<std::string, store::DbRecord>>;
-
-// The attribute of a column: the number that its name begins with, otherwise its position.
-int attribute_of(const Row& columns, std::size_t index) {
-  const int number = number_of(columns[index]);
-  return number != 0 ? number : static_cast<int>(index);
-}
 
 void add_values(store::DbRecord& record, int attribute, int line, std::string_view cell) {
   for (std::string_view value : split(cell, '|')) record.set(attribute, line++, value);
@@ -30,7 +26,7 @@ Records read_records(const Table& table) {
     line = !records.empty() && records.back().first == row[0] ? line + 1 : 1;
     if (line == 1) records.emplace_back(row[0], store::DbRecord());
     for (std::size_t i = 1; i < row.size(); ++i) {
-      add_values(records.back().second, attribute_of(table.columns, i), line, row[i]);
+      add_values(records.back().second, table.attribute_of(i), line, row[i]);
     }
   }
   return records;
@@ -41,7 +37,7 @@ void put_own_records(Sink& sink, std::string_view file, const Records& records, 
     if (!id.starts_with(employer.model)) continue;
     store::DbRecord own = record;
     if (file == "ASSOCIATION" && employer.code != employer.model) {
-      own.set(1, std::string(record(1)) + " " + employer.code);
+      own.set(card::kReferenceLabel, std::string(record(card::kReferenceLabel)) + " " + employer.code);
     }
     sink.put(file, employer.code + id.substr(employer.code.size()), own);
   }
@@ -53,7 +49,9 @@ bool belongs_to_employers(std::string_view file) {
 
 // The first of January of every budget year; the last is the reference date.
 void set_reference_dates(store::DbRecord& parameters, const std::vector<int>& years) {
-  for (int year : years) parameters.set(1, store::kAppend, std::to_string(*entry::day_number({1, 1, year})));
+  for (int year : years)
+    parameters.set(control::kReferenceDates, store::kAppend,
+                   std::to_string(*entry::day_number({1, 1, year})));
 }
 
 }  // namespace

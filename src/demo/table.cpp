@@ -15,6 +15,17 @@ std::string_view source(std::string_view name) {
   return found->text;
 }
 
+int Table::attribute_of(std::size_t column) const {
+  const int number = number_of(columns.at(column));
+  return number != 0 ? number : static_cast<int>(column);
+}
+
+std::string_view Table::cell(const Row& row, int attribute) const {
+  std::size_t column = 0;
+  while (attribute_of(column) != attribute) ++column;
+  return row[column];
+}
+
 Row split(std::string_view text, char separator) {
   Row pieces;
   if (text.empty()) return pieces;

@@ -13,6 +13,11 @@ using Row = std::vector<std::string_view>;
 struct Table {
   Row columns;
   std::vector<Row> rows;  // each with a cell for every column
+
+  // The attribute that a column stands for: the number that its name begins with, otherwise its position.
+  int attribute_of(std::size_t column) const;
+  // What a row has of an attribute; throws std::out_of_range where no column stands for it.
+  std::string_view cell(const Row& row, int attribute) const;
 };
 
 // Reads a source; lines that begin with '#' and empty lines are passed over, the first other

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <ctime>
 
+#include "text/number.h"
 #include "text/utf8.h"
 
 namespace velanor::entry {
@@ -50,6 +51,12 @@ Date date_of(int day_number) {
   const std::chrono::year_month_day day{kDayZero + std::chrono::days{day_number}};
   return {static_cast<int>(static_cast<unsigned>(day.day())),
           static_cast<int>(static_cast<unsigned>(day.month())), static_cast<int>(day.year())};
+}
+
+std::optional<int> stored_day(std::string_view text) {
+  static const int first = *day_number({1, 1, 1}), last = *day_number({31, 12, 9999});
+  const auto day = text::whole_number(text);
+  return day && *day >= first && *day <= last ? std::optional(static_cast<int>(*day)) : std::nullopt;
 }
 
 std::string date_text(const Date& date) {

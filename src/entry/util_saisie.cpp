@@ -1,6 +1,5 @@
 #include "velanor/util_saisie.h"
 
-#include <charconv>
 #include <optional>
 #include <vector>
 
@@ -70,13 +69,9 @@ class DefaultUtilSaisie : public UtilSaisie {
     return {day, day};
   }
 
-  std::string InternalToDate(std::string_view day) override {
-    static const int first = *day_number({1, 1, 1});
-    static const int last = *day_number({31, 12, 9999});
-    int number = 0;
-    const auto [end, error] = std::from_chars(day.data(), day.data() + day.size(), number);
-    if (error != std::errc{} || end != day.data() + day.size() || number < first || number > last) return {};
-    return date_text(date_of(number));
+  std::string InternalToDate(std::string_view stored) override {
+    const auto day = stored_day(stored);
+    return day ? date_text(date_of(*day)) : std::string();
   }
 
   char32_t FilterNumericKey(std::string_view text, char32_t key, int integer_digits) override {

@@ -53,7 +53,7 @@ std::string card_id(const CardIdParts& parts, std::string& wrong) {
 
 std::string card_id(std::string_view whole, std::string& wrong) {
   const auto id = card::completed_id(kCardFile, text::trim(whole));
-  if (id && text::is_digits(*id) && text::length(*id) == card::id_length(kCardFile)) return *id;
+  if (id && text::is_digits(*id) && card::is_record_id(*id)) return *id;
   wrong = not_an_id(whole);
   return {};
 }
@@ -64,10 +64,9 @@ CardImport::CardImport(store::Database& database, const std::vector<Column>& col
 
 CardImport::Findings CardImport::finish(std::string_view id, const DbRecord* before, DbRecord& card) const {
   Findings findings;
-  const auto entity = id.substr(card::kEmployeeCodeLength, card::kEntityCodeLength);
-  if (before == nullptr && !references_.has("ASSOCIATION", entity))
+  if (const auto entity = card::entity_of(id); before == nullptr && !references_.has("ASSOCIATION", entity))
     findings.unknown_codes.push_back(card::unknown_entity(entity));
-  if (has_column(card::kName)) card.set(card::kName, text::upper(card(card::kName)));
+  if (has_column(card::kName)) set_element(card, card::kName, text::upper(element(card, card::kName)));
   for (const Column& column : columns_) {
     const card::Field* field = card::card_field(column.position.attribute);
     if (column.id != IdPart::kNone || field == nullptr) continue;
@@ -76,7 +75,7 @@ CardImport::Findings CardImport::finish(std::string_view id, const DbRecord* bef
     });
   }
   const auto dates = [](const DbRecord& record) {
-    return std::pair(record(card::kBirth), record(card::kContractStart));
+    return std::pair(element(record, card::kBirth), element(record, card::kContractStart));
   };
   if (before == nullptr || dates(*before) != dates(card)) {
     for (const card::Fault& fault : card::faults_of_dates(card, today_)) findings.faults.push_back(fault);
@@ -90,33 +89,38 @@ void CardImport::finish_element(const card::Field& field, const store::Position&
                                 std::string_view id, const DbRecord* before, DbRecord& card,
                                 Findings& findings) const {
   const std::string given(element(card, position));
-  if (given.empty() || (before != nullptr && element(*before, position) == given)) return;
+  const auto stood = [&](std::string_view text) {
+    return before != nullptr && element(*before, position) == text;
+  };
+  if (given.empty() || stood(given)) return;
   if (field.list.empty()) {
     if (auto fault = card::fault_of(field, given)) findings.faults.push_back(std::move(*fault));
     return;
   }
-  const auto entity = id.substr(card::kEmployeeCodeLength, card::kEntityCodeLength);
-  const std::string code = references_.completed(field.list, given, entity);
+  const std::string code = references_.completed(field.list, given, card::entity_of(id));
   if (code != given) set_element(card, position, code);
+  if (stood(code)) return;
   if (auto fault = card::fault_of(field, code)) {
     findings.faults.push_back(std::move(*fault));
   } else if (!references_.has(field.list, code)) {
     findings.unknown_codes.push_back(card::unknown_code(field, code));
+  } else if (!references_.fits(field.list, code)) {
+    findings.faults.push_back(card::unfit_code(field, code));
   }
 }
 
-bool CardImport::has_column(int attribute) const {
+bool CardImport::has_column(const card::Field& field) const {
   return std::any_of(columns_.begin(), columns_.end(), [=](const Column& column) {
-    return column.id == IdPart::kNone && column.position.attribute == attribute;
+    return column.id == IdPart::kNone && column.position.attribute == field.number;
   });
 }
 
 // A column of the table has the last word.
 void CardImport::follow_saving(const DbRecord* before, DbRecord& card) const {
-  if (before == nullptr && !has_column(card::kStatus)) card.set(card::kStatus, "0");
+  if (before == nullptr && !has_column(card::kStatus)) set_element(card, card::kStatus, "0");
   if (before == nullptr || !card::results_are_stale(card, before)) return;
-  for (const int result : card::kResults) {
-    if (!has_column(result)) card.set(result, {});
+  for (const card::Field& result : card::kResults) {
+    if (!has_column(result)) set_element(card, result, "");
   }
 }
 

@@ -36,7 +36,7 @@ class CardImport {
  private:
   void finish_element(const card::Field& field, const store::Position& position, std::string_view id,
                       const store::DbRecord* before, store::DbRecord& card, Findings& findings) const;
-  bool has_column(int attribute) const;
+  bool has_column(const card::Field& field) const;
   void follow_saving(const store::DbRecord* before, store::DbRecord& card) const;
 
   card::References references_;

@@ -4,10 +4,10 @@
 #include <charconv>
 #include <utility>
 
-#include "card/record/card_dates.h"
+#include "card/record/reference_layout.h"
+#include "control/session/years.h"
 #include "demo/source.h"
 #include "demo/table.h"
-#include "entry/decimal.h"
 #include "text/utf8.h"
 #include "velanor/date.h"
 
@@ -28,9 +28,12 @@ struct Label {
   std::string_view text;
 };
 constexpr Label kLabels[] = {
-    {"BUDGETPARAM", 1, "Date de référence"}, {"BUDGETHISTORCUMUL", 1, "Brut"},
-    {"BUDGETHISTORCUMUL", 2, "Charges"},     {"BUDGETDETAILCALCUL", 1, "Brut"},
-    {"BUDGETDETAILCALCUL", 2, "Charges"},    {kCardFile, card::kStatus, "État du calcul"},
+    {"BUDGETPARAM", control::kReferenceDates, "Date de référence"},
+    {"BUDGETHISTORCUMUL", card::calculation::kGross, "Brut"},
+    {"BUDGETHISTORCUMUL", card::calculation::kCharges, "Charges"},
+    {"BUDGETDETAILCALCUL", card::calculation::kGross, "Brut"},
+    {"BUDGETDETAILCALCUL", card::calculation::kCharges, "Charges"},
+    {kCardFile, card::kStatus.number, "État du calcul"},
 };
 constexpr std::string_view kResultLabel = "Résultat du calcul";
 
@@ -91,9 +94,8 @@ std::optional<Column> source_named_column(std::string_view name, std::string_vie
 std::string label_of(int attribute, std::string_view file) {
   if (file == kCardFile) {
     if (const card::Field* field = card::card_field(attribute)) return std::string(field->name);
-    const auto& results = card::kResults;
-    if (std::find(results.begin(), results.end(), attribute) != results.end())
-      return std::string(kResultLabel);
+    const auto is_it = [=](const card::Field& result) { return result.number == attribute; };
+    if (std::any_of(card::kResults.begin(), card::kResults.end(), is_it)) return std::string(kResultLabel);
   }
   for (const Label& label : kLabels) {
     if (label.file == file && label.attribute == attribute) return std::string(label.text);
@@ -127,44 +129,24 @@ std::optional<Column> card_named_column(std::string_view heading) {
                 .named = named};
 }
 
-std::string read_flag(int attribute, std::string_view field, std::string& stored) {
+std::string read_flag(const card::Field& flag, std::string_view field, std::string& stored) {
   std::string words;
-  for (const card::FlagWord& flag : card::flag_words()) {
-    if (flag.attribute != attribute) continue;
-    if (same_name(field, flag.word) || same_name(field, flag.letter)) {
-      stored = flag.letter;
+  for (const card::FlagWord& known : card::flag_words()) {
+    if (known.field != flag) continue;
+    if (same_name(field, known.word) || same_name(field, known.letter)) {
+      stored = known.letter;
       return {};
     }
-    words += (words.empty() ? "" : " ou ") + std::string(flag.word);
+    words += (words.empty() ? "" : " ou ") + std::string(known.word);
   }
   return "« " + std::string(field) + " » n'est pas " + words;
 }
 
-std::string read_date(std::string_view field, std::string& stored) {
-  const auto date = entry::parse_date(field);
-  if (!date) return "« " + std::string(field) + " » n'est pas une date (jj/mm/aaaa)";
-  stored = std::to_string(*entry::day_number(*date));
-  return {};
-}
-
-std::string read_number(std::string_view field, int scale, std::string& stored) {
-  const auto number = entry::parse_decimal(field, scale);
-  if (!number) return "« " + std::string(field) + " » n'est pas un nombre";
-  stored = std::to_string(*number);
-  return {};
-}
-
-std::string flag_word(int attribute, std::string_view letter) {
-  for (const card::FlagWord& flag : card::flag_words()) {
-    if (flag.attribute == attribute && flag.letter == letter) return std::string(flag.word);
+std::string flag_word(const card::Field& flag, std::string_view letter) {
+  for (const card::FlagWord& known : card::flag_words()) {
+    if (known.field == flag && known.letter == letter) return std::string(known.word);
   }
   return std::string(letter);
-}
-
-// What is no day of a calendar is shown as it stands.
-std::string date_or_itself(std::string_view stored) {
-  const auto day = card::stored_day(stored);
-  return day ? entry::date_text(entry::date_of(*day)) : std::string(stored);
 }
 
 }  // namespace
@@ -191,42 +173,23 @@ std::string name_of(const store::Position& position, std::string_view file) {
   return name;
 }
 
-std::string read_field(const Column& column, std::string_view field, std::string& stored) {
+std::string read_field(const card::Codec& codec, const Column& column, std::string_view field,
+                       std::string& stored) {
   stored = field;
   if (column.named == nullptr) return {};
   field = text::trim(field);
-  stored = field;
-  if (field.empty()) return {};
-  switch (column.named->encoding) {
-    case card::Encoding::kDate:
-      return read_date(field, stored);
-    case card::Encoding::kFlag:
-      return read_flag(column.named->number, field, stored);
-    case card::Encoding::kHundredths:
-    case card::Encoding::kThousandths:
-    case card::Encoding::kTenThousandths:
-      return read_number(field, decimals(column.named->encoding), stored);
-    default:
-      return {};
-  }
+  const card::Encoding encoding = column.named->encoding;
+  if (encoding == card::Encoding::kFlag && !field.empty()) return read_flag(*column.named, field, stored);
+  stored = codec.stored(encoding, field);
+  if (!stored.empty() || field.empty()) return {};
+  const bool date = encoding == card::Encoding::kDate;
+  return "« " + std::string(field) + (date ? " » n'est pas une date (jj/mm/aaaa)" : " » n'est pas un nombre");
 }
 
-std::string write_field(const Column& column, std::string_view stored) {
-  if (column.named == nullptr || stored.empty()) return std::string(stored);
-  switch (column.named->encoding) {
-    case card::Encoding::kDate:
-      return date_or_itself(stored);
-    case card::Encoding::kFlag:
-      return flag_word(column.named->number, stored);
-    case card::Encoding::kHundredths:
-    case card::Encoding::kThousandths:
-    case card::Encoding::kTenThousandths: {
-      const int scale = decimals(column.named->encoding);
-      return entry::stored_to_text(stored, scale, scale);
-    }
-    default:
-      return std::string(stored);
-  }
+std::string write_field(const card::Codec& codec, const Column& column, std::string_view stored) {
+  if (column.named == nullptr) return std::string(stored);
+  const card::Encoding encoding = column.named->encoding;
+  return encoding == card::Encoding::kFlag ? flag_word(*column.named, stored) : codec.shown(encoding, stored);
 }
 
 void set_values(store::DbRecord& record, int attribute, int first, std::string_view field) {

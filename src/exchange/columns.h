@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "card/record/codec.h"
 #include "card/record/named_fields.h"
 #include "store/position.h"
 #include "velanor/record.h"
@@ -41,9 +42,10 @@ std::string heading_of(const store::Position& position, std::string_view file);
 std::string name_of(const store::Position& position, std::string_view file);
 
 // What is stored for a field, in `stored`; otherwise returns what is wrong with it.
-std::string read_field(const Column& column, std::string_view field, std::string& stored);
+std::string read_field(const card::Codec& codec, const Column& column, std::string_view field,
+                       std::string& stored);
 // The field for what is stored.
-std::string write_field(const Column& column, std::string_view stored);
+std::string write_field(const card::Codec& codec, const Column& column, std::string_view stored);
 
 // Writes the values of a field, which stand between bars, from value `first` of the attribute on.
 void set_values(store::DbRecord& record, int attribute, int first, std::string_view field);

@@ -89,10 +89,13 @@ int export_csv(std::ostream& out, store::Database& database, std::string_view fi
   each([&](std::string_view, const DbRecord& record) { take_shape(record, shapes); });
   const auto columns = columns_of(shapes, file, options.headings);
   write_row(out, header_of(columns, file), options.separator);
+  const auto entry = entry::make_util_saisie();
+  const card::Codec codec(*entry);
   int written = 0;
   each([&](std::string_view id, const DbRecord& record) {
     std::vector<std::string> row{std::string(id)};
-    for (const Column& column : columns) row.push_back(write_field(column, element(record, column.position)));
+    for (const Column& column : columns)
+      row.push_back(write_field(codec, column, element(record, column.position)));
     write_row(out, row, options.separator);
     ++written;
   });

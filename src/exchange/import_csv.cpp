@@ -22,7 +22,8 @@ class Import {
         database_(database),
         file_name_(file),
         file_(database.OpenFile(file)),
-        options_(options) {}
+        options_(options),
+        entry_(entry::make_util_saisie(options.clock)) {}
 
   ImportReport run(const std::function<void()>& row_read) {
     if (!read_header()) return report_;
@@ -81,6 +82,8 @@ class Import {
   std::string file_name_;
   std::unique_ptr<store::DbFile> file_;
   const ImportOptions& options_;
+  std::unique_ptr<entry::UtilSaisie> entry_;
+  card::Codec codec_{*entry_};
   std::vector<Column> columns_;
   std::optional<CardImport> cards_;
   std::set<std::string, std::less<>> ids_;
@@ -219,7 +222,7 @@ void Import::fill(const CsvRow& row) {
     }
     const std::string field = card::completed_cell(file_name_, column.position.attribute, row.fields[i]);
     std::string stored;
-    if (const std::string wrong = read_field(column, field, stored); !wrong.empty()) {
+    if (const std::string wrong = read_field(codec_, column, field, stored); !wrong.empty()) {
       fault(row.line, name_of(column.position, file_name_) + " : " + wrong);
       pending_->good = false;
     } else if (element(pending_->record, column.position) != stored) {

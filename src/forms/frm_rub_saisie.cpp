@@ -1,6 +1,6 @@
 #include "forms/frm_rub_saisie.h"
 
-#include "card/record/record_layout.h"
+#include "card/record/amendment_columns.h"
 #include "entry/amount.h"
 #include "entry/decimal.h"
 #include "forms/item_template.h"
@@ -86,6 +86,7 @@ void Frm_RubSaisie::Remplir_RubSaisie() {
   catalogue_.load(procedure_);
   ui_.Cbo_LibRub.clear();
   ui_.Cbo_LibRub.refill(catalogue_.labels());
+  ui_.Cbo_LibRub.annotate(catalogue_.notes());
 }
 
 void Frm_RubSaisie::Afficher_Donnees() {
@@ -104,8 +105,8 @@ void Frm_RubSaisie::Afficher_Donnees() {
 // ---- The grid and the edit line.
 
 std::string Frm_RubSaisie::column_text(std::size_t figure, std::string_view text) const {
-  const card::ItemFigure& column = card::kItemFigures[figure];
-  return text.empty() ? std::string() : entry_.FormatColumn(text, column.integer_digits, column.decimals);
+  const card::Field& column = card::kItemFigures[figure];
+  return text.empty() ? std::string() : entry_.FormatColumn(text, integer_digits(column), decimals(column));
 }
 
 card::ItemText Frm_RubSaisie::in_columns(card::ItemText line) const {
@@ -114,13 +115,13 @@ card::ItemText Frm_RubSaisie::in_columns(card::ItemText line) const {
   return line;
 }
 
-card::ItemText Frm_RubSaisie::edit_line() const {
+card::ItemText Frm_RubSaisie::edit_line() {
   card::ItemText line{ui_.Txt_Code.text(), ui_.Cbo_LibRub.text(), {}};
-  const screen::TextBox* const boxes[] = {&ui_.Txt_Base, &ui_.Txt_Taux, &ui_.Txt_Montant};
+  const auto boxes = ui_.figure_boxes();
   for (std::size_t f = 0; f < line.figures.size(); ++f) {
     const std::string& text = boxes[f]->text();
     card::ItemText::Figure& own = line.figures[f];
-    own = {column_text(f, text), entry::text_to_stored(text, card::kItemFigures[f].decimals)};
+    own = {column_text(f, text), entry::text_to_stored(text, decimals(card::kItemFigures[f]))};
     if (edited_line_ < 0) continue;
     const card::ItemText::Figure& before = lines_[static_cast<std::size_t>(edited_line_)].figures[f];
     if (before.shown == own.shown) own = before;
@@ -138,33 +139,27 @@ void Frm_RubSaisie::show_line(int position) {
   const card::ItemText& line = lines_[static_cast<std::size_t>(position)];
   ui_.Lst_Code.replace(position, line.code);
   ui_.Lst_LibRub.replace(position, line.label);
-  screen::ListBox* const lists[] = {&ui_.Lst_Base, &ui_.Lst_Taux, &ui_.Lst_Montant};
+  const auto lists = ui_.figure_lists();
   for (std::size_t f = 0; f < line.figures.size(); ++f) lists[f]->replace(position, line.figures[f].shown);
 }
 
 void Frm_RubSaisie::remove_line(int index) {
   if (index < 0) return;
   lines_.erase(lines_.begin() + index);
-  for (screen::ListBox* list :
-       {&ui_.Lst_LibRub, &ui_.Lst_Base, &ui_.Lst_Taux, &ui_.Lst_Montant, &ui_.Lst_Code})
-    list->remove(index);
+  for (screen::ListBox* list : ui_.columns()) list->remove(index);
 }
 
 // The bar moves the selection, so it goes with the lists.
 void Frm_RubSaisie::Griser_Liste() {
   for (screen::ListBox* list : ui_.columns()) list->set_enabled(false);
   ui_.Bdv_Detail.set_enabled(false);
-  for (screen::TextControl* box : std::initializer_list<screen::TextControl*>{
-           &ui_.Txt_Code, &ui_.Cbo_LibRub, &ui_.Txt_Base, &ui_.Txt_Taux, &ui_.Txt_Montant})
-    box->set_enabled(true);
+  for (screen::TextControl* box : ui_.entry_controls()) box->set_enabled(true);
 }
 
 void Frm_RubSaisie::Degriser_Liste() {
   for (screen::ListBox* list : ui_.columns()) list->set_enabled(true);
   ui_.Bdv_Detail.set_enabled(true);
-  for (screen::TextControl* box : std::initializer_list<screen::TextControl*>{
-           &ui_.Txt_Code, &ui_.Cbo_LibRub, &ui_.Txt_Base, &ui_.Txt_Taux, &ui_.Txt_Montant})
-    box->set_enabled(false);
+  for (screen::TextControl* box : ui_.entry_controls()) box->set_enabled(false);
 }
 
 void Frm_RubSaisie::Vider_Texte() {
@@ -172,7 +167,7 @@ void Frm_RubSaisie::Vider_Texte() {
   item_code_.clear();
   ui_.Cbo_LibRub.set_index(-1);
   ui_.Cbo_LibRub.set_text({});
-  for (screen::TextBox* box : {&ui_.Txt_Base, &ui_.Txt_Taux, &ui_.Txt_Montant}) box->set_text({});
+  for (screen::TextBox* box : ui_.figure_boxes()) box->set_text({});
 }
 
 void Frm_RubSaisie::Descendre_Liste() {
@@ -183,21 +178,20 @@ void Frm_RubSaisie::Descendre_Liste() {
   edited_line_ = index;
   Griser_Liste();
   ui_.Txt_Code.set_text(ui_.Lst_Code.line(index));
-  ui_.Txt_Base.show_whole(entry_.UnformatNumber(ui_.Lst_Base.line(index)));
-  ui_.Txt_Taux.show_whole(entry_.UnformatNumber(ui_.Lst_Taux.line(index)));
-  ui_.Txt_Montant.show_whole(entry_.UnformatNumber(ui_.Lst_Montant.line(index)));
+  for (std::size_t f = 0; f < card::kItemFigures.size(); ++f)
+    ui_.figure_boxes()[f]->show_whole(entry_.UnformatNumber(ui_.figure_lists()[f]->line(index)));
   ui_.Txt_Code.set_enabled(false);
   ui_.Cbo_LibRub.set_enabled(false);
   ui_.Cmd_Supprimer.set_enabled(true);
   ui_.Cmd_Ajouter.set_enabled(false);
   ui_.Cmd_Retour.set_enabled(false);
   ui_.Cmd_SaisieAuto.set_enabled(false);
-  begun_ = ui_.edit_line();
+  begun_ = ui_.entered();
 }
 
 bool Frm_RubSaisie::modified() const {
   const bool entering = TauxParDefaut || edited_line_ >= 0;
-  return is_open() && entering && ui_.edit_line() != begun_;
+  return is_open() && entering && ui_.entered() != begun_;
 }
 
 void Frm_RubSaisie::Monter_Liste() {
@@ -228,7 +222,8 @@ void Frm_RubSaisie::Txt_Code_KeyPress(screen::Key& key) {
 }
 
 void Frm_RubSaisie::Txt_Code_LostFocus() {
-  if (!ui_.Txt_Code.is_empty()) ui_.Txt_Code.set_text(text::pad_left(ui_.Txt_Code.text(), 3, '0'));
+  if (!ui_.Txt_Code.is_empty())
+    ui_.Txt_Code.set_text(text::pad_left(ui_.Txt_Code.text(), card::kItemCode.length, '0'));
 }
 
 void Frm_RubSaisie::Cbo_LibRub_Change() {
@@ -240,13 +235,17 @@ void Frm_RubSaisie::Cbo_LibRub_Click() {
   ui_.Txt_Code.set_text(none ? std::string_view{} : catalogue_.code(ui_.Cbo_LibRub.index() + 1));
 }
 
-// What matches no item is told when the line is confirmed.
+// What matches no item is told when the line is confirmed. Items of one label are different ones.
 void Frm_RubSaisie::Cbo_LibRub_LostFocus() {
-  if (ui_.Cbo_LibRub.edited() && ui_.Cbo_LibRub.index() < 0) reference::take_typed(ui_.Cbo_LibRub);
+  screen::ComboBox& box = ui_.Cbo_LibRub;
+  if (!box.edited() || box.index() >= 0) return;
+  if (reference::take_typed(box, reference::Alike::kDifferent) != reference::Found::kSeveral) return;
+  box.clear_edited();
+  refuse(reference::kSeveralMatch, box);
 }
 
 void Frm_RubSaisie::Txt_Code_Change() {
-  if (text::length(ui_.Txt_Code.text()) != 3) return ui_.Cbo_LibRub.set_text({});
+  if (text::length(ui_.Txt_Code.text()) != card::kItemCode.length) return ui_.Cbo_LibRub.set_text({});
   const int row = catalogue_.row(ui_.Txt_Code.text());
   if (row == 0) {
     screen_.refuse("Cette rubrique de saisie n'existe pas.");
@@ -261,7 +260,7 @@ void Frm_RubSaisie::Txt_Code_Change() {
 // Figures are those of their item: another one starts anew, as if its code had just been typed.
 void Frm_RubSaisie::start_item(int row) {
   if (!item_code_.empty() && item_code_ != ui_.Txt_Code.text()) {
-    for (screen::TextBox* box : {&ui_.Txt_Base, &ui_.Txt_Taux, &ui_.Txt_Montant}) {
+    for (screen::TextBox* box : ui_.figure_boxes()) {
       box->set_enabled(true);
       box->set_text({});
     }
@@ -287,14 +286,15 @@ void Frm_RubSaisie::allow_figures(int row) {
   ui_.set_focus(figures.base ? ui_.Txt_Base : ui_.Txt_Montant);
 }
 
-void Frm_RubSaisie::filter_number(screen::TextBox& box, int integer_digits, screen::Key& key) {
-  key.code = entry_.FilterNumericKey(box.text(), key.code, integer_digits);
+void Frm_RubSaisie::filter_number(screen::TextBox& box, const card::Field& figure, screen::Key& key) {
+  key.code = entry_.FilterNumericKey(box.text(), key.code, integer_digits(figure));
 }
 
-void Frm_RubSaisie::format_number(screen::TextBox& box, int decimals, int integer_digits) {
+void Frm_RubSaisie::format_number(screen::TextBox& box, const card::Field& figure) {
   if (!entry::Fields::holds_entry(box)) return;
-  const bool number = entry::parse_decimal(box.text(), decimals).has_value();
-  box.set_text(number ? entry_.FormatAmount(box.text(), decimals, integer_digits) : std::string());
+  const bool number = entry::parse_decimal(box.text(), decimals(figure)).has_value();
+  box.set_text(number ? entry_.FormatAmount(box.text(), decimals(figure), integer_digits(figure))
+                      : std::string());
 }
 
 // ---- The commands of the edit line.
@@ -306,7 +306,7 @@ void Frm_RubSaisie::Cmd_Ajouter_Click() {
   ui_.Cmd_Ajouter.set_enabled(false);
   ui_.Cmd_Retour.set_enabled(false);
   ui_.Cmd_SaisieAuto.set_enabled(false);
-  begun_ = ui_.edit_line();
+  begun_ = ui_.entered();
   ui_.set_focus(ui_.Txt_Code);
 }
 
@@ -402,8 +402,10 @@ bool Frm_RubSaisie::hours_accepted() {
 void Frm_RubSaisie::Cmd_Retour_Click() {
   if (!card_.draft.same_items(copy_, context_.amendment - 1)) {
     screen_.toolkit().beep();
-    if (screen_.confirm("Voulez-vous enregistrer les modifications apportées à cet article ?",
-                        screen::Icon::Exclamation)) {
+    const auto answer = screen_.keep_or_drop(
+        "Voulez-vous enregistrer les modifications apportées à cet article ?", screen::Icon::Exclamation);
+    if (answer == screen::Answer::Cancel) return;
+    if (answer == screen::Answer::Yes) {
       write_grid();
       if (!hours_accepted()) return;
     } else {
@@ -446,8 +448,8 @@ void Frm_RubSaisie::Cmd_SaisieAuto_Click() {
 
 void Frm_RubSaisie::fill_from(const store::DbRecord& record, const Hours& hours) {
   const screen::Busy busy(screen_.toolkit());
-  for (const FilledItem& item : fill_template(record, hours, procedure_.file(control::File::kItems))) {
-    add_line(ui_.Lst_Code.count(), filled_line(item));
+  for (card::ItemText& item : fill_template(record, hours, procedure_.file(control::File::kItems))) {
+    add_line(ui_.Lst_Code.count(), filled_line(std::move(item)));
   }
   ui_.Bdv_Detail.fit(ui_.Lst_Code.count(), kPageOfLines);
   ui_.Cmd_SaisieAuto.set_enabled(false);
@@ -455,14 +457,12 @@ void Frm_RubSaisie::fill_from(const store::DbRecord& record, const Hours& hours)
 }
 
 // Empty figures of filled lines show as "0,00".
-card::ItemText Frm_RubSaisie::filled_line(const FilledItem& item) const {
-  card::ItemText line{item.code, item.label, {{{item.base, {}}, {item.rate, {}}, {item.amount, {}}}}};
+card::ItemText Frm_RubSaisie::filled_line(card::ItemText line) const {
   for (std::size_t f = 0; f < line.figures.size(); ++f) {
-    const card::ItemFigure& column = card::kItemFigures[f];
+    const card::Field& column = card::kItemFigures[f];
     card::ItemText::Figure& own = line.figures[f];
-    const int width = column.integer_digits + 1 + column.decimals;
-    own.shown = own.shown.empty() ? text::pad_left("0,00", width) : column_text(f, own.shown);
-    own.stored = entry::text_to_stored(own.shown, column.decimals);
+    own.shown = own.shown.empty() ? text::pad_left("0,00", column.length) : column_text(f, own.shown);
+    own.stored = entry::text_to_stored(own.shown, decimals(column));
   }
   return line;
 }

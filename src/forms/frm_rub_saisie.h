@@ -16,7 +16,13 @@ namespace velanor::forms {
 
 class ItemScreen : public screen::Form {
  public:
-  ItemScreen() : Form("Frm_RubSaisie", "Détails des rubriques de saisie") {}
+  ItemScreen() : Form("Frm_RubSaisie", "Détails des rubriques de saisie") {
+    tables = {{{&Lst_Code, &Etq_Code, &Txt_Code},
+               {&Lst_LibRub, &Etq_LibRub, &Cbo_LibRub},
+               {&Lst_Base, &Etq_Base, &Txt_Base, true},
+               {&Lst_Taux, &Etq_Taux, &Txt_Taux, true},
+               {&Lst_Montant, &Etq_Montant, &Txt_Montant, true}}};
+  }
 
   screen::Label Etq_Aidant{*this, {.name = "Etq_Aidant", .caption = "Aidant : "}};
   screen::Label Etq_Code{*this, {.name = "Etq_Code", .caption = "Code"}};
@@ -46,8 +52,18 @@ class ItemScreen : public screen::Form {
   std::array<screen::ListBox*, 5> columns() {
     return {&Lst_Code, &Lst_LibRub, &Lst_Base, &Lst_Taux, &Lst_Montant};
   }
-  // What the edit line reads, in the same order.
-  std::array<std::string, 5> edit_line() const {
+  // Those of the figures, and the boxes below them, in the order of card::kItemFigures.
+  std::array<screen::ListBox*, card::kItemFigures.size()> figure_lists() {
+    return std::to_array({&Lst_Base, &Lst_Taux, &Lst_Montant});
+  }
+  std::array<screen::TextBox*, card::kItemFigures.size()> figure_boxes() {
+    return std::to_array({&Txt_Base, &Txt_Taux, &Txt_Montant});
+  }
+  // The entry line, and what it reads, in the order of the columns.
+  std::array<screen::TextControl*, 5> entry_controls() {
+    return {&Txt_Code, &Cbo_LibRub, &Txt_Base, &Txt_Taux, &Txt_Montant};
+  }
+  std::array<std::string, 5> entered() const {
     return {Txt_Code.text(), Cbo_LibRub.text(), Txt_Base.text(), Txt_Taux.text(), Txt_Montant.text()};
   }
 };
@@ -101,12 +117,12 @@ class Frm_RubSaisie {
   void Txt_Code_Change();
   void Txt_Code_KeyPress(screen::Key& key);
   void Txt_Code_LostFocus();
-  void Txt_Base_KeyPress(screen::Key& key) { filter_number(ui_.Txt_Base, 5, key); }
-  void Txt_Taux_KeyPress(screen::Key& key) { filter_number(ui_.Txt_Taux, 3, key); }
-  void Txt_Montant_KeyPress(screen::Key& key) { filter_number(ui_.Txt_Montant, 5, key); }
-  void Txt_Base_LostFocus() { format_number(ui_.Txt_Base, 2, 5); }
-  void Txt_Taux_LostFocus() { format_number(ui_.Txt_Taux, 4, 3); }
-  void Txt_Montant_LostFocus() { format_number(ui_.Txt_Montant, 2, 5); }
+  void Txt_Base_KeyPress(screen::Key& key) { filter_number(ui_.Txt_Base, card::kItemBase, key); }
+  void Txt_Taux_KeyPress(screen::Key& key) { filter_number(ui_.Txt_Taux, card::kItemRate, key); }
+  void Txt_Montant_KeyPress(screen::Key& key) { filter_number(ui_.Txt_Montant, card::kItemAmount, key); }
+  void Txt_Base_LostFocus() { format_number(ui_.Txt_Base, card::kItemBase); }
+  void Txt_Taux_LostFocus() { format_number(ui_.Txt_Taux, card::kItemRate); }
+  void Txt_Montant_LostFocus() { format_number(ui_.Txt_Montant, card::kItemAmount); }
   void Cmd_Ajouter_Click();
   void Cmd_OK_Click();
   void Cmd_Annuler_Click();
@@ -115,8 +131,8 @@ class Frm_RubSaisie {
   void Cmd_SaisieAuto_Click();
 
   void bind_columns();
-  void filter_number(screen::TextBox& box, int integer_digits, screen::Key& key);
-  void format_number(screen::TextBox& box, int decimals, int integer_digits);
+  void filter_number(screen::TextBox& box, const card::Field& figure, screen::Key& key);
+  void format_number(screen::TextBox& box, const card::Field& figure);
   void start_item(int row);
   void allow_figures(int row);
   void allow(screen::TextBox& box, bool on);
@@ -125,9 +141,9 @@ class Frm_RubSaisie {
   std::string column_text(std::size_t figure, std::string_view text) const;
   // A line as the columns show it.
   card::ItemText in_columns(card::ItemText line) const;
-  card::ItemText filled_line(const FilledItem& item) const;
+  card::ItemText filled_line(card::ItemText line) const;
   // The edit line; a figure that reads as before is stored as before.
-  card::ItemText edit_line() const;
+  card::ItemText edit_line();
   void add_line(int position, card::ItemText line);
   void show_line(int position);
   void remove_line(int index);

@@ -1,6 +1,6 @@
 #include "forms/item_catalogue.h"
 
-#include "card/record/item_hours.h"
+#include "card/record/reference_layout.h"
 #include "entry/decimal.h"
 
 namespace velanor::forms {
@@ -29,6 +29,15 @@ std::vector<std::string> ItemCatalogue::labels() const {
   return labels;
 }
 
+std::vector<std::string> ItemCatalogue::notes() const {
+  std::vector<std::string> notes;
+  for (int row = 1; !code(row).empty(); ++row) {
+    const bool alike = label(row) == label(row - 1) || label(row) == label(row + 1);
+    notes.emplace_back(alike ? code(row) : std::string_view());
+  }
+  return notes;
+}
+
 int ItemCatalogue::row(std::string_view code_text) const {
   for (int row = 1; !code(row).empty(); ++row) {
     if (code(row) == code_text) return row;
@@ -43,7 +52,7 @@ ItemFigures ItemCatalogue::figures(int row) const {
   const std::string_view type = rows_(row, kType);
   const bool typed_rate = type == "2" && rows_(row, kTypedRate) == "1";
   const bool base_and_rate = typed_rate || (type == "2" && rows_(row, kBaseAndRate) == "2");
-  const bool hours = card::is_hours(type);
+  const bool hours = card::items::is_hours(type);
   return {.known = type == "2" || type == "6" || hours,
           .base = base_and_rate || hours,
           .rate = base_and_rate,

@@ -26,6 +26,8 @@ class ItemCatalogue {
   void release() { rows_ = {}; }
 
   std::vector<std::string> labels() const;
+  // Beside each label: its code, where another item bears the same.
+  std::vector<std::string> notes() const;
   // The row of a code, 0 when it may not be entered by hand.
   int row(std::string_view code) const;
   std::string_view code(int row) const;

@@ -2,19 +2,14 @@
 
 #include <optional>
 
+#include "card/record/reference_layout.h"
 #include "entry/amount.h"
 #include "entry/decimal.h"
 
 namespace velanor::forms {
 namespace {
 
-constexpr int kCode = 1;
-constexpr int kSource = 2;
-constexpr int kFixedBase = 3;
-constexpr int kRate = 4;
-constexpr int kFixedAmount = 5;
-constexpr int kPaidForWorked = 6;
-constexpr int kItemDefaultRate = 9;
+namespace templates = card::templates;
 
 struct BothHours {
   std::string worked;
@@ -28,7 +23,7 @@ std::int64_t scaled(std::int64_t value, std::int64_t numerator, std::int64_t den
 
 BothHours both_hours(const store::DbRecord& record, const Hours& hours) {
   constexpr std::int64_t kWhole = 10000;
-  std::int64_t ratio = entry::parse_decimal(record(kPaidForWorked, 1), 0).value_or(kWhole);
+  std::int64_t ratio = entry::parse_decimal(record(templates::kPaidForWorked, 1), 0).value_or(kWhole);
   if (ratio <= 0) ratio = kWhole;
   const std::int64_t typed = entry::parse_decimal(hours.NbHeures, 2).value_or(0);
   const bool worked = hours.TypeHeures == "T";
@@ -38,23 +33,26 @@ BothHours both_hours(const store::DbRecord& record, const Hours& hours) {
 
 }  // namespace
 
-std::vector<FilledItem> fill_template(const store::DbRecord& record, const Hours& hours,
-                                      store::DbFile& items) {
+std::vector<card::ItemText> fill_template(const store::DbRecord& record, const Hours& hours,
+                                          store::DbFile& items) {
   const BothHours both = both_hours(record, hours);
-  std::vector<FilledItem> lines;
-  for (int i = 1; !record(kCode, i).empty(); ++i) {
-    const auto item = items.find(record(kCode, i));
+  std::vector<card::ItemText> lines;
+  for (int i = 1; !record(templates::kItem, i).empty(); ++i) {
+    const auto item = items.find(record(templates::kItem, i));
     if (!item) continue;
-    FilledItem line{std::string(record(kCode, i)), std::string((*item)(1)), {}, {}, {}};
-    const std::string_view source = record(kSource, i);
-    line.base = source == "T"   ? both.worked
-                : source == "P" ? both.paid
-                                : entry::stored_to_text(record(kFixedBase, i), 2, 2);
-    const std::string_view own_rate = record(kRate, i);
-    line.rate = entry::stored_to_text(own_rate.empty() ? (*item)(kItemDefaultRate) : own_rate, 4, 4);
-    const bool product = !line.base.empty() && !line.rate.empty();
-    line.amount = product ? entry::amount_of(line.base, line.rate)
-                          : entry::stored_to_text(record(kFixedAmount, i), 2, 2);
+    card::ItemText line{
+        std::string(record(templates::kItem, i)), std::string((*item)(card::kReferenceLabel)), {}};
+    auto& [base, rate, amount] = line.figures;
+    const std::string_view source = record(templates::kBaseSource, i);
+    base.shown = source == "T"   ? both.worked
+                 : source == "P" ? both.paid
+                                 : entry::stored_to_text(record(templates::kFixedBase, i), 2, 2);
+    const std::string_view own_rate = record(templates::kRate, i);
+    rate.shown =
+        entry::stored_to_text(own_rate.empty() ? (*item)(card::items::kDefaultRate) : own_rate, 4, 4);
+    const bool product = !base.shown.empty() && !rate.shown.empty();
+    amount.shown = product ? entry::amount_of(base.shown, rate.shown)
+                           : entry::stored_to_text(record(templates::kFixedAmount, i), 2, 2);
     lines.push_back(std::move(line));
   }
   return lines;

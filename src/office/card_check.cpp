@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <set>
 
+#include "card/record/amendment_columns.h"
 #include "card/record/card_dates.h"
 #include "card/record/codec.h"
 #include "card/record/named_fields.h"
 #include "card/record/record_compare.h"
-#include "card/record/record_layout.h"
 #include "card/record/rules.h"
 #include "text/number.h"
-#include "text/utf8.h"
 #include "velanor/date.h"
 
 namespace velanor::office {
@@ -18,26 +17,11 @@ namespace velanor::office {
 using store::DbRecord;
 namespace {
 
-std::int64_t number_or_0(std::string_view text) { return text::whole_number(text).value_or(0); }
-
-// Lists whose lines go by the values of another attribute: a value behind its end is on no line.
-struct Line {
-  int list, attribute;
-};
-constexpr Line kLines[] = {
-    {card::kActivity, card::kShare},          {card::kEffective, card::kGridStart},
-    {card::kEffective, card::kQualification}, {card::kEffective, card::kGrid},
-    {card::kEffective, card::kCategory},      {card::kEffective, card::kHourlyRate},
-    {card::kEffective, card::kMonthlyTime},   {card::kEffective, card::kNewMeasure},
-    {card::kEffective, card::kItemCode},      {card::kEffective, card::kItemBase},
-    {card::kEffective, card::kItemRate},      {card::kEffective, card::kItemAmount},
-};
-
 template <typename Visit>
-void each_element(const DbRecord& card, int attribute, const Visit& visit) {
-  for (int v = 1; v <= card.Count(attribute); ++v) {
-    for (int s = 1; s <= card.Count(attribute, v); ++s) {
-      if (!card(attribute, v, s).empty()) visit(card(attribute, v, s));
+void each_element(const DbRecord& card, const card::Field& field, const Visit& visit) {
+  for (int v = 1; v <= card.Count(field.number); ++v) {
+    for (int s = 1; s <= card.Count(field.number, v); ++s) {
+      if (const auto text = element(card, field, v, s); !text.empty()) visit(text);
     }
   }
 }
@@ -78,13 +62,11 @@ class Examination {
 };
 
 void Examination::check_id() {
-  constexpr int kLength = card::kEmployeeCodeLength + card::kEntityCodeLength + 4;
-  const bool digits = std::all_of(id_.begin(), id_.end(), [](char c) { return c >= '0' && c <= '9'; });
-  if (!digits || text::length(id_) != kLength)
+  if (!text::is_digits(id_) || !card::is_record_id(id_))
     return fault("L'identifiant n'est pas un code de salarié, un code d'entité et une année.");
-  const auto entity = id_.substr(card::kEmployeeCodeLength, card::kEntityCodeLength);
+  const auto entity = card::entity_of(id_);
   if (!references_.has("ASSOCIATION", entity)) faults_.push_back(card::unknown_entity(entity));
-  const auto establishment = card_(card::kEstablishment);
+  const auto establishment = element(card_, card::kEstablishment);
   if (!establishment.empty() && !establishment.starts_with(entity))
     fault("L'établissement « … » n'est pas de l'entité de la fiche.", establishment);
 }
@@ -92,7 +74,7 @@ void Examination::check_id() {
 void Examination::check_order() {
   const int amendments = card::lines_of(card_, card::kEffective);
   for (int i = 2; i <= amendments; ++i) {
-    if (number_or_0(card_(card::kEffective, i - 1)) >= number_or_0(card_(card::kEffective, i)))
+    if (day(card_, card::kEffective, i - 1) >= day(card_, card::kEffective, i))
       return fault("Les dates d'effet des avenants ne se suivent pas.");
   }
 }
@@ -101,28 +83,30 @@ void Examination::check_order() {
 void Examination::check_fields() {
   for (const card::Field& field : card::card_fields()) {
     std::set<std::string_view> told;
-    each_element(card_, field.number, [&](std::string_view text) {
+    each_element(card_, field, [&](std::string_view text) {
       if (!told.insert(text).second) return;
       if (auto found = card::fault_of(field, text)) {
         faults_.push_back(std::move(*found));
       } else if (!field.list.empty() && !references_.has(field.list, text)) {
         faults_.push_back(card::unknown_code(field, text));
+      } else if (!references_.fits(field.list, text)) {
+        faults_.push_back(card::unfit_code(field, text));
       }
     });
   }
 }
 
-// A line that is cut off is said once, however many columns it has.
+// A line that is cut off is said once, however many columns it has. The first column ends the list.
 void Examination::check_lines() {
-  std::set<int> told;
-  for (const Line& line : kLines) {
-    const int lines = card::lines_of(card_, line.list);
-    const int most = std::max(card_.Count(line.attribute), card_.Count(line.list));
-    if (most <= lines || !told.insert(line.list).second) continue;
-    fault(line.list == card::kActivity
-              ? "Des lignes d'activité suivent une activité vide : l'écran ne les montre pas."
-              : "Des lignes d'avenant suivent une date d'effet vide : l'écran ne les montre pas.");
-  }
+  const auto go_on = [this](std::span<const card::Field> columns) {
+    const int lines = card::lines_of(card_, columns.front());
+    return std::any_of(columns.begin(), columns.end(),
+                       [&](const card::Field& column) { return card_.Count(column.number) > lines; });
+  };
+  if (go_on(card::kActivityColumns))
+    fault("Des lignes d'activité suivent une activité vide : l'écran ne les montre pas.");
+  if (go_on(card::kAmendmentAttributes))
+    fault("Des lignes d'avenant suivent une date d'effet vide : l'écran ne les montre pas.");
 }
 
 }  // namespace

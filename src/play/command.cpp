@@ -16,7 +16,7 @@ enum class Shape { Name, File, Id, Text, Element, Key, Line, LineOrText, Number,
 
 enum class Counting { Always, FailuresOnly };
 
-struct Row {
+struct VerbRow {
   Verb verb;
   std::string_view word;
   std::vector<std::pair<Shape, std::string_view>> arguments;  // and their names in messages
@@ -26,8 +26,8 @@ struct Row {
 using enum Shape;
 
 // In the order of the enumeration.
-const std::vector<Row>& rows() {
-  static const std::vector<Row> kRows{
+const std::vector<VerbRow>& rows() {
+  static const std::vector<VerbRow> kRows{
       {Verb::Include, "include", {{Name, "FILE"}}, Counting::FailuresOnly},
       {Verb::Put,
        "put",
@@ -76,7 +76,9 @@ constexpr std::array kIcons{Meanings<screen::Icon>{"exclamation", screen::Icon::
 constexpr std::array kAnswerWords{Meanings<screen::Answer>{"OK", screen::Answer::Ok},
                                   Meanings<screen::Answer>{"Oui", screen::Answer::Yes},
                                   Meanings<screen::Answer>{"Non", screen::Answer::No},
-                                  Meanings<screen::Answer>{"Annuler", screen::Answer::Cancel}};
+                                  Meanings<screen::Answer>{"Annuler", screen::Answer::Cancel},
+                                  Meanings<screen::Answer>{"Mien", screen::Answer::Mine},
+                                  Meanings<screen::Answer>{"Sien", screen::Answer::Theirs}};
 constexpr std::array kKeys{
     Meanings<char32_t>{"Enter", screen::Key::kEnter},
     Meanings<char32_t>{"Backspace", screen::Key::kBackspace}, Meanings<char32_t>{"Tab", screen::Key::kTab},
@@ -198,14 +200,14 @@ std::string_view looks(Shape shape) {
   return "a text";
 }
 
-std::string usage(const Row& row) {
+std::string usage(const VerbRow& row) {
   std::string text(row.word);
   for (const auto& [shape, name] : row.arguments) text.append(" ").append(name);
   return text;
 }
 
-const Row& row_named(const std::string& word) {
-  for (const Row& row : rows())
+const VerbRow& row_named(const std::string& word) {
+  for (const VerbRow& row : rows())
     if (row.word == word) return row;
   throw SyntaxError("word 1: there is no command \"" + word + "\"");
 }
@@ -213,7 +215,7 @@ const Row& row_named(const std::string& word) {
 }  // namespace
 
 Command parse_command(const std::vector<Word>& words) {
-  const Row& row = row_named(words.front().text);
+  const VerbRow& row = row_named(words.front().text);
   const std::size_t wanted = row.arguments.size();
   const std::size_t given = words.size() - 1;
   const bool repeats = wanted > 0 && row.arguments.back().first == Answers;

@@ -8,9 +8,9 @@ namespace {
 
 bool is_blank(char c) { return c == ' ' || c == '\t'; }
 
-class Lexer {
+class WordReader {
  public:
-  explicit Lexer(std::string_view line) : line_(line) {}
+  explicit WordReader(std::string_view line) : line_(line) {}
 
   std::vector<Word> words() {
     std::vector<Word> words;
@@ -61,7 +61,7 @@ class Lexer {
 
 std::vector<Word> words_of(std::string_view line) {
   if (store::clean_text(line) != line) throw SyntaxError("the line holds bytes that are not a text in UTF-8");
-  return Lexer(line).words();
+  return WordReader(line).words();
 }
 
 }  // namespace velanor::play

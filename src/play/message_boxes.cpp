@@ -44,6 +44,30 @@ Answer MessageBoxes::show(const screen::Message& message) {
   return no_choice(message.buttons);
 }
 
+std::vector<Answer> MessageBoxes::compare(const screen::Comparison& comparison) {
+  screen::Message box{comparison.title, comparison.text, screen::Icon::Question, Buttons::OkCancel,
+                      Answer::Cancel};
+  for (const auto& line : comparison.lines)
+    box.text += "\r\n" + line.name + " : " + line.before + " | " + line.theirs + " | " + line.mine;
+  shown_.push_back(box);
+  std::vector<Answer> answers;
+  for (std::size_t i = 0; i < comparison.lines.size(); ++i) {
+    const bool chosen =
+        !answers_.empty() && (answers_.front() == Answer::Mine || answers_.front() == Answer::Theirs);
+    const bool back = i == 0 && !answers_.empty() && answers_.front() == Answer::Cancel;
+    if (chosen || back) {
+      answers.push_back(answers_.front());
+      answers_.pop_front();
+    }
+    if (back) return {};
+    if (!chosen) {
+      fail("expected Mien or Sien for each line, or Annuler, in the queue for the question", box);
+      return {};
+    }
+  }
+  return answers;
+}
+
 std::optional<screen::Message> MessageBoxes::take_oldest() {
   if (shown_.empty()) return {};
   screen::Message oldest = std::move(shown_.front());
@@ -77,6 +101,10 @@ std::string_view name_of(Answer answer) {
       return "Oui";
     case Answer::No:
       return "Non";
+    case Answer::Mine:
+      return "Mien";
+    case Answer::Theirs:
+      return "Sien";
   }
   return {};
 }

@@ -19,6 +19,10 @@ class MessageBoxes {
   // are failures; then the answer is the one of a person who closes the box.
   screen::Answer show(const screen::Message& message);
 
+  // Lines to choose: noted as a box with a line each, "NAME : BEFORE | THEIRS | MINE"; takes an answer a
+  // line, or Annuler for all of them.
+  std::vector<screen::Answer> compare(const screen::Comparison& comparison);
+
   // The boxes that were shown and not taken yet, oldest first.
   const std::deque<screen::Message>& shown() const { return shown_; }
   std::optional<screen::Message> take_oldest();
@@ -44,12 +48,12 @@ class ScriptedToolkit : public screen::Toolkit {
  public:
   explicit ScriptedToolkit(MessageBoxes& boxes) : boxes_(boxes) {}
   screen::Answer message(const screen::Message& message) override { return boxes_.show(message); }
-  void beep() override { ++beeps_; }
-  int beeps() const { return beeps_; }
+  std::optional<std::vector<screen::Answer>> compare(const screen::Comparison& comparison) override {
+    return boxes_.compare(comparison);
+  }
 
  private:
   MessageBoxes& boxes_;
-  int beeps_ = 0;
 };
 
 }  // namespace velanor::play

@@ -170,7 +170,7 @@ screen::Control* Player::find(const std::string& name) const {
 }
 
 // The reading, or why there is none.
-Player::Reading Player::read_property(const Command& command) const {
+Player::PropertyText Player::read_property(const Command& command) const {
   if (!stage_) return {{}, kNoComponent};
   const screen::Control* control = find(command.name);
   if (!control) return {{}, "no control " + command.name + " on an open form"};

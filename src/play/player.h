@@ -66,11 +66,11 @@ class Player {
   std::string expect_statement(const std::string& statement);
 
   // The text of a property, or why there is none.
-  struct Reading {
+  struct PropertyText {
     std::optional<std::string> text;
     std::string lack;
   };
-  Reading read_property(const Command& command) const;
+  PropertyText read_property(const Command& command) const;
   // Why the user's action could not be made.
   Actor::Refusal act(const Command& command);
   Actor::Refusal act_on(screen::Control& control, const Command& command);

@@ -7,7 +7,7 @@ namespace velanor::play {
 namespace {
 
 using screen::Control;
-using Reading = std::optional<std::string>;
+using MaybeText = std::optional<std::string>;
 
 std::string yes_no(bool on) { return on ? "yes" : "no"; }
 
@@ -17,45 +17,45 @@ const Kind* as(const Control& control) {
   return dynamic_cast<const Kind*>(&control);
 }
 
-Reading text(const Control& control) {
+MaybeText text(const Control& control) {
   if (const auto* box = as<screen::TextControl>(control)) return box->text();
   if (const auto* list = as<screen::ListBox>(control)) return std::string(list->line(list->index()));
   return {};
 }
 
-Reading caption(const Control& control) {
+MaybeText caption(const Control& control) {
   if (const auto* tabs = as<screen::Tabs>(control)) return tabs->page_caption(tabs->current());
   if (as<screen::TextControl>(control) || as<screen::ListBox>(control) || as<screen::ScrollBar>(control))
     return {};
   return control.caption();
 }
 
-Reading enabled(const Control& control) { return yes_no(control.enabled()); }
+MaybeText enabled(const Control& control) { return yes_no(control.enabled()); }
 
-Reading visible(const Control& control) { return yes_no(control.visible()); }
+MaybeText visible(const Control& control) { return yes_no(control.visible()); }
 
-Reading value(const Control& control) {
+MaybeText value(const Control& control) {
   if (const auto* option = as<screen::OptionButton>(control)) return yes_no(option->value());
   if (const auto* bar = as<screen::ScrollBar>(control)) return std::to_string(bar->value());
   return {};
 }
 
-Reading max(const Control& control) {
+MaybeText max(const Control& control) {
   if (const auto* bar = as<screen::ScrollBar>(control)) return std::to_string(bar->max());
   return {};
 }
 
-Reading index(const Control& control) {
+MaybeText index(const Control& control) {
   if (const auto* lines = as<screen::Lines>(control)) return std::to_string(lines->index());
   return {};
 }
 
-Reading count(const Control& control) {
+MaybeText count(const Control& control) {
   if (const auto* lines = as<screen::Lines>(control)) return std::to_string(lines->count());
   return {};
 }
 
-Reading items(const Control& control) {
+MaybeText items(const Control& control) {
   const auto* lines = as<screen::Lines>(control);
   if (!lines) return {};
   std::string joined;
@@ -63,32 +63,32 @@ Reading items(const Control& control) {
   return joined;
 }
 
-Reading page(const Control& control) {
+MaybeText page(const Control& control) {
   if (const auto* tabs = as<screen::Tabs>(control)) return std::to_string(tabs->current());
   return {};
 }
 
-struct Row {
+struct PropertyRow {
   Property property;
   std::string_view name;
-  Reading (*read)(const Control&);
+  MaybeText (*read)(const Control&);
 };
 
 // In the order of the enumeration.
 constexpr std::array kRows{
-    Row{Property::Text, "text", text},          Row{Property::Caption, "caption", caption},
-    Row{Property::Enabled, "enabled", enabled}, Row{Property::Visible, "visible", visible},
-    Row{Property::Value, "value", value},       Row{Property::Max, "max", max},
-    Row{Property::Index, "index", index},       Row{Property::Count, "count", count},
-    Row{Property::Items, "items", items},       Row{Property::Page, "page", page},
+    PropertyRow{Property::Text, "text", text},          PropertyRow{Property::Caption, "caption", caption},
+    PropertyRow{Property::Enabled, "enabled", enabled}, PropertyRow{Property::Visible, "visible", visible},
+    PropertyRow{Property::Value, "value", value},       PropertyRow{Property::Max, "max", max},
+    PropertyRow{Property::Index, "index", index},       PropertyRow{Property::Count, "count", count},
+    PropertyRow{Property::Items, "items", items},       PropertyRow{Property::Page, "page", page},
 };
 
-const Row& row_of(Property property) { return kRows.at(static_cast<std::size_t>(property)); }
+const PropertyRow& row_of(Property property) { return kRows.at(static_cast<std::size_t>(property)); }
 
 }  // namespace
 
 std::optional<Property> property_named(std::string_view word) {
-  for (const Row& row : kRows)
+  for (const PropertyRow& row : kRows)
     if (row.name == word) return row.property;
   return {};
 }

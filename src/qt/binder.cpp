@@ -14,48 +14,23 @@
 namespace velanor::qt {
 namespace {
 
-// Lists that stand side by side as the columns of one table, each with the label over it and the widget
-// of its entry below. Figures stand at the right.
-struct Column {
-  const char* list;
-  const char* label;
-  const char* entry;
-  bool figures;
-};
-
-const std::vector<std::vector<Column>>& tables() {
-  static const std::vector<std::vector<Column>> kTables{
-      {{"Lst_DatEffet", "Etq_DatEffet", "Txt_DatEffet", false},
-       {"Lst_DatDepGrille", "Etq_DatDepGrille", "Txt_DatDepGrille", false},
-       {"Lst_Qualif", "Etq_Qualif", "Cbo_Qualif", false},
-       {"Lst_Grille", "Etq_Grille", "Cbo_Grille", false},
-       {"Lst_Categorie", "Etq_Categorie", "Txt_Categorie", false},
-       {"Lst_NouvMes", "Etq_NouvMes", "Cbo_NouvMes", false},
-       {"Lst_TxHor", "Etq_TxHor", "Txt_TxHor", true},
-       {"Lst_DureMens", "Etq_DureMens", "Txt_DureMens", true}},
-      {{"Lst_Code", "Etq_Code", "Txt_Code", false},
-       {"Lst_LibRub", "Etq_LibRub", "Cbo_LibRub", false},
-       {"Lst_Base", "Etq_Base", "Txt_Base", true},
-       {"Lst_Taux", "Etq_Taux", "Txt_Taux", true},
-       {"Lst_Montant", "Etq_Montant", "Txt_Montant", true}}};
-  return kTables;
-}
-
-std::vector<Column> columns_from(const std::string& first) {
-  for (const auto& table : tables()) {
-    if (first == table.front().list) return table;
+// The columns of the table that begins with the list; a list alone is one.
+screen::TableColumns columns_from(screen::ListBox& first) {
+  for (const screen::TableColumns& table : first.form().tables) {
+    if (table.front().list == &first) return table;
   }
-  return {};
+  return {{&first}};
 }
 
-// Further columns and their headings stand in the table that bears the name of the first, and menus come
+// Further columns and their headings stand in the table that bears the name of the first list, and menus come
 // with the pointer.
 bool needs_no_widget(const screen::Control& control) {
   if (dynamic_cast<const screen::Menu*>(&control)) return true;
-  for (const auto& table : tables()) {
-    for (const Column& column : table) {
-      if (control.name() == column.label) return true;
-      if (control.name() == column.list && control.name() != table.front().list) return true;
+  for (const screen::TableColumns& table : control.form().tables) {
+    const screen::ListBox* first = table.front().list;
+    if (table.back().list == first) continue;
+    for (const screen::TableColumn& column : table) {
+      if (&control == column.heading || (&control == column.list && column.list != first)) return true;
     }
   }
   return false;
@@ -66,6 +41,12 @@ Widget& as(QWidget& widget) {
   if (auto* as_wanted = dynamic_cast<Widget*>(&widget)) return *as_wanted;
   throw std::logic_error("La page fait de " + from_qt(widget.objectName()) + " un " +
                          widget.metaObject()->className() + ".");
+}
+
+QTabWidget& with_pages(QTabWidget& widget, int count) {
+  if (widget.count() == count) return widget;
+  throw std::logic_error(from_qt(widget.objectName()) + " a " + std::to_string(widget.count()) +
+                         " pages au lieu de " + std::to_string(count) + ".");
 }
 
 // A field is as wide as the characters that its form file asks for.
@@ -91,13 +72,14 @@ void size_field(QWidget& widget) {
 
 FormViews::FormViews(Acts& acts, screen::Form& form, QWidget& pages) : form_(&form), pages_(&pages) {
   for (screen::Control* control : form.controls()) {
-    if (auto* widget = pages.findChild<QWidget*>(to_qt(control->name()))) {
-      bind(acts, *control, *widget);
-    } else if (!needs_no_widget(*control)) {
-      throw std::logic_error("La page de " + form.name() + " n'a pas de contrôle " + control->name() + ".");
-    }
+    if (!needs_no_widget(*control)) bind(acts, *control, widget_for(*control));
   }
   describe();
+}
+
+QWidget& FormViews::widget_for(const screen::Control& control) const {
+  if (auto* widget = pages_->findChild<QWidget*>(to_qt(control.name()))) return *widget;
+  throw std::logic_error("La page de " + form_->name() + " n'a pas de contrôle " + control.name() + ".");
 }
 
 void FormViews::bind(Acts& acts, screen::Control& control, QWidget& widget) {
@@ -119,7 +101,7 @@ void FormViews::bind(Acts& acts, screen::Control& control, QWidget& widget) {
   else if (auto* bar = dynamic_cast<ScrollBar*>(&control))
     view = new ScrollBarView(acts, *bar, as<QScrollBar>(widget), *pages_);
   else if (auto* tabs = dynamic_cast<Tabs*>(&control))
-    view = new TabsView(acts, *tabs, as<QTabWidget>(widget), *pages_);
+    view = new TabsView(acts, *tabs, with_pages(as<QTabWidget>(widget), tabs->count()), *pages_);
   else if (auto* list = dynamic_cast<ListBox*>(&control))
     return bind_columns(acts, *list, widget);
   if (!view) throw std::logic_error("Aucun contrôle de fenêtre ne montre " + control.name() + ".");
@@ -127,25 +109,14 @@ void FormViews::bind(Acts& acts, screen::Control& control, QWidget& widget) {
 }
 
 void FormViews::bind_columns(Acts& acts, screen::ListBox& first, QWidget& widget) {
-  std::vector<screen::ListBox*> lists;
-  std::vector<const screen::Control*> labels;
-  std::vector<const screen::Control*> entry_controls;
-  std::vector<bool> figures;
+  const screen::TableColumns columns = columns_from(first);
   std::vector<QWidget*> entries;
-  for (const Column& column : columns_from(first.name())) {
-    lists.push_back(static_cast<screen::ListBox*>(form_->find(column.list)));
-    labels.push_back(form_->find(column.label));
-    entry_controls.push_back(form_->find(column.entry));
-    entries.push_back(pages_->findChild<QWidget*>(column.entry));
-    figures.push_back(column.figures);
+  for (const screen::TableColumn& column : columns) {
+    if (column.entry) entries.push_back(&widget_for(*column.entry));
   }
-  if (lists.empty()) lists.push_back(&first);
   auto& table = as<ColumnsTable>(widget);
-  auto* view = new ColumnsView(acts, lists, table, *pages_);
-  view->lines().set_headings(labels, entry_controls);
-  view->lines().set_figures(figures);
+  views_.push_back(new ColumnsView(acts, columns, table, *pages_));
   table.stand_over(entries);
-  views_.push_back(view);
 }
 
 // What assistive tools say: the name that the form file gives, the label's caption, the column's heading,
@@ -159,11 +130,10 @@ void FormViews::describe() {
   for (const QLabel* label : pages_->findChildren<QLabel*>()) {
     if (label->buddy()) names[label->buddy()] = without_mnemonic(label->text()).trimmed();
   }
-  for (const auto& table : tables()) {
-    for (const Column& column : table) {
-      const auto* entry = pages_->findChild<QWidget*>(column.entry);
-      const screen::Control* label = form_->find(column.label);
-      if (entry && label) names[entry] = to_qt(label->caption());
+  for (const screen::TableColumns& table : form_->tables) {
+    for (const screen::TableColumn& column : table) {
+      if (column.entry && column.heading)
+        names[&widget_for(*column.entry)] = to_qt(column.heading->caption());
     }
   }
   QString last;

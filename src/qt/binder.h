@@ -12,7 +12,8 @@ namespace velanor::qt {
 class FormViews {
  public:
   // Every control of the form has a widget of its name and kind among the pages; the columns of a table have
-  // only the one that bears the name of its first list. Throws std::logic_error where one has none.
+  // only the one that bears the name of its first list, and menus none. Throws std::logic_error where one is
+  // missing, or of another kind.
   FormViews(Acts& acts, screen::Form& form, QWidget& pages);
 
   screen::Form& form() const { return *form_; }
@@ -25,6 +26,7 @@ class FormViews {
   void leave_all_but(const View* kept);
 
  private:
+  QWidget& widget_for(const screen::Control& control) const;
   void bind(Acts& acts, screen::Control& control, QWidget& widget);
   void bind_columns(Acts& acts, screen::ListBox& first, QWidget& widget);
   void describe();

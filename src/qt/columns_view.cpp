@@ -34,19 +34,24 @@ void give_headings(QHeaderView& header) {
   header.setFixedHeight(2 * QFontMetrics(font).height() + 6);
 }
 
-std::vector<const screen::Lines*> lines_of(const std::vector<screen::ListBox*>& lists) {
-  return {lists.begin(), lists.end()};
+std::vector<screen::ListBox*> lists_of(const screen::TableColumns& columns) {
+  std::vector<screen::ListBox*> lists;
+  for (const screen::TableColumn& column : columns) {
+    if (lists.empty() || lists.back() != column.list) lists.push_back(column.list);
+  }
+  return lists;
 }
 
 }  // namespace
 
-ColumnsView::ColumnsView(Acts& acts, std::vector<screen::ListBox*> lists, ColumnsTable& table,
-                         QObject& parent)
-    : View(acts, *lists.front(), table, parent),
-      lists_(std::move(lists)),
+ColumnsView::ColumnsView(Acts& acts, screen::TableColumns columns, ColumnsTable& table, QObject& parent)
+    : View(acts, *columns.front().list, table, parent),
+      columns_(std::move(columns)),
+      lists_(lists_of(columns_)),
       table_(table),
       viewport_(table.viewport()),
-      lines_(new LinesModel(lines_of(lists_), this)) {
+      lines_(new LinesModel({lists_.begin(), lists_.end()}, this)) {
+  lines_->set_columns(columns_);
   table.setModel(lines_);
   if (table.property("fixedPitch").toBool()) table.setFont(fixed_pitch(table.font()));
   const QFontMetrics metrics(table.font());
@@ -90,12 +95,10 @@ void ColumnsView::show() {
 }
 
 void ColumnsView::copy_line() const {
-  QGuiApplication::clipboard()->setText(table_text(*lists_.front(), *lines_, lists_.front()->index()));
+  QGuiApplication::clipboard()->setText(table_text(columns_, lists_.front()->index()));
 }
 
-void ColumnsView::copy_table() const {
-  QGuiApplication::clipboard()->setText(table_text(*lists_.front(), *lines_, -1));
-}
+void ColumnsView::copy_table() const { QGuiApplication::clipboard()->setText(table_text(columns_, -1)); }
 
 void ColumnsView::offer_copies(const QPoint& at) {
   auto* menu = new QMenu(&table_);

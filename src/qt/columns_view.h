@@ -11,11 +11,10 @@ namespace velanor::qt {
 // or for the first.
 class ColumnsView : public View {
  public:
-  ColumnsView(Acts& acts, std::vector<screen::ListBox*> lists, ColumnsTable& table, QObject& parent);
+  ColumnsView(Acts& acts, screen::TableColumns columns, ColumnsTable& table, QObject& parent);
 
   screen::Control& control() const override;
   std::vector<const screen::Control*> controls() const override;
-  LinesModel& lines() { return *lines_; }
   // The selected line (every one where none is), or every one, into the clipboard, also where the list is out
   // of use.
   void copy_line() const;
@@ -33,7 +32,8 @@ class ColumnsView : public View {
   void pick(int line);
   void double_click(screen::ListBox& list, int line);
 
-  std::vector<screen::ListBox*> lists_;
+  screen::TableColumns columns_;
+  std::vector<screen::ListBox*> lists_;  // of the columns, each once
   ColumnsTable& table_;
   // To compare with: events still come while the table is being destroyed, and is none any more.
   const QObject* viewport_;

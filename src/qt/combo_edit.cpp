@@ -80,6 +80,12 @@ void ComboEdit::set_lines(QAbstractItemModel& lines) {
 
 int ComboEdit::only_completion() const { return completing() ? matches_->only_line() : -1; }
 
+int ComboEdit::completion_under_bar() const {
+  if (!completing()) return -1;
+  const auto& offered = static_cast<const QAbstractProxyModel&>(*completer()->completionModel());
+  return matches_->mapToSource(offered.mapToSource(completer()->popup()->currentIndex())).row();
+}
+
 // Measured by the letters first: the font would take its time over every line.
 int ComboEdit::widest_line() const {
   if (widest_ >= 0) return widest_;

@@ -19,6 +19,8 @@ class ComboEdit : public QComboBox {
   void set_lines(QAbstractItemModel& lines);
   // The line that is the only one offered, or -1.
   int only_completion() const;
+  // The line under the bar of those that are offered, or -1.
+  int completion_under_bar() const;
   void hide_completion();
   bool completing() const;
 

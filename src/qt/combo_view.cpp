@@ -69,6 +69,15 @@ bool ComboView::key(QKeyEvent& event) {
   return true;
 }
 
+bool ComboView::take_line_under_bar() {
+  const int line = widget_.completion_under_bar();
+  if (line < 0) return false;
+  widget_.hide_completion();
+  follow_index();
+  chosen(line);
+  return true;
+}
+
 // The box also writes the line that was just chosen; that is told by its index and reported as a choice.
 void ComboView::text_changed() {
   if (widget_.currentIndex() == shown_index_) TextView::text_changed();

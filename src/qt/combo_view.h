@@ -12,6 +12,7 @@ class ComboView : public TextView {
   ComboView(Acts& acts, screen::ComboBox& box, ComboEdit& widget, QObject& parent);
 
   void focus_gone() override;
+  bool take_line_under_bar() override;
   void describe(const QString& name) override;
 
  protected:

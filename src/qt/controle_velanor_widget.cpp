@@ -4,6 +4,7 @@
 #include <QPalette>
 
 #include "qt/stage.h"
+#include "qt/strings.h"
 
 namespace velanor::qt {
 
@@ -38,11 +39,23 @@ void ControleVelanorWidget::TheClient(control::Client& client) { stage_->compone
 void ControleVelanorWidget::TheDatabase(store::Database& database) {
   stage_->component().TheDatabase(database);
 }
+void ControleVelanorWidget::set_entry(entry::UtilSaisie& entry) { stage_->component().set_entry(entry); }
+void ControleVelanorWidget::set_clock(entry::Clock clock) { stage_->component().set_clock(std::move(clock)); }
 void ControleVelanorWidget::set_help(control::HelpViewer& help) { stage_->help = &help; }
 void ControleVelanorWidget::init() { stage_->start(); }
 screen::Screen& ControleVelanorWidget::screen() { return stage_->screen(); }
 const store::DbRecord& ControleVelanorWidget::card_in_hand() const {
   return stage_->component().card_in_hand();
+}
+
+control::State ControleVelanorWidget::state() const { return stage_->component().state(); }
+QString ControleVelanorWidget::card_id() const { return to_qt(stage_->component().card_id()); }
+QString ControleVelanorWidget::card_title() const { return to_qt(stage_->component().card_title()); }
+bool ControleVelanorWidget::modified() const { return stage_->component().modified(); }
+
+control::Opening ControleVelanorWidget::open(const QString& entity, const QString& year,
+                                             const QString& employee) {
+  return stage_->open(from_qt(entity), from_qt(year), from_qt(employee));
 }
 
 QWidget* ControleVelanorWidget::widget_of(const screen::Control& control) const {

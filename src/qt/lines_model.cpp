@@ -68,8 +68,8 @@ QVariant LinesModel::data(const QModelIndex& index, int role) const {
 
 // A code in a column says what it stands for, where the list of its entry knows it.
 QString LinesModel::hint(const QModelIndex& index, const QString& line) const {
-  const auto c = static_cast<std::size_t>(index.column());
-  const auto* box = c < entries_.size() ? dynamic_cast<const screen::ComboBox*>(entries_[c]) : nullptr;
+  const screen::TableColumn* column = column_at(index.column());
+  const auto* box = column ? dynamic_cast<const screen::ComboBox*>(column->entry) : nullptr;
   const int at = box ? box->find(from_qt(line)) : -1;
   const auto known = static_cast<std::size_t>(at);
   if (at < 0 || known >= box->notes().size() || box->notes()[known].empty()) return line;
@@ -81,26 +81,31 @@ QString LinesModel::note(int row) const {
   return notes_ && r < notes_->size() ? to_qt((*notes_)[r]) : QString();
 }
 
-QVariant LinesModel::alignment(int column) const {
+const screen::TableColumn* LinesModel::column_at(int column) const {
   const auto c = static_cast<std::size_t>(column);
-  const bool right = c < figures_.size() && figures_[c];
-  return QVariant::fromValue(Qt::Alignment((right ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter));
+  return columns_ && c < columns_->size() ? &(*columns_)[c] : nullptr;
+}
+
+QVariant LinesModel::alignment(int column) const {
+  const screen::TableColumn* known = column_at(column);
+  const auto side = known && known->figures ? Qt::AlignRight : Qt::AlignLeft;
+  return QVariant::fromValue(Qt::Alignment(side | Qt::AlignVCenter));
 }
 
 // The style's own ink for a heading that is out of use can hardly be read.
-QVariant LinesModel::ink(std::size_t column) const {
-  const bool used = headings_[column]->enabled() || entries_[column]->enabled();
+QVariant LinesModel::ink(const screen::TableColumn& column) const {
+  const bool used = column.heading->enabled() || (column.entry && column.entry->enabled());
   return QGuiApplication::palette().brush(used ? QPalette::Active : QPalette::Disabled, QPalette::Text);
 }
 
 QVariant LinesModel::headerData(int section, Qt::Orientation orientation, int role) const {
-  const auto c = static_cast<std::size_t>(section);
-  if (orientation != Qt::Horizontal || c >= headings_.size()) return {};
+  const screen::TableColumn* column = column_at(section);
+  if (orientation != Qt::Horizontal || !column || !column->heading) return {};
   if (role == Qt::TextAlignmentRole)
     return QVariant::fromValue(alignment(section).value<Qt::Alignment>() | Qt::Alignment(Qt::TextWordWrap));
-  if (role == Qt::ForegroundRole) return ink(c);
+  if (role == Qt::ForegroundRole) return ink(*column);
   if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
-  return to_qt(headings_[c]->caption());
+  return to_qt(column->heading->caption());
 }
 
 }  // namespace velanor::qt

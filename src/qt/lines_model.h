@@ -5,7 +5,7 @@
 #include <QAbstractTableModel>
 #include <vector>
 
-#include "velanor/control.h"
+#include "velanor/form.h"
 
 namespace velanor::qt {
 
@@ -21,14 +21,9 @@ class LinesModel : public QAbstractTableModel {
 
   // Resets when the lines are others than before. Whether it did.
   bool update();
-  // The headings are the labels' captions. A heading also names the field of the entry under its column,
-  // and is in use as long as one of the two is.
-  void set_headings(std::vector<const screen::Control*> labels, std::vector<const screen::Control*> entries) {
-    headings_ = std::move(labels);
-    entries_ = std::move(entries);
-  }
-  // Figures stand at the right.
-  void set_figures(std::vector<bool> columns) { figures_ = std::move(columns); }
+  // What the form knows of the columns; outlives the model. A heading also names the field of the entry under
+  // its column, and is in use as long as one of the two is.
+  void set_columns(const screen::TableColumns& columns) { columns_ = &columns; }
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
@@ -37,15 +32,14 @@ class LinesModel : public QAbstractTableModel {
 
  private:
   QVariant alignment(int column) const;
-  QVariant ink(std::size_t column) const;
+  QVariant ink(const screen::TableColumn& column) const;
   QString note(int row) const;
   QString hint(const QModelIndex& index, const QString& line) const;
   std::size_t fingerprint() const;
+  const screen::TableColumn* column_at(int column) const;
 
   std::vector<const screen::Lines*> lists_;
-  std::vector<const screen::Control*> headings_;
-  std::vector<const screen::Control*> entries_;
-  std::vector<bool> figures_;
+  const screen::TableColumns* columns_ = nullptr;
   const std::vector<std::string>* notes_ = nullptr;
   int rows_ = 0;
   std::size_t known_ = 0;

@@ -6,6 +6,7 @@
 #include <QLabel>
 
 #include "qt/action_button.h"
+#include "qt/comparison_table.h"
 #include "qt/message_icon.h"
 #include "qt/strings.h"
 
@@ -51,8 +52,26 @@ QLabel* make_text(const std::string& text) {
 MessageSheet::MessageSheet(const screen::Message& message, QWidget& over)
     : Sheet(to_qt(message.title), over), message_(message) {
   setAccessibleDescription(to_qt(message.text));
-  set_contents(make_contents());
+  contents_ = make_contents();
+  set_contents(contents_);
   connect(this, &Sheet::close_asked, this, [this] { emit answered(closing_answer()); });
+}
+
+MessageSheet::MessageSheet(const screen::Comparison& comparison, QWidget& over)
+    : MessageSheet(screen::Message{comparison.title, comparison.text, screen::Icon::Question,
+                                   Buttons::OkCancel, Answer::Cancel},
+                   over) {
+  compare(comparison.lines);
+}
+
+void MessageSheet::compare(const std::vector<screen::Comparison::Line>& lines) {
+  table_ = new ComparisonTable(lines);
+  static_cast<QGridLayout*>(contents_->layout())->addWidget(table_, 1, 0, 1, 2);
+  auto* save = button(Answer::Ok);
+  save->setText(QStringLiteral("&Enregistrer"));
+  save->setEnabled(false);
+  button(Answer::Cancel)->setText(QStringLiteral("&Revenir à la fiche"));
+  connect(table_, &ComparisonTable::chosen, this, [this, save] { save->setEnabled(table_->is_complete()); });
 }
 
 QWidget* MessageSheet::make_contents() {
@@ -62,7 +81,8 @@ QWidget* MessageSheet::make_contents() {
   grid->setHorizontalSpacing(14);
   grid->setVerticalSpacing(14);
   grid->addWidget(new MessageIcon(message_.icon), 0, 0, Qt::AlignTop);
-  grid->addWidget(make_text(message_.text), 0, 1, Qt::AlignVCenter);
+  grid->addWidget(make_text(message_.text), 0, 1, Qt::AlignVCenter | Qt::AlignLeft);
+  grid->setColumnStretch(1, 1);
   auto* row = new QHBoxLayout;
   row->addStretch();
   for (const Answer answer : offered(message_.buttons)) {
@@ -71,11 +91,13 @@ QWidget* MessageSheet::make_contents() {
     row->addWidget(button);
     buttons_.emplace_back(answer, button);
   }
-  grid->addLayout(row, 1, 0, 1, 2);
+  grid->addLayout(row, 2, 0, 1, 2);
   return contents;
 }
 
-Answer MessageSheet::closing_answer(Buttons buttons) { return offered(buttons).back(); }
+Answer MessageSheet::closing_answer(const screen::Message& message) {
+  return message.closing.value_or(offered(message.buttons).back());
+}
 
 ActionButton* MessageSheet::button(Answer answer) const {
   for (const auto& [own, button] : buttons_) {
@@ -84,16 +106,30 @@ ActionButton* MessageSheet::button(Answer answer) const {
   return nullptr;
 }
 
-Answer MessageSheet::preset() const { return button(message_.preset) ? message_.preset : closing_answer(); }
+Answer MessageSheet::preset() const {
+  return button(message_.preset) ? message_.preset : offered(message_.buttons).back();
+}
 
-void MessageSheet::focus_preset() { button(preset())->setFocus(Qt::TabFocusReason); }
+void MessageSheet::focus_preset() {
+  QWidget* const first = table_ ? static_cast<QWidget*>(table_) : button(preset());
+  first->setFocus(Qt::TabFocusReason);
+}
+
+std::vector<QWidget*> MessageSheet::stops() const {
+  std::vector<QWidget*> stops;
+  if (table_) stops.push_back(table_);
+  for (const auto& [answer, button] : buttons_) {
+    if (button->isEnabled()) stops.push_back(button);
+  }
+  return stops;
+}
 
 void MessageSheet::move_focus(bool forward) {
-  const std::size_t count = buttons_.size();
+  const auto stops = this->stops();
+  const std::size_t count = stops.size();
   for (std::size_t i = 0; i < count; ++i) {
-    if (buttons_[i].second->hasFocus()) {
-      return buttons_[(i + (forward ? 1 : count - 1)) % count].second->setFocus(Qt::TabFocusReason);
-    }
+    if (stops[i]->hasFocus())
+      return stops[(i + (forward ? 1 : count - 1)) % count]->setFocus(Qt::TabFocusReason);
   }
   focus_preset();
 }

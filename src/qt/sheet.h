@@ -19,7 +19,6 @@ class Sheet : public QWidget {
 
   // The contents stand below the title.
   void set_contents(QWidget* contents);
-  QWidget& panel() const { return *panel_; }
   // The button that closes the sheet.
   QWidget& close_box() const { return *close_; }
 

@@ -6,7 +6,7 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
-#include "qt/stage_frame.h"
+#include "qt/stage_life.h"
 #include "qt/strings.h"
 #include "screen/scope.h"
 #include "ui_card_pages.h"
@@ -56,7 +56,8 @@ ControleVelanorWidget::Stage::Stage(ControleVelanorWidget& widget)
   auto* column = new QVBoxLayout(boards_);
   column->setContentsMargins(0, 0, 0, 0);
   column->addWidget(pages);
-  forms_.push_back({&base, nullptr, std::make_unique<FormViews>(*this, base, *pages)});
+  add_form(base, nullptr, *pages);
+  component_.listen(*this);
   connect(qApp, &QApplication::focusChanged, this, [this](QWidget* before, QWidget* now) {
     const bool ours = before && (before == boards_ || boards_->isAncestorOf(before));
     const bool same_window = now && now->window() == boards_->window();
@@ -77,6 +78,11 @@ QWidget* ControleVelanorWidget::Stage::make_pages(const screen::Form& form) cons
   return make<Ui::CardPages>();
 }
 
+void ControleVelanorWidget::Stage::add_form(screen::Form& form, Sheet* sheet, QWidget& pages) {
+  form.changed = [this] { control_changed(); };
+  forms_.push_back({&form, sheet, std::make_unique<FormViews>(*this, form, pages)});
+}
+
 View* ControleVelanorWidget::Stage::view_of(const screen::Control& control) const {
   for (const OpenForm& open : forms_) {
     if (open.form == &control.form()) return open.views->view_of(control);
@@ -87,16 +93,11 @@ View* ControleVelanorWidget::Stage::view_of(const screen::Control& control) cons
 // ---- The widget comes and goes.
 
 void ControleVelanorWidget::Stage::start() {
-  const Frame frame(*this);
-  std::exception_ptr failure;
-  {
-    const Scope acting(acting_);
-    failure = run([this] { component_.init(); });
-    refresh();
-    place_focus();
-  }
-  gate_.release();
-  if (failure && widget_) std::rethrow_exception(failure);
+  const KeepAlive alive(*this);
+  const std::exception_ptr failure = run([this] { screen().act([this] { component_.init(); }); });
+  if (!widget_) return;
+  show_start(component_.closed() ? failure : nullptr);
+  if (failure) std::rethrow_exception(failure);
 }
 
 // Taken off the widget, the boards stay for as long as there are frames that stand on them.
@@ -132,7 +133,7 @@ std::exception_ptr ControleVelanorWidget::Stage::run(const std::function<void()>
   const Scope in_rules(in_rules_);
   try {
     rules();
-  } catch (const Gone&) {
+  } catch (const screen::Gone&) {
   } catch (...) {
     return std::current_exception();
   }
@@ -145,28 +146,54 @@ bool ControleVelanorWidget::Stage::open_to(const screen::Control& control) const
 
 void ControleVelanorWidget::Stage::act(const std::function<void(screen::Hand&)>& what) {
   if (!idle()) return;
-  const Frame frame(*this);
-  std::exception_ptr failure;
-  refused_ = false;
-  {
-    const Scope acting(acting_);
-    failure = run([&] {
+  const KeepAlive alive(*this);
+  const std::exception_ptr failure = run([&] {
+    screen().act([&] {
       screen::Hand hand(screen());
       what(hand);
     });
-    // Also where the rules failed half way: the control that has the focus may be locked by now.
+  });
+  if (failure) report(failure);
+}
+
+// Also where the rules failed half way: the control that has the focus may be locked by now.
+void ControleVelanorWidget::Stage::acted() {
+  const KeepAlive alive(*this);
+  if (!widget_) return;
+  {
+    const Scope following(following_);
     if (!screen().finished()) run([&] { screen().top().settle_focus(); });
     refresh();
     place_focus();
   }
+  refused_ = false;
   gate_.release();
-  if (failure) report(failure);
-  if (widget_) emit widget_->acted();
+}
+
+// The host wrote into it itself. Many at a time are one.
+void ControleVelanorWidget::Stage::control_changed() {
+  if (!widget_ || at_work() || std::exchange(written_, true)) return;
+  const auto follow = [this] {
+    written_ = false;
+    act([](screen::Hand&) {});
+  };
+  QMetaObject::invokeMethod(this, follow, Qt::QueuedConnection);
+}
+
+control::Opening ControleVelanorWidget::Stage::open(std::string_view entity, std::string_view year,
+                                                    std::string_view employee) {
+  if (component_.closed()) return control::Opening::not_started();
+  if (!idle()) return control::Opening::busy();
+  const KeepAlive alive(*this);
+  control::Opening opening = control::Opening::not_started();
+  const auto failure = run([&] { opening = component_.open(entity, year, employee); });
+  if (failure) std::rethrow_exception(failure);
+  return opening;
 }
 
 bool ControleVelanorWidget::Stage::press(screen::Control& control) {
   if (!open_to(control)) return false;
-  const Frame frame(*this);
+  const KeepAlive alive(*this);
   const int messages = screen().messages_shown();
   act([&](screen::Hand& hand) {
     if (control.takes_focus()) hand.focus(control);
@@ -177,8 +204,8 @@ bool ControleVelanorWidget::Stage::press(screen::Control& control) {
 
 // Menus, lists that open and other windows borrow the focus; they do not move it.
 void ControleVelanorWidget::Stage::focus_came(screen::Control& control, Qt::FocusReason reason) {
-  if (!widget_ || placing_ || acting_ || screen().finished()) return;
-  const Frame frame(*this);
+  if (!widget_ || placing_ || at_work() || screen().finished()) return;
+  const KeepAlive alive(*this);
   if (reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason ||
       reason == Qt::MenuBarFocusReason)
     return keep_focus();
@@ -203,7 +230,10 @@ bool ControleVelanorWidget::Stage::step_focus(bool forward) {
   // A page that is being turned has hidden what has the focus.
   if (const QWidget* focus = QApplication::focusWidget(); focus && !focus->isVisible()) return true;
   screen::Form& form = screen().top();
-  const View* here = form.focus() ? view_of(*form.focus()) : nullptr;
+  const screen::Control* const from = form.focus();
+  View* here = from ? view_of(*from) : nullptr;
+  // What that opens has the focus then.
+  if (here && here->take_line_under_bar() && form.focus() != from) return true;
   const auto same_stop = [&](const screen::Control& control) { return here && view_of(control) == here; };
   stepped_ = form.neighbour(form.focus(), forward, same_stop);
   act([&](screen::Hand& hand) { hand.step(forward, same_stop); });

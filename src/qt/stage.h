@@ -1,7 +1,9 @@
 // What stands behind the widget: the component, its open forms on the window, and the acts of the user.
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "qt/acts.h"
@@ -12,6 +14,8 @@
 #include "qt/message_sheet.h"
 #include "velanor/controle_velanor_widget.h"
 
+class QLabel;
+
 namespace velanor::qt {
 
 // The host may destroy the widget at any time, also while a message waits for its answer deep in the rules.
@@ -21,6 +25,7 @@ class ControleVelanorWidget::Stage : public QObject,
                                      public screen::Toolkit,
                                      public control::HelpViewer,
                                      public control::HostWindow,
+                                     public control::CardListener,
                                      public Acts {
  public:
   explicit Stage(ControleVelanorWidget& widget);
@@ -35,6 +40,8 @@ class ControleVelanorWidget::Stage : public QObject,
   MessageSheet* open_message() const { return messages_.empty() ? nullptr : messages_.back(); }
   Sheet* open_sheet() const { return forms_.back().sheet; }
   View* view_of(const screen::Control& control) const;
+
+  control::Opening open(std::string_view entity, std::string_view year, std::string_view employee);
 
   // False while the program itself moves the focus.
   bool step_focus(bool forward);
@@ -52,8 +59,10 @@ class ControleVelanorWidget::Stage : public QObject,
 
   // Toolkit.
   screen::Answer message(const screen::Message& message) override;
+  std::optional<std::vector<screen::Answer>> compare(const screen::Comparison& comparison) override;
   void form_opened(screen::Form& form) override;
   void form_closed(screen::Form& form) override;
+  void acted() override;
   void pop_up(screen::Menu& menu) override;
   void beep() override;
   void set_busy(bool busy) override;
@@ -62,6 +71,14 @@ class ControleVelanorWidget::Stage : public QObject,
   void show(control::Client* client, store::Database& database, std::string_view page, std::string_view title,
             std::string_view section) override;
   void unload() override;
+
+  // What the component tells of the cards.
+  void card_opened(const control::Card& card) override;
+  void card_saved(const control::Card& card) override;
+  void card_deleted(const control::Card& card) override;
+  void card_copied(const control::Card& card, const std::string& copy) override;
+  void card_closed(const control::Card& card) override;
+  void state_changed() override;
 
   control::HelpViewer* help = nullptr;
   std::function<void(std::exception_ptr)> failed;
@@ -73,11 +90,21 @@ class ControleVelanorWidget::Stage : public QObject,
     Sheet* sheet;
     std::unique_ptr<FormViews> views;
   };
-  class Frame;
+  class KeepAlive;
   class CallOut;
   class OpenMessage;
-  bool idle() const { return widget_ && !acting_ && messages_.empty() && !screen().finished(); }
+  template <typename Asked>
+  std::optional<screen::Answer> put(const Asked& asked, const std::function<void(const MessageSheet&)>& read);
+  // The rules are at work, or what is shown follows them.
+  bool at_work() const { return screen().acting() || following_; }
+  bool idle() const {
+    return widget_ && !at_work() && messages_.empty() && !component_.closed() && !screen().finished();
+  }
   QWidget* make_pages(const screen::Form& form) const;
+  void add_form(screen::Form& form, Sheet* sheet, QWidget& pages);
+  void control_changed();
+  template <typename Signal, typename... Values>
+  void tell(Signal signal, const Values&... values);
   std::exception_ptr run(const std::function<void()>& rules);
   void refresh();
   void place_focus();
@@ -87,9 +114,11 @@ class ControleVelanorWidget::Stage : public QObject,
   void window_closed(bool closed);
   void answer_messages();
   void report(const std::exception_ptr& failure);
+  void show_start(const std::exception_ptr& failure);
 
   ControleVelanorWidget* widget_;  // null when it has gone
   Boards* boards_;
+  QLabel* no_start_ = nullptr;  // in place of the pages when the component has not started
   mutable ControleVelanor component_;
   std::vector<OpenForm> forms_;
   std::vector<MessageSheet*> messages_;  // that wait, the topmost last
@@ -98,7 +127,11 @@ class ControleVelanorWidget::Stage : public QObject,
   const screen::Control* placed_ = nullptr;   // had the focus last
   const screen::Control* stepped_ = nullptr;  // where the user's step goes to
   int frames_ = 0;
-  bool acting_ = false;
+  control::State told_state_ = control::State::kNone;
+  QString told_id_, told_title_;
+  bool told_modified_ = false;
+  bool following_ = false;
+  bool written_ = false;  // by the host, into a control; what is shown follows soon
   bool placing_ = false;
   bool in_rules_ = false;
   bool called_out_ = false;  // by the rules

@@ -4,8 +4,10 @@
 #include <QEventLoop>
 #include <QMenu>
 #include <optional>
+#include <vector>
 
-#include "qt/stage_frame.h"
+#include "qt/comparison_table.h"
+#include "qt/stage_life.h"
 #include "qt/strings.h"
 
 namespace velanor::qt {
@@ -15,8 +17,10 @@ using screen::Scope;
 // One message at a time is in sight: the host may ask while another one waits.
 class ControleVelanorWidget::Stage::OpenMessage {
  public:
-  OpenMessage(Stage& stage, const screen::Message& message)
-      : stage_(stage), below_(stage.open_message()), sheet_(message, *stage.boards_) {
+  // Of a message, or of what is to be chosen.
+  template <typename Asked>
+  OpenMessage(Stage& stage, const Asked& asked)
+      : stage_(stage), below_(stage.open_message()), sheet_(asked, *stage.boards_) {
     const Scope placing(stage_.placing_);
     if (below_) below_->hide();
     stage_.messages_.push_back(&sheet_);
@@ -56,15 +60,34 @@ screen::Answer ControleVelanorWidget::Stage::message(const screen::Message& mess
 }
 
 screen::Answer ControleVelanorWidget::Stage::ask(const screen::Message& message) {
-  const Frame frame(*this);
   refused_ = message.buttons == screen::Buttons::Ok && message.icon == screen::Icon::Exclamation;
+  return put(message, {}).value_or(MessageSheet::closing_answer(message));
+}
+
+std::optional<std::vector<screen::Answer>> ControleVelanorWidget::Stage::compare(
+    const screen::Comparison& comparison) {
+  const CallOut call(*this);
+  refused_ = false;
+  std::vector<screen::Answer> answers;
+  const auto answer = put(comparison, [&](const MessageSheet& sheet) { answers = sheet.table()->answers(); });
+  call.return_if_there();
+  return answer == screen::Answer::Ok ? answers : std::vector<screen::Answer>();
+}
+
+// Nothing where it went away unanswered. `read` looks at the sheet as it was answered.
+template <typename Asked>
+std::optional<screen::Answer> ControleVelanorWidget::Stage::put(
+    const Asked& asked, const std::function<void(const MessageSheet&)>& read) {
+  const KeepAlive alive(*this);
   std::optional<screen::Answer> answer;
-  if (widget_ && !closed_) {
+  const bool told = widget_ && !closed_;
+  if (told) {
     refresh();
     QEventLoop loop;
-    OpenMessage open(*this, message);
+    OpenMessage open(*this, asked);
     connect(&open.sheet(), &MessageSheet::answered, &loop, [&](screen::Answer given) {
       answer = given;
+      if (read) read(open.sheet());
       // What is typed from here on belongs to whoever the rules give the focus to.
       gate_.hold();
       const Scope placing(placing_);
@@ -77,8 +100,9 @@ screen::Answer ControleVelanorWidget::Stage::ask(const screen::Message& message)
     if (!answer && widget_ && !closed_) loop.exec();
   }
   place_focus();
-  if (!acting_ || open_message()) gate_.release();
-  return answer.value_or(MessageSheet::closing_answer(message.buttons));
+  if (!at_work() || open_message()) gate_.release();
+  if (told && widget_) emit widget_->message_closed();
+  return answer;
 }
 
 void ControleVelanorWidget::Stage::form_opened(screen::Form& form) {
@@ -87,7 +111,7 @@ void ControleVelanorWidget::Stage::form_opened(screen::Form& form) {
   QWidget* pages = make_pages(form);
   sheet->set_contents(pages);
   forms_.back().views->leave_all_but(nullptr);
-  forms_.push_back({&form, sheet, std::make_unique<FormViews>(*this, form, *pages)});
+  add_form(form, sheet, *pages);
   connect(sheet, &Sheet::close_asked, this, [this] { act([](screen::Hand& hand) { hand.close(); }); });
   set_mnemonics();
   refresh();

@@ -7,10 +7,8 @@
 
 namespace velanor::qt {
 
-class LinesModel;
-
 // The headings and the lines, cells parted by tabulators, without the blanks that fill up figures. `line` is
-// one of the lines, or -1 for all. The activities are one list of a fixed layout, and two columns here.
-QString table_text(const screen::ListBox& first, const LinesModel& lines, int line);
+// one of the lines, or -1 for all.
+QString table_text(const screen::TableColumns& columns, int line);
 
 }  // namespace velanor::qt

@@ -30,6 +30,9 @@ class View : public QObject {
   void refresh_again();
 
   virtual QWidget& focus_widget() const { return widget_; }
+  // The user steps away: the line under the bar of a list that hangs over the field is chosen. Whether one
+  // was.
+  virtual bool take_line_under_bar() { return false; }
   virtual void focus_placed(Arrival) {}
   // The focus is elsewhere, or a sheet has come on top.
   virtual void focus_gone() {}

@@ -17,6 +17,9 @@ struct LabelMatch {
 // Whether lines that read the same stand for different things.
 enum class Alike { kSame, kDifferent };
 
+inline constexpr std::string_view kSeveralMatch =
+    "Plusieurs libellés de la liste correspondent à ce texte, veuillez en choisir un.";
+
 // The line that reads exactly so; else the only one that does but for accents and case (see
 // text::folded); else the only one that holds it at any place. An empty text finds none.
 LabelMatch match_label(const screen::Lines& lines, std::string_view typed, Alike alike = Alike::kSame);

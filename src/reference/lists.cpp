@@ -1,8 +1,8 @@
 #include "reference/lists.h"
 
+#include "card/record/fit_codes.h"
 #include "card/record/labels.h"
 #include "card/record/record_layout.h"
-#include "store/text_literal.h"
 #include "text/utf8.h"
 
 namespace velanor::reference {
@@ -21,8 +21,7 @@ std::vector<std::string> labels_of(const store::DbResult& result) {
 
 std::vector<std::string> employee_codes(const store::DbResult& employees) {
   std::vector<std::string> codes;
-  for (int i = 1; i <= employees.DCount(); ++i)
-    codes.emplace_back(text::left(employees(i, kId), card::kEmployeeCodeLength));
+  for (int i = 1; i <= employees.DCount(); ++i) codes.emplace_back(card::employee_of(employees(i, kId)));
   return codes;
 }
 
@@ -51,6 +50,10 @@ void ReferenceLists::fill_or_take(screen::ComboBox& box, screen::TextBox* code, 
   if (kept.DCount() != 1) return;
   if (code) code->set_text(text::mid(kept(1, kId), code_from));
   box.set_text(kept(1, kLabel));
+}
+
+store::DbResult ReferenceLists::fit_codes(const card::Field& field) const {
+  return procedure_.select(card::fit_of(field.list)->statement, field.list, "0 1");
 }
 
 void ReferenceLists::RequeteAssoc() {
@@ -88,9 +91,7 @@ void ReferenceLists::RemplirAidant() {
 }
 
 void ReferenceLists::RemplirConvCol() {
-  fill_or_take(ui_.Cbo_Convcol, &ui_.Txt_ConvCol, kept_.agreements,
-               procedure_.select("SSELECT CONVENTIONCOL AVEC 0 # " + store::quoted("02") + " 0 PAR 0",
-                                 "CONVENTIONCOL", "0 1"));
+  fill_or_take(ui_.Cbo_Convcol, &ui_.Txt_ConvCol, kept_.agreements, fit_codes(card::kAgreement));
 }
 
 void ReferenceLists::RemplirSecteur() {
@@ -112,25 +113,17 @@ void ReferenceLists::RemplirAct() {
   ui_.Cbo_Activites.set_enabled(false);
 }
 
-namespace {
+void ReferenceLists::RemplirProfil1() { fill(ui_.Cbo_Profil1, kept_.profiles1, fit_codes(card::kProfile1)); }
 
-store::DbResult select_profiles(const control::Procedure& procedure) {
-  return procedure.select("SSELECT PROFIL AVEC 4 # " + store::quoted("1") + " PAR 1", "PROFIL", "0 1");
-}
-
-}  // namespace
-
-void ReferenceLists::RemplirProfil1() { fill(ui_.Cbo_Profil1, kept_.profiles1, select_profiles(procedure_)); }
-
-void ReferenceLists::RemplirProfil2() { fill(ui_.Cbo_Profil2, kept_.profiles2, select_profiles(procedure_)); }
+void ReferenceLists::RemplirProfil2() { fill(ui_.Cbo_Profil2, kept_.profiles2, fit_codes(card::kProfile2)); }
 
 void ReferenceLists::RemplirFinContrat() {
   const store::DbRecord& table = procedure_.variable().fincontrat;
   ui_.Cbo_MotifFin.set_enabled(true);
   ui_.Cbo_MotifFin.clear();
-  if (table(card::kTableLabels, 1).empty()) return;
-  for (int value = 1; value <= table.Count(card::kTableLabels); ++value) {
-    if (card::is_offered(table, value)) ui_.Cbo_MotifFin.add(table(card::kTableLabels, value));
+  if (table(card::tables::kLabels, 1).empty()) return;
+  for (int value = 1; value <= table.Count(card::tables::kLabels); ++value) {
+    if (card::is_offered(table, value)) ui_.Cbo_MotifFin.add(table(card::tables::kLabels, value));
   }
 }
 
@@ -143,26 +136,21 @@ void ReferenceLists::Remplir_Etablissement() {
                kCodeFrom);
   card_.only_establishment =
       kept_.establishments.DCount() == 1 ? text::mid(kept_.establishments(1, kId), kCodeFrom) : "";
-  const std::string charge = "\"08\"", amount = "\"Montant\"";
-  fill(ui_.Cbo_ChargMutContrat, kept_.charges,
-       procedure_.select("SSELECT RUBCHARGE AVEC 16 = " + charge + " AND AVEC 11 = " + amount +
-                             " AND AVEC 30 = " + amount + " OR AVEC 16 = " + charge +
-                             " AND AVEC 15 = " + amount + " PAR 1",
-                         "RUBCHARGE", "0 1"));
+  fill(ui_.Cbo_ChargMutContrat, kept_.charges, fit_codes(card::kMutualCharge));
 }
 
 void ReferenceLists::fill_natures() {
-  constexpr int kListed = 4;
   if (ui_.Cbo_NatureContrat.count() > 0) return;
   const store::DbRecord& table = procedure_.variable().naturecontrat;
-  for (int value = 1; value <= table.Count(card::kTableCodes); ++value) {
-    if (table(kListed, value) == "O") ui_.Cbo_NatureContrat.add(card::table_entry(table, value));
+  for (int value = 1; value <= table.Count(card::tables::kCodes); ++value) {
+    if (table(card::tables::kOffered, value) == card::kYes)
+      ui_.Cbo_NatureContrat.add(card::table_entry(table, value));
   }
 }
 
 void ReferenceLists::fill_diplomas() {
   const store::DbRecord& table = procedure_.variable().diplomes;
-  for (int value = 1; value <= table.Count(card::kTableCodes); ++value)
+  for (int value = 1; value <= table.Count(card::tables::kCodes); ++value)
     ui_.Cbo_EtudeAidant.add(card::table_entry(table, value));
 }
 
@@ -179,7 +167,6 @@ void ReferenceLists::fill_card_lists() {
 }
 
 void ReferenceLists::ChercheRegroupBudget(std::string_view qualification) {
-  constexpr int kGroupingOfQualification = 4;
   if (qualification.empty()) {
     ui_.Txt_RegroupBudget.set_text({});
     ui_.Txt_CodeRegBud.set_text({});
@@ -188,13 +175,13 @@ void ReferenceLists::ChercheRegroupBudget(std::string_view qualification) {
   }
   const store::DbRecord& qualifications = procedure_.variable().qualif;
   const store::DbRecord& groupings = procedure_.variable().regroupbudget;
-  const int i = card::find_value(qualifications, card::kTableCodes, qualification);
+  const int i = card::find_value(qualifications, card::tables::kCodes, qualification);
   const int j =
       i == 0 ? 0
-             : card::find_value(groupings, card::kTableCodes, qualifications(kGroupingOfQualification, i));
+             : card::find_value(groupings, card::tables::kCodes, qualifications(card::tables::kGrouping, i));
   if (j == 0) return;
-  ui_.Txt_RegroupBudget.set_text(groupings(card::kTableLabels, j));
-  ui_.Txt_CodeRegBud.set_text(groupings(card::kTableCodes, j));
+  ui_.Txt_RegroupBudget.set_text(groupings(card::tables::kLabels, j));
+  ui_.Txt_CodeRegBud.set_text(groupings(card::tables::kCodes, j));
   card_.grouping = ui_.Txt_CodeRegBud.text();
 }
 

@@ -63,6 +63,9 @@ class ReferenceLists {
   void fill_or_take(screen::ComboBox& box, screen::TextBox* code, store::DbResult& kept,
                     const store::DbResult& fresh, int code_from = 1);
 
+  // Those of a field that not every code of its list fits.
+  store::DbResult fit_codes(const card::Field& field) const;
+
   card::CardScreen& ui_;
   card::CardState& card_;
   const control::Procedure& procedure_;

@@ -1,15 +1,12 @@
 #include "reference/lookup_pairs.h"
 
 #include "entry/key_filters.h"
-#include "store/text_literal.h"
 #include "text/utf8.h"
 
 namespace velanor::reference {
 namespace {
 
 constexpr std::string_view kNoneMatches = "Aucun libellé de la liste ne correspond à ce texte.";
-constexpr std::string_view kSeveralMatch =
-    "Plusieurs libellés de la liste correspondent à ce texte, veuillez en choisir un.";
 
 void pad(screen::TextBox& box) {
   if (!box.is_empty() && text::length(box.text()) < box.max_length())
@@ -71,7 +68,7 @@ void LookupPairs::code_changed(const LookupPair& pair) {
   if (pair.refusal) {
     if (const auto message = pair.refusal(code, *record); !message.empty()) return refuse(pair, message);
   }
-  pair.label.set_text((*record)(1));
+  pair.label.set_text((*record)(card::kReferenceLabel));
   if (pair.accepted) pair.accepted(*record);
 }
 
@@ -116,7 +113,7 @@ void LookupPairs::label_left(const LookupPair& pair) {
 
 void LookupPairs::label_restored(const LookupPair& pair) {
   const auto record = pair.code.is_empty() ? std::nullopt : read_code(pair);
-  pair.label.set_text(record ? (*record)(1) : std::string_view{});
+  pair.label.set_text(record ? (*record)(card::kReferenceLabel) : std::string_view{});
 }
 
 void LookupPairs::add_town(screen::ComboBox& town, const control::Procedure& procedure) {

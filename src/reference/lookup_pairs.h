@@ -22,7 +22,7 @@ struct LookupPair {
   screen::ComboBox& label;
   // A code is complete when it has exactly the code box's maximum length.
   std::string_view unknown;  // message for a code that does not exist
-  // The record of a code; nothing when there is none. Its attribute 1 is the label.
+  // The record of a code, which has its label; nothing when there is none.
   std::function<std::optional<store::DbRecord>(const std::string& code)> read;
   // The list behind the label box, and where the code stands in its ids.
   const store::DbResult& kept;

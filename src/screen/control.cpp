@@ -18,6 +18,11 @@ Control::Control(Form& form, const Spec& spec)
   form_.controls_.push_back(this);
 }
 
+void Control::touch() {
+  ++revision_;
+  if (form_.changed) form_.changed();
+}
+
 void Control::set_caption(std::string_view caption) {
   if (caption_ == caption) return;
   caption_ = caption;

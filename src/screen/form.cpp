@@ -39,14 +39,36 @@ bool Form::move_focus(Control* control) {
   return leave_for([control] { return control; }) == control;
 }
 
-bool Form::step_focus(bool forward, const Passes& passes) {
+namespace {
+
+// Another button of its frame is set.
+bool is_no_stop(const Control& control) {
+  const auto* option = dynamic_cast<const OptionButton*>(&control);
+  if (!option || option->value()) return false;
+  const auto& all = option->form().controls();
+  return std::any_of(all.begin(), all.end(), [&](const Control* other) {
+    const auto* sibling = dynamic_cast<const OptionButton*>(other);
+    return sibling && sibling->frame() == option->frame() && sibling->value() && sibling->usable();
+  });
+}
+
+}  // namespace
+
+bool Form::step_focus(bool forward, const Passes& same_stop) {
   if (leaving_) return false;
+  const Passes passes = [&](const Control& control) {
+    return is_no_stop(control) || (same_stop && same_stop(control));
+  };
   const Control* from = focus_;
   const auto next = [&] { return neighbour(from, forward, passes); };
   Control* target = next();
-  if (target && abandons(*target)) return postpone_judgement(*target);
-  // Leaving may open what comes next, or close it.
-  return target && leave_for(next) == focus_;
+  if (target && abandons(*target)) {
+    stepped_ = postpone_judgement(*target);
+  } else {
+    // Leaving may open what comes next, or close it.
+    stepped_ = target && leave_for(next) == focus_;
+  }
+  return stepped_;
 }
 
 // What the field holds is judged when the focus goes on from there, if the entry is still open then.
@@ -58,7 +80,7 @@ bool Form::postpone_judgement(Control& control) {
 }
 
 void Form::resume() {
-  if (!focus_ || !is_perilous(*focus_) || !before_ || !can_focus(*before_)) return;
+  if (!focus_ || stepped_ || !is_perilous(*focus_) || !before_ || !can_focus(*before_)) return;
   enter(before_);
   settled_ = true;
 }
@@ -85,7 +107,7 @@ Control* Form::leave_for(const std::function<Control*()>& target_of) {
 void Form::enter(Control* control) {
   if (focus_ && !is_perilous(*focus_)) before_ = focus_;
   focus_ = control;
-  settled_ = false;
+  settled_ = stepped_ = false;
   const bool returns = control && control == unjudged_;
   if (!control || !abandons(*control)) unjudged_ = nullptr;
   if (!control) return;

@@ -6,6 +6,11 @@
 #include "screen/scope.h"
 
 namespace velanor::screen {
+namespace {
+
+constexpr std::string_view kTitle = "Message TALVERINE";
+
+}  // namespace
 
 bool Screen::is_open(const Form& form) const {
   return std::any_of(stack_.begin(), stack_.end(), [&](const Open& open) { return open.form == &form; });
@@ -22,6 +27,7 @@ namespace {
 std::exception_ptr failure_of(const std::function<void()>& what) {
   try {
     what();
+  } catch (const Gone&) {
   } catch (...) {
     return std::current_exception();
   }
@@ -65,9 +71,20 @@ bool Screen::request_close() {
   return !is_open(form);
 }
 
-Answer Screen::say(std::string_view text, Icon icon, Buttons buttons, Answer preset) {
+Answer Screen::keep_or_drop(std::string_view text, Icon icon) {
+  return say(text, icon, Buttons::YesNo, Answer::Yes, Answer::Cancel);
+}
+
+Answer Screen::say(std::string_view text, Icon icon, Buttons buttons, Answer preset,
+                   std::optional<Answer> closing) {
   ++messages_shown_;
-  return toolkit_.message({"Message TALVERINE", std::string(text), icon, buttons, preset});
+  return toolkit_.message({std::string(kTitle), std::string(text), icon, buttons, preset, closing});
+}
+
+std::optional<std::vector<Answer>> Screen::compare(std::string_view text,
+                                                   std::vector<Comparison::Line> lines) {
+  ++messages_shown_;
+  return toolkit_.compare({std::string(kTitle), std::string(text), std::move(lines)});
 }
 
 }  // namespace velanor::screen

@@ -11,12 +11,12 @@ void FileRecord::DBWrite(const Expected& expected) { file_->write(id_, *this, ex
 
 void Database::in_one_change(const std::function<void()>&) {
   throw DbError(
-      kStoreFailure,
+      kNotOffered,
       "Cette base ne sait pas écrire plusieurs enregistrements d'un seul tenant : rien n'a été écrit.");
 }
 
 void Database::in_one_view(const std::function<void()>&) {
-  throw DbError(kStoreFailure, "Cette base ne sait pas être lue à un instant donné : rien n'a été lu.");
+  throw DbError(kNotOffered, "Cette base ne sait pas être lue à un instant donné : rien n'a été lu.");
 }
 
 bool History::restore(std::string_view, std::string_view, const std::vector<Version>&) { return false; }

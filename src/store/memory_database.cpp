@@ -1,5 +1,6 @@
 #include "velanor/memory_database.h"
 
+#include "store/checked_writes.h"
 #include "store/memory_backend.h"
 
 namespace velanor::store {

@@ -1,11 +1,11 @@
-#include "velanor/store_database.h"
-
+#include "store/checked_writes.h"
 #include "store/plan.h"
 #include "store/result_cache.h"
 #include "store/select/dictionary.h"
 #include "store/select/evaluator.h"
 #include "store/select/found_rows.h"
 #include "store/select/parser.h"
+#include "velanor/backend.h"
 
 namespace velanor::store {
 namespace {

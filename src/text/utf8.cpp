@@ -71,11 +71,6 @@ void append(std::string& text, char32_t c) {
   }
 }
 
-void remove_last(std::string& text) {
-  while (!text.empty() && is_continuation(text.back())) text.pop_back();
-  if (!text.empty()) text.pop_back();
-}
-
 std::string upper(std::string_view text) {
   std::string out;
   out.reserve(text.size());

@@ -16,7 +16,6 @@ std::string_view mid(std::string_view text, int first, int count = -1);
 // Decodes the character at byte `at` and moves `at` behind it; U+FFFD for what is not UTF-8.
 char32_t next(std::string_view text, std::size_t& at);
 void append(std::string& text, char32_t character);
-void remove_last(std::string& text);
 
 // Upper case of the letters that French and its neighbours use.
 std::string upper(std::string_view text);

@@ -16,9 +16,9 @@ const std::string kEnd = " – Démonstration – Fiches du personnel";
 const std::string kLossQuestion =
     "Une fiche est ouverte : ce qui n'est pas enregistré sera perdu.\r\nQuitter quand même ?";
 
-class Desk : public testing::Test {
+class OneWindow : public testing::Test {
  protected:
-  Desk() {
+  OneWindow() {
     StoreSink sink([&](auto file, auto id, const auto& record) { database_.put(file, id, record); });
     demo::fill(sink);
     window_.set_source({});
@@ -34,7 +34,7 @@ class Desk : public testing::Test {
   Clerk clerk_{window_};
 };
 
-TEST_F(Desk, TitleNamesTheEmployeeOfTheCardThatIsOpen) {
+TEST_F(OneWindow, TitleNamesTheEmployeeOfTheCardThatIsOpen) {
   EXPECT_EQ(clerk_.title(), "Démonstration – Fiches du personnel");
   clerk_.open_card("00001");
   EXPECT_EQ(clerk_.title(), "00001 HUET FABIENNE" + kEnd);
@@ -47,7 +47,7 @@ TEST_F(Desk, TitleNamesTheEmployeeOfTheCardThatIsOpen) {
   EXPECT_EQ(clerk_.title(), "Durand Zoé*" + kEnd);
 }
 
-TEST_F(Desk, TitleMarksAChangeAndNoLongerWhenItIsTakenBack) {
+TEST_F(OneWindow, TitleMarksAChangeAndNoLongerWhenItIsTakenBack) {
   clerk_.open_card("00001");
   const QString hours = clerk_.widget<QLineEdit>("Txt_HorMensEtab").text();
   clerk_.put("Txt_HorMensEtab", "99");
@@ -61,7 +61,7 @@ TEST_F(Desk, TitleMarksAChangeAndNoLongerWhenItIsTakenBack) {
   EXPECT_FALSE(window_.isWindowModified());
 }
 
-TEST_F(Desk, ALineThatIsOnlyLookedAtIsNoChangeAndOneThatIsEnteredIs) {
+TEST_F(OneWindow, ALineThatIsOnlyLookedAtIsNoChangeAndOneThatIsEnteredIs) {
   clerk_.open_card("00001");
   clerk_.click("Cmd_AjAct");
   EXPECT_FALSE(window_.isWindowModified());
@@ -71,7 +71,7 @@ TEST_F(Desk, ALineThatIsOnlyLookedAtIsNoChangeAndOneThatIsEnteredIs) {
   EXPECT_FALSE(window_.isWindowModified());
 }
 
-TEST_F(Desk, StatusBarTellsWhatWasSavedCopiedAndDeleted) {
+TEST_F(OneWindow, StatusBarTellsWhatWasSavedCopiedAndDeleted) {
   clerk_.open_card("00001");
   clerk_.answer_next(Answer::Ok);
   clerk_.click("Cmd_Copier");
@@ -87,12 +87,21 @@ TEST_F(Desk, StatusBarTellsWhatWasSavedCopiedAndDeleted) {
   EXPECT_EQ(clerk_.status(), "Fiche 99999 99999 supprimée");
 }
 
-TEST_F(Desk, ClosesAtOnceWhenNoCardIsOpen) {
+TEST_F(OneWindow, ACopyOfWhatWasJustDeletedIsToldAsACopy) {
+  clerk_.open_card("00001");
+  clerk_.answer_next(Answer::Yes);
+  clerk_.click("Cmd_Supp");
+  clerk_.answer_next(Answer::Ok);
+  clerk_.click("Cmd_Copier");
+  EXPECT_EQ(clerk_.status(), "Fiche 00001 HUET FABIENNE copiée sur le code 99999");
+}
+
+TEST_F(OneWindow, ClosesAtOnceWhenNoCardIsOpen) {
   window_.close();
   EXPECT_TRUE(closed());
 }
 
-TEST_F(Desk, AsksBeforeItTakesAnOpenCardWithItAndEnterStays) {
+TEST_F(OneWindow, AsksBeforeItTakesAnOpenCardWithItAndEnterStays) {
   clerk_.open_card("00001");
   clerk_.at_next_message([&](qt::MessageSheet& sheet) {
     clerk_.said.push_back(sheet.message().text);
@@ -110,7 +119,7 @@ TEST_F(Desk, AsksBeforeItTakesAnOpenCardWithItAndEnterStays) {
   EXPECT_EQ(clerk_.said, std::vector<std::string>(2, kLossQuestion));
 }
 
-TEST_F(Desk, ClosingWhileAMessageWaitsAnswersItNoAndGoesOnWithTheQuestion) {
+TEST_F(OneWindow, ClosingWhileAMessageWaitsAnswersItNoAndGoesOnWithTheQuestion) {
   clerk_.open_card("00001");
   clerk_.at_next_message([&](qt::MessageSheet&) {
     clerk_.answer_next(Answer::Yes);
@@ -122,7 +131,7 @@ TEST_F(Desk, ClosingWhileAMessageWaitsAnswersItNoAndGoesOnWithTheQuestion) {
   EXPECT_TRUE(database_.OpenFile("VELANORO")->find("000010012026")) << "the card was deleted";
 }
 
-TEST_F(Desk, ClosingWhileItAsksWhetherToLeaveLeavesTheQuestionStanding) {
+TEST_F(OneWindow, ClosingWhileItAsksWhetherToLeaveLeavesTheQuestionStanding) {
   clerk_.open_card("00001");
   clerk_.at_next_message([&](qt::MessageSheet& sheet) {
     window_.close();
@@ -135,7 +144,7 @@ TEST_F(Desk, ClosingWhileItAsksWhetherToLeaveLeavesTheQuestionStanding) {
   EXPECT_EQ(window_.component().open_message(), nullptr);
 }
 
-TEST_F(Desk, ClosesWithTheFormOfTheItemsOpen) {
+TEST_F(OneWindow, ClosesWithTheFormOfTheItemsOpen) {
   auto* window = new MainWindow(database_);
   window->show();
   window->start();

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <random>
 
-#include "card/record/record_layout.h"
+#include "card/record/element.h"
 #include "support/office.h"
 #include "velanor/date.h"
 
@@ -19,9 +19,9 @@ struct Line {
   std::vector<std::string> amounts;  // hundredths, one item each
 };
 
-class Clerk : public testing::Test {
+class RandomLines : public testing::Test {
  protected:
-  Clerk() {
+  RandomLines() {
     load(database_, "lib/cards.play");
     store::DbRecord card = *database_.find("VELANORO", kId);
     for (int a : {12, 13, 14, 15, 16, 17, 18, 38, 30, 31, 32, 33}) card.set(a, "");
@@ -111,10 +111,10 @@ class Clerk : public testing::Test {
       const int value = static_cast<int>(i) + 1;
       const Line& line = lines_[i];
       if (saved) {
-        ASSERT_EQ(record(card::kEffective, value), std::to_string(line.day));
-        ASSERT_EQ(record(card::kQualification, value), line.qualification);
-        ASSERT_EQ(record(card::kHourlyRate, value), line.rate.substr(0, 2) + line.rate.substr(3));
-        ASSERT_EQ(record(card::kNewMeasure, value), "N");
+        ASSERT_EQ(element(record, card::kEffective, value), std::to_string(line.day));
+        ASSERT_EQ(element(record, card::kQualification, value), line.qualification);
+        ASSERT_EQ(element(record, card::kHourlyRate, value), line.rate.substr(0, 2) + line.rate.substr(3));
+        ASSERT_EQ(element(record, card::kNewMeasure, value), "N");
       } else {
         ASSERT_EQ(ui_.Lst_DatEffet.line(static_cast<int>(i)), entry::date_text(entry::date_of(line.day)));
         ASSERT_EQ(ui_.Lst_Qualif.line(static_cast<int>(i)), line.qualification);
@@ -122,13 +122,14 @@ class Clerk : public testing::Test {
       }
       for (std::size_t n = 0; n <= line.amounts.size(); ++n) {
         const bool there = n < line.amounts.size();
-        ASSERT_EQ(record(card::kItemCode, value, static_cast<int>(n) + 1), there ? "003" : "");
-        ASSERT_EQ(record(card::kItemAmount, value, static_cast<int>(n) + 1), there ? line.amounts[n] : "");
+        ASSERT_EQ(element(record, card::kItemCode, value, static_cast<int>(n) + 1), there ? "003" : "");
+        ASSERT_EQ(element(record, card::kItemAmount, value, static_cast<int>(n) + 1),
+                  there ? line.amounts[n] : "");
       }
     }
-    for (int attribute : card::kItemColumns) {
-      for (int value = static_cast<int>(lines_.size()) + 1; value <= record.Count(attribute); ++value)
-        ASSERT_EQ(record(attribute, value), "") << "items beyond the last line";
+    for (const card::Field& column : card::kItemColumns) {
+      for (int value = static_cast<int>(lines_.size()) + 1; value <= record.Count(column.number); ++value)
+        ASSERT_EQ(element(record, column, value), "") << "items beyond the last line";
     }
   }
 
@@ -154,7 +155,7 @@ class Clerk : public testing::Test {
   int saved_ = 0;
 };
 
-TEST_F(Clerk, LinesColumnsAndItemsStayTogetherThroughRandomCommands) {
+TEST_F(RandomLines, LinesColumnsAndItemsStayTogetherThroughRandomCommands) {
   constexpr int kCommands = 30'000;
   constexpr std::size_t kMost = 12;
   for (int i = 0; i < kCommands; ++i) {

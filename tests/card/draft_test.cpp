@@ -33,27 +33,27 @@ class DraftTest : public testing::Test {
 
 TEST_F(DraftTest, WhatReadsAsBeforeIsStoredAsBefore) {
   Draft card = stored();
-  const std::pair<int, const char*> kOdd[] = {{kCeiling, "n/c"},       {kBirth, "x"},
-                                              {kEndReason, "99"},      {kMonthlyTime, ""},
-                                              {kContractNature, "77"}, {kHourlyRate, "012"}};
-  for (const auto& [attribute, text] : kOdd) card.put_stored(attribute, text);
+  const std::pair<Field, const char*> kOdd[] = {{kCeiling, "n/c"},       {kBirth, "x"},
+                                                {kEndReason, "99"},      {kMonthlyTime, ""},
+                                                {kContractNature, "77"}, {kHourlyRate, "012"}};
+  for (const auto& [field, text] : kOdd) card.put_stored(field, text);
   const Draft before = card;
   card.put(kCeiling, card.shown(kCeiling));
   card.put(kBirth, card.shown(kBirth));
-  card.put_end_reason(card.end_reason());
-  card.put_nature(card.nature());
-  card.put_education(card.education());
+  card.put(kEndReason, card.shown(kEndReason));
+  card.put(kContractNature, card.shown(kContractNature));
+  card.put(kEducation, card.shown(kEducation));
   for (int i = 0; i < card.amendments(); ++i) card.change_amendment(i, card.amendment(i));
   for (int i = 0; i < card.activities(); ++i) card.change_share(i, card.activity(i).share);
   for (int i = 0; i < card.amendments(); ++i) card.put_items(i, card.items(i));
   EXPECT_TRUE(same_record(card.record(), before.record()));
   card.put(kCeiling, "12,5");
   card.put(kBirth, "01/01/1980");
-  card.put_end_reason("Démission");
-  EXPECT_EQ(card.record()(kCeiling), "1250");
-  EXPECT_EQ(card.record()(kBirth), "4384");
-  EXPECT_EQ(card.record()(kEndReason), "01");
-  EXPECT_EQ(before.record()(kCeiling), "n/c") << "a copy is another value";
+  card.put(kEndReason, "Démission");
+  EXPECT_EQ(element(card.record(), kCeiling), "1250");
+  EXPECT_EQ(element(card.record(), kBirth), "4384");
+  EXPECT_EQ(element(card.record(), kEndReason), "01");
+  EXPECT_EQ(element(before.record(), kCeiling), "n/c") << "a copy is another value";
 }
 
 TEST_F(DraftTest, AnAmendmentTakesItsItemsAlongWhereverItGoes) {
@@ -70,11 +70,11 @@ TEST_F(DraftTest, AnAmendmentTakesItsItemsAlongWhereverItGoes) {
   EXPECT_EQ(items(0) + "|" + items(1) + "|" + items(2), "00110400 003 ||00115167 ");
   // The first one passes the others.
   AmendmentText first = card.amendment(0);
-  first.shown[kEffectiveColumn] = "01/02/2026";
+  first.shown[column_of(kEffective)] = "01/02/2026";
   EXPECT_EQ(card.change_amendment(0, first), 2);
   EXPECT_EQ(items(0) + "|" + items(1) + "|" + items(2), "|00115167 |00110400 003 ");
   EXPECT_EQ(card.amendment(2).grid, "01410");
-  EXPECT_EQ(card.amendment(0).shown[kHourlyRateColumn], "12,000");
+  EXPECT_EQ(card.amendment(0).shown[column_of(kHourlyRate)], "12,000");
   card.remove_amendment(1);
   EXPECT_EQ(items(0) + "|" + items(1), "|00110400 003 ");
   EXPECT_EQ(card.amendments(), 2);
@@ -87,10 +87,10 @@ TEST_F(DraftTest, DatesOutOfOrderAreLeftWhereTheyStandUnlessTheyAreChanged) {
   card.insert_amendment(0, line("01/03/2026", "10,000"));
   card.insert_amendment(1, line("01/01/2026", "11,000"));
   AmendmentText late = card.amendment(0);
-  late.shown[kMonthlyColumn] = "80,00";
+  late.shown[column_of(kMonthlyTime)] = "80,00";
   EXPECT_EQ(card.change_amendment(0, late), 0);
-  EXPECT_EQ(card.record()(kMonthlyTime, 1), "8000");
-  late.shown[kEffectiveColumn] = "02/03/2026";
+  EXPECT_EQ(element(card.record(), kMonthlyTime, 1), "8000");
+  late.shown[column_of(kEffective)] = "02/03/2026";
   EXPECT_EQ(card.change_amendment(0, late), 1);
 }
 
@@ -102,19 +102,19 @@ TEST_F(DraftTest, SavingWritesOutWhatTheScreenImplies) {
   card.put_monthly_time(0, "100,00");
   store::DbRecord record = card.record();
   complete(record);
-  EXPECT_EQ(record(kName), "ZOÉ");
-  EXPECT_EQ(record(kContractType), "I");
-  EXPECT_EQ(record(kEndReason), "") << "no end";
-  EXPECT_EQ(record(kMonthlyTime), "") << "production staff: from the items";
-  EXPECT_EQ(record(kNewMeasure, 1), "O");
-  EXPECT_EQ(record(kNewMeasure, 2), "N");
+  EXPECT_EQ(element(record, kName), "ZOÉ");
+  EXPECT_EQ(element(record, kContractType), "I");
+  EXPECT_EQ(element(record, kEndReason), "") << "no end";
+  EXPECT_EQ(element(record, kMonthlyTime), "") << "production staff: from the items";
+  EXPECT_EQ(element(record, kNewMeasure, 1), "O");
+  EXPECT_EQ(element(record, kNewMeasure, 2), "N");
 }
 
-TEST_F(DraftTest, EveryFaultIsFoundAndTheFirstIsTheOneTold) {
+TEST_F(DraftTest, EveryFaultIsFoundInTheOrderOfTheScreen) {
   EXPECT_EQ(faults_of(stored().record(), reading_.codec, 21186).size(), 0u);
   Draft card = stored();
-  for (int attribute : {kSector.number, kProfile1.number, kExemptedHours.number})
-    card.put_stored(attribute, {});
+  for (const Field& field : std::initializer_list<Field>{kSector, kProfile1, kExemptedHours})
+    card.put_stored(field, {});
   card.put_items(1, {});
   std::vector<std::string> sentences;
   for (const Fault& fault : faults_of(card.record(), reading_.codec, 21186))
@@ -123,7 +123,7 @@ TEST_F(DraftTest, EveryFaultIsFoundAndTheFirstIsTheOneTold) {
             (std::vector<std::string>{"Le secteur est obligatoire.", "Le profil de paie est obligatoire.",
                                       "Le pourcentage des heures exonérées est obligatoire.",
                                       "Aucun détail n'a été saisi pour l'avenant du 01/01/2026."}));
-  EXPECT_EQ(first_fault(card.record(), reading_.codec, 21186)->attribute, kSector);
+  EXPECT_EQ(faults_of(card.record(), reading_.codec, 21186).front().field.number, kSector.number);
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 // A card that is opened and saved untouched is the card that was read.
 #include <gtest/gtest.h>
 
+#include "card/record/element.h"
 #include "card/record/record_compare.h"
-#include "card/record/record_layout.h"
 #include "support/office.h"
 
 namespace velanor::test {
@@ -56,34 +56,39 @@ TEST(RoundTrip, UnknownCodesAndOversizedValuesAreKept) {
   const std::string id = "000100012026";
   const struct {
     const char* what;
-    std::vector<std::pair<std::vector<int>, const char*>> elements;
+    std::vector<std::tuple<card::Field, int, const char*>> elements;
   } cases[] = {
-      {"a town", {{{card::kTown}, "Atlantide"}}},
-      {"an activity", {{{card::kActivity, 1}, "001999"}}},
-      {"the same activity twice", {{{card::kActivity, 2}, "001010"}}},
-      {"an end reason", {{{card::kContractEnd}, "22000"}, {{card::kEndReason}, "77"}}},
-      {"an end reason that is listed no more", {{{card::kContractEnd}, "22000"}, {{card::kEndReason}, "03"}}},
-      {"a nature", {{{card::kContractNature}, "88"}}},
-      {"a nature that is offered no more", {{{card::kContractNature}, "03"}}},
-      {"a diploma", {{{card::kEducation}, "9"}}},
-      {"a grid", {{{card::kGrid, 1}, "01999"}}},
-      {"an agreement", {{{card::kAgreement}, "55"}}},
-      {"the reserved agreement", {{{card::kAgreement}, "02"}}},
-      {"a sector", {{{card::kSector}, "555"}}},
-      {"a profile of a mandate", {{{card::kProfile1}, "003"}, {{card::kProfile2}, "999"}}},
-      {"a charge item", {{{card::kMutualCharge}, "999"}}},
-      {"a ceiling too long for its box", {{{card::kCeiling}, "1234567890"}}},
-      {"figures that are no numbers", {{{card::kSocialBase}, "abc"}, {{card::kHourlyRate, 2}, "x1"}}},
-      {"dates that are no day numbers", {{{card::kBirth}, "hier"}, {{card::kGridStart, 2}, "99999999"}}},
-      {"shares with leading zeros", {{{card::kShare, 1}, "06667"}}},
+      {"a town", {{card::kTown, store::kWhole, "Atlantide"}}},
+      {"an activity", {{card::kActivity, 1, "001999"}}},
+      {"the same activity twice", {{card::kActivity, 2, "001010"}}},
+      {"an end reason",
+       {{card::kContractEnd, store::kWhole, "22000"}, {card::kEndReason, store::kWhole, "77"}}},
+      {"an end reason that is listed no more",
+       {{card::kContractEnd, store::kWhole, "22000"}, {card::kEndReason, store::kWhole, "03"}}},
+      {"a nature", {{card::kContractNature, store::kWhole, "88"}}},
+      {"a nature that is offered no more", {{card::kContractNature, store::kWhole, "03"}}},
+      {"a diploma", {{card::kEducation, store::kWhole, "9"}}},
+      {"a grid", {{card::kGrid, 1, "01999"}}},
+      {"an agreement", {{card::kAgreement, store::kWhole, "55"}}},
+      {"the reserved agreement", {{card::kAgreement, store::kWhole, "02"}}},
+      {"a sector", {{card::kSector, store::kWhole, "555"}}},
+      {"a profile of a mandate",
+       {{card::kProfile1, store::kWhole, "003"}, {card::kProfile2, store::kWhole, "999"}}},
+      {"a charge item", {{card::kMutualCharge, store::kWhole, "999"}}},
+      {"a ceiling too long for its box", {{card::kCeiling, store::kWhole, "1234567890"}}},
+      {"figures that are no numbers",
+       {{card::kSocialBase, store::kWhole, "abc"}, {card::kHourlyRate, 2, "x1"}}},
+      {"dates that are no day numbers",
+       {{card::kBirth, store::kWhole, "hier"}, {card::kGridStart, 2, "99999999"}}},
+      {"shares with leading zeros", {{card::kShare, 1, "06667"}}},
   };
   for (const auto& test : cases) {
     SCOPED_TRACE(test.what);
     store::MemoryDatabase database;
     load(database, "lib/cards.play");
     store::DbRecord before = *database.find("VELANORO", id);
-    for (const auto& [position, text] : test.elements) {
-      position.size() == 1 ? before.set(position[0], text) : before.set(position[0], position[1], text);
+    for (const auto& [field, value, text] : test.elements) {
+      value == store::kWhole ? set_element(before, field, text) : set_element(before, field, value, text);
     }
     database.put("VELANORO", id, before);
     Office office(database);
@@ -101,23 +106,23 @@ TEST(RoundTrip, WhatSavingAltersByRule) {
   load(database, "lib/cards.play");
   const std::string id = "000100012026";
   store::DbRecord card = *database.find("VELANORO", id);
-  card.set(card::kName, "Martin Élodie");
-  card.set(card::kNewMeasure, 2, "");
-  card.set(card::kMonthlyTime, 1, "10000");
-  card.set(card::kEndReason, "01");
-  card.set(card::kActivity, 4, "001030");
-  card.set(card::kShare, 4, "5000");
+  set_element(card, card::kName, "Martin Élodie");
+  set_element(card, card::kNewMeasure, 2, "");
+  set_element(card, card::kMonthlyTime, 1, "10000");
+  set_element(card, card::kEndReason, "01");
+  set_element(card, card::kActivity, 4, "001030");
+  set_element(card, card::kShare, 4, "5000");
   database.put("VELANORO", id, card);
   Office office(database);
   office.component.init();
   EXPECT_EQ(save_untouched(office, id), std::vector<std::string>{});
   const store::DbRecord after = *database.find("VELANORO", id);
-  EXPECT_EQ(after(card::kName), "MARTIN ÉLODIE");
-  EXPECT_EQ(after(card::kNewMeasure, 2), "N");
-  EXPECT_EQ(after(card::kMonthlyTime), "");
-  EXPECT_EQ(after(card::kEndReason), "");
-  EXPECT_EQ(after.Count(card::kActivity), 2);
-  EXPECT_EQ(after.Count(card::kShare), 2);
+  EXPECT_EQ(element(after, card::kName), "MARTIN ÉLODIE");
+  EXPECT_EQ(element(after, card::kNewMeasure, 2), "N");
+  EXPECT_EQ(element(after, card::kMonthlyTime), "");
+  EXPECT_EQ(element(after, card::kEndReason), "");
+  EXPECT_EQ(after.Count(card::kActivity.number), 2);
+  EXPECT_EQ(after.Count(card::kShare.number), 2);
 }
 
 }  // namespace

@@ -178,6 +178,10 @@ TEST_F(HearingTest, AVisitToTheItemsThatIsDroppedIsNoChange) {
 
 TEST_F(HearingTest, AnotherGridOfTheSameLabelIsAChange) {
   load(memory_, "line_under_edit.play");
+  // They dictate one category as well.
+  store::DbRecord other = *memory_.find("GRILLESCCBUDGET", "03050");
+  other.set(7, "D");
+  memory_.put("GRILLESCCBUDGET", "03050", other);
   act({type("Txt_Asso", "001"), type("Txt_Aidant", "00030"), page(1), edit("Lst_DatEffet", 0)});
   const screen::ComboBox& grids = office_.ui.Cbo_Grille;
   const int own = grids.index();
@@ -186,6 +190,21 @@ TEST_F(HearingTest, AnotherGridOfTheSameLabelIsAChange) {
   act({choose("Cbo_Grille", first)});
   EXPECT_TRUE(office_.component.modified());
   act({choose("Cbo_Grille", own)});
+  EXPECT_FALSE(office_.component.modified());
+}
+
+TEST_F(HearingTest, HoursThatAreTypedAreAChange) {
+  store::DbRecord card = *memory_.find("VELANORO", "000100012026");
+  for (int attribute = 30; attribute <= 33; ++attribute) card.set(attribute, 1, "");
+  memory_.put("VELANORO", "000100012026", card);
+  act(after(kOpen, {page(1), pick("Lst_DatEffet", 0), click("Cmd_Detail"), click("Cmd_SaisieAuto")}));
+  ASSERT_EQ(office_.component.screen().top().name(), "Frm_SaisieHres");
+  EXPECT_FALSE(office_.component.modified());
+  act({type("Txt_NbHresPayees", "1")});
+  EXPECT_TRUE(office_.component.modified());
+  act({type("Txt_NbHresPayees", ""), type("Txt_NbHresTrav", "1")});
+  EXPECT_TRUE(office_.component.modified());
+  act({click("Cmd_Annuler")});
   EXPECT_FALSE(office_.component.modified());
 }
 
@@ -226,11 +245,17 @@ TEST_F(HearingTest, EachActIsToldOfOnceAndInOrder) {
        after(kEntity, {choose("Cbo_Periode", 1), type("Txt_Aidant", "00010")}),
        {[](Office& office) { office.hand.replace_text(office.ui.Txt_Aidant, "00099"); }},
        {"closed 000100012025 00010 MARTIN JEANNE", "now none"}},
+      {"another card over it",
+       after(kEntity, {choose("Cbo_Periode", 1), type("Txt_Aidant", "00010")}),
+       {[](Office& office) { office.hand.replace_text(office.ui.Txt_Aidant, "00020"); }},
+       {"closed 000100012025 00010 MARTIN JEANNE", "opened 000200012025 00020 DURAND PAUL",
+        "now reading 000200012025 00020 DURAND PAUL"}},
   };
   for (const auto& test : cases) {
     SCOPED_TRACE(test.name);
     store::MemoryDatabase memory;
     load(memory, "lib/cards.play");
+    memory.put("VELANORO", "000200012025", *memory.find("VELANORO", "000200012026"));
     Office office(memory);
     office.component.init();
     for (const user::Act& step : test.before) step(office);
@@ -313,6 +338,7 @@ TEST_F(HearingTest, OfAnActThatFailsIsToldWhatWasDone) {
 TEST_F(HearingTest, AListenerMayLeadTheComponentOn) {
   act(kOpen);
   hearing_.take();
+  Hearing second(office_.component);
   hearing_.then = [&](const std::string& event) {
     if (event.rfind("saved", 0) != 0) return;
     EXPECT_EQ(office_.component.state(), control::State::kNone) << "the act is not over";
@@ -320,8 +346,9 @@ TEST_F(HearingTest, AListenerMayLeadTheComponentOn) {
   };
   act({click("Cmd_OK")});
   const std::string past = "000100012025 00010 MARTIN JEANNE";
-  EXPECT_EQ(hearing_.take(),
-            (Told{"saved " + kMartin, "closed " + kMartin, "opened " + past, "now reading " + past}));
+  const Told all{"saved " + kMartin, "closed " + kMartin, "opened " + past, "now reading " + past};
+  EXPECT_EQ(hearing_.take(), all);
+  EXPECT_EQ(second.take(), all) << "what the first one did was told before what it heard";
 }
 
 TEST_F(HearingTest, WhatAListenerThrowsReachesWhoActedAndKeepsNobodyFromHearing) {

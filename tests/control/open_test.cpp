@@ -30,6 +30,13 @@ struct From {
 // Everything that can stand on the screen.
 std::vector<From> everywhere() {
   const user::Act change = type("Txt_HorMensEtab", "140");
+  const user::Act remove_items = [](Office& office) {
+    auto& codes = dynamic_cast<screen::ListBox&>(office.control("Lst_Code"));
+    while (codes.count() > 0) {
+      office.hand.double_click(codes, 0);
+      office.hand.click(office.control("Cmd_Supprimer"));
+    }
+  };
   return {
       {"nothing", {}, false},
       {"an entity", kEntity, false},
@@ -54,6 +61,10 @@ std::vector<From> everywhere() {
       {"an item under edit", after(kItems, {edit("Lst_Code", 0)}), false},
       {"its base", after(kItems, {edit("Lst_Code", 0), type("Txt_Base", "9")}), true},
       {"an item changed", after(kItems, {edit("Lst_Code", 0), type("Txt_Base", "9"), click("Cmd_OK")}), true},
+      {"the hours form",
+       after(kOpen, {page(1), pick("Lst_DatEffet", 0), click("Cmd_Detail"), remove_items,
+                     click("Cmd_SaisieAuto"), type("Txt_NbHresTrav", "1")}),
+       true},
       {"the items of a line under edit",
        after(kOpen, {page(1), edit("Lst_DatEffet", 1), click("Cmd_Detail")}), false},
       {"a deleted card", after(kOpen, {click("Cmd_Supp")}), false},

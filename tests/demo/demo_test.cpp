@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "card/record/record_layout.h"
+#include "card/record/element.h"
 #include "demo/card_checker.h"
 #include "demo/map_sink.h"
 #include "velanor/date.h"
@@ -82,16 +82,16 @@ TEST(Demo, ThreeEmployersHaveSomeFourHundredPeopleInEveryYear) {
 TEST(Demo, TheCardsShowWhatTheProgramCanDo) {
   std::map<std::string, int> seen;
   for (const auto& [id, card] : demonstration().files.at("VELANORO")) {
-    ++seen["agreement " + std::string(card(card::kAgreement))];
-    ++seen["type " + std::string(card(card::kContractType))];
-    ++seen["staff " + std::string(card(card::kStaffKind))];
-    ++seen["status " + std::string(card(card::kStatus))];
-    seen["several amendments"] += card.Count(card::kEffective) > 1;
-    seen["several activities"] += card.Count(card::kActivity) > 1;
-    seen["more than five items"] += card.Count(card::kItemCode, 1) > 5;
-    seen["hourly rate"] += !card(card::kHourlyRate).empty();
+    ++seen["agreement " + std::string(element(card, card::kAgreement))];
+    ++seen["type " + std::string(element(card, card::kContractType))];
+    ++seen["staff " + std::string(element(card, card::kStaffKind))];
+    ++seen["status " + std::string(element(card, card::kStatus))];
+    seen["several amendments"] += card.Count(card::kEffective.number) > 1;
+    seen["several activities"] += card.Count(card::kActivity.number) > 1;
+    seen["more than five items"] += card.Count(card::kItemCode.number, 1) > 5;
+    seen["hourly rate"] += !element(card, card::kHourlyRate).empty();
     seen["both generations of grids"] +=
-        card(card::kGrid, 1).substr(0, 3) == "011" && card(card::kGrid, 2)[2] == '4';
+        element(card, card::kGrid, 1).substr(0, 3) == "011" && element(card, card::kGrid, 2)[2] == '4';
     for (int attribute : {9, 20, 22, 23, 34, 41, 43, 45, 46}) {
       ++seen["attribute " + std::to_string(attribute) + (card(attribute).empty() ? " empty" : " filled")];
     }
@@ -112,17 +112,17 @@ TEST(Demo, ANameTellsAnEmployeeOfAnEmployer) {
   std::map<std::string, std::string> code_of;
   for (const auto& [id, card] : demonstration().files.at("VELANORO")) {
     const auto [at, is_new] =
-        code_of.emplace(id.substr(5, 3) + std::string(card(card::kName)), id.substr(0, 5));
-    EXPECT_EQ(at->second, id.substr(0, 5)) << card(card::kName);
+        code_of.emplace(id.substr(5, 3) + std::string(element(card, card::kName)), id.substr(0, 5));
+    EXPECT_EQ(at->second, id.substr(0, 5)) << element(card, card::kName);
   }
 }
 
 TEST(Demo, ACardKnowsNothingOfTheYearsAfterIt) {
   for (const auto& [id, card] : demonstration().files.at("VELANORO")) {
     const int last_day = *entry::day_number({31, 12, number(id.substr(8))});
-    for (const auto& day : values(card, card::kEffective)) EXPECT_LE(number(day), last_day) << id;
-    const bool leaves_later = number(card(card::kContractEnd)) > last_day;
-    EXPECT_TRUE(!leaves_later || card(card::kContractType) == "D") << id;
+    for (const auto& day : values(card, card::kEffective.number)) EXPECT_LE(number(day), last_day) << id;
+    const bool leaves_later = number(element(card, card::kContractEnd)) > last_day;
+    EXPECT_TRUE(!leaves_later || element(card, card::kContractType) == "D") << id;
   }
 }
 
@@ -149,7 +149,7 @@ TEST(Demo, ReferenceRecordsHoldTogether) {
     EXPECT_LE(frame.Count(6), 1) << id;
   }
   for (const auto& [id, record] : sink.files.at("BUDGETHISTORCUMUL")) {
-    EXPECT_EQ(sink.files.at("VELANORO").at(id)(card::kStatus), "1") << id;
+    EXPECT_EQ(element(sink.files.at("VELANORO").at(id), card::kStatus), "1") << id;
     EXPECT_TRUE(sink.files.at("BUDGETDETAILCALCUL").contains(id + "12")) << id;
   }
   EXPECT_EQ(sink.files.at("COMMUNES").at("01001")(1), "L'Abergement-Clémenciat");

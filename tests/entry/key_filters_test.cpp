@@ -2,22 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "text/utf8.h"
+#include "entry/typed.h"
 
 namespace velanor::entry {
 namespace {
-
-// What a text box holds after the keys were typed into it, one after the other.
-template <typename Filter>
-std::string typed(std::u32string_view keys, Filter filter) {
-  std::string text;
-  for (char32_t key : keys) {
-    const char32_t passed = filter(text, key);
-    if (passed == 8) text::remove_last(text);
-    if (passed > 8) text::append(text, passed);
-  }
-  return text;
-}
 
 TEST(KeyFilters, AnySeparatorBecomesASlashInADate) {
   const auto date = [](std::string_view, char32_t key) { return filter_date_key(key); };

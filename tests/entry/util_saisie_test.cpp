@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "text/utf8.h"
+#include "entry/typed.h"
 
 namespace velanor::entry {
 namespace {
@@ -73,13 +73,9 @@ TEST_F(UtilSaisieTest, ADayNumberReadsBackAsItsDate) {
 
 TEST_F(UtilSaisieTest, ANumberNeverOutgrowsItsIntegerDigits) {
   const auto typed = [&](std::u32string_view keys, int integer_digits) {
-    std::string text;
-    for (char32_t key : keys) {
-      const char32_t passed = util->FilterNumericKey(text, key, integer_digits);
-      if (passed == 8) text::remove_last(text);
-      if (passed > 8) text::append(text, passed);
-    }
-    return text;
+    return entry::typed(keys, [&](std::string_view text, char32_t key) {
+      return util->FilterNumericKey(text, key, integer_digits);
+    });
   };
   EXPECT_EQ(typed(U"123456,78", 4), "1234,78");
   EXPECT_EQ(typed(U"12.5", 5), "12,5");

@@ -88,11 +88,11 @@ TEST_F(ImportOfCards, AFieldThatTheScreenWouldRefuseIsAFault) {
       {"22", "cher", "Le plafond de sécurité sociale est illisible : « cher »."},
       {"8", "hier", "La date de début de contrat est illisible : « hier »."},
       {"6", "X", "Le type de contrat est illisible : « X »."},
-      {"Secteur", "999", "Le secteur « 999 » n'existe pas."},
-      {"Rubrique 1.2", "2", "La rubrique « 002 » n'existe pas."},
-      {"10", "007010|7011", "L'activité « 007011 » n'existe pas."},
-      {"Commune", "Atlantis", "La commune « Atlantis » n'existe pas."},
-      {"Motif de fin", "9", "Le motif de fin de contrat « 09 » n'existe pas."},
+      {"Secteur", "999", "Le secteur « 999 » n'existe pas dans SECTEUR."},
+      {"Rubrique 1.2", "2", "La rubrique « 002 » n'existe pas dans RUBSAISIE."},
+      {"10", "007010|7011", "L'activité « 007011 » n'existe pas dans ACTIVITES."},
+      {"Commune", "Atlantis", "La commune « Atlantis » n'existe pas dans COMMUNES."},
+      {"Motif de fin", "9", "Le motif de fin de contrat « 09 » n'existe pas dans TABLES (FINCONTRAT)."},
       {"Date de naissance", "16/03/2026", "La date de naissance est dans le futur."},
   };
   for (const auto& c : cases) {
@@ -156,7 +156,7 @@ TEST_F(ImportOfCards, ACardIsWrittenUnderAFullIdOrNotAtAll) {
       {"123456;7;202", "« 123456 » n'est pas un code de salarié (5 chiffres)"},
       {"12;0071;2026", "« 0071 » n'est pas un code d'entité (3 chiffres)"},
       {"1A;7;2026", "« 1A » n'est pas un code de salarié (5 chiffres)"},
-      {"12;8;2026", "L'entité « 008 » n'existe pas."},
+      {"12;8;2026", "L'entité « 008 » n'existe pas dans ASSOCIATION."},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.parts);
@@ -178,8 +178,9 @@ TEST_F(ImportOfCards, ACardIsWrittenUnderAFullIdOrNotAtAll) {
 TEST_F(ImportOfCards, UnknownCodesAreTakenWhenThatIsAskedForAndEachIsTold) {
   options_.accept_unknown = true;
   EXPECT_EQ(import("Code;Entité;Année;Secteur;Profil 1\n12;8;2026;99;7\n13;7;2026;10;8\n"),
-            "2 0\n2? L'entité « 008 » n'existe pas.\n2? Le secteur « 099 » n'existe pas.\n"
-            "3? Le profil de paie « 008 » n'existe pas.");
+            "2 0\n2? L'entité « 008 » n'existe pas dans ASSOCIATION.\n2? Le secteur « 099 » n'existe pas "
+            "dans SECTEUR.\n"
+            "3? Le profil de paie « 008 » n'existe pas dans PROFIL.");
   EXPECT_EQ(card("000120082026")(4), "099");
   EXPECT_EQ(import("Code;Entité;Année;Secteur\n14;7;2026;1234\n"),
             "2: Le secteur dépasse les 3 caractères de sa case : « 1234 ».\n");

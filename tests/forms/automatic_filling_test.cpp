@@ -1,7 +1,7 @@
 // "Saisie Automatique": what a template makes of hours worked or paid.
 #include <gtest/gtest.h>
 
-#include "card/record/record_layout.h"
+#include "card/record/element.h"
 #include "forms/item_template.h"
 #include "support/office.h"
 #include "text/utf8.h"
@@ -16,7 +16,7 @@ class AutomaticFilling : public testing::Test {
   AutomaticFilling() {
     load(database_, "lib/cards.play");
     store::DbRecord card = *database_.find("VELANORO", "000100012026");
-    for (int attribute : card::kItemColumns) card.set(attribute, 1, "");
+    for (const card::Field& column : card::kItemColumns) set_element(card, column, 1, "");
     database_.put("VELANORO", "000100012026", card);
   }
 
@@ -41,8 +41,8 @@ class AutomaticFilling : public testing::Test {
     }
     EXPECT_EQ(office.toolkit.hourglasses, 0);
     office.hand.click(office.control("Cmd_Retour"));
-    EXPECT_EQ(office.component.card_in_hand()(card::kItemBase, 1, 1), "10000");
-    EXPECT_EQ(office.component.card_in_hand()(card::kItemBase, 1, 2), "11000");
+    EXPECT_EQ(element(office.component.card_in_hand(), card::kItemBase, 1, 1), "10000");
+    EXPECT_EQ(element(office.component.card_in_hand(), card::kItemBase, 1, 2), "11000");
     EXPECT_EQ(office.ui.Lst_DureMens.line(0), "100,00");
     return lines;
   }
@@ -59,10 +59,11 @@ TEST_F(AutomaticFilling, MakesHoursWorkedOfHoursPaid) {
   EXPECT_EQ(filled("Txt_NbHresPayees", "110"), kLines);
 }
 
-std::string texts(const std::vector<forms::FilledItem>& items) {
+std::string texts(const std::vector<card::ItemText>& items) {
   std::string text;
   for (const auto& item : items) {
-    for (const std::string& part : {item.code, item.base, item.rate, item.amount}) text += part + "|";
+    text += item.code + "|";
+    for (const auto& figure : item.figures) text += figure.shown + "|";
     text += " ";
   }
   return text;

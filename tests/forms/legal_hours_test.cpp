@@ -1,7 +1,7 @@
 // The hours of the items against those of the establishment.
 #include <gtest/gtest.h>
 
-#include "card/record/record_layout.h"
+#include "card/record/element.h"
 #include "support/office.h"
 
 namespace velanor::test {
@@ -24,9 +24,9 @@ TEST(LegalHours, AreAskedAboutWhenTheyAreExceededAndNotWhenTheyAreReached) {
     load(database, "lib/cards.play");
     // The item 003 is an amount: however high, it is no hours.
     store::DbRecord card = *database.find("VELANORO", "000100012026");
-    card.set(card::kItemAmount, 1, 2, "9999900");
-    card.set(card::kItemCode, 1, 3, "001");
-    card.set(card::kItemBase, 1, 3, "");
+    set_element(card, card::kItemAmount, 1, 2, "9999900");
+    set_element(card, card::kItemCode, 1, 3, "001");
+    set_element(card, card::kItemBase, 1, 3, "");
     database.put("VELANORO", "000100012026", card);
     Office office(database);
     office.component.init();

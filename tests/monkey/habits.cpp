@@ -1,5 +1,5 @@
 // What the random user turns to next, and what it types.
-#include "card/record/record_layout.h"
+#include "card/record/element.h"
 #include "monkey/monkey.h"
 
 namespace velanor::test {
@@ -39,7 +39,7 @@ const char* Monkey::first_empty(std::initializer_list<const char*> boxes, const 
 
 bool Monkey::has_line_without_items() const {
   for (int i = 1; i <= office_->ui.Lst_DatEffet.count(); ++i) {
-    if (office_->component.card_in_hand()(card::kItemCode, i).empty()) return true;
+    if (element(office_->component.card_in_hand(), card::kItemCode, i).empty()) return true;
   }
   return false;
 }

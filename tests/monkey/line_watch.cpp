@@ -2,8 +2,9 @@
 
 #include <algorithm>
 
-#include "card/record/item_hours.h"
-#include "card/record/record_layout.h"
+#include "card/record/amendment_columns.h"
+#include "card/record/element.h"
+#include "card/record/reference_layout.h"
 #include "entry/decimal.h"
 #include "velanor/date.h"
 
@@ -14,8 +15,8 @@ constexpr std::size_t kDate = 0, kGridLabel = 3, kHours = 7;
 
 std::string items_of(const store::DbRecord& card, int value) {
   std::string items;
-  for (int attribute : card::kItemColumns) {
-    std::string figures(card(attribute, value));
+  for (const card::Field& column : card::kItemColumns) {
+    std::string figures(element(card, column, value));
     figures.erase(figures.find_last_not_of(store::kSubvalueMark) + 1);  // trailing empty ones are none
     items += figures + "/";
   }
@@ -66,10 +67,10 @@ std::string name_of(int line) { return line < 0 ? "a new line" : "line " + std::
 std::string hours_of(const store::DbRecord& card, int amendment, store::DbFile& items) {
   std::int64_t sum = 0;
   int line = 1;
-  for (; !card(card::kItemCode, amendment, line).empty(); ++line) {
-    const auto item = items.find(card(card::kItemCode, amendment, line));
-    const bool hours = item && card::is_hours((*item)(card::kItemType));
-    if (hours) sum += entry::parse_decimal(card(card::kItemBase, amendment, line), 0).value_or(0);
+  for (; !element(card, card::kItemCode, amendment, line).empty(); ++line) {
+    const auto item = items.find(element(card, card::kItemCode, amendment, line));
+    const bool hours = item && card::items::is_hours((*item)(card::items::kType));
+    if (hours) sum += entry::parse_decimal(element(card, card::kItemBase, amendment, line), 0).value_or(0);
   }
   return line == 1 ? std::string() : entry::format_decimal(sum, 2, 2);
 }
@@ -190,7 +191,7 @@ std::string LineWatch::activities(Office& office, const Act& act) {
 std::string LineWatch::items(Office& office, const Act& act) {
   const Sight now = look(office);
   if (!same_card(now) || !sight_.form || !now.form || now.items == sight_.items) return {};
-  const Lines& before = sight_.items;
+  const Texts& before = sight_.items;
   const int edited = sight_.item;
   if (act.control == "Cmd_OK" && edited == kNew && added_at(now.items, before) >= 0) return {};
   if (act.control == "Cmd_OK" && edited >= 0 && now.items.size() == before.size() &&
@@ -229,7 +230,7 @@ std::vector<std::string> LineWatch::carried_grids(const Sight& now, Office& offi
   if (!same_card(now)) {
     grids.clear();
     for (int i = 1; i <= static_cast<int>(now.amendments.size()); ++i)
-      grids.emplace_back(office.ui.Txt_Etat.text() == "Création" ? "" : card(card::kGrid, i));
+      grids.emplace_back(office.ui.Txt_Etat.text() == "Création" ? "" : element(card, card::kGrid, i));
     return grids;
   }
   // What is shown may be the same: another grid may bear the same label.

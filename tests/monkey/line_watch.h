@@ -29,13 +29,13 @@ class LineWatch {
     std::string items;  // attributes 30 to 33
     friend bool operator==(const Amendment&, const Amendment&) = default;
   };
-  using Lines = std::vector<std::string>;
+  using Texts = std::vector<std::string>;
   static constexpr int kNone = -2, kNew = -1;
   struct Sight {
     std::string card;
     std::vector<Amendment> amendments;
     std::vector<std::string> grids;
-    Lines activities, items;
+    Texts activities, items;
     bool form = false;
     int selected = -1;        // amendment
     int amendment = kNone;    // under edit

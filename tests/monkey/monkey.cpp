@@ -25,6 +25,10 @@ void Monkey::start() {
 
 screen::Answer Monkey::answer(const screen::Message& message) {
   using screen::Answer, screen::Buttons;
+  if (message.closing && !leaving_ && once_in(4)) {
+    note_more("« " + message.text + " » closed");
+    return *message.closing;
+  }
   const bool first = leaving_ || below(3) > 0;
   const Answer given = message.buttons == Buttons::Ok      ? Answer::Ok
                        : message.buttons == Buttons::YesNo ? (first ? Answer::Yes : Answer::No)

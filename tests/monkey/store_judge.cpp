@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "card/record/card_dates.h"
-#include "card/record/record_layout.h"
+#include "card/record/element.h"
 #include "velanor/date.h"
 
 namespace velanor::test {
@@ -11,15 +11,10 @@ namespace {
 
 using store::DbRecord;
 
-// Figures and dates: whole numbers, whatever the screen showed of them.
-constexpr int kFigures[] = {
-    card::kEstablishmentHours, card::kContractStart,  card::kBirth,
-    card::kExemptedHours,      card::kCeiling,        card::kContractEnd,
-    card::kSocialBase,         card::kMutualEmployee, card::kMutualEmployer,
-    card::kBranchEntry,        card::kShare,          card::kEffective,
-    card::kGridStart,          card::kHourlyRate,     card::kMonthlyTime,
-    card::kItemBase,           card::kItemRate,       card::kItemAmount,
-};
+// Figures and dates are whole numbers, whatever the screen showed of them.
+bool is_figure(const card::Field& field) {
+  return decimals(field) > 0 || field.encoding == card::Encoding::kDate;
+}
 
 constexpr entry::Date kToday{1, 1, 2027};
 
@@ -33,33 +28,34 @@ bool whole(std::string_view text) {
 
 template <typename Visit>
 void each_figure(const DbRecord& card, const Visit& visit) {
-  for (int attribute : kFigures) {
-    for (int v = 1; v <= card.Count(attribute); ++v) {
-      for (int s = 1; s <= card.Count(attribute, v); ++s)
-        visit(attribute, std::string(card(attribute, v, s)));
+  for (const card::Field& field : card::kAttributes) {
+    if (!is_figure(field)) continue;
+    for (int v = 1; v <= card.Count(field.number); ++v) {
+      for (int s = 1; s <= card.Count(field.number, v); ++s)
+        visit(field.number, std::string(element(card, field, v, s)));
     }
   }
 }
 
 // The boxes that show one attribute each.
 std::map<int, std::string> boxes(const card::CardScreen& ui) {
-  return {{card::kEstablishmentHours, ui.Txt_HorMensEtab.text()},
-          {card::kAgreement, ui.Txt_ConvCol.text()},
-          {card::kSector, ui.Txt_Secteur.text()},
-          {card::kTown, ui.Cbo_Com.text()},
-          {card::kContractStart, ui.Txt_DatDeb.text()},
-          {card::kBirth, ui.Txt_DatNais.text()},
-          {card::kProfile1, ui.Txt_Profil1.text()},
-          {card::kProfile2, ui.Txt_Profil2.text()},
-          {card::kExemptedHours, ui.Txt_HresExo.text()},
-          {card::kCeiling, ui.Txt_PlafSecu.text()},
-          {card::kSocialBase, ui.Txt_AssSS.text()},
-          {card::kContractEnd, ui.Txt_DatFin.text()},
-          {card::kMutualEmployee, ui.Txt_MutSalContrat.text()},
-          {card::kMutualEmployer, ui.Txt_MutPatContrat.text()},
-          {card::kMutualCharge, ui.Txt_ChargMutContrat.text()},
-          {card::kContractNature, ui.Cbo_NatureContrat.text()},
-          {card::kEducation, ui.Cbo_EtudeAidant.text()}};
+  return {{card::kEstablishmentHours.number, ui.Txt_HorMensEtab.text()},
+          {card::kAgreement.number, ui.Txt_ConvCol.text()},
+          {card::kSector.number, ui.Txt_Secteur.text()},
+          {card::kTown.number, ui.Cbo_Com.text()},
+          {card::kContractStart.number, ui.Txt_DatDeb.text()},
+          {card::kBirth.number, ui.Txt_DatNais.text()},
+          {card::kProfile1.number, ui.Txt_Profil1.text()},
+          {card::kProfile2.number, ui.Txt_Profil2.text()},
+          {card::kExemptedHours.number, ui.Txt_HresExo.text()},
+          {card::kCeiling.number, ui.Txt_PlafSecu.text()},
+          {card::kSocialBase.number, ui.Txt_AssSS.text()},
+          {card::kContractEnd.number, ui.Txt_DatFin.text()},
+          {card::kMutualEmployee.number, ui.Txt_MutSalContrat.text()},
+          {card::kMutualEmployer.number, ui.Txt_MutPatContrat.text()},
+          {card::kMutualCharge.number, ui.Txt_ChargMutContrat.text()},
+          {card::kContractNature.number, ui.Cbo_NatureContrat.text()},
+          {card::kEducation.number, ui.Cbo_EtudeAidant.text()}};
 }
 
 }  // namespace
@@ -142,7 +138,7 @@ std::string StoreJudge::lost_field(const DbRecord& card) const {
              "> and shown as <" + text + "> to the end, but stored as <" + std::string(card(attribute)) + ">";
   }
   for (std::size_t i = 0; i < grids_.size(); ++i) {
-    const std::string_view stored = card(card::kGrid, static_cast<int>(i) + 1);
+    const std::string_view stored = element(card, card::kGrid, static_cast<int>(i) + 1);
     if (!grids_[i].empty() && stored != grids_[i])
       return "amendment " + std::to_string(i + 1) + " was on grid " + grids_[i] +
              ", which nobody changed, and is stored on " + std::string(stored);
@@ -152,8 +148,8 @@ std::string StoreJudge::lost_field(const DbRecord& card) const {
 
 void StoreJudge::judge(std::string_view file, std::string_view id, const DbRecord* record) {
   if (file != "VELANORO") return;
-  constexpr std::size_t kLength = card::kEmployeeCodeLength + card::kEntityCodeLength + 4;
-  if (id.size() != kLength || !all_digits(id)) breach_[0] = "a card goes by the id <" + std::string(id) + ">";
+  if (id.size() != card::kRecordIdLength || !all_digits(id))
+    breach_[0] = "a card goes by the id <" + std::string(id) + ">";
   if (!record) return;
   breach_[1] = bad_figure(*record);
   breach_[2] = new_fault(id, *record);

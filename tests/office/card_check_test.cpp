@@ -58,11 +58,11 @@ TEST_F(CheckOfCards, EachFaultIsToldInItsOwnWords) {
       {1, "", "Le nom du salarié est obligatoire.\n"},
       {2, "", "L'horaire mensuel de l'établissement est obligatoire.\n"},
       {3, "", "La convention collective est obligatoire.\n"},
-      {3, "77", "La convention collective « 77 » n'existe pas.\n"},
+      {3, "77", "La convention collective « 77 » n'existe pas dans CONVENTIONCOL.\n"},
       {4, "", "Le secteur est obligatoire.\n"},
-      {4, "999", "Le secteur « 999 » n'existe pas.\n"},
+      {4, "999", "Le secteur « 999 » n'existe pas dans SECTEUR.\n"},
       {5, "", "La commune est obligatoire.\n"},
-      {5, "Atlantis", "La commune « Atlantis » n'existe pas.\n"},
+      {5, "Atlantis", "La commune « Atlantis » n'existe pas dans COMMUNES.\n"},
       {6, "X", "Le type de contrat est illisible : « X ».\n"},
       {9, "hier", "La date de naissance est illisible : « hier ».\n"},
       {19, "", "Le profil de paie est obligatoire.\n"},
@@ -70,7 +70,8 @@ TEST_F(CheckOfCards, EachFaultIsToldInItsOwnWords) {
       {21, "", "Le pourcentage des heures exonérées est obligatoire.\n"},
       {23, "1", "La date de fin de contrat doit être supérieure ou égale à la date de début.\n"},
       {23, start, "Un motif de fin de contrat est obligatoire.\n"},
-      {40, "001", "L'établissement est obligatoire.\nL'établissement « 001 » n'existe pas.\n"},
+      {40, "001",
+       "L'établissement est obligatoire.\nL'établissement « 001 » n'existe pas dans ETABLISSEMENT.\n"},
       {40, "002001", "L'établissement « 002001 » n'est pas de l'entité de la fiche.\n"},
       {1, std::string(51, 'A'),
        "Le nom dépasse les 50 caractères de sa case : « " + std::string(51, 'A') + " ».\n"},
@@ -83,7 +84,7 @@ TEST_F(CheckOfCards, EachFaultIsToldInItsOwnWords) {
       {9, start, ""},
       {45, std::to_string(today + 1), "La date d'entrée dans la branche est dans le futur.\n"},
       {45, std::to_string(today), ""},
-      {43, "000", "La charge de mutuelle « 000 » n'existe pas.\n"},
+      {43, "000", "La charge de mutuelle « 000 » n'existe pas dans RUBCHARGE.\n"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.told);
@@ -177,9 +178,9 @@ TEST(CheckOfReferences, WhatTheScreenCannotStartWithoutIsTold) {
   const CardCheck check(empty);
   ASSERT_EQ(check.faults_of_references().size(), 6u);
   EXPECT_EQ(check.faults_of_references().front().sentence(),
-            "L'enregistrement « FINCONTRAT » manque dans TABLES.");
+            "L'enregistrement « FINCONTRAT » manque dans TABLES : importez ce fichier.");
   EXPECT_EQ(check.faults_of_references().back().sentence(),
-            "L'enregistrement « 1 » manque dans BUDGETPARAM.");
+            "L'enregistrement « 1 » manque dans BUDGETPARAM : importez ce fichier.");
 }
 
 }  // namespace

@@ -42,13 +42,13 @@ class ScenarioFiles : public testing::Test {
   fs::path folder_;
 };
 
-using Lines = std::vector<std::string>;
+using Texts = std::vector<std::string>;
 
 TEST_F(ScenarioFiles, IncludedFilesAreFoundBesideTheOneThatNamesThem) {
   write("main.play", "init\ninclude lib/a.play\ninclude lib/b.play\nclose\n");
   write("lib/a.play", "# nothing\n\n  include b.play\nleave");
   write("lib/b.play", "tab 1\n");
-  EXPECT_EQ(steps("main.play"), (Lines{"main.play:1 init", "lib/b.play:1 tab 1", "lib/a.play:4 leave",
+  EXPECT_EQ(steps("main.play"), (Texts{"main.play:1 init", "lib/b.play:1 tab 1", "lib/a.play:4 leave",
                                        "lib/b.play:1 tab 1", "main.play:4 close"}));
 }
 
@@ -56,7 +56,7 @@ TEST_F(ScenarioFiles, AnInclusionThatCannotBeMadeIsAStepThatFails) {
   write("main.play", "include lib/none.play\ninclude lib\ninclude lib/a.play\ninit\n");
   write("lib/a.play", "include ../main.play\n");
   EXPECT_EQ(steps("main.play"),
-            (Lines{"main.play:1 include lib/none.play ! cannot read the file lib/none.play",
+            (Texts{"main.play:1 include lib/none.play ! cannot read the file lib/none.play",
                    "main.play:2 include lib ! cannot read the file lib",
                    "lib/a.play:1 include ../main.play ! lib/../main.play includes itself without end",
                    "main.play:4 init"}));
@@ -72,7 +72,7 @@ TEST(Scenario, ByteOrderMarkAndCarriageReturnsArePassedOver) {
       "\xEF\xBB\xBF"
       "init\r\n\r\nclick Cmd_OK\r\n  leave  ");
   const Scenario scenario = read_scenario(text, "-", ".");
-  EXPECT_EQ(scenario.errors, Lines{});
+  EXPECT_EQ(scenario.errors, Texts{});
   ASSERT_EQ(scenario.steps.size(), 3u);
   EXPECT_EQ(scenario.steps[1].command.name, "Cmd_OK");
   EXPECT_EQ(scenario.steps[2].place, "-:4");
@@ -82,7 +82,7 @@ TEST(Scenario, ByteOrderMarkAndCarriageReturnsArePassedOver) {
 TEST(Scenario, EveryLineThatIsNotOfTheLanguageIsReported) {
   std::istringstream text("start\ninit\ntab\n");
   EXPECT_EQ(read_scenario(text, "x.play", ".").errors,
-            (Lines{"x.play:1: word 1: there is no command \"start\"",
+            (Texts{"x.play:1: word 1: there is no command \"start\"",
                    "x.play:3: word 2 is missing: the command is tab N"}));
 }
 

@@ -2,11 +2,20 @@
 #include <gtest/gtest.h>
 
 #include <QClipboard>
+#include <QGroupBox>
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QLabel>
+#include <QRadioButton>
+#include <QScrollBar>
+#include <QTabWidget>
 #include <memory>
+#include <stdexcept>
 
+#include "qt/action_button.h"
 #include "qt/binder.h"
+#include "qt/columns_table.h"
+#include "qt/combo_edit.h"
 #include "qt/strings.h"
 #include "qt/text_edit.h"
 #include "support/typed_keys.h"
@@ -94,6 +103,78 @@ TEST_F(SmallWindow, TheCaretStandsBehindWhatWasTyped) {
   EXPECT_EQ(edit_->cursorPosition(), 4);
   type(screen::Key::kBackspace);
   expect_shown("𝒜bc");
+}
+
+// One control of each kind, two lists as the columns of a table, and a menu.
+struct EveryKind : screen::Form {
+  EveryKind() : Form("Frm", "") { tables = {{{&list, &heading, &text}, {&second, &label}}}; }
+
+  screen::Menu menu{*this, {.name = "Mnu"}};
+  screen::Label heading{*this, {.name = "Etq_Liste"}};
+  screen::ListBox list{*this, {.name = "Lst"}};
+  screen::ListBox second{*this, {.name = "Lst_Suite"}};
+  screen::Label alone{*this, {.name = "Etq"}};
+  screen::Frame frame{*this, {.name = "Cdr"}};
+  screen::TextBox text{*this, {.name = "Txt"}};
+  screen::ComboBox combo{*this, {.name = "Cbo"}};
+  screen::CommandButton button{*this, {.name = "Cmd"}};
+  screen::OptionButton option{*this, {.name = "Opt"}};
+  screen::ScrollBar bar{*this, {.name = "Bdv"}};
+  screen::Tabs pages{*this, {.name = "Ong"}, {"Un", "Deux"}};
+  screen::Label label{*this, {.name = "Etq_Suite"}};
+};
+
+// With a widget for each; the form outlives its views, which stand on the page.
+struct PageOfEveryKind {
+  PageOfEveryKind() {
+    add(new ColumnsTable, "Lst");
+    add(new QLabel, "Etq");
+    add(new QGroupBox, "Cdr");
+    add(new TextEdit, "Txt");
+    add(new ComboEdit, "Cbo");
+    add(new ActionButton, "Cmd");
+    add(new QRadioButton, "Opt");
+    add(new QScrollBar, "Bdv");
+    auto* pages = new QTabWidget;
+    pages->addTab(new QWidget, "Un");
+    pages->addTab(new QWidget, "Deux");
+    add(pages, "Ong");
+  }
+  void add(QWidget* widget, const char* name) {
+    widget->setParent(&page);
+    widget->setObjectName(name);
+  }
+  // Why the form cannot be shown on the page; empty where it can.
+  std::string lack(Acts& acts) {
+    try {
+      FormViews views(acts, form, page);
+    } catch (const std::logic_error& error) {
+      return error.what();
+    }
+    return {};
+  }
+
+  EveryKind form;
+  QWidget page;
+};
+
+// A page file that forgets a control, or gives it another kind of widget, is found out at the start.
+TEST_F(SmallWindow, EveryControlHasAWidgetOfItsKind) {
+  EXPECT_EQ(PageOfEveryKind().lack(*this), "");
+  for (const char* name : {"Lst", "Etq", "Cdr", "Txt", "Cbo", "Cmd", "Opt", "Bdv", "Ong"}) {
+    SCOPED_TRACE(name);
+    PageOfEveryKind shown;
+    shown.page.findChild<QWidget*>(name)->setObjectName("autre");
+    EXPECT_EQ(shown.lack(*this), std::string("La page de Frm n'a pas de contrôle ") + name + ".");
+    shown.add(new QWidget, name);
+    EXPECT_EQ(shown.lack(*this), std::string("La page fait de ") + name + " un QWidget.");
+  }
+}
+
+TEST_F(SmallWindow, ATabWidgetHasThePagesOfItsControl) {
+  PageOfEveryKind shown;
+  shown.page.findChild<QTabWidget*>("Ong")->addTab(new QWidget, "Trois");
+  EXPECT_EQ(shown.lack(*this), "Ong a 3 pages au lieu de 2.");
 }
 
 }  // namespace

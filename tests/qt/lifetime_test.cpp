@@ -8,6 +8,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include "velanor/hand.h"
 #include "window_test.h"
 
 namespace velanor::qt {
@@ -170,6 +171,73 @@ INSTANTIATE_TEST_SUITE_P(Moments, QuestionTest,
                          testing::Combine(testing::Range(0, 10),
                                           testing::Values(Moment::kWhileItOpens, Moment::kWhileItWaits,
                                                           Moment::kAfterItsYes, Moment::kWithItsWindow)));
+
+// Each news in turn, of an act of the user's, of the host's and of an opening.
+enum class By { kUser, kHost, kOpening };
+
+class NewsTest : public LifetimeTest, public testing::WithParamInterface<std::tuple<int, By>> {
+ protected:
+  template <typename Signal>
+  void destroy_at(Signal signal) {
+    QObject::connect(&widget_, signal, qApp, [this] { destroy(); });
+  }
+  void destroy_at(int news) {
+    using Widget = ControleVelanorWidget;
+    switch (news) {
+      case 0:
+        return destroy_at(&Widget::card_opened);
+      case 1:
+        return destroy_at(&Widget::state_changed);
+      case 2:
+        return destroy_at(&Widget::card_id_changed);
+      case 3:
+        return destroy_at(&Widget::card_title_changed);
+      case 4:
+        return destroy_at(&Widget::card_closed);
+      default:
+        return destroy_at(&Widget::card_saved);
+    }
+  }
+  void click_by(By by, const char* name) {
+    if (by == By::kUser) return click(name);
+    screen::Hand(widget_.screen()).click(*widget_.screen().top().find(name));
+  }
+};
+
+TEST_P(NewsTest, TheWidgetGoesWhenItTellsThem) {
+  const auto [news, by] = GetParam();
+  open_mortal_card();
+  click("Cmd_OK");
+  destroy_at(news);
+  auto& employee = dynamic_cast<screen::TextBox&>(*widget_.screen().top().find("Txt_Aidant"));
+  if (by == By::kOpening) widget_.open("001", "2026", "00010");
+  if (by == By::kUser) type("Txt_Aidant", "00010");
+  if (by == By::kHost) screen::Hand(widget_.screen()).type(employee, "00010");
+  if (owned_) click_by(by, "Cmd_OK");
+  EXPECT_EQ(owned_, nullptr);
+  settle();
+}
+
+INSTANTIATE_TEST_SUITE_P(All, NewsTest,
+                         testing::Combine(testing::Range(0, 6),
+                                          testing::Values(By::kUser, By::kHost, By::kOpening)));
+
+TEST_F(LifetimeTest, TheWidgetGoesUnderAMessageOfAnActOfTheHosts) {
+  open_mortal_card();
+  at_next_message([&](MessageSheet&) { destroy(); });
+  screen::Hand(widget_.screen()).click(*widget_.screen().top().find("Cmd_Supp"));
+  EXPECT_EQ(owned_, nullptr);
+  settle();
+  EXPECT_TRUE(stored());
+}
+
+TEST_F(LifetimeTest, TheWidgetGoesWhileAnOpeningAsks) {
+  open_mortal_card();
+  type("Txt_HorMensEtab", "1");
+  at_next_message([&](MessageSheet&) { destroy(); });
+  EXPECT_EQ(widget_.open("001", "2026", "00020").outcome, control::Opening::Outcome::kNotStarted);
+  settle();
+}
 
 TEST_F(LifetimeTest, TheWidgetGoesUnderAnOpenForm) {
   open_mortal_card();

@@ -15,9 +15,9 @@ namespace {
 
 using Names = std::set<std::string>;
 
-class Window : public testing::Test {
+class MainWindowTest : public testing::Test {
  protected:
-  Window() {
+  MainWindowTest() {
     test::load(database_, "lib/cards.play");
     // The hours are asked for an amendment without items.
     store::DbRecord card = *database_.find("VELANORO", "000100012026");
@@ -77,7 +77,7 @@ class Window : public testing::Test {
 
 // A control that a page has forgotten cannot be seen, and nothing else says so. The headings of a table
 // are its own, and the menu is made when it pops up.
-TEST_F(Window, ShowsEveryControlOfEveryForm) {
+TEST_F(MainWindowTest, ShowsEveryControlOfEveryForm) {
   const Names menus{"Mnu_Aide", "Mnu_Sommaire"};
   const Names headings{"Etq_DatEffet",  "Etq_DatDepGrille", "Etq_Qualif", "Etq_Grille",
                        "Etq_Categorie", "Etq_NouvMes",      "Etq_TxHor",  "Etq_DureMens"};
@@ -91,13 +91,13 @@ TEST_F(Window, ShowsEveryControlOfEveryForm) {
   EXPECT_EQ(without_widget(), Names());
 }
 
-TEST_F(Window, ClosesAtOnceWhenNoCardIsOpen) {
+TEST_F(MainWindowTest, ClosesAtOnceWhenNoCardIsOpen) {
   EXPECT_EQ(close(screen::Answer::No), 0);
   EXPECT_EQ(times_closed_, 1);
   EXPECT_FALSE(window_.isVisible());
 }
 
-TEST_F(Window, AsksBeforeItClosesOnAnOpenCard) {
+TEST_F(MainWindowTest, AsksBeforeItClosesOnAnOpenCard) {
   open_card();
   EXPECT_EQ(close(screen::Answer::No), 1);
   EXPECT_EQ(times_closed_, 0);
@@ -108,7 +108,7 @@ TEST_F(Window, AsksBeforeItClosesOnAnOpenCard) {
   EXPECT_FALSE(window_.isVisible());
 }
 
-TEST_F(Window, AsksBeforeItClosesOnAForm) {
+TEST_F(MainWindowTest, AsksBeforeItClosesOnAForm) {
   open_items_of_first_amendment();
   EXPECT_EQ(close(screen::Answer::No), 1);
   EXPECT_EQ(times_closed_, 0);

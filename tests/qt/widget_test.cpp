@@ -7,17 +7,14 @@
 #include <QCompleter>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QTabWidget>
 #include <set>
-#include <stdexcept>
 
 #include "qt/action_button.h"
-#include "qt/binder.h"
 #include "qt/strings.h"
-#include "qt/text_edit.h"
+#include "velanor/hand.h"
 #include "window_test.h"
 
 namespace velanor::qt {
@@ -180,13 +177,13 @@ TEST_F(WidgetTest, FailureOfTheStoreIsToldAndTheCardStays) {
   open_card();
   std::string told;
   at_next_message([&](MessageSheet& sheet) { told = sheet.message().text; });
-  database_.fail = true;
+  database_.fail_writes(true);
   type("Txt_HorMensEtab", "150");
   widget<QAbstractButton>("Cmd_OK").click();
-  EXPECT_EQ(told, "Le disque est plein.");
+  EXPECT_EQ(told, store::kPlannedFailure);
   EXPECT_EQ(text("Txt_Etat"), "Modification");
   EXPECT_EQ(text("Txt_NomAidant"), "MARTIN JEANNE");
-  database_.fail = false;
+  database_.fail_writes(false);
   widget<QAbstractButton>("Cmd_OK").click();
   EXPECT_EQ(memory_.OpenFile("VELANORO")->find("000100012026").value()(2), "15000");
 }
@@ -224,8 +221,8 @@ TEST_F(WidgetTest, EveryEditableListOffersWhatHoldsTheTypedTextAtAnyPlace) {
   auto& towns = static_cast<screen::ComboBox&>(*top().find("Cbo_Com"));
   towns.refill({"Saint-Étienne", "Nœux", "L'Étang", "Albi"});
   auto& box = widget<QComboBox>("Cbo_Com");
-  using Lines = std::vector<std::string>;
-  const std::vector<std::pair<const char*, Lines>> kTyped{
+  using Texts = std::vector<std::string>;
+  const std::vector<std::pair<const char*, Texts>> kTyped{
       {"etan", {"L'Étang"}}, {"ST ETIENNE", {"Saint-Étienne"}},
       {"noeux", {"Nœux"}},   {"e", {"Saint-Étienne", "Nœux", "L'Étang"}},
       {"xyz", {}},           {"-", {}}};
@@ -277,6 +274,46 @@ TEST_F(WidgetTest, LinesThatReadTheSameAreToldApart) {
   EXPECT_EQ(text("Cbo_Com"), "");
 }
 
+// Down and Tab: the line under the bar is meant, and not what its text reads, which another line reads too.
+TEST_F(WidgetTest, TabTakesTheLineUnderTheBar) {
+  memory_.put("VELANORO", "000300012026", *memory_.find("VELANORO", "000100012026"));
+  for (const bool forward : {true, false}) {
+    SCOPED_TRACE(forward);
+    if (forward) start();
+    if (forward) type("Txt_Asso", "001");
+    type("Cbo_Aidant", "martin");
+    auto& box = widget<QComboBox>("Cbo_Aidant");
+    ASSERT_EQ(offered(box), (std::vector<std::string>{"MARTIN JEANNE, 00010", "MARTIN JEANNE, 00030"}));
+    QAbstractItemView& list = *box.completer()->popup();
+    press(list, Qt::Key_Down);
+    press(list, Qt::Key_Down);
+    press(list, forward ? Qt::Key_Tab : Qt::Key_Backtab, forward ? Qt::NoModifier : Qt::ShiftModifier);
+    EXPECT_EQ(widget_.card_id(), "000300012026");
+    EXPECT_EQ(widget_.screen().base().focus()->name(), "Txt_NomAidant");
+    EXPECT_EQ(told(), std::vector<std::string>());
+    click("Cmd_OK");
+  }
+}
+
+TEST_F(WidgetTest, TabGoesToTheOptionThatIsSetAndTheArrowsToTheOthers) {
+  open_card();
+  ASSERT_TRUE(widget<QAbstractButton>("Opt_CDI").isChecked());
+  const auto focus = [&] { return widget_.screen().base().focus()->name(); };
+  shown("Cbo_Com").setFocus(Qt::TabFocusReason);
+  press(Qt::Key_Tab);
+  EXPECT_EQ(focus(), "Opt_CDI");
+  press(Qt::Key_Tab);
+  EXPECT_EQ(focus(), "Opt_Prod");
+  press(Qt::Key_Backtab, Qt::ShiftModifier);
+  press(Qt::Key_Backtab, Qt::ShiftModifier);
+  EXPECT_EQ(focus(), "Cbo_Com");
+  press(Qt::Key_Tab);
+  press(Qt::Key_Left);
+  EXPECT_EQ(focus(), "Opt_CDD");
+  EXPECT_TRUE(widget<QAbstractButton>("Opt_CDD").isChecked());
+  EXPECT_TRUE(widget_.modified());
+}
+
 std::string copied() { return QGuiApplication::clipboard()->text().toStdString(); }
 
 TEST_F(WidgetTest, TablesAreCopiedAsCellsWithTheirHeadings) {
@@ -312,24 +349,6 @@ TEST_F(WidgetTest, ATableOfAClosedYearIsCopiedByTheKeyboardAndByItsMenu) {
   ASSERT_NE(menu, nullptr);
   menu->actions().last()->trigger();
   EXPECT_EQ(copied(), by_key);
-}
-
-// A page file that forgets a control, or gives it another kind of widget, is found out at the start.
-TEST_F(WidgetTest, EveryControlHasAWidgetOfItsKind) {
-  class NoActs : public Acts {
-    bool open_to(const screen::Control&) const override { return false; }
-    void act(const std::function<void(screen::Hand&)>&) override {}
-    bool press(screen::Control&) override { return false; }
-    void focus_came(screen::Control&, Qt::FocusReason) override {}
-  } acts;
-  screen::Form form("Frm", "");
-  screen::TextBox box(form, {.name = "Txt_Nom"});
-  QWidget empty, wrong, right;
-  (new QLabel(&wrong))->setObjectName("Txt_Nom");
-  (new TextEdit(&right))->setObjectName("Txt_Nom");
-  EXPECT_THROW(FormViews(acts, form, empty), std::logic_error);
-  EXPECT_THROW(FormViews(acts, form, wrong), std::logic_error);
-  EXPECT_NO_THROW(FormViews(acts, form, right));
 }
 
 // What a screen reader says of a control that the user can reach; empty when it could not be told from
@@ -387,9 +406,29 @@ TEST_F(WidgetTest, EnterGivesTheAnswerThatTheMessageNames) {
     at_next_message([this](MessageSheet&) { press(Qt::Key_Return); });
     EXPECT_EQ(widget_.ask({.title = "T", .text = "?", .buttons = buttons, .preset = preset}), given);
     at_next_message([this](MessageSheet&) { press(Qt::Key_Escape); });
-    EXPECT_EQ(widget_.ask({.title = "T", .text = "?", .buttons = buttons, .preset = preset}),
-              MessageSheet::closing_answer(buttons));
+    const Answer last = buttons == Buttons::Ok      ? Answer::Ok
+                        : buttons == Buttons::YesNo ? Answer::No
+                                                    : Answer::Cancel;
+    EXPECT_EQ(widget_.ask({.title = "T", .text = "?", .buttons = buttons, .preset = preset}), last);
   }
+}
+
+// "Non" would drop what was entered, and closing the question is no answer to it.
+TEST_F(WidgetTest, EscapeAtTheQuestionOfTheItemFormStaysThere) {
+  open_card();
+  open_items_of_first_amendment();
+  screen::Hand(widget_.screen()).double_click(dynamic_cast<screen::ListBox&>(*top().find("Lst_Code")), 0);
+  paste("Txt_Base", "9");
+  click("Cmd_OK");
+  at_next_message([this](MessageSheet&) { press(Qt::Key_Escape); });
+  click("Cmd_Retour");
+  EXPECT_EQ(top().name(), "Frm_RubSaisie");
+  EXPECT_TRUE(widget_.modified());
+  at_next_message([this](MessageSheet&) { press(Qt::Key_Return); });
+  click("Cmd_Retour");
+  EXPECT_EQ(top().name(), "ControleVelanor");
+  EXPECT_EQ(widget_.card_in_hand()(31, 1, 1), "900");
+  EXPECT_EQ(told().size(), 2U);
 }
 
 TEST_F(WidgetTest, SheetsAreDialogsThatSayWhatTheyAsk) {

@@ -9,24 +9,11 @@
 #include <string>
 
 #include "qt/message_sheet.h"
+#include "support/failing_database.h"
 #include "velanor/controle_velanor_widget.h"
 #include "velanor/memory_database.h"
-#include "velanor/wrapped_database.h"
 
 namespace velanor::qt {
-
-// Fails its writes on demand.
-class FailingDatabase : public store::WrappedDatabase {
- public:
-  using WrappedDatabase::WrappedDatabase;
-  bool fail = false;
-
- protected:
-  void before(const store::DatabaseCall& call) override {
-    if (fail && call.kind == store::DatabaseCall::Kind::kWrite)
-      throw store::DbError(store::kStoreFailure, "Le disque est plein.");
-  }
-};
 
 class WindowTest : public testing::Test, private control::UserRights {
  protected:
@@ -61,7 +48,7 @@ class WindowTest : public testing::Test, private control::UserRights {
   const std::vector<std::string>& told() const { return told_; }
 
   store::MemoryDatabase memory_;
-  FailingDatabase database_{memory_};
+  store::FailingDatabase database_{memory_};
   std::unique_ptr<ControleVelanorWidget> owned_;
   ControleVelanorWidget& widget_;
 

@@ -9,7 +9,7 @@
 namespace velanor::screen {
 namespace {
 
-using Lines = std::vector<std::string>;
+using Texts = std::vector<std::string>;
 
 // One control of each kind, and a log of the events that they raise.
 class ControlTest : public testing::Test {
@@ -18,7 +18,7 @@ class ControlTest : public testing::Test {
     event += [this, what] { log_.push_back(what); };
   }
   // The events since it was last asked.
-  Lines log() { return std::exchange(log_, {}); }
+  Texts log() { return std::exchange(log_, {}); }
 
   Form form_{"Frm", ""};
   Label label_{form_, {.name = "Etq"}};
@@ -34,19 +34,19 @@ class ControlTest : public testing::Test {
   Tabs tabs_{form_, {.name = "Ong"}, {"Un", "Deux", "Trois"}};
 
  private:
-  Lines log_;
+  Texts log_;
 };
 
 TEST_F(ControlTest, ATextThatDiffersRaisesChangedAndTheSameRaisesNothing) {
   note(text_.changed, "changed");
   text_.set_text("été");
-  EXPECT_EQ(log(), Lines{"changed"});
+  EXPECT_EQ(log(), Texts{"changed"});
   const auto revision = text_.revision();
   text_.set_text("été");
-  EXPECT_EQ(log(), Lines{});
+  EXPECT_EQ(log(), Texts{});
   EXPECT_EQ(text_.revision(), revision);
   text_.set_text("");
-  EXPECT_EQ(log(), Lines{"changed"});
+  EXPECT_EQ(log(), Texts{"changed"});
 }
 
 TEST_F(ControlTest, ATextIsCutToItsLengthInCharacters) {
@@ -54,7 +54,7 @@ TEST_F(ControlTest, ATextIsCutToItsLengthInCharacters) {
   EXPECT_EQ(text_.text(), "éèàù");
   note(text_.changed, "changed");
   text_.set_text("éèàù et la suite");
-  EXPECT_EQ(log(), Lines{}) << "the cut text is the same";
+  EXPECT_EQ(log(), Texts{}) << "the cut text is the same";
 }
 
 TEST_F(ControlTest, AHandlerMayChangeTheTextAgain) {
@@ -93,19 +93,19 @@ TEST_F(ControlTest, ChoosingALineOfAComboBoxTakesItsText) {
   note(combo_.changed, "changed");
   note(combo_.clicked, "clicked");
   combo_.refill({"un", "deux", "deux"});
-  EXPECT_EQ(log(), Lines{});
+  EXPECT_EQ(log(), Texts{});
   combo_.set_index(1);
   EXPECT_EQ(combo_.text(), "deux");
-  EXPECT_EQ(log(), (Lines{"changed", "clicked"}));
+  EXPECT_EQ(log(), (Texts{"changed", "clicked"}));
   combo_.set_index(1);
-  EXPECT_EQ(log(), Lines{});
+  EXPECT_EQ(log(), Texts{});
   combo_.set_index(2);
-  EXPECT_EQ(log(), Lines{"clicked"}) << "another line of the same text";
+  EXPECT_EQ(log(), Texts{"clicked"}) << "another line of the same text";
   combo_.set_index(3);
   EXPECT_EQ(combo_.index(), 2) << "there is no such line";
   combo_.set_index(-1);
   EXPECT_EQ(combo_.text(), "");
-  EXPECT_EQ(log(), (Lines{"changed", "clicked"}));
+  EXPECT_EQ(log(), (Texts{"changed", "clicked"}));
 }
 
 TEST_F(ControlTest, ATextSetInAComboBoxSelectsNoLineUnlessItReadsAsTheSelectedOne) {
@@ -139,11 +139,11 @@ TEST_F(ControlTest, RefillingAComboBoxIsSilentAndKeepsItsText) {
   combo_.refill({"trois", "quatre"}, 0);
   EXPECT_EQ(combo_.index(), -1) << "line 0 does not read as the text";
   EXPECT_EQ(combo_.text(), "deux");
-  EXPECT_EQ(log(), Lines{});
+  EXPECT_EQ(log(), Texts{});
   combo_.clear();
   EXPECT_EQ(combo_.text(), "");
   EXPECT_EQ(combo_.count(), 0);
-  EXPECT_EQ(log(), Lines{"changed"});
+  EXPECT_EQ(log(), Texts{"changed"});
 }
 
 TEST_F(ControlTest, TheSelectionOfAListBoxStaysWithItsLine) {
@@ -161,17 +161,17 @@ TEST_F(ControlTest, TheSelectionOfAListBoxStaysWithItsLine) {
   EXPECT_EQ(list_.index(), 1);
   list_.remove(1);
   EXPECT_EQ(list_.index(), -1) << "lost with its line";
-  EXPECT_EQ(list_.items(), (Lines{"a", "y"}));
-  EXPECT_EQ(log(), Lines{}) << "changing lines raises nothing";
+  EXPECT_EQ(list_.items(), (Texts{"a", "y"}));
+  EXPECT_EQ(log(), Texts{}) << "changing lines raises nothing";
 }
 
 TEST_F(ControlTest, AListBoxIsClickedOnlyWhenItsIndexDiffers) {
   list_.add("a");
   note(list_.clicked, "clicked");
   for (int index : {0, 0, 5, -2}) list_.set_index(index);
-  EXPECT_EQ(log(), Lines{"clicked"});
+  EXPECT_EQ(log(), Texts{"clicked"});
   list_.set_index(-1);
-  EXPECT_EQ(log(), Lines{"clicked"});
+  EXPECT_EQ(log(), Texts{"clicked"});
 }
 
 TEST_F(ControlTest, SettingAnOptionClearsTheOthersOfItsFrameSilently) {
@@ -181,29 +181,29 @@ TEST_F(ControlTest, SettingAnOptionClearsTheOthersOfItsFrameSilently) {
   first_.set_value(true);
   second_.set_value(true);
   second_.set_value(true);
-  EXPECT_EQ(log(), (Lines{"first", "second"}));
+  EXPECT_EQ(log(), (Texts{"first", "second"}));
   EXPECT_FALSE(first_.value());
   EXPECT_TRUE(elsewhere_.value());
   second_.set_value(false);
-  EXPECT_EQ(log(), Lines{});
+  EXPECT_EQ(log(), Texts{});
 }
 
 TEST_F(ControlTest, AScrollBarStaysWithinItsBounds) {
   note(bar_.changed, "changed");
   bar_.set_value(3);
-  EXPECT_EQ(log(), Lines{}) << "its maximum is still 0";
+  EXPECT_EQ(log(), Texts{}) << "its maximum is still 0";
   bar_.set_max(5);
   bar_.set_value(9);
   EXPECT_EQ(bar_.value(), 5);
   bar_.set_max(2);
   EXPECT_EQ(bar_.value(), 2);
-  EXPECT_EQ(log(), (Lines{"changed", "changed"}));
+  EXPECT_EQ(log(), (Texts{"changed", "changed"}));
 }
 
 TEST_F(ControlTest, ShowingAnotherPageRaisesSwitched) {
   note(tabs_.switched, "switched");
   for (int page : {0, 1, 1, 3, -1}) tabs_.show(page);
-  EXPECT_EQ(log(), Lines{"switched"});
+  EXPECT_EQ(log(), Texts{"switched"});
   tabs_.disable_others();
   EXPECT_FALSE(tabs_.page_enabled(0));
   EXPECT_TRUE(tabs_.page_enabled(1));
@@ -244,11 +244,11 @@ TEST_F(ControlTest, PickingTheLineThatIsShownIsAChoiceAndSettingItIsNone) {
   note(combo_.clicked, "clicked");
   combo_.choose(0);
   combo_.set_index(0);
-  EXPECT_EQ(log(), Lines{"clicked"});
+  EXPECT_EQ(log(), Texts{"clicked"});
   combo_.choose(0);
   combo_.choose(1);
   combo_.choose(7);
-  EXPECT_EQ(log(), (Lines{"clicked", "clicked"}));
+  EXPECT_EQ(log(), (Texts{"clicked", "clicked"}));
   combo_.annotate({"1", "2"});
   combo_.add("b");
   EXPECT_TRUE(combo_.notes().empty()) << "notes are those of the lines that they were made for";

@@ -182,6 +182,18 @@ TEST_F(FocusTest, TheFocusComesBackFromAButtonThatDeletesAndNeverSettlesThere) {
   EXPECT_EQ(card_.focus(), &card_.pages) << "past the button, which is next in tab order";
 }
 
+TEST_F(FocusTest, WhoSteppedToAButtonThatDeletesIsBackThere) {
+  card_.perilous_buttons = {&card_.ok};
+  start_on(card_.combo);
+  hand_.press(card_.combo, {Key::kTab});
+  ASSERT_EQ(card_.focus(), &card_.ok);
+  hand_.press(card_.ok, {Key::kEnter});
+  EXPECT_EQ(card_.focus(), &card_.ok);
+  start_on(card_.combo);
+  hand_.click(card_.ok);
+  EXPECT_EQ(card_.focus(), &card_.combo);
+}
+
 TEST_F(FocusTest, TabGoesOnToWhatLeavingHasOpened) {
   card_.combo.set_enabled(false);
   card_.header.lost_focus += [this] { card_.combo.set_enabled(!card_.header.is_empty()); };

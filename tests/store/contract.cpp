@@ -1,7 +1,6 @@
 #include "store/contract.h"
 
 #include "store/notation.h"
-#include "store/text_literal.h"
 
 namespace velanor::store {
 
@@ -296,6 +295,8 @@ TEST_P(StoreContract, AChangeThatFailsLeavesEverythingAsItWas) {
   };
   EXPECT_THROW(change(true), std::runtime_error);
   EXPECT_EQ(select("SSELECT SECTEUR PAR 1", "SECTEUR", "1"), Rows({"Aide", "Soin"}));
+  EXPECT_EQ(select("SSELECT SECTEUR PAR 0", "SECTEUR", "1"), Rows({"Aide", "Soin"}))
+      << "asked within it, too";
   EXPECT_EQ(select("SSELECT PROFIL", "PROFIL"), Rows());
   change(false);
   database_->in_one_view([&] {

@@ -7,7 +7,6 @@
 
 #include "store/notation.h"
 #include "store/select/collation.h"
-#include "store/text_literal.h"
 #include "velanor/memory_database.h"
 
 namespace velanor::store {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "store/select/dictionary.h"
-#include "velanor/error.h"
+#include "velanor/database.h"
 
 namespace velanor::store::select {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "card/record/record_layout.h"
+#include "card/record/element.h"
 #include "velanor/date.h"
 
 namespace velanor::test {
@@ -39,86 +39,89 @@ void add_reference_records(store::MemoryDatabase& database) {
 
 std::string day(int d, int m, int y) { return std::to_string(*entry::day_number({d, m, y})); }
 
-void set_values(DbRecord& card, int attribute, const std::vector<std::string>& values) {
-  card.set(attribute, {});
-  for (const std::string& value : values) card.set(attribute, store::kAppend, value);
+void set_values(DbRecord& card, const card::Field& field, const std::vector<std::string>& values) {
+  set_element(card, field, "");
+  for (const std::string& value : values) set_element(card, field, store::kAppend, value);
+}
+
+void empty(DbRecord& card, std::initializer_list<card::Field> fields) {
+  for (const card::Field& field : fields) set_element(card, field, "");
 }
 
 // Two amendments on the given grids, otherwise as the card's first.
 void put_grids(DbRecord& card, const std::vector<std::string>& dates, const std::vector<std::string>& grids) {
-  card.set(card::kContractStart, dates.front());
+  set_element(card, card::kContractStart, dates.front());
   set_values(card, card::kEffective, dates);
   set_values(card, card::kGridStart, dates);
   set_values(card, card::kGrid, grids);
-  const std::string qualification(card(card::kQualification, 1)), measure(card(card::kNewMeasure, 1));
-  for (int attribute : {int(card::kQualification), int(card::kCategory), int(card::kHourlyRate),
-                        int(card::kMonthlyTime), int(card::kNewMeasure)})
-    card.set(attribute, {});
-  for (int attribute : card::kItemColumns) card.set(attribute, {});
+  const std::string qualification(element(card, card::kQualification, 1)),
+      measure(element(card, card::kNewMeasure, 1));
+  empty(card, {card::kQualification, card::kCategory, card::kHourlyRate, card::kMonthlyTime,
+               card::kNewMeasure, card::kItemCode, card::kItemBase, card::kItemRate, card::kItemAmount});
   for (int i = 1; i <= static_cast<int>(dates.size()); ++i) {
-    card.set(card::kQualification, i, qualification);
-    card.set(card::kNewMeasure, i, measure);
-    card.set(card::kItemCode, i, 1, "001");
-    card.set(card::kItemBase, i, 1, std::to_string(10000 + i));
-    card.set(card::kItemRate, i, 1, "0");
-    card.set(card::kItemAmount, i, 1, "");
+    set_element(card, card::kQualification, i, qualification);
+    set_element(card, card::kNewMeasure, i, measure);
+    set_element(card, card::kItemCode, i, 1, "001");
+    set_element(card, card::kItemBase, i, 1, std::to_string(10000 + i));
+    set_element(card, card::kItemRate, i, 1, "0");
+    set_element(card, card::kItemAmount, i, 1, "");
   }
 }
 
 void put_dates(DbRecord& card, const std::vector<std::string>& dates) {
-  const std::string grid(card(card::kGrid, 1));
+  const std::string grid(element(card, card::kGrid, 1));
   put_grids(card, dates, std::vector<std::string>(dates.size(), grid));
 }
 
 // More items than the form shows at once, some that cannot be entered by hand or have left their file.
 void put_many_items(DbRecord& card) {
-  for (int i = 1; i <= card.Count(card::kEffective); ++i) {
+  for (int i = 1; i <= card.Count(card::kEffective.number); ++i) {
     for (int n = 1; n <= 20; ++n) {
       const char* const code = n == 4 ? "041" : n == 8 ? "999" : n % 2 == 0 ? "022" : "001";
-      card.set(card::kItemCode, i, n, code);
-      card.set(card::kItemBase, i, n, std::to_string(100 * n));
-      card.set(card::kItemRate, i, n, n % 2 == 0 ? "3800" : "0");
-      card.set(card::kItemAmount, i, n, n % 2 == 0 ? std::to_string(38 * n) : "");
+      set_element(card, card::kItemCode, i, n, code);
+      set_element(card, card::kItemBase, i, n, std::to_string(100 * n));
+      set_element(card, card::kItemRate, i, n, n % 2 == 0 ? "3800" : "0");
+      set_element(card, card::kItemAmount, i, n, n % 2 == 0 ? std::to_string(38 * n) : "");
     }
   }
 }
 
 void put_unknown_codes(DbRecord& card) {
-  card.set(card::kTown, "Atlantide");
-  card.set(card::kSector, "555");
-  card.set(card::kProfile1, "998");
-  card.set(card::kProfile2, "999");
-  card.set(card::kContractEnd, day(31, 12, 2026));
-  card.set(card::kEndReason, "77");
-  card.set(card::kContractNature, "88");
-  card.set(card::kEducation, "9");
-  card.set(card::kMutualCharge, "999");
-  card.set(card::kActivity, 1, "001999");
-  card.set(card::kGrid, 1, "01999");
-  card.set(card::kQualification, 1, "ZZZ");
+  set_element(card, card::kTown, "Atlantide");
+  set_element(card, card::kSector, "555");
+  set_element(card, card::kProfile1, "998");
+  set_element(card, card::kProfile2, "999");
+  set_element(card, card::kContractEnd, day(31, 12, 2026));
+  set_element(card, card::kEndReason, "77");
+  set_element(card, card::kContractNature, "88");
+  set_element(card, card::kEducation, "9");
+  set_element(card, card::kMutualCharge, "999");
+  set_element(card, card::kActivity, 1, "001999");
+  set_element(card, card::kGrid, 1, "01999");
+  set_element(card, card::kQualification, 1, "ZZZ");
 }
 
 void put_long_figures(DbRecord& card) {
-  for (int attribute : {int(card::kCeiling), int(card::kSocialBase), int(card::kMutualEmployee),
-                        int(card::kMutualEmployer), int(card::kExemptedHours)})
-    card.set(attribute, "123456789012");
-  card.set(card::kEstablishmentHours, "1234567");
-  card.set(card::kShare, 1, "12345678");
-  card.set(card::kHourlyRate, 1, "987654321");
-  card.set(card::kMonthlyTime, 1, "987654321");
-  card.set(card::kItemBase, 1, 1, "987654321");
-  card.set(card::kItemRate, 1, 1, "987654321");
-  card.set(card::kItemAmount, 1, 1, "987654321");
+  for (const auto& figure : {card::kCeiling, card::kSocialBase, card::kMutualEmployee, card::kMutualEmployer,
+                             card::kExemptedHours})
+    set_element(card, figure, "123456789012");
+  set_element(card, card::kEstablishmentHours, "1234567");
+  set_element(card, card::kShare, 1, "12345678");
+  set_element(card, card::kHourlyRate, 1, "987654321");
+  set_element(card, card::kMonthlyTime, 1, "987654321");
+  set_element(card, card::kItemBase, 1, 1, "987654321");
+  set_element(card, card::kItemRate, 1, 1, "987654321");
+  set_element(card, card::kItemAmount, 1, 1, "987654321");
 }
 
 void put_unreadable_figures(DbRecord& card) {
-  card.set(card::kBirth, "hier");
-  card.set(card::kSocialBase, "abc");
-  card.set(card::kExemptedHours, "1e3");
-  card.set(card::kGridStart, 1, "99999999");
-  card.set(card::kHourlyRate, 1, "x1");
-  card.set(card::kShare, 1, "tout");
-  card.set(card::kItemBase, 1, 1, "b1");
+  set_element(card, card::kBirth, "hier");
+  set_element(card, card::kSocialBase, "abc");
+  set_element(card, card::kExemptedHours, "1e3");
+  set_element(card, card::kGridStart, 1, "99999999");
+  set_element(card, card::kHourlyRate, 1, "x1");
+  set_element(card, card::kShare, 1, "tout");
+  set_element(card, card::kItemBase, 1, 1, "b1");
 }
 
 using Change = std::function<void(DbRecord&)>;
@@ -131,14 +134,14 @@ std::vector<Change> common_changes() {
       put_unknown_codes,
       put_long_figures,
       put_unreadable_figures,
-      [](DbRecord& card) { card.set(card::kEstablishment, "002002"); },
-      [](DbRecord& card) { card.set(card::kEstablishment, "001003"); },
+      [](DbRecord& card) { set_element(card, card::kEstablishment, "002002"); },
+      [](DbRecord& card) { set_element(card, card::kEstablishment, "001003"); },
       [](DbRecord& card) {
-        card = record_of({{card::kName, "SANS RIEN"}});
+        card = {};
+        set_element(card, card::kName, "SANS RIEN");
       },
       [](DbRecord& card) {
-        for (int attribute : {int(card::kActivity), int(card::kShare), int(card::kEffective)})
-          card.set(attribute, {});
+        empty(card, {card::kActivity, card::kShare, card::kEffective});
       },
   };
 }
@@ -178,7 +181,8 @@ void add_awkward_records(store::MemoryDatabase& database) {
     const std::string end = std::string(entity) + "2026";
     std::vector<DbRecord> models;
     database.for_each("VELANORO", [&](std::string_view id, const DbRecord& card) {
-      if (id.ends_with(end) && card(card::kAgreement) == agreement && card(card::kContractEnd).empty())
+      if (id.ends_with(end) && element(card, card::kAgreement) == agreement &&
+          element(card, card::kContractEnd).empty())
         models.push_back(card);
     });
     std::vector<Change> changes = common_changes();
@@ -190,7 +194,7 @@ void add_awkward_records(store::MemoryDatabase& database) {
     for (const Change& change : changes) {
       DbRecord card = models.at(static_cast<std::size_t>(++code) % models.size());
       // A list opens the first of its namesakes, so most have a name of their own.
-      if (code > kNamesakes) card.set(card::kName, "BIZARRE " + std::to_string(code));
+      if (code > kNamesakes) set_element(card, card::kName, "BIZARRE " + std::to_string(code));
       change(card);
       database.put("VELANORO", std::to_string(code) + end, card);
     }

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "card/record/record_layout.h"
+#include "card/record/element.h"
 #include "play/scenario.h"
 #include "play/store_commands.h"
 
@@ -22,7 +22,8 @@ void MemorySink::put(std::string_view file, std::string_view id, const store::Db
     other_towns_.emplace(record(1), id);
     return;
   }
-  if (const auto town = other_towns_.extract(file == "VELANORO" ? std::string(record(card::kTown)) : "")) {
+  if (const auto town =
+          other_towns_.extract(file == "VELANORO" ? std::string(element(record, card::kTown)) : "")) {
     store::DbRecord named;
     named.set(1, town.key());
     database_.put("COMMUNES", town.mapped(), named);

@@ -18,7 +18,7 @@ struct Outcome {
   std::string output;
 };
 
-class Program : public testing::Test {
+class CommandLine : public testing::Test {
  protected:
   // Both outputs together.
   Outcome run(const std::string& arguments) const {
@@ -37,7 +37,7 @@ class Program : public testing::Test {
   TemporaryFolder folder_;
 };
 
-TEST_F(Program, BuildsTheDemonstrationOnceAndChecksIt) {
+TEST_F(CommandLine, BuildsTheDemonstrationOnceAndChecksIt) {
   EXPECT_EQ(run("demo base").status, 0);
   const Outcome check = run("check --store base");
   EXPECT_EQ(check.status, 0);
@@ -47,24 +47,25 @@ TEST_F(Program, BuildsTheDemonstrationOnceAndChecksIt) {
   EXPECT_EQ(again.output, "velanorctl : Le fichier « base » existe déjà. Donnez un autre nom, ou ôtez-le.\n");
 }
 
-TEST_F(Program, TellsAFaultyCardAndEndsWithOne) {
+TEST_F(CommandLine, TellsAFaultyCardAndEndsWithOne) {
   run("demo base");
   write("faute.csv", "id;1\n000010092026;X\n");
   EXPECT_EQ(
       run("import faute.csv --store base --file VELANORO").output,
-      "faute.csv:2: L'entité « 009 » n'existe pas.\n"
+      "faute.csv:2: L'entité « 009 » n'existe pas dans ASSOCIATION.\n"
       "Importez d'abord les fichiers de référence ; --accepter-inconnus admet les codes qui n'y sont pas.\n"
       "Rien n'a été importé. Corrigez le tableau, puis recommencez.\n");
   EXPECT_EQ(run("import faute.csv --store base --file VELANORO --accepter-inconnus").output,
-            "Attention : faute.csv:2: L'entité « 009 » n'existe pas.\n"
+            "Attention : faute.csv:2: L'entité « 009 » n'existe pas dans ASSOCIATION.\n"
             "VELANORO : enregistrements créés : 1, modifiés : 0, inchangés : 0.\n");
   const Outcome check = run("check --store sqlite:base");
   EXPECT_EQ(check.status, 1);
-  EXPECT_NE(check.output.find("000010092026 : L'entité « 009 » n'existe pas.\n"), std::string::npos);
+  EXPECT_NE(check.output.find("000010092026 : L'entité « 009 » n'existe pas dans ASSOCIATION.\n"),
+            std::string::npos);
   EXPECT_NE(check.output.find("fiches en faute : 1"), std::string::npos) << check.output;
 }
 
-TEST_F(Program, ImportsATableOrNothingOfIt) {
+TEST_F(CommandLine, ImportsATableOrNothingOfIt) {
   write("bon.csv", "id;1\n001;Ville\n002;Bourg\n");
   write("faux.csv", "id;1\n003;Hameau\n004\n");
   EXPECT_EQ(run("import faux.csv --store base --file SECTEUR").status, 1);
@@ -82,7 +83,7 @@ TEST_F(Program, ImportsATableOrNothingOfIt) {
   EXPECT_EQ(run("export --store base --file SECTEUR").output, "\xEF\xBB\xBFid;1 Nom\n001;Ville\n002;Bourg\n");
 }
 
-TEST_F(Program, PrintsSelectionsLinedUpAndRecordsElementByElement) {
+TEST_F(CommandLine, PrintsSelectionsLinedUpAndRecordsElementByElement) {
   write("t.csv", "id;1;2,2\n001;Été;x\n002;Bourg;y\n");
   run("import t.csv --store base --file SECTEUR");
   EXPECT_EQ(run("select 'SSELECT SECTEUR PAR 1' '0 1 2' --store base").output,
@@ -100,7 +101,7 @@ TEST_F(Program, PrintsSelectionsLinedUpAndRecordsElementByElement) {
   EXPECT_EQ(bad.output.find("velanorctl : "), 0u) << bad.output;
 }
 
-TEST_F(Program, BacksUpToAFileThatOpens) {
+TEST_F(CommandLine, BacksUpToAFileThatOpens) {
   write("t.csv", "id;1\n001;Ville\n");
   run("import t.csv --store base --file SECTEUR");
   EXPECT_EQ(run("backup copie --store base").status, 0);
@@ -108,7 +109,7 @@ TEST_F(Program, BacksUpToAFileThatOpens) {
   EXPECT_EQ(run("backup copie --store base").status, 1);
 }
 
-TEST_F(Program, ADamagedBaseIsRefusedUnderAStatusOfItsOwn) {
+TEST_F(CommandLine, ADamagedBaseIsRefusedUnderAStatusOfItsOwn) {
   run("demo base");
   std::filesystem::resize_file(folder_.file("base"), 2'000'000);
   const Outcome check = run("check --store base");
@@ -125,7 +126,7 @@ TEST_F(Program, ADamagedBaseIsRefusedUnderAStatusOfItsOwn) {
   EXPECT_EQ(std::filesystem::file_size(folder_.file("base")), 0u) << "an empty file was made a base of";
 }
 
-TEST_F(Program, ARotationOfBackupsIsKeptOnRequest) {
+TEST_F(CommandLine, ARotationOfBackupsIsKeptOnRequest) {
   write("t.csv", "id;1\n001;Ville\n");
   run("import t.csv --store base.db --file SECTEUR");
   std::filesystem::create_directory(folder_.file("d"));
@@ -138,7 +139,7 @@ TEST_F(Program, ARotationOfBackupsIsKeptOnRequest) {
   EXPECT_EQ(run("backup d --store base.db --garder 0").status, 64);
 }
 
-TEST_F(Program, ARehearsalOfAnImportLeavesNoBase) {
+TEST_F(CommandLine, ARehearsalOfAnImportLeavesNoBase) {
   write("t.csv", "id;Nom\r\n1;Ch\xE2teau\r\n;\r\n");
   EXPECT_EQ(run("import t.csv --store base --file SECTEUR --essai").output,
             "Attention : t.csv:1: le tableau n'est pas en UTF-8 ; il est lu en Windows-1252\n"
@@ -149,7 +150,7 @@ TEST_F(Program, ARehearsalOfAnImportLeavesNoBase) {
   EXPECT_EQ(run("show SECTEUR 001 --store base").output, "1 = Château\n");
 }
 
-TEST_F(Program, AStoreThatIsNotThereOrNotNamedIsSaidSo) {
+TEST_F(CommandLine, AStoreThatIsNotThereOrNotNamedIsSaidSo) {
   const Outcome absent = run("check --store absente");
   EXPECT_EQ(absent.status, 1);
   EXPECT_EQ(absent.output.find("velanorctl : La base « absente » ne peut pas être ouverte."), 0u)

@@ -14,7 +14,6 @@
 #include <utility>
 
 #include "app/velanor/help_window.h"
-#include "card/record/record_layout.h"
 #include "qt/message_sheet.h"
 #include "qt/strings.h"
 #include "screen/scope.h"
@@ -22,6 +21,7 @@
 namespace velanor::app {
 namespace {
 
+constexpr qsizetype kEmployeeCode = 5;  // characters, with which the id of a card begins
 const QString kTitle = QStringLiteral("Fiches du personnel");
 
 // The toolkit's translation leaves these out.
@@ -41,11 +41,7 @@ QFileIconProvider& french_kinds() {
 }  // namespace
 
 MainWindow::MainWindow(store::Database& database, QWidget* parent)
-    : QMainWindow(parent),
-      database_(database),
-      component_(new qt::ControleVelanorWidget),
-      card_(component_->screen(), [this]() -> const store::DbRecord& { return component_->card_in_hand(); }),
-      pages_(new QStackedWidget) {
+    : QMainWindow(parent), component_(new qt::ControleVelanorWidget), pages_(new QStackedWidget) {
   pages_->addWidget(new QWidget);
   pages_->addWidget(component_);
   setCentralWidget(pages_);
@@ -54,12 +50,15 @@ MainWindow::MainWindow(store::Database& database, QWidget* parent)
   update_title();
   component_->DroitsUtilisateur(*this);
   component_->TheClient(client_);
-  component_->TheDatabase(database_);
+  component_->TheDatabase(database);
   connect(component_, &qt::ControleVelanorWidget::left, this, &QWidget::close);
   connect(component_, &qt::ControleVelanorWidget::help_asked, this, &MainWindow::show_help);
-  connect(component_, &qt::ControleVelanorWidget::acted, this, &MainWindow::follow);
   connect(component_, &qt::ControleVelanorWidget::message_opened, this, &MainWindow::end_message,
           Qt::QueuedConnection);
+  // By then the rules have answered, or asked once more.
+  connect(component_, &qt::ControleVelanorWidget::message_closed, this, &MainWindow::go_on_leaving,
+          Qt::QueuedConnection);
+  follow_card();
   resize(1264, 680);
 }
 
@@ -142,12 +141,12 @@ void MainWindow::set_read_only() {
 
 // The card first: a narrow place for titles cuts their end.
 void MainWindow::update_title() {
-  QStringList parts{qt::to_qt(card_.title()), source_, mode_->text(), kTitle};
+  QStringList parts{component_->card_title(), source_, mode_->text(), kTitle};
   parts.removeAll(QString());
   for (QString& part : parts) part.replace("[*]", "[*][*]");
   parts.first() += "[*]";
   setWindowTitle(parts.join(" – "));
-  setWindowModified(card_.modified());
+  setWindowModified(component_->modified());
 }
 
 void MainWindow::set_recent(const QStringList& files) {
@@ -185,32 +184,24 @@ void MainWindow::show_about() {
   box->open();
 }
 
-// ---- After each act.
+// ---- What the component tells.
 
-void MainWindow::follow() {
-  if (component_->screen().finished()) return;
-  const std::string before = std::exchange(card_title_, {});
-  card_.look();
-  card_title_ = card_.title();
-  if (before.empty() && card_.card_open()) told_->clear();
-  tell_change(before);
-  update_title();
-  go_on_leaving();
+void MainWindow::follow_card() {
+  using Component = qt::ControleVelanorWidget;
+  connect(component_, &Component::card_title_changed, this, &MainWindow::update_title);
+  connect(component_, &Component::modified_changed, this, &MainWindow::update_title);
+  connect(component_, &Component::card_opened, this, [this] { tell({}); });
+  connect(component_, &Component::card_saved, this,
+          [this](const QString&, const QString& title) { tell("Fiche " + title + " enregistrée"); });
+  connect(component_, &Component::card_deleted, this,
+          [this](const QString&, const QString& title) { tell("Fiche " + title + " supprimée"); });
+  connect(component_, &Component::card_copied, this,
+          [this](const QString&, const QString& title, const QString& copy) {
+            tell("Fiche " + title + " copiée sur le code " + copy.left(kEmployeeCode));
+          });
 }
 
-void MainWindow::tell_change(const std::string& card) {
-  const auto change = database_.take_change();
-  if (!change) return;
-  const std::string code = change->id.substr(0, card::kEmployeeCodeLength);
-  if (change->kind == WatchedDatabase::CardChange::Kind::kDeleted)
-    tell("Fiche " + card + " supprimée");
-  else if (card_.card_open())
-    tell("Fiche " + card + " copiée sur le code " + code);
-  else
-    tell("Fiche " + code + " " + change->name + " enregistrée");
-}
-
-void MainWindow::tell(const std::string& sentence) { told_->setText(qt::to_qt(sentence)); }
+void MainWindow::tell(const QString& sentence) const { told_->setText(sentence); }
 
 // ---- Leaving.
 
@@ -240,7 +231,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 
 bool MainWindow::would_ask() const {
   if (leaves_ || !is_started() || component_->screen().finished()) return false;
-  return card_.card_open() || component_->open_message();
+  return component_->state() != control::State::kNone || component_->open_message();
 }
 
 bool MainWindow::may_leave(Leaving leaving) {
@@ -269,10 +260,11 @@ bool MainWindow::asks_and_may_leave() {
 // The rules may answer with one more message.
 void MainWindow::end_message() {
   qt::MessageSheet* sheet = leaving_ == Leaving::kNot ? nullptr : component_->open_message();
-  if (sheet) emit sheet->answered(qt::MessageSheet::closing_answer(sheet->message().buttons));
+  if (sheet) emit sheet->answered(sheet->closing_answer());
 }
 
 void MainWindow::go_on_leaving() {
+  if (component_->open_message()) return;
   switch (std::exchange(leaving_, Leaving::kNot)) {
     case Leaving::kClosing:
       QTimer::singleShot(0, this, &QWidget::close);

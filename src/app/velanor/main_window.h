@@ -5,8 +5,6 @@
 #include <QPointer>
 #include <functional>
 
-#include "app/velanor/card_watch.h"
-#include "app/velanor/watched_database.h"
 #include "velanor/controle_velanor_widget.h"
 #include "velanor/host.h"
 
@@ -66,20 +64,15 @@ class MainWindow : public QMainWindow, private control::UserRights {
   void show_help(const QString& page, const QString& title);
   void show_about();
   bool is_started() const;
-  void follow();
-  // `card` is the title of the card that was open before the act.
-  void tell_change(const std::string& card);
-  void tell(const std::string& sentence);
+  void follow_card();
+  void tell(const QString& sentence) const;
   void update_title();
   bool would_ask() const;
   bool asks_and_may_leave();
   void end_message();
   void go_on_leaving();
 
-  WatchedDatabase database_;
   qt::ControleVelanorWidget* component_;
-  CardWatch card_;
-  std::string card_title_;
   control::Client client_;
   QStackedWidget* pages_;
   QMenu* recent_ = nullptr;

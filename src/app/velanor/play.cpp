@@ -10,6 +10,7 @@
 #include "app/velanor/qt_actor.h"
 #include "play/player.h"
 #include "qt/action_button.h"
+#include "qt/comparison_table.h"
 #include "qt/message_sheet.h"
 
 namespace velanor::app {
@@ -38,12 +39,28 @@ class WindowStage : public play::Stage {
   // The answer is made by the box's own button, from within the loop that waits for it.
   void answer() {
     qt::MessageSheet* sheet = window_.component().open_message();
-    const screen::Answer given = boxes_.show(sheet->message());
+    std::vector<screen::Answer> choices;
+    screen::Answer given = screen::Answer::Cancel;
+    if (sheet->table()) {
+      choices = boxes_.compare({sheet->message().title, sheet->message().text, sheet->table()->lines()});
+      if (!choices.empty()) given = screen::Answer::Ok;
+    } else {
+      given = boxes_.show(sheet->message());
+    }
     const QPointer<qt::MessageSheet> box(sheet);
-    QTimer::singleShot(0, sheet, [this, box, given] {
+    QTimer::singleShot(0, sheet, [this, box, given, choices] {
+      if (box && box->table()) choose(*box->table(), choices);
       if (!shots_.isEmpty()) actor_.shot("message-" + std::to_string(++messages_));
       if (box) click_on(*box->button(given));
     });
+  }
+
+  // As a user without a mouse does.
+  static void choose(qt::ComparisonTable& table, const std::vector<screen::Answer>& choices) {
+    for (const screen::Answer choice : choices) {
+      send_key(table, choice == screen::Answer::Mine ? Qt::Key_Right : Qt::Key_Left);
+      send_key(table, Qt::Key_Return);
+    }
   }
 
   MainWindow window_;

@@ -23,6 +23,16 @@
 #include "qt/strings.h"
 
 namespace velanor::app {
+
+void send_key(QWidget& widget, int key, const QString& text, Qt::KeyboardModifiers with) {
+  const QPointer<QWidget> still(&widget);
+  QKeyEvent press(QEvent::KeyPress, key, with, text);
+  QCoreApplication::sendEvent(&widget, &press);
+  if (!still) return;
+  QKeyEvent release(QEvent::KeyRelease, key, with, text);
+  QCoreApplication::sendEvent(&widget, &release);
+}
+
 namespace {
 
 using play::Actor;
@@ -41,16 +51,6 @@ void click_at(QWidget& widget, const QPoint& at) {
   const QPointer<QWidget> still(&widget);
   mouse(QEvent::MouseButtonPress, widget, at);
   if (still) mouse(QEvent::MouseButtonRelease, widget, at);
-}
-
-void send_key(QWidget& widget, int key, const QString& text = {},
-              Qt::KeyboardModifiers with = Qt::NoModifier) {
-  const QPointer<QWidget> still(&widget);
-  QKeyEvent press(QEvent::KeyPress, key, with, text);
-  QCoreApplication::sendEvent(&widget, &press);
-  if (!still) return;
-  QKeyEvent release(QEvent::KeyRelease, key, with, text);
-  QCoreApplication::sendEvent(&widget, &release);
 }
 
 // The widget that has the keyboard in the window of another.

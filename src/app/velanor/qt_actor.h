@@ -56,5 +56,8 @@ class QtActor : public play::Actor {
 
 // A left click in the middle of a widget, or at a point of it.
 void click_on(QWidget& widget);
+// A key pressed and released.
+void send_key(QWidget& widget, int key, const QString& text = {},
+              Qt::KeyboardModifiers with = Qt::NoModifier);
 
 }  // namespace velanor::app

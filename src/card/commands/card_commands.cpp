@@ -1,6 +1,7 @@
 #include "card/commands/card_commands.h"
 
-#include "card/record/record_layout.h"
+#include "card/record/element.h"
+#include "card/record/reference_layout.h"
 #include "entry/decimal.h"
 #include "screen/scope.h"
 #include "text/utf8.h"
@@ -24,10 +25,11 @@ std::string CardCommands::id_of(const std::string& employee) const {
 
 void CardCommands::write_card(store::FileRecord& card, const store::Expected& expected) {
   if (!card::is_record_id(card.id())) {
-    throw store::DbError(store::kStoreFailure,
-                         "La fiche « " + card.id() +
-                             " » ne peut pas être enregistrée : il manque un code de salarié, une entité ou "
-                             "une année.");
+    throw store::DbError(
+        store::kStoreFailure,
+        "La fiche « " + card.id() +
+            " » ne peut pas être enregistrée dans VELANORO : il manque un code de salarié, une "
+            "entité ou une année. Annulez, puis choisissez-les.");
   }
   card.DBWrite(expected);
 }
@@ -77,9 +79,11 @@ void CardCommands::enter_entity() {
   ui.Txt_Aidant.set_enabled(true);
   ui.Cbo_Aidant.set_enabled(true);
   ui.Cmd_Ajout.set_enabled(!on_.card.read_only);
-  constexpr int kMonthlyHours = 2;
-  const auto establishment = on_.procedure.establishments().find(entity() + "001");
-  const auto hours = establishment ? entry::parse_decimal((*establishment)(kMonthlyHours), 0) : std::nullopt;
+  const auto establishment =
+      on_.procedure.establishments().find(entity() + std::string(card::establishments::kFirst));
+  const auto hours = establishment
+                         ? entry::parse_decimal((*establishment)(card::establishments::kMonthlyHours), 0)
+                         : std::nullopt;
   on_.card.default_hours =
       hours ? text::pad_left(entry::format_decimal(*hours, 2, 2), 6, '0') : std::string();
   RemplirPeriodes();
@@ -230,8 +234,9 @@ void CardCommands::card_went() {
 
 void CardCommands::tell_of_stored(CardEvent::Kind kind, const std::string& copy) {
   const store::FileRecord& file = *on_.card.file;
-  const CardEvent event{kind, file.id(),
-                        title_of(file.id().substr(0, card::kEmployeeCodeLength), file(card::kName)), copy};
+  const CardEvent event{
+      kind, file.id(),
+      title_of(file.id().substr(0, card::kEmployeeCodeLength), card::element(file, card::kName)), copy};
   if (open_) open_ = CardEvent{kind, event.id, event.title, {}};
   tell_(event);
 }
@@ -284,10 +289,10 @@ void CardCommands::Cmd_OK_Click() {
     if (on_.card.Creation) {
       on_.card.file = write_new_card([this](const std::string&) { return on_.card.draft.record(); });
     } else {
-      store::FileRecord file = *on_.card.file;
-      file.assign(on_.card.draft.record());
-      write_card(file, store::Expected::anything());
-      on_.card.file = file;
+      if (writer_.save(*on_.card.file, on_.card.draft) == CardWriter::Outcome::kBack) {
+        on_.card.draft = in_hand;
+        return;
+      }
     }
   } catch (...) {
     on_.card.draft = in_hand;
@@ -316,8 +321,10 @@ void CardCommands::RechCode() {
       return;
     }
   }
-  throw store::DbError(store::kStoreFailure,
-                       "Aucun code de salarié n'est libre pour cette entité et cette année.");
+  throw store::DbError(
+      store::kStoreFailure,
+      "Aucun code de salarié n'est libre pour cette entité et cette année : supprimez une fiche "
+      "qui ne sert plus.");
 }
 
 // ---- Back to browsing.
@@ -378,10 +385,9 @@ void CardCommands::Cmd_Annul_Click() {
 void CardCommands::Cmd_Supp_Click() {
   if (!on_.screen.confirm_loss("Voulez-vous supprimer cette fiche ?")) return;
   if (!on_.card.Creation) {
-    const std::string id = id_of(on_.card.CodeAidant);
-    on_.procedure.file(control::File::kCards).DeleteRecord(id);
+    const std::string& id = on_.card.file->id();
+    if (writer_.remove(*on_.card.file, [&] { SupprimerCalculs(id); }) == CardWriter::Outcome::kBack) return;
     tell_of_stored(CardEvent::Kind::kDeleted);
-    SupprimerCalculs(id);
   }
   // Budget grouping, state and the duplicate button stay as the deleted card left them.
   const std::exception_ptr failure = return_to_browsing();
@@ -421,8 +427,8 @@ void CardCommands::Cmd_Copier_Click() {
   const store::FileRecord written = write_new_card([&](const std::string& new_code) {
     code = new_code;
     store::DbRecord copy = *on_.card.file;
-    copy.set(card::kName, code);
-    for (int attribute : card::kResults) copy.set(attribute, {});
+    set_element(copy, card::kName, code);
+    for (const card::Field& result : card::kResults) set_element(copy, result, "");
     return copy;
   });
   tell_of_stored(CardEvent::Kind::kCopied, written.id());

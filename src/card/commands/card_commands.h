@@ -8,6 +8,7 @@
 
 #include "card/commands/card_event.h"
 #include "card/commands/card_record.h"
+#include "card/commands/card_writer.h"
 #include "card/commands/validation.h"
 #include "card/screen/card_screen.h"
 #include "card/screen/card_state.h"
@@ -34,7 +35,10 @@ class CardCommands {
   };
   // `default_agreement` is asked for at each new card.
   CardCommands(const Ground& ground, std::function<std::string()> default_agreement, TellCardEvent tell)
-      : on_(ground), default_agreement_(std::move(default_agreement)), tell_(std::move(tell)) {}
+      : on_(ground),
+        writer_(ground.procedure, ground.screen),
+        default_agreement_(std::move(default_agreement)),
+        tell_(std::move(tell)) {}
 
   void bind();
 
@@ -97,6 +101,7 @@ class CardCommands {
   void allow_browsing(const std::exception_ptr& failure);
 
   Ground on_;
+  CardWriter writer_;
   std::function<std::string()> default_agreement_;
   TellCardEvent tell_;
   std::optional<CardEvent> open_;  // as it was told to have been opened, or saved since

@@ -1,14 +1,14 @@
 #include "card/commands/card_fields.h"
 
 #include "card/commands/card_commands.h"
+#include "card/record/fit_codes.h"
 #include "card/record/record_layout.h"
+#include "card/record/reference_layout.h"
 #include "text/utf8.h"
 
 namespace velanor::commands {
 
 using reference::LookupPair;
-
-constexpr std::size_t kDateLength = 10;
 
 // ---- Dates, hours, rates, percentages, amounts.
 
@@ -23,18 +23,22 @@ void CardFields::bind_free_entry(entry::Fields& fields) {
       {ui.Txt_DatEffet, 6, [this](DateOutcome outcome) { Txt_DatEffet_LostFocus(outcome); }},
       {ui.Txt_DatDepGrille},
   };
-  const entry::DecimalField decimals[] = {
-      {ui.Txt_DureMens, 2, entry::Caret::kLeft},
-      {ui.Txt_TxHor, 3},
-      {ui.Txt_AssSS, 2},
-      {ui.Txt_PlafSecu, 2},
-      {ui.Txt_HresExo, 2},
-      {ui.Txt_Pourc, 2},
+  const entry::DecimalField figures[] = {
+      {ui.Txt_DureMens, decimals(card::kMonthlyTime), entry::Caret::kLeft},
+      {ui.Txt_TxHor, decimals(card::kHourlyRate)},
+      {ui.Txt_AssSS, decimals(card::kSocialBase)},
+      {ui.Txt_PlafSecu, decimals(card::kCeiling)},
+      {ui.Txt_HresExo, decimals(card::kExemptedHours)},
+      {ui.Txt_Pourc, decimals(card::kShare)},
   };
-  const entry::AmountField amounts[] = {{ui.Txt_MutSalContrat, 2, 4}, {ui.Txt_MutPatContrat, 2, 4}};
+  const auto amount = [](screen::TextBox& box, const card::Field& field) {
+    return entry::AmountField{box, decimals(field), integer_digits(field)};
+  };
+  const entry::AmountField amounts[] = {amount(ui.Txt_MutSalContrat, card::kMutualEmployee),
+                                        amount(ui.Txt_MutPatContrat, card::kMutualEmployer)};
   constexpr int kLongestMonth = 99999;  // hundredths of an hour
   for (const auto& field : dates) fields.bind(field);
-  for (const auto& field : decimals) fields.bind(field);
+  for (const auto& field : figures) fields.bind(field);
   for (const auto& field : amounts) fields.bind(field);
   fields.bind(entry::BoundedField{ui.Txt_HorMensEtab, kLongestMonth});
   entry::Fields::bind_letters(ui.Txt_Categorie);
@@ -60,14 +64,14 @@ void CardFields::Txt_DatEffet_LostFocus(entry::DateOutcome outcome) {
   card::CardScreen& ui = on_.ui;
   if (outcome == entry::DateOutcome::kPassed && on_.card.AjoutDetail && ui.Txt_DatDepGrille.is_empty())
     ui.Txt_DatDepGrille.set_text(ui.Txt_DatEffet.text());
-  if (ui.Txt_DatEffet.text().size() == kDateLength) on_.grids.RemplirGrille();
+  if (ui.Txt_DatEffet.text().size() == card::kEffective.length) on_.grids.RemplirGrille();
 }
 
 void CardFields::Txt_DatEffet_Change() {
   card::CardScreen& ui = on_.ui;
-  const bool complete = ui.Txt_DatEffet.text().size() == kDateLength;
+  const bool complete = ui.Txt_DatEffet.text().size() == card::kEffective.length;
   ui.Cmd_Detail.set_enabled(!on_.card.AjoutDetail && !ui.Txt_RegroupBudget.is_empty() && complete &&
-                            ui.Txt_ConvCol.text().size() == 2);
+                            ui.Txt_ConvCol.text().size() == card::kAgreement.length);
   if (complete) on_.grids.RemplirGrille();
 }
 
@@ -85,9 +89,8 @@ LookupPair CardFields::file_pair(screen::TextBox& code, screen::ComboBox& label,
 LookupPair CardFields::profile_pair(screen::TextBox& code, screen::ComboBox& label,
                                     const store::DbResult& kept) {
   LookupPair pair = file_pair(code, label, control::File::kProfiles, kept);
-  pair.refusal = [](const std::string&, const store::DbRecord& profile) -> std::string_view {
-    constexpr int kMandate = 4;
-    return profile(kMandate) == "1" ? "Vous ne pouvez pas affecter un profil mandataire." : "";
+  pair.refusal = [](const std::string&, const store::DbRecord& profile) {
+    return card::fits_profile(profile) ? std::string_view() : card::fit_of(card::kProfile1.list)->refusal;
   };
   return pair;
 }
@@ -95,8 +98,8 @@ LookupPair CardFields::profile_pair(screen::TextBox& code, screen::ComboBox& lab
 LookupPair CardFields::agreement_pair() {
   LookupPair pair = file_pair(on_.ui.Txt_ConvCol, on_.ui.Cbo_Convcol, control::File::kAgreements,
                               on_.lists.kept().agreements);
-  pair.refusal = [](const std::string& code, const store::DbRecord&) -> std::string_view {
-    return code == "02" ? "Vous ne pouvez pas sélectionner cette convention." : "";
+  pair.refusal = [](const std::string& code, const store::DbRecord&) {
+    return card::fits_agreement(code) ? std::string_view() : card::fit_of(card::kAgreement.list)->refusal;
   };
   pair.accepted = [this](const store::DbRecord& agreement) { on_.card.agreement = agreement; };
   pair.incomplete = [this] { on_.card.agreement = {}; };
@@ -145,18 +148,17 @@ LookupPair CardFields::establishment_pair() {
 // A charge item must be one of its list, whose criteria are what makes it fit.
 LookupPair CardFields::charge_pair() {
   const store::DbResult& kept = on_.lists.kept().charges;
-  return {
-      .code = on_.ui.Txt_ChargMutContrat,
-      .label = on_.ui.Cbo_ChargMutContrat,
-      .unknown = "La rubrique de charge n'existe pas ou ne répond pas aux critères, veuillez la ressaisir.",
-      .read = [&kept](const std::string& code) -> std::optional<store::DbRecord> {
-        const int entry = reference::find_entry(kept, 1, code);
-        if (entry == 0) return std::nullopt;
-        store::DbRecord charge;
-        charge.set(1, kept(entry, 2));
-        return charge;
-      },
-      .kept = kept};
+  return {.code = on_.ui.Txt_ChargMutContrat,
+          .label = on_.ui.Cbo_ChargMutContrat,
+          .unknown = card::fit_of(card::kMutualCharge.list)->refusal,
+          .read = [&kept](const std::string& code) -> std::optional<store::DbRecord> {
+            const int entry = reference::find_entry(kept, 1, code);
+            if (entry == 0) return std::nullopt;
+            store::DbRecord charge;
+            charge.set(card::kReferenceLabel, kept(entry, 2));
+            return charge;
+          },
+          .kept = kept};
 }
 
 void CardFields::bind_pairs(reference::LookupPairs& pairs, CardCommands& commands) {
@@ -177,7 +179,7 @@ void CardFields::bind_pairs(reference::LookupPairs& pairs, CardCommands& command
 // The branch date exists under two agreements only; a line needs an agreement.
 void CardFields::Txt_ConvCol_Change() {
   card::CardScreen& ui = on_.ui;
-  const bool branch = ui.Txt_ConvCol.text() == "01" || ui.Txt_ConvCol.text() == "06";
+  const bool branch = card::agreements::is_of_the_branch(ui.Txt_ConvCol.text());
   ui.Txt_DateBranche.set_visible(branch);
   ui.Etq_DepBranche.set_visible(branch);
   if (!branch) ui.Txt_DateBranche.set_text({});
@@ -195,7 +197,7 @@ void CardFields::bind_labels() {
 void CardFields::Cbo_NatureContrat_LostFocus() {
   screen::ComboBox& box = on_.ui.Cbo_NatureContrat;
   if (!box.edited() || box.is_empty() || box.find(box.text()) >= 0) return;
-  if (on_.card.draft.nature() == box.text()) return;
+  if (on_.card.draft.shown(card::kContractNature) == box.text()) return;
   if (reference::take_typed(box) == reference::Found::kOne) return;
   on_.screen.refuse("La nature saisie n'existe pas, veuillez la ressaisir.");
   on_.ui.set_focus(box);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "amendments/lines.h"
@@ -31,6 +32,8 @@ class CardRecord {
   void ChargerAidant();
   // The draft with what the controls hold; its lines are in it already.
   card::Draft entered() const;
+  // The box that shows a field as it is; null: it is shown otherwise.
+  screen::TextControl* box_of(const card::Field& field) const;
   // Every attribute of the draft, as it is saved.
   void ChargerDonnees();
 
@@ -41,23 +44,14 @@ class CardRecord {
   bool modified() const;
 
  private:
-  // A text control and the field that it shows.
-  struct Field {
-    screen::TextControl* box;
-    std::string (*shown)(const card::Draft&);
-    void (*put)(card::Draft&, std::string_view shown);
-  };
-  template <const auto& A>
-  static Field field(screen::TextControl& box);
-
   void load_options();
   void load_activities();
   void load_amendments();
   void load_end_reason();
   void load_establishment();
-  void load_mutual_shares();
+  std::string amount(const card::Draft& card, const card::Field& field) const;
   std::vector<std::string> entries() const;
-  static void load_entry(screen::ComboBox& box, const std::string& entry);
+  void load_entry(screen::ComboBox& box, const card::Field& field);
   void load_charge();
 
   card::CardScreen& ui_;
@@ -65,7 +59,8 @@ class CardRecord {
   entry::UtilSaisie& entry_;
   reference::ReferenceLists& lists_;
   amendments::AmendmentLines& amendments_;
-  std::vector<Field> fields_;
+  // Boxes that show their field as it is, and those that show it as the entry utility formats amounts.
+  std::vector<std::pair<screen::TextControl*, card::Field>> fields_, shares_;
   std::vector<const screen::TextControl*> boxes_;  // of the card; those of its lines are their own
   std::vector<const screen::OptionButton*> options_;
   card::Draft draft_as_opened_;

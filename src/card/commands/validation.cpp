@@ -8,40 +8,32 @@
 
 namespace velanor::commands {
 
-screen::Control* Validation::control_of(int attribute) const {
-  const std::pair<int, screen::Control*> kControls[] = {
-      {card::kName, &ui_.Txt_NomAidant},
+screen::Control* Validation::control_of(const card::Field& field) const {
+  const std::pair<card::Field, screen::Control*> kOthers[] = {
       {card::kEstablishment, &ui_.Txt_CodEtab},
-      {card::kEstablishmentHours, &ui_.Txt_HorMensEtab},
-      {card::kAgreement, &ui_.Txt_ConvCol},
-      {card::kSector, &ui_.Txt_Secteur},
-      {card::kTown, &ui_.Cbo_Com},
-      {card::kContractStart, &ui_.Txt_DatDeb},
       {card::kActivity, &ui_.Cmd_AjAct},
       {card::kShare, &ui_.Lst_Activites},
       // The same button as for the activities, deliberately.
       {card::kEffective, &ui_.Cmd_AjAct},
-      {card::kProfile1, &ui_.Txt_Profil1},
-      {card::kExemptedHours, &ui_.Txt_HresExo},
-      {card::kContractEnd, &ui_.Txt_DatFin},
       {card::kEndReason, &ui_.Cbo_MotifFin},
   };
-  for (const auto& [own, control] : kControls) {
-    if (own == attribute) return control;
+  for (const auto& [own, control] : kOthers) {
+    if (own == field) return control;
   }
-  return nullptr;
+  return record_.box_of(field);
 }
 
 void Validation::VerifZone() {
   const auto reference = entry::parse_decimal(control::reference_date(procedure_), 0).value_or(0);
   const card::Draft card = record_.entered();
-  const auto fault = card::first_fault(card.record(), card.reading().codec, static_cast<long>(reference));
-  if (!fault) return;
-  screen_.refuse(fault->sentence());
+  const auto faults = card::faults_of(card.record(), card.reading().codec, reference);
+  if (faults.empty()) return;
+  const card::Fault& fault = faults.front();
+  screen_.refuse(fault.sentence());
   card_.Erreur = true;
-  screen::Control* control = control_of(fault->attribute);
+  screen::Control* control = control_of(fault.field);
   auto* box = dynamic_cast<screen::TextControl*>(control);
-  if (box && fault->is_a_wrong_value) box->set_text({});
+  if (box && fault.is_a_wrong_value) box->set_text({});
   if (control) ui_.set_focus(*control);
 }
 

@@ -22,7 +22,7 @@ class Validation {
 
  private:
   // Where a fault is mended; null: nowhere on its own.
-  screen::Control* control_of(int attribute) const;
+  screen::Control* control_of(const card::Field& field) const;
 
   card::CardScreen& ui_;
   card::CardState& card_;

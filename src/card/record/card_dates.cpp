@@ -1,24 +1,15 @@
 #include "card/record/card_dates.h"
 
-#include <charconv>
-
-#include "card/record/record_layout.h"
+#include "card/record/element.h"
 #include "velanor/date.h"
 
 namespace velanor::card {
 
-std::optional<int> stored_day(std::string_view stored) {
-  static const int first = *entry::day_number({1, 1, 1}), last = *entry::day_number({31, 12, 9999});
-  int day = 0;
-  const auto read = std::from_chars(stored.data(), stored.data() + stored.size(), day);
-  const bool whole = read.ec == std::errc() && read.ptr == stored.data() + stored.size();
-  return whole && day >= first && day <= last ? std::optional(day) : std::nullopt;
-}
-
-std::vector<card::Fault> faults_of_dates(const store::DbRecord& card, int today) {
-  std::vector<card::Fault> faults;
-  const auto birth = stored_day(card(card::kBirth)), start = stored_day(card(card::kContractStart));
-  const auto branch = stored_day(card(card::kBranchEntry));
+std::vector<Fault> faults_of_dates(const store::DbRecord& card, int today) {
+  std::vector<Fault> faults;
+  const auto birth = entry::stored_day(element(card, kBirth));
+  const auto start = entry::stored_day(element(card, kContractStart));
+  const auto branch = entry::stored_day(element(card, kBranchEntry));
   if (birth && start && *birth > *start) {
     faults.emplace_back("La date de naissance est après la date de début de contrat.");
   } else if (birth && *birth > today) {

@@ -4,39 +4,23 @@
 #include <string>
 #include <string_view>
 
-#include "card/record/record_layout.h"
-#include "entry/decimal.h"
+#include "card/record/element.h"
 #include "velanor/util_saisie.h"
 
 namespace velanor::card {
 
-// Empty is empty both ways. A stored value that its encoding cannot read is shown as it stands.
+// Empty is empty both ways. A stored value that its encoding cannot read is shown as it stands; a text that
+// it cannot read is stored as "".
 class Codec {
  public:
   explicit Codec(entry::UtilSaisie& entry) : entry_(entry) {}
 
-  template <Encoding E>
-  std::string shown(Attribute<E>, std::string_view stored) const {
-    if constexpr (E == Encoding::kDate) {
-      std::string text = entry_.InternalToDate(stored);
-      return text.empty() ? std::string(stored) : text;
-    } else if constexpr (decimals(E) > 0) {
-      return entry::stored_to_text(stored, decimals(E), decimals(E));
-    } else {
-      return std::string(stored);
-    }
+  std::string shown(const store::DbRecord& card, const Field& field, int value = store::kWhole,
+                    int subvalue = store::kWhole) const {
+    return shown(field.encoding, element(card, field, value, subvalue));
   }
-
-  template <Encoding E>
-  std::string stored(Attribute<E>, std::string_view shown) const {
-    if constexpr (E == Encoding::kDate) {
-      return shown.empty() ? std::string() : entry_.CheckDate(shown).day;
-    } else if constexpr (decimals(E) > 0) {
-      return entry::text_to_stored(shown, decimals(E));
-    } else {
-      return std::string(shown);
-    }
-  }
+  std::string shown(Encoding encoding, std::string_view stored) const;
+  std::string stored(Encoding encoding, std::string_view shown) const;
 
  private:
   entry::UtilSaisie& entry_;

@@ -1,22 +1,11 @@
 #include "card/record/draft.h"
 
+#include <algorithm>
+
 #include "entry/decimal.h"
 
 namespace velanor::card {
 namespace {
-
-// Every attribute that has a value for each amendment.
-constexpr auto kAmendmentAttributes = [] {
-  std::array<int, kAmendmentColumns.size() + kItemColumns.size()> attributes{};
-  std::size_t next = 0;
-  for (const AmendmentColumn& column : kAmendmentColumns) attributes[next++] = column.attribute;
-  for (int attribute : kItemColumns) attributes[next++] = attribute;
-  return attributes;
-}();
-
-void cut(store::DbRecord& record, int attribute, int lines) {
-  while (record.Count(attribute) > lines) record.Delete(attribute, record.Count(attribute));
-}
 
 // Moves a value with its subvalues to another position of its attribute.
 void move_value(store::DbRecord& record, int attribute, int from, int to) {
@@ -28,100 +17,105 @@ void move_value(store::DbRecord& record, int attribute, int from, int to) {
     record.set(attribute, to, static_cast<int>(s) + 1, subvalues[s]);
 }
 
+// The value of each column.
+void remove_values(store::DbRecord& record, std::span<const Field> columns, int value) {
+  for (const Field& column : columns) {
+    if (record.Count(column.number) >= value) record.Delete(column.number, value);
+  }
+}
+
 std::string_view code_of_entry(std::string_view entry) { return entry.substr(0, entry.find(' ')); }
 
 }  // namespace
 
-void Draft::put_end_reason(std::string_view label) {
-  if (label != end_reason()) record_.set(kEndReason, reading_->labels.offered_reason(label));
+std::string Draft::shown(const Field& field, int value) const {
+  const std::string_view stored = element(record_, field, value);
+  const Labels& labels = reading_->labels;
+  if (field == kActivity) return labels.activity(stored);
+  if (field == kGrid) return labels.grid(stored);
+  if (field == kEndReason) return labels.reason(stored);
+  if (field == kContractNature) return labels.nature(stored);
+  if (field == kEducation) return labels.diploma(stored);
+  if (field == kNewMeasure) return stored == kYes ? "OUI" : "NON";
+  return reading_->codec.shown(record_, field, value);
 }
 
-void Draft::put_nature(std::string_view entry) {
-  if (entry != nature()) record_.set(kContractNature, code_of_entry(entry));
+std::string Draft::stored(const Field& field, std::string_view text) const {
+  if (field == kEndReason) return reading_->labels.offered_reason(text);
+  if (field == kContractNature || field == kEducation) return std::string(code_of_entry(text));
+  if (field == kNewMeasure) return std::string(text.substr(0, 1));
+  return reading_->codec.stored(field.encoding, text);
 }
 
-void Draft::put_education(std::string_view entry) {
-  if (entry != education()) record_.set(kEducation, code_of_entry(entry));
+void Draft::put(const Field& field, std::string_view text) {
+  if (text != shown(field)) set_element(record_, field, stored(field, text));
+}
+
+void Draft::put(const Field& field, int value, std::string_view text) {
+  if (text != shown(field, value)) set_element(record_, field, value, stored(field, text));
 }
 
 // ---- Activities.
 
 ActivityText Draft::activity(int line) const {
-  const std::string code(record_(kActivity, line + 1));
-  return {code, reading_->labels.activity(code), reading_->codec.shown(kShare, record_(kShare, line + 1))};
+  const int value = line + 1;
+  return {std::string(element(record_, kActivity, value)), shown(kActivity, value), shown(kShare, value)};
 }
 
 void Draft::add_activity(std::string_view code, std::string_view share) {
   const int value = activities() + 1;
-  cut(record_, kActivity, value - 1);
-  cut(record_, kShare, value - 1);
-  record_.set(kActivity, value, code);
-  record_.set(kShare, value, reading_->codec.stored(kShare, share));
+  end_columns(record_, kActivityColumns, value - 1);
+  set_element(record_, kActivity, value, code);
+  put(kShare, value, share);
 }
 
-void Draft::change_share(int line, std::string_view share) {
-  if (share == reading_->codec.shown(kShare, record_(kShare, line + 1))) return;
-  record_.set(kShare, line + 1, reading_->codec.stored(kShare, share));
-}
+void Draft::change_share(int line, std::string_view share) { put(kShare, line + 1, share); }
 
-void Draft::remove_activity(int line) {
-  for (int attribute : {kActivity.number, kShare.number}) {
-    if (record_.Count(attribute) > line) record_.Delete(attribute, line + 1);
-  }
-}
+void Draft::remove_activity(int line) { remove_values(record_, kActivityColumns, line + 1); }
 
 // ---- Amendments.
 
 AmendmentText Draft::amendment(int line) const {
   AmendmentText text;
-  for (std::size_t c = 0; c < kAmendmentColumns.size(); ++c) {
-    const AmendmentColumn& column = kAmendmentColumns[c];
-    text.shown[c] = column.shown(reading_->codec, record_(column.attribute, line + 1));
-  }
-  text.grid = record_(kGrid, line + 1);
-  text.shown[kGridColumn] = reading_->labels.grid(text.grid);
+  for (std::size_t c = 0; c < kAmendmentColumns.size(); ++c)
+    text.shown[c] = shown(kAmendmentColumns[c], line + 1);
+  text.grid = element(record_, kGrid, line + 1);
   return text;
 }
 
-long Draft::day(int line) const {
-  return static_cast<long>(entry::parse_decimal(record_(kEffective, line + 1), 0).value_or(0));
-}
-
-int Draft::position_for(long wanted) const {
+int Draft::position_for(std::int64_t wanted) const {
   int line = 0;
-  while (line < amendments() && day(line) < wanted) ++line;
+  while (line < amendments() && day_of(line) < wanted) ++line;
   return line;
 }
 
 void Draft::put_columns(int line, const AmendmentText& text) {
   for (std::size_t c = 0; c < kAmendmentColumns.size(); ++c) {
-    const AmendmentColumn& column = kAmendmentColumns[c];
-    const std::string_view stored = record_(column.attribute, line + 1);
-    if (c == kGridColumn) {
-      record_.set(kGrid, line + 1, text.grid);
-    } else if (column.shown(reading_->codec, stored) != text.shown[c]) {
-      record_.set(column.attribute, line + 1, column.stored(reading_->codec, text.shown[c]));
+    if (kAmendmentColumns[c] == kGrid) {
+      set_element(record_, kGrid, line + 1, text.grid);
+    } else {
+      put(kAmendmentColumns[c], line + 1, text.shown[c]);
     }
   }
 }
 
 void Draft::insert_amendment(int line, const AmendmentText& text) {
-  for (int attribute : kAmendmentAttributes) {
-    if (record_.Count(attribute) > line) record_.Insert(attribute, line + 1, {});
+  for (const Field& column : kAmendmentAttributes) {
+    if (record_.Count(column.number) > line) record_.Insert(column.number, line + 1, {});
   }
   put_columns(line, text);
 }
 
 int Draft::change_amendment(int line, const AmendmentText& text) {
-  const std::string before(record_(kEffective, line + 1));
+  const std::string before(element(record_, kEffective, line + 1));
   put_columns(line, text);
-  if (record_(kEffective, line + 1) == before) return line;
+  if (element(record_, kEffective, line + 1) == before) return line;
   // The line itself stands somewhere among those that it is compared with.
-  const long own = day(line);
+  const std::int64_t own = day_of(line);
   int target = 0;
   for (int other = 0; other < amendments(); ++other) {
     if (other == line) continue;
-    if (day(other) >= own) break;
+    if (day_of(other) >= own) break;
     ++target;
   }
   if (target != line) move_amendment(line, target);
@@ -129,26 +123,20 @@ int Draft::change_amendment(int line, const AmendmentText& text) {
 }
 
 void Draft::move_amendment(int from, int to) {
-  for (int attribute : kAmendmentAttributes) move_value(record_, attribute, from + 1, to + 1);
+  for (const Field& column : kAmendmentAttributes) move_value(record_, column.number, from + 1, to + 1);
 }
 
-void Draft::remove_amendment(int line) {
-  for (int attribute : kAmendmentAttributes) {
-    if (record_.Count(attribute) > line) record_.Delete(attribute, line + 1);
-  }
-}
+void Draft::remove_amendment(int line) { remove_values(record_, kAmendmentAttributes, line + 1); }
 
-void Draft::put_monthly_time(int line, std::string_view text) {
-  if (text == reading_->codec.shown(kMonthlyTime, record_(kMonthlyTime, line + 1))) return;
-  record_.set(kMonthlyTime, line + 1, reading_->codec.stored(kMonthlyTime, text));
-}
+void Draft::put_monthly_time(int line, std::string_view text) { put(kMonthlyTime, line + 1, text); }
 
 std::string Draft::item_hours(int line) const {
-  if (record_(kItemCode, line + 1, 1).empty()) return {};
+  const int value = line + 1;
+  if (element(record_, kItemCode, value, 1).empty()) return {};
   std::int64_t sum = 0;
-  for (int s = 1; !record_(kItemCode, line + 1, s).empty(); ++s) {
-    if (!reading_->labels.is_hours_item(record_(kItemCode, line + 1, s))) continue;
-    sum += entry::parse_decimal(record_(kItemBase, line + 1, s), 0).value_or(0);
+  for (int s = 1; !element(record_, kItemCode, value, s).empty(); ++s) {
+    if (reading_->labels.is_hours_item(element(record_, kItemCode, value, s)))
+      sum += figure(record_, kItemBase, value, s);
   }
   return entry::format_decimal(sum, 2, 2);
 }
@@ -156,14 +144,14 @@ std::string Draft::item_hours(int line) const {
 // ---- Items.
 
 std::vector<ItemText> Draft::items(int amendment) const {
+  const int value = amendment + 1;
   std::vector<ItemText> items;
-  for (int s = 1; !record_(kItemCode, amendment + 1, s).empty(); ++s) {
-    ItemText item{std::string(record_(kItemCode, amendment + 1, s)), {}, {}};
+  for (int s = 1; !element(record_, kItemCode, value, s).empty(); ++s) {
+    ItemText item{std::string(element(record_, kItemCode, value, s)), {}, {}};
     item.label = reading_->labels.item(item.code);
     for (std::size_t f = 0; f < kItemFigures.size(); ++f) {
-      const ItemFigure& figure = kItemFigures[f];
-      const std::string_view stored = record_(figure.attribute, amendment + 1, s);
-      item.figures[f] = {figure.shown(reading_->codec, stored), std::string(stored)};
+      item.figures[f] = {reading_->codec.shown(record_, kItemFigures[f], value, s),
+                         std::string(element(record_, kItemFigures[f], value, s))};
     }
     items.push_back(std::move(item));
   }
@@ -174,21 +162,20 @@ void Draft::put_items(int amendment, const std::vector<ItemText>& items) {
   const int value = amendment + 1;
   int s = 0;
   for (const ItemText& item : items) {
-    record_.set(kItemCode, value, ++s, item.code);
+    set_element(record_, kItemCode, value, ++s, item.code);
     for (std::size_t f = 0; f < kItemFigures.size(); ++f)
-      record_.set(kItemFigures[f].attribute, value, s, item.figures[f].stored);
+      set_element(record_, kItemFigures[f], value, s, item.figures[f].stored);
   }
-  for (int attribute : kItemColumns) {
-    while (record_.Count(attribute, value) > s)
-      record_.Delete(attribute, value, record_.Count(attribute, value));
+  for (const Field& column : kItemColumns) {
+    while (record_.Count(column.number, value) > s)
+      record_.Delete(column.number, value, record_.Count(column.number, value));
   }
 }
 
 bool Draft::same_items(const Draft& other, int amendment) const {
-  for (int attribute : kItemColumns) {
-    if (!same_value(record_, other.record_, attribute, amendment + 1)) return false;
-  }
-  return true;
+  return std::all_of(kItemColumns.begin(), kItemColumns.end(), [&](const Field& column) {
+    return same_value(record_, other.record_, column.number, amendment + 1);
+  });
 }
 
 }  // namespace velanor::card

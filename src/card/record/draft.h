@@ -53,23 +53,11 @@ class Draft {
   const Reading& reading() const { return *reading_; }
   friend bool operator==(const Draft& a, const Draft& b) { return a.record_ == b.record_; }
 
-  // ---- Single fields.
-  template <Encoding E>
-  std::string shown(Attribute<E> field) const {
-    return reading_->codec.shown(field, record_(field));
-  }
-  template <Encoding E>
-  void put(Attribute<E> field, std::string_view text) {
-    if (text != shown(field)) record_.set(field, reading_->codec.stored(field, text));
-  }
-  // Attributes whose text is no encoding of what is stored.
-  std::string end_reason() const { return reading_->labels.reason(record_(kEndReason)); }
-  void put_end_reason(std::string_view label);
-  std::string nature() const { return reading_->labels.nature(record_(kContractNature)); }
-  void put_nature(std::string_view entry);
-  std::string education() const { return reading_->labels.diploma(record_(kEducation)); }
-  void put_education(std::string_view entry);
-  void put_stored(int attribute, std::string_view stored) { record_.set(attribute, stored); }
+  // ---- Fields, as their boxes and columns show them: what has a label by its label.
+  std::string shown(const Field& field, int value = store::kWhole) const;
+  void put(const Field& field, std::string_view text);
+  void put(const Field& field, int value, std::string_view text);
+  void put_stored(const Field& field, std::string_view stored) { set_element(record_, field, stored); }
 
   // ---- Activities.
   int activities() const { return lines_of(record_, kActivity); }
@@ -82,7 +70,7 @@ class Draft {
   int amendments() const { return lines_of(record_, kEffective); }
   AmendmentText amendment(int line) const;
   // Before which line one of this day number stands; `amendments()`: behind the last.
-  int position_for(long day) const;
+  int position_for(std::int64_t day) const;
   void insert_amendment(int line, const AmendmentText& text);
   // Where the line stands then: it moves among the others only when its date has changed.
   int change_amendment(int line, const AmendmentText& text);
@@ -97,7 +85,8 @@ class Draft {
   bool same_items(const Draft& other, int amendment) const;
 
  private:
-  long day(int line) const;
+  std::int64_t day_of(int line) const { return day(record_, kEffective, line + 1); }
+  std::string stored(const Field& field, std::string_view text) const;
   void put_columns(int line, const AmendmentText& text);
   void move_amendment(int from, int to);
 

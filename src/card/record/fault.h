@@ -5,6 +5,8 @@
 #include <string_view>
 #include <utility>
 
+#include "card/record/record_layout.h"
+
 namespace velanor::card {
 
 class Fault {
@@ -21,8 +23,8 @@ class Fault {
     return text;
   }
 
-  // The attribute that it is about; 0: none on its own.
-  int attribute = 0;
+  // What it is about; a field without a number: nothing on its own.
+  Field field = {};
   // A value that is emptied, for a right one to be entered.
   bool is_a_wrong_value = false;
 

@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <vector>
 
+#include "card/record/record_layout.h"
+#include "card/record/reference_layout.h"
 #include "control/session/procedure.h"
+#include "control/session/years.h"
 #include "text/number.h"
 #include "text/utf8.h"
 
@@ -27,21 +30,22 @@ struct IdShape {
   std::string_view file;
   int length, least = 1;
 };
+constexpr int kMonthLength = 2;
 constexpr IdShape kIds[] = {
-    {"VELANORO", 12, 8},
-    {"BUDGETHISTORCUMUL", 12, 8},
-    {"BUDGETDETAILCALCUL", 14, 10},
-    {"ASSOCIATION", 3},
-    {"ETABLISSEMENT", 6, 4},
-    {"ACTIVITES", 6, 4},
-    {"CONVENTIONCOL", 2},
+    {"VELANORO", kRecordIdLength, 8},
+    {"BUDGETHISTORCUMUL", kRecordIdLength, 8},
+    {"BUDGETDETAILCALCUL", kRecordIdLength + kMonthLength, 10},
+    {"ASSOCIATION", kEntityCodeLength},
+    {"ETABLISSEMENT", kEntityCodeLength + kOwnCodeLength, 4},
+    {"ACTIVITES", kEntityCodeLength + kOwnCodeLength, 4},
+    {"CONVENTIONCOL", kAgreement.length},
     {"GRILLESCCBUDGET", 5, 4},
     {"BUDGETTRAMESAISIE", 4, 3},
     {"COMMUNES", 5, 4},
-    {"SECTEUR", 3},
-    {"PROFIL", 3},
-    {"RUBCHARGE", 3},
-    {"RUBSAISIE", 3},
+    {"SECTEUR", kSector.length},
+    {"PROFIL", kProfile1.length},
+    {"RUBCHARGE", kMutualCharge.length},
+    {"RUBSAISIE", kItemCode.length},
 };
 
 // Codes that stand in a column of a reference file.
@@ -51,8 +55,11 @@ struct CodeColumn {
 };
 constexpr int kTableCodeLength = 2;
 constexpr CodeColumn kCodeColumns[] = {
-    {"BUDGETPARAM", 10, 2},          {"BUDGETTRAMESAISIE", 1, 3},     {"RUBCHARGE", 16, 2},
-    {"TABLES", 2, kTableCodeLength}, {"TABLES", 4, kTableCodeLength},
+    {"BUDGETPARAM", control::kDefaultAgreements, kAgreement.length},
+    {"BUDGETTRAMESAISIE", templates::kItem, kItemCode.length},
+    {"RUBCHARGE", charges::kNature, 2},
+    {"TABLES", tables::kCodes, kTableCodeLength},
+    {"TABLES", tables::kGrouping, kTableCodeLength},
 };
 
 const IdShape* shape_of(std::string_view file) {
@@ -82,14 +89,9 @@ std::optional<std::string> completed_id(std::string_view file, std::string_view 
   return text::pad_left(trimmed, shape->length, '0');
 }
 
-int id_length(std::string_view file) {
-  const IdShape* shape = shape_of(file);
-  return shape == nullptr ? 0 : shape->length;
-}
-
 int list_code_length(std::string_view list) {
-  const int length = id_length(list);
-  return length > 0 ? length : kTableCodeLength;
+  const IdShape* shape = shape_of(list);
+  return shape == nullptr ? kTableCodeLength : shape->length;
 }
 
 std::string completed_cell(std::string_view file, int attribute, std::string_view cell) {

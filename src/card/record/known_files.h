@@ -11,15 +11,10 @@ bool is_known_file(std::string_view name);
 // Their names, separated by commas.
 std::string known_files();
 
-// An establishment or an activity, behind the code of its entity.
-inline constexpr int kOwnCodeLength = 3;
-
 // The id that is meant: a spreadsheet strips codes of their leading zeros. Nothing for digits that are
 // too few for an id of the file even so; any other text as it is.
 std::optional<std::string> completed_id(std::string_view file, std::string_view shown);
-// Characters of the ids of the file; 0: any number.
-int id_length(std::string_view file);
-// The same for a list of References.
+// Characters of the codes of a list of References.
 int list_code_length(std::string_view list);
 
 // A code in a column of the file with the zeros that it has lost; any other text as it is.

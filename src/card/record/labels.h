@@ -4,13 +4,12 @@
 #include <string>
 #include <string_view>
 
+#include "card/record/record_layout.h"
+#include "card/record/reference_layout.h"
 #include "control/session/procedure.h"
 
 namespace velanor::card {
 
-// Columns of the records cached from the file TABLES, value by value.
-inline constexpr int kTableCodes = 2;
-inline constexpr int kTableLabels = 3;
 // The value position of a text in a column, from 1; 0 when it is not there.
 int find_value(const store::DbRecord& table, int column, std::string_view text);
 // "code label", as the lists of natures and diplomas read.

@@ -2,27 +2,26 @@
 
 #include <algorithm>
 
-#include "card/record/card_dates.h"
 #include "entry/decimal.h"
 #include "text/number.h"
 #include "text/utf8.h"
+#include "velanor/date.h"
 
 namespace velanor::card {
 namespace {
 
-constexpr Field kAll[] = {
-#define ATTRIBUTE(kind, constant, number, length, calculation, name, noun, list) constant,
-#include "card/record/attributes.def"
-#undef ATTRIBUTE
-};
 // Those without a name stand at the end.
-constexpr auto kNamed = std::span(kAll).first(static_cast<std::size_t>(
-    std::find_if(std::begin(kAll), std::end(kAll), [](const Field& field) { return field.name.empty(); }) -
-    std::begin(kAll)));
+constexpr std::span kNamed(std::begin(kAttributes),
+                           std::find_if(std::begin(kAttributes), std::end(kAttributes),
+                                        [](const Field& field) { return field.name.empty(); }));
 
 constexpr FlagWord kFlagWords[] = {
-    {kContractType, "D", "CDD"},         {kContractType, "I", "CDI"}, {kStaffKind, "P", "PRODUCTION"},
-    {kStaffKind, "A", "ADMINISTRATION"}, {kNewMeasure, "O", "OUI"},   {kNewMeasure, "N", "NON"},
+    {kContractType, kFixedTerm, "CDD"},
+    {kContractType, kPermanent, "CDI"},
+    {kStaffKind, kProduction, "PRODUCTION"},
+    {kStaffKind, kAdministrative, "ADMINISTRATION"},
+    {kNewMeasure, kYes, "OUI"},
+    {kNewMeasure, kNo, "NON"},
 };
 
 Fault fault(const Field& field, const std::string& is_wrong, std::string_view value) {
@@ -36,20 +35,20 @@ std::optional<Fault> fault_of_length(const Field& field, std::string_view shown)
 
 std::optional<Fault> fault_of_flag(const Field& field, std::string_view stored) {
   const bool known = std::any_of(std::begin(kFlagWords), std::end(kFlagWords), [&](const FlagWord& flag) {
-    return flag.attribute == field.number && flag.letter == stored;
+    return flag.field == field && flag.letter == stored;
   });
   return known ? std::nullopt : std::optional(fault(field, "est illisible", stored));
 }
 
 std::optional<Fault> fault_of_date(const Field& field, std::string_view stored) {
-  if (stored_day(stored)) return std::nullopt;
+  if (entry::stored_day(stored)) return std::nullopt;
   return fault(field, "est illisible", stored);
 }
 
 std::optional<Fault> fault_of_figure(const Field& field, std::string_view stored) {
   const auto figure = text::whole_number(stored);
   if (!figure) return fault(field, "est illisible", stored);
-  const int scale = decimals(field.encoding);
+  const int scale = decimals(field);
   const std::string shown = entry::format_decimal(*figure, scale, scale);
   if (*figure < 0) return fault(field, "est au-dessous de zéro", shown);
   return fault_of_length(field, shown);
@@ -71,10 +70,10 @@ std::optional<Fault> fault_of(const Field& field, std::string_view stored) {
   if (stored.empty()) return std::nullopt;
   if (field.encoding == Encoding::kFlag) return fault_of_flag(field, stored);
   if (field.encoding == Encoding::kDate) return fault_of_date(field, stored);
-  if (decimals(field.encoding) > 0) return fault_of_figure(field, stored);
+  if (decimals(field) > 0) return fault_of_figure(field, stored);
   // The screen shows the establishment without its entity.
-  const bool establishment = field.number == kEstablishment;
-  return fault_of_length(field, establishment ? text::mid(stored, kEntityCodeLength + 1) : stored);
+  const bool establishment = field == kEstablishment;
+  return fault_of_length(field, establishment ? own_code_of(stored) : stored);
 }
 
 }  // namespace velanor::card

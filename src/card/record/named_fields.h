@@ -18,7 +18,7 @@ const Field* card_field(int attribute);
 
 // The letter of a flag, and the word that the screen has for it.
 struct FlagWord {
-  int attribute;
+  Field field;
   std::string_view letter, word;
 };
 std::span<const FlagWord> flag_words();

@@ -22,10 +22,16 @@ bool same_attribute(const store::DbRecord& a, const store::DbRecord& b, int attr
   return true;
 }
 
-int lines_of(const store::DbRecord& card, int attribute) {
+int lines_of(const store::DbRecord& card, const Field& list) {
   int lines = 0;
-  while (!card(attribute, lines + 1).empty()) ++lines;
+  while (!card(list.number, lines + 1).empty()) ++lines;
   return lines;
+}
+
+void end_columns(store::DbRecord& card, std::span<const Field> columns, int lines) {
+  for (const Field& column : columns) {
+    while (card.Count(column.number) > lines) card.Delete(column.number, card.Count(column.number));
+  }
 }
 
 bool same_record(const store::DbRecord& a, const store::DbRecord& b) {

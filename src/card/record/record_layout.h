@@ -35,18 +35,19 @@ constexpr int decimals(Encoding encoding) {
 
 enum class Calculation { kUsed, kUnused };
 
-// An attribute and what there is to say about it, as attributes.def says it.
+// An attribute and what there is to say about it, as attributes.def says it. Where several stand in one
+// list, each is read by the encoding that it brings along.
 struct Field {
-  int number = 0;
+  int number = 0;  // 0: none
   Encoding encoding = Encoding::kText;
   int length = 0;
   Calculation calculation = Calculation::kUnused;
   std::string_view name = {}, noun = {}, list = {};
 
-  constexpr operator int() const { return number; }
+  friend constexpr bool operator==(const Field& a, const Field& b) { return a.number == b.number; }
 };
 
-// The encoding is part of the type.
+// The encoding is part of the type, so that a date that is taken for an amount does not compile.
 template <Encoding E>
 struct Attribute : Field {};
 
@@ -64,17 +65,24 @@ using Flag = Attribute<Encoding::kFlag>;
 #include "card/record/attributes.def"
 #undef ATTRIBUTE
 
-inline constexpr std::array kItemColumns{30, 31, 32, 33};
+// The letters of the flags.
+inline constexpr std::string_view kFixedTerm = "D", kPermanent = "I";
+inline constexpr std::string_view kProduction = "P", kAdministrative = "A";
+inline constexpr std::string_view kYes = "O", kNo = "N";
 
-// Results of the budget calculation: emptied when what they were computed from changes.
-inline constexpr std::array kResults{25, 26, 27, 28, 29, 35, 36, 37};
+inline constexpr Field kAttributes[] = {
+#define ATTRIBUTE(kind, constant, number, length, calculation, name, noun, list) constant,
+#include "card/record/attributes.def"
+#undef ATTRIBUTE
+};
 
-// Attributes whose change makes the calculation stale: 1 to 33 and 41 to 43, but for those that
-// it does not use (sector, town, birth date).
-constexpr bool affects_calculation(int attribute) {
-  if (attribute == kSector || attribute == kTown || attribute == kBirth) return false;
-  return (attribute >= 1 && attribute <= 33) || (attribute >= 41 && attribute <= 43);
-}
-inline constexpr int kLastComparedAttribute = 43;
+// Emptied when what they were computed from changes.
+inline constexpr std::array kResults{kResult1, kResult2, kResult3, kResult4,
+                                     kResult5, kResult6, kResult7, kResult8};
+
+// Of a figure; 0 for what is none.
+constexpr int decimals(const Field& field) { return decimals(field.encoding); }
+// Of a figure, before the separator, as many as its box takes.
+constexpr int integer_digits(const Field& field) { return field.length - 1 - decimals(field); }
 
 }  // namespace velanor::card

@@ -1,7 +1,7 @@
 // The rules that a card must keep to be saved.
 #pragma once
 
-#include <optional>
+#include <cstdint>
 #include <vector>
 
 #include "card/record/codec.h"
@@ -10,10 +10,8 @@
 
 namespace velanor::card {
 
-// The faults of a card in the order in which a clerk is told them. `reference_day`: the reference date of
-// the budget, a day number.
-std::vector<Fault> faults_of(const store::DbRecord& card, const Codec& codec, long reference_day);
-// The first of them; nothing for a card that may be saved.
-std::optional<Fault> first_fault(const store::DbRecord& card, const Codec& codec, long reference_day);
+// The faults of a card in the order in which a clerk is told them, of which the first alone is told by the
+// screen; none for a card that may be saved. `reference_day`: the reference date of the budget, a day number.
+std::vector<Fault> faults_of(const store::DbRecord& card, const Codec& codec, std::int64_t reference_day);
 
 }  // namespace velanor::card

@@ -4,7 +4,7 @@
 #include <array>
 #include <vector>
 
-#include "card/record/record_layout.h"
+#include "card/record/amendment_columns.h"
 #include "velanor/form.h"
 
 namespace velanor::card {
@@ -12,12 +12,9 @@ namespace velanor::card {
 // Controls that are switched together.
 enum class Group {
   kMenu,
-  kLabel,
-  kEntity,   // entity and year
   kChoice,   // employee to open
   kNameBox,  // name of the open employee
   kDisplay,  // written by the program alone
-  kTabs,
   kEstablishmentBoxes,
   kContractKey,  // agreement and start date: locked once the card is stored
   kEmployee,
@@ -26,11 +23,10 @@ enum class Group {
   kActivityEntry,
   kAmendmentFrame,
   kAmendmentList,
-  kAmendmentScroll,
   kAmendmentEntry,
   kAmendmentButton,
   kMutual,
-  kCommand,
+  kAlone,  // each by itself, or with its field
 };
 
 // Pages of Ong_FichPers.
@@ -51,15 +47,16 @@ class CardScreen : public screen::Form {
   // The controls of a group, in tab order.
   const std::vector<screen::Control*>& group(Group group) const;
 
-  // The parallel columns of the amendments and the entry controls below them, column by column:
-  // effective date, grid start, qualification, grid, category, new measure, hourly rate,
-  // monthly time.
-  std::array<screen::ListBox*, 8> amendment_lists();
-  std::array<screen::TextControl*, 8> amendment_entries();
+  // The parallel columns of the amendments and the entry controls below them, in the order of
+  // kAmendmentColumns.
+  std::array<screen::ListBox*, kAmendmentColumns.size()> amendment_lists();
+  std::array<screen::TextControl*, kAmendmentColumns.size()> amendment_entries();
 
  private:
+  screen::TableColumns amendment_table();
+
   // Declared before the controls, which add themselves.
-  std::array<std::vector<screen::Control*>, static_cast<std::size_t>(Group::kCommand) + 1> groups_;
+  std::array<std::vector<screen::Control*>, static_cast<std::size_t>(Group::kAlone) + 1> groups_;
 
  public:
   using Label = screen::Label;

@@ -1,6 +1,6 @@
 #include "card/screen/states.h"
 
-#include "card/record/record_layout.h"
+#include "card/record/element.h"
 #include "text/utf8.h"
 
 namespace velanor::card {
@@ -106,10 +106,10 @@ void CardStates::DeGriserDonnees() {
   enable_establishment(true);
   enable_employee(true);
   // A stored card without them can be completed.
-  const bool agreement = card_.Creation || card_.draft.record()(kAgreement).empty();
+  const bool agreement = card_.Creation || element(card_.draft.record(), kAgreement).empty();
   ui_.Txt_ConvCol.set_enabled(agreement);
   ui_.Cbo_Convcol.set_enabled(agreement);
-  ui_.Txt_DatDeb.set_enabled(card_.Creation || card_.draft.record()(kContractStart).empty());
+  ui_.Txt_DatDeb.set_enabled(card_.Creation || element(card_.draft.record(), kContractStart).empty());
   ui_.Cbo_EtudeAidant.set_enabled(false);
 }
 

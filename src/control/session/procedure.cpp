@@ -27,8 +27,7 @@ store::DbFile& Procedure::establishments() const {
 
 store::DbResult Procedure::select(std::string_view statement, std::string_view file,
                                   std::string_view attributes) const {
-  variable_->request = store::DbQuery(statement, file, attributes);
-  return database_.Select(variable_->request.encoded());
+  return database_.Select(store::DbQuery(statement, file, attributes).encoded());
 }
 
 }  // namespace velanor::control

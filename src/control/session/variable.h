@@ -38,7 +38,6 @@ struct Variable {
   store::DbRecord regroupbudget;                  // budget groupings
   store::DbRecord naturecontrat;                  // contract natures
   store::DbRecord diplomes;                       // diplomas
-  store::DbQuery request;                         // the request last sent
 };
 
 }  // namespace velanor::control

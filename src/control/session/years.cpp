@@ -6,8 +6,6 @@
 namespace velanor::control {
 
 void YearTable::ChargerExtractions(const Procedure& procedure) {
-  constexpr int kEntityAt = card::kEmployeeCodeLength + 1;
-  constexpr int kYearAt = kEntityAt + card::kEntityCodeLength;
   constexpr int kLongestYear = 6;
   const store::DbResult ids =
       procedure.select("SSELECT VELANORO PAR CodeAsso PAR-DECR Annee", "VELANORO", "0");
@@ -15,8 +13,8 @@ void YearTable::ChargerExtractions(const Procedure& procedure) {
   int n = 0;
   // The statement's order brings the entities together, each with its most recent year first.
   for (int i = 1; !ids(i).empty(); ++i) {
-    const std::string_view entity = text::mid(ids(i), kEntityAt, card::kEntityCodeLength);
-    const std::string_view year = text::mid(ids(i), kYearAt, kLongestYear);
+    const std::string_view entity = card::entity_of(ids(i));
+    const std::string_view year = text::left(card::year_of(ids(i)), kLongestYear);
     // An id that is no card's would end the table, which every reader takes up to its first empty value.
     if (entity.empty() || year.empty()) continue;
     if (n == 0 || entity != table_(n, 1)) {
@@ -54,17 +52,20 @@ std::string LireParametres(const Procedure& procedure, std::string current) {
     // Any other failure counts as an empty record.
     if (error.number() == store::kMissingRecord) return current;
   }
-  constexpr int kAgreements = 10;
-  std::string first(parameters(kAgreements, 1));
-  for (int value = 1; !parameters(kAgreements, value).empty(); ++value) {
-    if (parameters(kAgreements, value) != first) return {};
+  std::string first(parameters(kDefaultAgreements, 1));
+  for (int value = 1; !parameters(kDefaultAgreements, value).empty(); ++value) {
+    if (parameters(kDefaultAgreements, value) != first) return {};
   }
   return first;
 }
 
 std::string reference_date(const Procedure& procedure) {
   const auto parameters = procedure.file(File::kParameters).find("1");
-  return parameters ? std::string((*parameters)(1, parameters->Count(1))) : std::string();
+  return parameters ? std::string(reference_date(*parameters)) : std::string();
+}
+
+std::string_view reference_date(const store::DbRecord& parameters) {
+  return parameters(kReferenceDates, parameters.Count(kReferenceDates));
 }
 
 }  // namespace velanor::control

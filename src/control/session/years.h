@@ -30,6 +30,10 @@ class YearTable {
   store::DbRecord table_;
 };
 
+// Attributes of the record "1" of the parameters file.
+inline constexpr int kReferenceDates = 1;
+inline constexpr int kDefaultAgreements = 10;
+
 // The default collective agreement of the parameters file: the one that all values of attribute
 // 10 of record "1" name, "" when they differ or there are none, `current` when there is no such
 // record.
@@ -37,5 +41,6 @@ std::string LireParametres(const Procedure& procedure, std::string current);
 // The reference date of the budget, as a day number: the last value of attribute 1 of the same
 // record; "" when there is none.
 std::string reference_date(const Procedure& procedure);
+std::string_view reference_date(const store::DbRecord& parameters);
 
 }  // namespace velanor::control

@@ -1,5 +1,6 @@
 #include "velanor/postgres_database.h"
 
+#include "store/checked_writes.h"
 #include "store/postgres/postgres_history.h"
 #include "store/postgres/schema.h"
 

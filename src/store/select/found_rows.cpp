@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "store/mark_scanner.h"
-#include "velanor/error.h"
+#include "velanor/database.h"
 
 namespace velanor::store::select {
 namespace {

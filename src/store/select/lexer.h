@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "velanor/error.h"
+#include "velanor/database.h"
 
 namespace velanor::store::select {
 

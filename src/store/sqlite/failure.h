@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "velanor/error.h"
+#include "velanor/database.h"
 
 namespace velanor::store::sqlite {
 

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "store/checked_writes.h"
 #include "store/sqlite/failure.h"
 #include "store/sqlite/schema.h"
 #include "store/sqlite/sqlite_backend.h"

@@ -77,7 +77,8 @@ Outcome run(const std::string& command) {
   std::FILE* pipe = popen(("{ " + command + "; } 2>&1").c_str(), "r");
   std::string output;
   std::array<char, 4096> buffer;
-  while (const auto size = std::fread(buffer.data(), 1, buffer.size(), pipe)) output.append(buffer.data(), size);
+  while (const auto size = std::fread(buffer.data(), 1, buffer.size(), pipe))
+    output.append(buffer.data(), size);
   return {WEXITSTATUS(pclose(pipe)), output};
 }
 
@@ -85,8 +86,10 @@ TEST_F(DeskOnAServer, TheCommandLinePreparesABaseFillsItAndReadsIt) {
   const TemporaryFolder folder;
   const std::string fresh = "from_the_command_line", file = folder.file("base.db");
   server_.run("postgres", "CREATE DATABASE " + fresh);
-  const std::string psql = Server::programs() + "/psql -q -v ON_ERROR_STOP=1 '" + server_.url(fresh, "postgres") + "'";
-  const std::string to = " '" + server_.url(fresh, "manager") + "'", at = " --store '" + server_.url(fresh) + "'";
+  const std::string psql =
+      Server::programs() + "/psql -q -v ON_ERROR_STOP=1 '" + server_.url(fresh, "postgres") + "'";
+  const std::string to = " '" + server_.url(fresh, "manager") + "'",
+                    at = " --store '" + server_.url(fresh) + "'";
   EXPECT_EQ(run(VELANORCTL " select 'SSELECT SECTEUR'" + at).status, 1) << "it is not prepared";
   EXPECT_EQ(run(VELANORCTL " setup-server | " + psql + " >/dev/null").output, "");
   EXPECT_EQ(run(VELANORCTL " copy --from '" + server_.url(base_, "manager") + "' --to" + to).status, 0);
@@ -95,7 +98,8 @@ TEST_F(DeskOnAServer, TheCommandLinePreparesABaseFillsItAndReadsIt) {
   EXPECT_NE(again.output.find("contient déjà des enregistrements"), again.output.npos) << again.output;
   EXPECT_EQ(run(VELANORCTL " copy --from" + to + " --to " + file).status, 0);
   const std::string question = " select 'SSELECT VELANORO PAR 1' '0 1'";
-  const Outcome here = run(VELANORCTL + question + at), there = run(VELANORCTL + question + " --store " + file);
+  const Outcome here = run(VELANORCTL + question + at),
+                there = run(VELANORCTL + question + " --store " + file);
   EXPECT_EQ(here.status, 0);
   EXPECT_GT(here.output.size(), 100u);
   EXPECT_EQ(here.output, there.output);

@@ -6,23 +6,19 @@
 
 namespace velanor::qt {
 
-// Leaves the rules where they stand, because the widget has gone: none of them may go on to the host's
-// store. No std::exception, so that nobody in between takes it for a failure that could be told.
-struct Gone {};
-
 // While one lives the stage does, and its boards.
-class ControleVelanorWidget::Stage::Frame {
+class ControleVelanorWidget::Stage::KeepAlive {
  public:
-  explicit Frame(Stage& stage) : stage_(stage.shared_from_this()) { ++stage_->frames_; }
+  explicit KeepAlive(Stage& stage) : stage_(stage.shared_from_this()) { ++stage_->frames_; }
   // What called ours, down to the toolkit's own frames, stands on the boards as well.
-  ~Frame() {
+  ~KeepAlive() {
     if (--stage_->frames_ > 0 || stage_->widget_) return;
     auto* remains = new QObject;
     QObject::connect(remains, &QObject::destroyed, [stage = std::move(stage_)] {});
     remains->deleteLater();
   }
-  Frame(const Frame&) = delete;
-  Frame& operator=(const Frame&) = delete;
+  KeepAlive(const KeepAlive&) = delete;
+  KeepAlive& operator=(const KeepAlive&) = delete;
 
  private:
   std::shared_ptr<Stage> stage_;
@@ -31,17 +27,17 @@ class ControleVelanorWidget::Stage::Frame {
 // The rules call the window, or the host through it: there the widget may be destroyed.
 class ControleVelanorWidget::Stage::CallOut {
  public:
-  explicit CallOut(Stage& stage) : stage_(stage), frame_(stage), called_out_(stage.called_out_) {
+  explicit CallOut(Stage& stage) : stage_(stage), alive_(stage), called_out_(stage.called_out_) {
     return_if_there();
   }
   // To be called at the end: the rules go on only as long as there is a widget.
   void return_if_there() const {
-    if (!stage_.widget_) throw Gone();
+    if (!stage_.widget_) throw screen::Gone();
   }
 
  private:
   Stage& stage_;
-  Frame frame_;
+  KeepAlive alive_;
   screen::Scope<bool> called_out_;
 };
 
