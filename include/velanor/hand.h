@@ -2,8 +2,10 @@
 // another form does not answer. A scenario, a window and a host all act through it.
 #pragma once
 
+#include <ostream>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "velanor/screen.h"
 
@@ -11,7 +13,20 @@ namespace velanor::screen {
 
 // Why an action could not be made, in English, for the programmer; empty when it was. A click that is lost on
 // its way, because the control left keeps the focus or speaks up, was made all the same.
-using Refusal = std::string;
+class [[nodiscard]] Refusal {
+ public:
+  Refusal() = default;
+  Refusal(std::string why) : why_(std::move(why)) {}
+  Refusal(const char* why) : why_(why) {}
+
+  bool empty() const { return why_.empty(); }
+  const std::string& why() const { return why_; }
+  friend bool operator==(const Refusal& a, std::string_view b) { return a.why_ == b; }
+  friend std::ostream& operator<<(std::ostream& out, const Refusal& refusal) { return out << refusal.why_; }
+
+ private:
+  std::string why_;
+};
 
 // Everything that it does is one act of the screen (see Screen::act), and throws what the rules throw, such
 // as store::DbError. It keeps nothing but the screen, which must outlive it; a component that was destroyed

@@ -4,7 +4,6 @@
 
 #include "control/session/card_id.h"
 #include "text/utf8.h"
-#include "velanor/hand.h"
 
 namespace velanor::control {
 namespace {
@@ -42,8 +41,7 @@ Opening CardGuide::open(const Wanted& wanted) {
     if (!on_.may_leave()) return {Outcome::kKept, "La fiche ouverte est restée à l'écran."};
     on_.leave();
   }
-  lead_to(wanted);
-  if (is_open(wanted)) return {};
+  if (lead_to(wanted).empty() && is_open(wanted)) return {};
   return {Outcome::kFailed, "La fiche " + wanted.employee + " n'a pas pu être ouverte."};
 }
 
@@ -65,17 +63,19 @@ std::string CardGuide::unknown(const Wanted& wanted) const {
 }
 
 // What stands half typed in the header is nobody's work, and leaving it must not open anything.
-void CardGuide::lead_to(const Wanted& wanted) {
+screen::Refusal CardGuide::lead_to(const Wanted& wanted) {
   card::CardScreen& ui = on_.ui;
   screen::Hand hand(on_.screen);
   ui.forget_focus();
+  const auto enter = [&](screen::TextControl& control, std::string_view text) {
+    screen::Refusal why = hand.replace_text(control, {});
+    return why.empty() ? hand.replace_text(control, text) : why;
+  };
   const bool chosen = ui.Txt_Asso.text() == wanted.entity && !ui.Cbo_Asso.edited();
-  if (!chosen) {
-    hand.replace_text(ui.Txt_Asso, {});
-    hand.replace_text(ui.Txt_Asso, wanted.entity);
-  }
-  if (ui.Cbo_Periode.text() != wanted.year) hand.choose(ui.Cbo_Periode, ui.Cbo_Periode.find(wanted.year));
-  hand.replace_text(ui.Txt_Aidant, wanted.employee);
+  screen::Refusal why = chosen ? screen::Refusal() : enter(ui.Txt_Asso, wanted.entity);
+  if (why.empty() && ui.Cbo_Periode.text() != wanted.year)
+    why = hand.choose(ui.Cbo_Periode, ui.Cbo_Periode.find(wanted.year));
+  return why.empty() ? hand.replace_text(ui.Txt_Aidant, wanted.employee) : why;
 }
 
 }  // namespace velanor::control

@@ -9,6 +9,7 @@
 #include "card/screen/card_state.h"
 #include "control/session/procedure.h"
 #include "control/session/years.h"
+#include "velanor/hand.h"
 #include "velanor/host.h"
 #include "velanor/screen.h"
 
@@ -39,7 +40,7 @@ class CardGuide {
   // Why there is no such card; "" when there is one.
   std::string unknown(const Wanted& wanted) const;
   bool is_open(const Wanted& wanted) const;
-  void lead_to(const Wanted& wanted);
+  screen::Refusal lead_to(const Wanted& wanted);
 
   Ground on_;
 };

@@ -96,7 +96,7 @@ std::string Player::action_or_check(const Step& step) {
       break;
   }
   const Actor::Refusal why = act(command);
-  return why.empty() ? "" : expected("to carry out: " + step.source, why);
+  return why.empty() ? "" : expected("to carry out: " + step.source, why.why());
 }
 
 void Player::start() {

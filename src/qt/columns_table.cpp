@@ -4,6 +4,8 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QStyle>
+#include <algorithm>
 
 namespace velanor::qt {
 
@@ -33,6 +35,13 @@ void ColumnsTable::keyPressEvent(QKeyEvent* event) {
 QSize ColumnsTable::sizeHint() const {
   const QSize asked = property("preferredSize").toSize();
   return asked.isValid() ? asked : QTableView::sizeHint();
+}
+
+QSize ColumnsTable::minimumSizeHint() const {
+  constexpr int kLines = 3;
+  const QSize least = QTableView::minimumSizeHint();
+  const int headings = horizontalHeader()->isHidden() ? 0 : horizontalHeader()->height();
+  return {least.width(), headings + kLines * verticalHeader()->defaultSectionSize() + 2 * frameWidth()};
 }
 
 void ColumnsTable::stand_over(std::vector<QWidget*> widgets) {
@@ -70,6 +79,23 @@ void ColumnsTable::align() {
   }
   const int last = model() ? model()->columnCount() - 1 : -1;
   if (last >= 0) setColumnWidth(last, std::max(10, viewport()->width() - columnViewportPosition(last)));
+  fit_headings();
+}
+
+// As high as they need to be over columns of this width, two lines at least.
+void ColumnsTable::fit_headings() {
+  QHeaderView& header = *horizontalHeader();
+  if (header.isHidden() || !model()) return;
+  const QFontMetrics metrics(header.font());
+  const int margins = 2 * style()->pixelMetric(QStyle::PM_HeaderMargin, nullptr, &header) + 2;
+  int height = 2 * metrics.height();
+  for (int c = 0; c < model()->columnCount(); ++c) {
+    const QRect room(0, 0, columnWidth(c) - margins, QWIDGETSIZE_MAX);
+    const QString heading = model()->headerData(c, Qt::Horizontal).toString();
+    height = std::max(height, metrics.boundingRect(room, Qt::TextWordWrap, heading).height());
+  }
+  header.setFixedHeight(height + 6);
+  updateGeometry();
 }
 
 }  // namespace velanor::qt

@@ -17,6 +17,8 @@ class ColumnsTable : public QTableView {
   void stand_over(std::vector<QWidget*> widgets);
   // What the form file asks for as `preferredSize`.
   QSize sizeHint() const override;
+  // The headings and a few lines.
+  QSize minimumSizeHint() const override;
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
@@ -27,6 +29,7 @@ class ColumnsTable : public QTableView {
 
  private:
   void align();
+  void fit_headings();
   std::vector<QWidget*> below_;
 };
 

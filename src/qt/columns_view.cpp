@@ -23,7 +23,7 @@ QFont fixed_pitch(const QFont& like) {
   return font;
 }
 
-// Two lines of the ordinary font; said in full, or the header would inherit the list's.
+// In the ordinary font; said in full, or the header would inherit the list's.
 void give_headings(QHeaderView& header) {
   QFont font = QApplication::font();
   font.setFamily(font.family());
@@ -31,7 +31,6 @@ void give_headings(QHeaderView& header) {
   font.setStyleHint(QFont::SansSerif);
   font.setPointSizeF(font.pointSizeF());
   header.setFont(font);
-  header.setFixedHeight(2 * QFontMetrics(font).height() + 6);
 }
 
 std::vector<screen::ListBox*> lists_of(const screen::TableColumns& columns) {
@@ -133,13 +132,13 @@ bool ColumnsView::press(const QPoint& at, bool twice) {
   if (twice) {
     double_click(list, cell.row());
   } else if (acts().open_to(list)) {
-    acts().act([&](screen::Hand& hand) { hand.pick(list, cell.row()); });
+    acts().act([&](screen::Hand& hand) { return hand.pick(list, cell.row()); });
   }
   return true;
 }
 
 void ColumnsView::double_click(screen::ListBox& list, int line) {
-  if (acts().open_to(list)) acts().act([&](screen::Hand& hand) { hand.double_click(list, line); });
+  if (acts().open_to(list)) acts().act([&](screen::Hand& hand) { return hand.double_click(list, line); });
 }
 
 bool ColumnsView::key(QKeyEvent& event) {
@@ -169,7 +168,7 @@ bool ColumnsView::key(QKeyEvent& event) {
 void ColumnsView::pick(int line) {
   auto& list = static_cast<screen::ListBox&>(control());
   if (line < 0 || line >= list.count() || !acts().open_to(list)) return;
-  acts().act([&](screen::Hand& hand) { hand.pick(list, line); });
+  acts().act([&](screen::Hand& hand) { return hand.pick(list, line); });
 }
 
 }  // namespace velanor::qt

@@ -85,7 +85,7 @@ void ComboView::text_changed() {
 
 bool ComboView::may_open() {
   if (!acts().open_to(box_)) return false;
-  acts().act([&](screen::Hand& hand) { hand.drop_down(box_); });
+  acts().act([&](screen::Hand& hand) { return hand.drop_down(box_); });
   return acts().open_to(box_) && box_.form().focus() == &box_;
 }
 
@@ -98,7 +98,7 @@ void ComboView::follow_index() {
 
 void ComboView::chosen(int index) {
   if (showing()) return;
-  if (acts().open_to(box_)) acts().act([&](screen::Hand& hand) { hand.choose(box_, index); });
+  if (acts().open_to(box_)) acts().act([&](screen::Hand& hand) { return hand.choose(box_, index); });
   refresh_again();
 }
 

@@ -74,7 +74,7 @@ ButtonView::ButtonView(Acts& acts_given, screen::Control& control, QAbstractButt
     : View(acts_given, control, button, parent), button_(button) {
   connect(&button, &QAbstractButton::clicked, this, [this] {
     screen::Control& own = View::control();
-    if (acts().open_to(own)) acts().act([&](screen::Hand& hand) { hand.click(own); });
+    if (acts().open_to(own)) acts().act([&](screen::Hand& hand) { return hand.click(own); });
     refresh_again();
   });
   watch(button);
@@ -102,7 +102,8 @@ ScrollBarView::ScrollBarView(Acts& acts_given, screen::ScrollBar& control, QScro
   bar.setFocusPolicy(Qt::NoFocus);
   connect(&bar, &QScrollBar::valueChanged, this, [this](int value) {
     if (showing()) return;
-    if (acts().open_to(control_)) acts().act([&](screen::Hand& hand) { hand.scroll(control_, value); });
+    if (acts().open_to(control_))
+      acts().act([&](screen::Hand& hand) { return hand.scroll(control_, value); });
     refresh_again();
   });
 }
@@ -145,7 +146,7 @@ void TabsView::show() {
 }
 
 void TabsView::show_page(int page) {
-  if (acts().open_to(control_)) acts().act([&](screen::Hand& hand) { hand.show_page(page); });
+  if (acts().open_to(control_)) acts().act([&](screen::Hand& hand) { return hand.show_page(page); });
   refresh_again();
 }
 

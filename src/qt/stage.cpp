@@ -196,7 +196,7 @@ bool ControleVelanorWidget::Stage::press(screen::Control& control) {
   const KeepAlive alive(*this);
   const int messages = screen().messages_shown();
   act([&](screen::Hand& hand) {
-    if (control.takes_focus()) hand.focus(control);
+    if (control.takes_focus()) (void)hand.focus(control);
   });
   const bool arrived = !control.takes_focus() || control.form().focus() == &control;
   return arrived && screen().messages_shown() == messages && open_to(control);
@@ -212,14 +212,14 @@ void ControleVelanorWidget::Stage::focus_came(screen::Control& control, Qt::Focu
   // The toolkit turns a page before the rules have heard of it, and puts the focus somewhere on the new one.
   if (!control.form().in_sight(control)) return;
   if (open_to(control)) {
-    if (control.form().focus() != &control) act([&](screen::Hand& hand) { hand.focus(control); });
+    if (control.form().focus() != &control) act([&](screen::Hand& hand) { return hand.focus(control); });
   } else {
     place_focus();
   }
 }
 
 void ControleVelanorWidget::Stage::focus_left() {
-  if (!placing_ && idle() && screen().top().focus()) act([](screen::Hand& hand) { hand.leave(); });
+  if (!placing_ && idle() && screen().top().focus()) act([](screen::Hand& hand) { return hand.leave(); });
 }
 
 // Columns of one table are one stop.
@@ -242,11 +242,11 @@ bool ControleVelanorWidget::Stage::step_focus(bool forward) {
 }
 
 void ControleVelanorWidget::Stage::escape() {
-  act([](screen::Hand& hand) { hand.cancel(); });
+  act([](screen::Hand& hand) { return hand.cancel(); });
 }
 
 void ControleVelanorWidget::Stage::right_press() {
-  act([](screen::Hand& hand) { hand.right_press(); });
+  act([](screen::Hand& hand) { return hand.right_press(); });
 }
 
 void ControleVelanorWidget::Stage::report(const std::exception_ptr& failure) {

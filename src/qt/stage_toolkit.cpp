@@ -112,7 +112,7 @@ void ControleVelanorWidget::Stage::form_opened(screen::Form& form) {
   sheet->set_contents(pages);
   forms_.back().views->leave_all_but(nullptr);
   add_form(form, sheet, *pages);
-  connect(sheet, &Sheet::close_asked, this, [this] { act([](screen::Hand& hand) { hand.close(); }); });
+  connect(sheet, &Sheet::close_asked, this, [this] { act([](screen::Hand& hand) { return hand.close(); }); });
   set_mnemonics();
   refresh();
   {
@@ -145,7 +145,7 @@ void ControleVelanorWidget::Stage::pop_up(screen::Menu& menu) {
     action->setObjectName(to_qt(entry->name()));
     action->setEnabled(entry->enabled());
     connect(action, &QAction::triggered, this,
-            [this, entry] { act([&](screen::Hand& hand) { hand.click(*entry); }); });
+            [this, entry] { act([&](screen::Hand& hand) { return hand.click(*entry); }); });
   }
   popup->popup(QCursor::pos());
 }

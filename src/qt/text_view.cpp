@@ -1,6 +1,8 @@
 #include "qt/text_view.h"
 
+#include <QHelpEvent>
 #include <QKeyEvent>
+#include <QToolTip>
 #include <algorithm>
 
 #include "qt/strings.h"
@@ -107,14 +109,27 @@ bool TextView::key(QKeyEvent& event) {
   event.accept();
   if (!open) return true;
   const screen::Scope typed(typed_, code);
-  acts().act([&](screen::Hand& hand) { hand.press(text_, Key{code}, selection()); });
+  acts().act([&](screen::Hand& hand) { return hand.press(text_, Key{code}, selection()); });
+  return true;
+}
+
+bool TextView::is_cut() const {
+  constexpr int kFrame = 8;
+  return edit_ && edit_->fontMetrics().horizontalAdvance(edit_->text()) > edit_->width() - kFrame;
+}
+
+// What the box cannot show, the hint says first.
+bool TextView::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::ToolTip || !is_cut()) return View::eventFilter(watched, event);
+  QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), edit_->text() + '\n' + widget().toolTip(),
+                     edit_);
   return true;
 }
 
 void TextView::text_changed() {
   if (showing()) return;
   if (acts().open_to(text_))
-    acts().act([this](screen::Hand& hand) { hand.replace_text(text_, from_qt(edit_->text())); });
+    acts().act([this](screen::Hand& hand) { return hand.replace_text(text_, from_qt(edit_->text())); });
   refresh_again();
 }
 

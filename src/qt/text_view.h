@@ -25,11 +25,13 @@ class TextView : public View {
   void follow_key();
   TextEdit* edit() const { return edit_; }
   virtual bool key(QKeyEvent& event);
+  bool eventFilter(QObject* watched, QEvent* event) override;
   // The text changed without a key, or took a key back.
   virtual void text_changed();
 
  private:
   screen::Span selection() const;
+  bool is_cut() const;
 
   screen::TextControl& text_;
   TextEdit* edit_;

@@ -102,17 +102,18 @@ Refusal Hand::type(TextControl& control, std::string_view text) {
   });
 }
 
+// A key that nothing takes is no refusal.
 void Hand::key_into_focus(Key key) {
   Control* control = screen_.top().focus();
   if (!control) return;
   if (key.code == Key::kTab) {
     step(true);
   } else if (key.code == Key::kEscape) {
-    cancel();
+    (void)cancel();
   } else if (auto* text = dynamic_cast<TextControl*>(control)) {
     if (text->editable()) text->type(key, {text::length(text->text()), 0});
   } else if (key.code == U' ' || (key.code == Key::kEnter && dynamic_cast<CommandButton*>(control))) {
-    click(*control);
+    (void)click(*control);
   }
 }
 

@@ -1,8 +1,6 @@
 // The program with its windows: starts, several databases, settings, the end.
 #include "app/velanor/program.h"
 
-#include <unistd.h>
-
 #include <QApplication>
 #include <QFile>
 #include <QMessageBox>
@@ -11,6 +9,7 @@
 #include <filesystem>
 
 #include "app/clerk.h"
+#include "support/as_nobody.h"
 #include "velanor/sqlite_database.h"
 
 namespace velanor::app {
@@ -19,16 +18,6 @@ namespace {
 using screen::Answer;
 
 store::SqliteDatabase::Options created() { return {.missing = store::SqliteDatabase::Missing::kCreate}; }
-
-// Some user who owns nothing: root may write everywhere.
-class AsNobody {
- public:
-  AsNobody() { [[maybe_unused]] const int done = seteuid(kNobody); }
-  ~AsNobody() { [[maybe_unused]] const int done = seteuid(getuid()); }
-
- private:
-  static constexpr uid_t kNobody = 65534;
-};
 
 class ProgramTest : public testing::Test {
  protected:
@@ -64,6 +53,11 @@ class ProgramTest : public testing::Test {
     options.url = path.toStdString();
     return options;
   }
+  // The first window, on demonstration data.
+  MainWindow& start(Program& program, const char* name) const {
+    EXPECT_TRUE(program.start(named(base(name))));
+    return *program.windows().front();
+  }
   // A further window, as the menu of the first opens it.
   static MainWindow& open(Program& program, const QString& path) {
     const std::size_t before = program.windows().size();
@@ -98,8 +92,7 @@ class ProgramTest : public testing::Test {
 
 TEST_F(ProgramTest, ADeclinedWindowTakesNoOtherWithItNorAMessageThatWaitsThere) {
   Program program;
-  ASSERT_TRUE(program.start(named(base("fiches.db"))));
-  MainWindow& first = *program.windows().front();
+  MainWindow& first = start(program, "fiches.db");
   Clerk clerk(first);
   clerk.open_card("00001");
   clerk.at_next_message([&](qt::MessageSheet& question) {
@@ -180,8 +173,7 @@ TEST_F(ProgramTest, WhatCannotBeOpenedIsToldAndNoWindowGoes) {
 
 TEST_F(ProgramTest, OfTwoMessagesTheNewestIsAnsweredFirst) {
   Program program;
-  ASSERT_TRUE(program.start(named(base("une.db"))));
-  MainWindow& first = *program.windows().front();
+  MainWindow& first = start(program, "une.db");
   MainWindow& second = open(program, base("deux.db"));
   Clerk one(first), two(second);
   one.open_card("00001");
@@ -209,8 +201,7 @@ TEST_F(ProgramTest, OfTwoMessagesTheNewestIsAnsweredFirst) {
 
 TEST_F(ProgramTest, QuittingAsksInEachWindowThatHasAnOpenCard) {
   Program program;
-  ASSERT_TRUE(program.start(named(base("une.db"))));
-  MainWindow& first = *program.windows().front();
+  MainWindow& first = start(program, "une.db");
   MainWindow& second = open(program, base("deux.db"));
   MainWindow& third = open(program, base("trois.db"));
   Clerk one(first), two(second), three(third);
@@ -229,8 +220,7 @@ TEST_F(ProgramTest, QuittingAsksInEachWindowThatHasAnOpenCard) {
 
 TEST_F(ProgramTest, QuittingWhileAMessageWaitsEndsItAndGoesOn) {
   Program program;
-  ASSERT_TRUE(program.start(named(base("une.db"))));
-  MainWindow& first = *program.windows().front();
+  MainWindow& first = start(program, "une.db");
   MainWindow& second = open(program, base("deux.db"));
   Clerk one(first), two(second);
   one.open_card("00001");
@@ -245,8 +235,7 @@ TEST_F(ProgramTest, QuittingWhileAMessageWaitsEndsItAndGoesOn) {
 
 TEST_F(ProgramTest, ClosingTheLastWindowEndsTheProgramAndOnlyThat) {
   Program program;
-  ASSERT_TRUE(program.start(named(base("une.db"))));
-  MainWindow& first = *program.windows().front();
+  MainWindow& first = start(program, "une.db");
   MainWindow& second = open(program, base("deux.db"));
   bool lived = false;
   QTimer::singleShot(0, &program, [&] {
@@ -268,7 +257,7 @@ TEST_F(ProgramTest, AProtectedBaseIsConsultedAndSaysSo) {
   const QString file = base("fiches.db");
   fs::permissions(file.toStdString(), fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
   fs::permissions(folder_.path().toStdString(), fs::perms::all);
-  const AsNobody nobody;
+  const test::AsNobody nobody;
   Program program;
   ASSERT_TRUE(program.start(named(file)));
   Clerk clerk(*program.windows().front());

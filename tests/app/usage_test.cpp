@@ -1,27 +1,14 @@
 // The command lines of both programs: every kind of mistake is told in French.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <array>
-#include <cstdio>
 #include <string>
+
+#include "support/run_program.h"
 
 namespace {
 
-struct Outcome {
-  int status;
-  std::string output;
-};
-
-// Both outputs together.
-Outcome run(const std::string& call) {
-  std::FILE* pipe = popen((call + " 2>&1 </dev/null").c_str(), "r");
-  std::string output;
-  std::array<char, 4096> buffer;
-  while (const auto size = std::fread(buffer.data(), 1, buffer.size(), pipe))
-    output.append(buffer.data(), size);
-  return {WEXITSTATUS(pclose(pipe)), output};
-}
+using velanor::test::Outcome;
+using velanor::test::run_program;
 
 const std::string kVelanor = "QT_QPA_PLATFORM=offscreen XDG_RUNTIME_DIR=/nowhere " VELANOR " ";
 const std::string kVelanorctl = VELANORCTL " ";
@@ -52,7 +39,7 @@ TEST(Usage, EveryMistakeIsToldInFrench) {
   };
   for (const auto& [arguments, sentence] : cases) {
     SCOPED_TRACE(arguments);
-    const Outcome outcome = run(kVelanorctl + arguments);
+    const Outcome outcome = run_program(kVelanorctl + arguments);
     EXPECT_EQ(outcome.status, 64);
     EXPECT_EQ(outcome.output, "velanorctl : " + std::string(sentence) + "\n");
   }
@@ -68,7 +55,7 @@ TEST(Usage, TheWindowProgramSpeaksTheSameWay) {
                {"--bogus", "l'option --bogus n'existe pas"}};
   for (const auto& [arguments, sentence] : cases) {
     SCOPED_TRACE(arguments);
-    const Outcome outcome = run(kVelanor + arguments);
+    const Outcome outcome = run_program(kVelanor + arguments);
     EXPECT_EQ(outcome.status, 64);
     EXPECT_NE(outcome.output.find("velanor : " + std::string(sentence) + ". Voir velanor --help.\n"),
               std::string::npos)
@@ -80,7 +67,7 @@ TEST(Usage, HelpHasNoEnglishWordOfTheParsersOwn) {
   for (const char* call : {VELANOR " --help", VELANORCTL " --help", VELANORCTL " demo --help",
                            VELANORCTL " export --help", VELANORCTL " check --help"}) {
     SCOPED_TRACE(call);
-    const Outcome outcome = run(call);
+    const Outcome outcome = run_program(call);
     EXPECT_EQ(outcome.status, 0);
     for (const char* word : {"Usage:", "REQUIRED", "Excludes", "Needs", "Positionals", "SUBCOMMAND", "INT",
                              "TEXT", " in [", "Print this", "s:\n"})
@@ -89,9 +76,9 @@ TEST(Usage, HelpHasNoEnglishWordOfTheParsersOwn) {
 }
 
 TEST(Usage, BothTellTheirVersionWithoutADisplay) {
-  EXPECT_EQ(run("QT_QPA_PLATFORM=xcb DISPLAY= " VELANOR " --version").output,
+  EXPECT_EQ(run_program("QT_QPA_PLATFORM=xcb DISPLAY= " VELANOR " --version").output,
             "velanor " VELANOR_VERSION "\n");
-  EXPECT_EQ(run(kVelanorctl + "--version").output, "velanorctl " VELANOR_VERSION "\n");
+  EXPECT_EQ(run_program(kVelanorctl + "--version").output, "velanorctl " VELANOR_VERSION "\n");
 }
 
 }  // namespace

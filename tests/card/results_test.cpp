@@ -178,7 +178,7 @@ TEST_F(Results, AreEmptiedByWhatTheyAreMadeOfAndByNothingElse) {
        [](const CardEditor& c) { c.choose("Cbo_MotifFin", "Fin de contrat"); }, kEmptied},
       {"items", card::kItemCode,
        [](const CardEditor& c) {
-         c.office.hand.pick(c.office.ui.Lst_DatEffet, 0);
+         EXPECT_EQ(c.office.hand.pick(c.office.ui.Lst_DatEffet, 0), "");
          c.click("Cmd_Detail");
          c.edit("Lst_Code", 1);
          c.click("Cmd_Supprimer");
@@ -215,7 +215,7 @@ TEST_F(Results, AreEmptiedByWhatTheyAreMadeOfAndByNothingElse) {
     office.component.init();
     const CardEditor clerk{office};
     clerk.enter("Txt_Asso", "001");
-    office.hand.type(office.ui.Txt_Aidant, "00010");
+    EXPECT_EQ(office.hand.type(office.ui.Txt_Aidant, "00010"), "");
     test.change(clerk);
     clerk.click("Cmd_OK");
     EXPECT_TRUE(office.ui.Cmd_Sortir.enabled())
@@ -235,7 +235,7 @@ TEST_F(Results, AreEmptiedByTheMonthlyTimeOfAdministrativeStaff) {
   office.component.init();
   const CardEditor clerk{office};
   clerk.enter("Txt_Asso", "001");
-  office.hand.type(office.ui.Txt_Aidant, "00010");
+  EXPECT_EQ(office.hand.type(office.ui.Txt_Aidant, "00010"), "");
   clerk.amend("Txt_DureMens", "120");
   clerk.click("Cmd_OK");
   EXPECT_EQ(element(stored(), card::kMonthlyTime, 2), "12000");
@@ -263,8 +263,8 @@ class Removal : public Results {
   void remove_card(store::Database& database) {
     Office office(database);
     office.component.init();
-    office.hand.type(office.ui.Txt_Asso, "001");
-    office.hand.type(office.ui.Txt_Aidant, "00010");
+    EXPECT_EQ(office.hand.type(office.ui.Txt_Asso, "001"), "");
+    EXPECT_EQ(office.hand.type(office.ui.Txt_Aidant, "00010"), "");
     EXPECT_EQ(office.hand.click(office.ui.Cmd_Supp), "");
     EXPECT_TRUE(office.ui.Cmd_Sortir.enabled());
   }

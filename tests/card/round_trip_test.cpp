@@ -27,11 +27,11 @@ std::string differences(const store::DbRecord& before, const store::DbRecord& af
 std::vector<std::string> save_untouched(Office& office, const std::string& id) {
   office.toolkit.messages.clear();
   if (office.ui.Txt_Asso.text() != id.substr(5, 3)) {
-    office.hand.replace_text(office.ui.Txt_Asso, "");
-    office.hand.type(office.ui.Txt_Asso, id.substr(5, 3));
+    EXPECT_EQ(office.hand.replace_text(office.ui.Txt_Asso, ""), "");
+    EXPECT_EQ(office.hand.type(office.ui.Txt_Asso, id.substr(5, 3)), "");
   }
-  office.hand.type(office.ui.Txt_Aidant, id.substr(0, 5));
-  office.hand.click(office.ui.Cmd_OK);
+  EXPECT_EQ(office.hand.type(office.ui.Txt_Aidant, id.substr(0, 5)), "");
+  EXPECT_EQ(office.hand.click(office.ui.Cmd_OK), "");
   return office.toolkit.messages;
 }
 

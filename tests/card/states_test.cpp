@@ -64,7 +64,8 @@ void go(Office& office, const std::string& step) {
   } else if (step[at] == '!') {
     why = office.hand.double_click(dynamic_cast<screen::ListBox&>(control), std::stoi(rest));
   } else if (auto* box = dynamic_cast<screen::ComboBox*>(&control)) {
-    why = office.hand.drop_down(*box) + office.hand.choose(*box, std::stoi(rest));
+    why = office.hand.drop_down(*box);
+    if (why.empty()) why = office.hand.choose(*box, std::stoi(rest));
   } else if (auto* list = dynamic_cast<screen::ListBox*>(&control)) {
     why = office.hand.pick(*list, std::stoi(rest));
   } else {

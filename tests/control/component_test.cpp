@@ -85,7 +85,7 @@ TEST_F(Component, TheDefaultAgreementIsTheOneThatAllParametersName) {
     memory_.put("BUDGETPARAM", "1", parameters);
     Office office(database_);
     office.component.init();
-    office.hand.type(office.ui.Txt_Asso, "001");
+    EXPECT_EQ(office.hand.type(office.ui.Txt_Asso, "001"), "");
     EXPECT_EQ(office.hand.click(office.ui.Cmd_Ajout), "");
     EXPECT_EQ(office.ui.Txt_ConvCol.text(), test.agreement);
   }
@@ -125,12 +125,12 @@ TEST_F(Component, TwoComponentsOnOneDatabaseShareItsFilesAndNothingElse) {
   const auto opened = database_.opened;
   second.component.init();
   EXPECT_EQ(database_.opened, opened);
-  first.hand.type(first.ui.Txt_Asso, "001");
-  second.hand.type(second.ui.Txt_Asso, "007");
-  first.hand.type(first.ui.Txt_Aidant, "00010");
+  EXPECT_EQ(first.hand.type(first.ui.Txt_Asso, "001"), "");
+  EXPECT_EQ(second.hand.type(second.ui.Txt_Asso, "007"), "");
+  EXPECT_EQ(first.hand.type(first.ui.Txt_Aidant, "00010"), "");
   EXPECT_EQ(second.ui.Cbo_Aidant.items(), Names{"PETIT ANNE"});
   EXPECT_TRUE(second.ui.Txt_Asso.enabled());
-  second.hand.click(second.ui.Cmd_Sortir);
+  EXPECT_EQ(second.hand.click(second.ui.Cmd_Sortir), "");
   EXPECT_EQ(first.hand.click(first.ui.Cmd_OK), "");
   EXPECT_EQ(first.toolkit.messages, Names{});
   EXPECT_EQ(first.ui.focus(), &first.ui.Txt_Aidant);
@@ -168,22 +168,22 @@ TEST_F(Component, TheEntryUtilityOfTheHostMayRefuseADate) {
   } strict;
   Office office(database_, &strict);
   office.component.init();
-  office.hand.type(office.ui.Txt_Asso, "001");
-  office.hand.type(office.ui.Txt_Aidant, "00010");
-  office.hand.type(office.ui.Txt_DatFin, "01/01/2027");
-  office.hand.leave();
+  EXPECT_EQ(office.hand.type(office.ui.Txt_Asso, "001"), "");
+  EXPECT_EQ(office.hand.type(office.ui.Txt_Aidant, "00010"), "");
+  EXPECT_EQ(office.hand.type(office.ui.Txt_DatFin, "01/01/2027"), "");
+  EXPECT_EQ(office.hand.leave(), "");
   EXPECT_TRUE(office.ui.Cbo_MotifFin.enabled());
-  office.hand.replace_text(office.ui.Txt_DatFin, "1/1/30");
-  office.hand.leave();
+  EXPECT_EQ(office.hand.replace_text(office.ui.Txt_DatFin, "1/1/30"), "");
+  EXPECT_EQ(office.hand.leave(), "");
   EXPECT_EQ(office.ui.focus(), &office.ui.Txt_DatFin);
   EXPECT_FALSE(office.ui.Cbo_MotifFin.enabled());
   EXPECT_EQ(office.toolkit.messages, Names{});
   // A second value of more than six characters is refused for the effective date alone.
-  office.hand.replace_text(office.ui.Txt_DatFin, "02/02/2026");
+  EXPECT_EQ(office.hand.replace_text(office.ui.Txt_DatFin, "02/02/2026"), "");
   EXPECT_EQ(office.hand.click(office.ui.Cmd_AjDetail), "");
   EXPECT_EQ(office.toolkit.messages, Names{});
-  office.hand.replace_text(office.ui.Txt_DatEffet, "02/02/2026");
-  office.hand.leave();
+  EXPECT_EQ(office.hand.replace_text(office.ui.Txt_DatEffet, "02/02/2026"), "");
+  EXPECT_EQ(office.hand.leave(), "");
   EXPECT_EQ(office.toolkit.messages, Names{"Erreur de saisie dans la date, veuillez la ressaisir."});
   EXPECT_EQ(office.ui.focus(), &office.ui.Txt_DatEffet);
 }
@@ -200,14 +200,14 @@ TEST_F(Component, AFailureWhileSavingLosesNothing) {
     store::FailingDatabase failing(memory);
     Office office(failing);
     office.component.init();
-    office.hand.type(office.ui.Txt_Asso, "001");
-    office.hand.type(office.ui.Txt_Aidant, "00010");
-    office.hand.replace_text(office.ui.Txt_HorMensEtab, "140");
-    office.hand.leave();
+    EXPECT_EQ(office.hand.type(office.ui.Txt_Asso, "001"), "");
+    EXPECT_EQ(office.hand.type(office.ui.Txt_Aidant, "00010"), "");
+    EXPECT_EQ(office.hand.replace_text(office.ui.Txt_HorMensEtab, "140"), "");
+    EXPECT_EQ(office.hand.leave(), "");
     const store::DbRecord in_hand = office.component.card_in_hand();
     failing.fail_at(n);
     try {
-      office.hand.click(office.ui.Cmd_OK);
+      EXPECT_EQ(office.hand.click(office.ui.Cmd_OK), "");
       finished = true;
     } catch (const store::DbError&) {
     }
@@ -247,8 +247,8 @@ TEST_F(Component, TheLaterOfTwoClerksGetsTheNextFreeCode) {
   Overtaken database(memory_, memory_);
   Office office(database);
   office.component.init();
-  office.hand.type(office.ui.Txt_Asso, "001");
-  office.hand.type(office.ui.Txt_Aidant, "00010");
+  EXPECT_EQ(office.hand.type(office.ui.Txt_Asso, "001"), "");
+  EXPECT_EQ(office.hand.type(office.ui.Txt_Aidant, "00010"), "");
   EXPECT_EQ(office.hand.click(office.ui.Cmd_Copier), "");
   EXPECT_EQ(office.toolkit.messages, Names{"Cet aidant a été dupliqué sur le code 99997."});
   EXPECT_EQ((*memory_.find("VELANORO", "999990012026"))(1), "LEUR FICHE");
@@ -268,9 +268,9 @@ TEST_F(Component, NothingCanBeEnteredInADatabaseThatTakesNoWrites) {
   ReadOnly database(memory_);
   Office office(database);
   office.component.init();
-  office.hand.type(office.ui.Txt_Asso, "001");
+  EXPECT_EQ(office.hand.type(office.ui.Txt_Asso, "001"), "");
   EXPECT_FALSE(office.ui.Cmd_Ajout.enabled());
-  office.hand.type(office.ui.Txt_Aidant, "00010");
+  EXPECT_EQ(office.hand.type(office.ui.Txt_Aidant, "00010"), "");
   EXPECT_EQ(office.ui.Txt_Etat.text(), "Consultation");
   for (screen::Control* control :
        std::initializer_list<screen::Control*>{&office.ui.Cmd_OK, &office.ui.Cmd_Supp, &office.ui.Cmd_Copier,

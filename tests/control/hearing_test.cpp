@@ -13,7 +13,7 @@ namespace velanor::test {
 namespace {
 
 using user::Acts, user::after;
-using user::choose, user::click, user::edit, user::page, user::pick, user::type;
+using user::choose, user::click, user::edit, user::focus, user::page, user::pick, user::type;
 using Told = std::vector<std::string>;
 
 const std::string kMartin = "000100012026 00010 MARTIN JEANNE";
@@ -65,7 +65,6 @@ TEST_F(HearingTest, WhatIsOpenIsToldInEveryMode) {
       {after(kOpen, {click("Cmd_OK")}), "none"},
       {after(kOpen, {click("Cmd_Supp")}), "none"},
       {after(kOpen, {click("Cmd_Copier")}), "editing " + kMartin},
-      {after(kOpen, {click("Cmd_Sortir")}), "editing " + kMartin},
       {after(kOpen, {click("Cmd_Annul"), click("Cmd_Sortir")}), "none"},
   };
   for (const auto& test : cases) {
@@ -112,7 +111,7 @@ TEST_F(HearingTest, WhatIsTakenBackIsNoChange) {
       {"half a label", {type("Cbo_Secteur", "Agglo")}, true},
       {"half a date", {type("Txt_DatFin", "12")}, true},
       {"and its end", {type("Txt_DatFin", "12"), type("Txt_DatFin", "")}, false},
-      {"a field that is passed through", {click("Txt_HorMensEtab"), page(1), page(2), page(0)}, false},
+      {"a field that is passed through", {focus("Txt_HorMensEtab"), page(1), page(2), page(0)}, false},
       {"a list that is looked at", {page(1), pick("Lst_DatEffet", 1), pick("Lst_DatEffet", 0)}, false},
       {"a new amendment", {page(1), click("Cmd_AjDetail")}, false},
       {"its date", {page(1), click("Cmd_AjDetail"), type("Txt_DatEffet", "0")}, true},
@@ -243,11 +242,11 @@ TEST_F(HearingTest, EachActIsToldOfOnceAndInOrder) {
        {"opened 000100012025 00010 MARTIN JEANNE", "now reading 000100012025 00010 MARTIN JEANNE"}},
       {"another code over it",
        after(kEntity, {choose("Cbo_Periode", 1), type("Txt_Aidant", "00010")}),
-       {[](Office& office) { office.hand.replace_text(office.ui.Txt_Aidant, "00099"); }},
+       {[](Office& office) { EXPECT_EQ(office.hand.replace_text(office.ui.Txt_Aidant, "00099"), ""); }},
        {"closed 000100012025 00010 MARTIN JEANNE", "now none"}},
       {"another card over it",
        after(kEntity, {choose("Cbo_Periode", 1), type("Txt_Aidant", "00010")}),
-       {[](Office& office) { office.hand.replace_text(office.ui.Txt_Aidant, "00020"); }},
+       {[](Office& office) { EXPECT_EQ(office.hand.replace_text(office.ui.Txt_Aidant, "00020"), ""); }},
        {"closed 000100012025 00010 MARTIN JEANNE", "opened 000200012025 00020 DURAND PAUL",
         "now reading 000200012025 00020 DURAND PAUL"}},
   };
@@ -391,7 +390,7 @@ TEST_F(HearingTest, AListenerMayDestroyTheComponent) {
   Hearing hearing(office->component);
   Hearing second(office->component);
   hearing.then = [&](const std::string&) { office.reset(); };
-  office->hand.type(office->ui.Txt_Asso, "001");
+  EXPECT_EQ(office->hand.type(office->ui.Txt_Asso, "001"), "");
   screen::Hand hand(office->component.screen());
   EXPECT_EQ(hand.type(office->ui.Txt_Aidant, "00010"), "");
   EXPECT_EQ(office, nullptr);
@@ -403,7 +402,7 @@ TEST_F(HearingTest, AClockOfTheHostsCompletesDates) {
   Office office(memory_);
   office.component.set_clock([] { return entry::Date{15, 3, 2031}; });
   office.component.init();
-  for (const user::Act& step : after(kOpen, {page(1), type("Txt_DatFin", "7"), click("Txt_HresExo")}))
+  for (const user::Act& step : after(kOpen, {page(1), type("Txt_DatFin", "7"), focus("Txt_HresExo")}))
     step(office);
   EXPECT_EQ(office.ui.Txt_DatFin.text(), "07/03/2031");
 }

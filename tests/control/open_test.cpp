@@ -33,8 +33,8 @@ std::vector<From> everywhere() {
   const user::Act remove_items = [](Office& office) {
     auto& codes = dynamic_cast<screen::ListBox&>(office.control("Lst_Code"));
     while (codes.count() > 0) {
-      office.hand.double_click(codes, 0);
-      office.hand.click(office.control("Cmd_Supprimer"));
+      EXPECT_EQ(office.hand.double_click(codes, 0), "");
+      EXPECT_EQ(office.hand.click(office.control("Cmd_Supprimer")), "");
     }
   };
   return {
@@ -195,7 +195,7 @@ TEST_F(OpenTest, WhileAMessageWaitsNothingIsOpened) {
     EXPECT_EQ(at.office.component.open("001", "2026", "00020").outcome, Outcome::kBusy);
     return Answer::No;
   };
-  at.office.hand.click(at.office.ui.Cmd_Supp);
+  EXPECT_EQ(at.office.hand.click(at.office.ui.Cmd_Supp), "");
   EXPECT_EQ(asked, 1);
   EXPECT_EQ(at.office.component.card_id(), "000100012026");
 }
@@ -206,7 +206,7 @@ TEST_F(OpenTest, BeforeTheStartAndAfterTheEndThereIsNothingToOpen) {
   Office office(memory);
   EXPECT_EQ(office.component.open("001", "2026", "00010").outcome, Outcome::kNotStarted);
   office.component.init();
-  office.hand.click(office.ui.Cmd_Sortir);
+  EXPECT_EQ(office.hand.click(office.ui.Cmd_Sortir), "");
   EXPECT_EQ(office.component.open("001", "2026", "00010").outcome, Outcome::kNotStarted);
 }
 

@@ -41,15 +41,15 @@ std::vector<Story> stories() {
       {"items filled from a template",
        after(open, {[](Office& office) {
                       auto& ui = office.ui;
-                      office.hand.double_click(ui.Lst_DatEffet, 0);
-                      office.hand.replace_text(ui.Txt_DatEffet, "01/03/2026");
-                      office.hand.click(ui.Cmd_OkDetail);
-                      office.hand.click(ui.Cmd_Detail);
+                      EXPECT_EQ(office.hand.double_click(ui.Lst_DatEffet, 0), "");
+                      EXPECT_EQ(office.hand.replace_text(ui.Txt_DatEffet, "01/03/2026"), "");
+                      EXPECT_EQ(office.hand.click(ui.Cmd_OkDetail), "");
+                      EXPECT_EQ(office.hand.click(ui.Cmd_Detail), "");
                       while (office.ui.Lst_DatEffet.count() > 0 && office.control("Lst_Code").enabled()) {
                         auto& codes = dynamic_cast<screen::ListBox&>(office.control("Lst_Code"));
                         if (codes.count() == 0) break;
-                        office.hand.double_click(codes, 0);
-                        office.hand.click(office.control("Cmd_Supprimer"));
+                        EXPECT_EQ(office.hand.double_click(codes, 0), "");
+                        EXPECT_EQ(office.hand.click(office.control("Cmd_Supprimer")), "");
                       }
                     },
                     click("Cmd_SaisieAuto"), type("Txt_NbHresTrav", "100")}),
@@ -68,7 +68,7 @@ std::vector<Story> stories() {
 void leave(Office& office) {
   for (int presses = 0; presses < 8 && !office.ui.Cmd_Sortir.enabled(); ++presses) {
     if (office.hand.cancel().empty()) continue;
-    office.hand.click(office.control("Cmd_Retour"));
+    EXPECT_EQ(office.hand.click(office.control("Cmd_Retour")), "");
   }
   EXPECT_EQ(office.hand.click(office.ui.Cmd_Sortir), "");
   EXPECT_TRUE(office.component.closed());

@@ -24,13 +24,13 @@ class AutomaticFilling : public testing::Test {
   std::vector<std::string> filled(const char* box, const char* hours) {
     Office office(database_);
     office.component.init();
-    office.hand.type(office.ui.Txt_Asso, "001");
-    office.hand.type(office.ui.Txt_Aidant, "00010");
-    office.hand.pick(office.ui.Lst_DatEffet, 0);
-    office.hand.click(office.ui.Cmd_Detail);
+    EXPECT_EQ(office.hand.type(office.ui.Txt_Asso, "001"), "");
+    EXPECT_EQ(office.hand.type(office.ui.Txt_Aidant, "00010"), "");
+    EXPECT_EQ(office.hand.pick(office.ui.Lst_DatEffet, 0), "");
+    EXPECT_EQ(office.hand.click(office.ui.Cmd_Detail), "");
     EXPECT_EQ(office.hand.click(office.control("Cmd_SaisieAuto")), "");
     EXPECT_EQ(office.component.screen().top().name(), "Frm_SaisieHres");
-    office.hand.type(dynamic_cast<screen::TextControl&>(office.control(box)), hours);
+    EXPECT_EQ(office.hand.type(dynamic_cast<screen::TextControl&>(office.control(box)), hours), "");
     EXPECT_EQ(office.hand.click(office.control("Cmd_OK")), "");
     auto& form = dynamic_cast<forms::ItemScreen&>(office.component.screen().top());
     std::vector<std::string> lines;
@@ -40,7 +40,7 @@ class AutomaticFilling : public testing::Test {
       lines.push_back(line);
     }
     EXPECT_EQ(office.toolkit.hourglasses, 0);
-    office.hand.click(office.control("Cmd_Retour"));
+    EXPECT_EQ(office.hand.click(office.control("Cmd_Retour")), "");
     EXPECT_EQ(element(office.component.card_in_hand(), card::kItemBase, 1, 1), "10000");
     EXPECT_EQ(element(office.component.card_in_hand(), card::kItemBase, 1, 2), "11000");
     EXPECT_EQ(office.ui.Lst_DureMens.line(0), "100,00");

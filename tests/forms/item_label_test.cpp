@@ -20,10 +20,10 @@ class ItemLabel : public testing::Test {
     }
     office_.component.init();
     office_.component.open("001", "2026", "00010");
-    office_.hand.show_page(1);
-    office_.hand.pick(office_.ui.Lst_DatEffet, 0);
-    office_.hand.click(office_.ui.Cmd_Detail);
-    office_.hand.click(form().Cmd_Ajouter);
+    EXPECT_EQ(office_.hand.show_page(1), "");
+    EXPECT_EQ(office_.hand.pick(office_.ui.Lst_DatEffet, 0), "");
+    EXPECT_EQ(office_.hand.click(office_.ui.Cmd_Detail), "");
+    EXPECT_EQ(office_.hand.click(form().Cmd_Ajouter), "");
   }
   forms::ItemScreen& form() { return dynamic_cast<forms::ItemScreen&>(office_.component.screen().top()); }
 
@@ -35,8 +35,8 @@ TEST_F(ItemLabel, ThatMoreThanOneItemBearsIsNotTakenForTheFirst) {
   for (const char* typed : {"Panier", "panier", "pan"}) {
     SCOPED_TRACE(typed);
     office_.toolkit.messages.clear();
-    office_.hand.replace_text(form().Cbo_LibRub, typed);
-    office_.hand.focus(form().Txt_Montant);
+    EXPECT_EQ(office_.hand.replace_text(form().Cbo_LibRub, typed), "");
+    EXPECT_EQ(office_.hand.focus(form().Txt_Montant), "");
     EXPECT_EQ(form().Txt_Code.text(), "");
     EXPECT_EQ(office_.toolkit.messages, std::vector{kSeveral});
     EXPECT_EQ(form().focus(), &form().Cbo_LibRub);
@@ -52,13 +52,13 @@ TEST_F(ItemLabel, IsToldApartByItsCodeAndEachItemCanBeChosen) {
   EXPECT_EQ(labels.notes()[static_cast<std::size_t>(first)], "011");
   EXPECT_EQ(labels.notes()[static_cast<std::size_t>(first) + 1], "012");
   EXPECT_EQ(labels.notes()[static_cast<std::size_t>(labels.find("Kilomètres"))], "");
-  office_.hand.choose(form().Cbo_LibRub, first + 1);
+  EXPECT_EQ(office_.hand.choose(form().Cbo_LibRub, first + 1), "");
   EXPECT_EQ(form().Txt_Code.text(), "012");
 }
 
 TEST_F(ItemLabel, OfOneItemIsTakenByAnyPartOfIt) {
-  office_.hand.replace_text(form().Cbo_LibRub, "kilo");
-  office_.hand.focus(form().Txt_Base);
+  EXPECT_EQ(office_.hand.replace_text(form().Cbo_LibRub, "kilo"), "");
+  EXPECT_EQ(office_.hand.focus(form().Txt_Base), "");
   EXPECT_EQ(form().Txt_Code.text(), "004");
   EXPECT_EQ(office_.toolkit.messages, std::vector<std::string>());
 }

@@ -12,16 +12,16 @@ class LeavingItems : public testing::Test {
     load(database_, "lib/cards.play");
     office_.component.init();
     office_.component.open("001", "2026", "00010");
-    office_.hand.show_page(1);
-    office_.hand.pick(office_.ui.Lst_DatEffet, 0);
-    office_.hand.click(office_.ui.Cmd_Detail);
+    EXPECT_EQ(office_.hand.show_page(1), "");
+    EXPECT_EQ(office_.hand.pick(office_.ui.Lst_DatEffet, 0), "");
+    EXPECT_EQ(office_.hand.click(office_.ui.Cmd_Detail), "");
   }
   forms::ItemScreen& form() { return dynamic_cast<forms::ItemScreen&>(office_.component.screen().top()); }
   bool in_form() { return &office_.component.screen().top() != &office_.ui; }
   void change_first_item(std::string_view base) {
-    office_.hand.double_click(form().Lst_Code, 0);
-    office_.hand.replace_text(form().Txt_Base, base);
-    office_.hand.click(form().Cmd_OK);
+    EXPECT_EQ(office_.hand.double_click(form().Lst_Code, 0), "");
+    EXPECT_EQ(office_.hand.replace_text(form().Txt_Base, base), "");
+    EXPECT_EQ(office_.hand.click(form().Cmd_OK), "");
   }
   std::string stored_base() { return std::string(office_.component.card_in_hand()(31, 1, 1)); }
 
@@ -39,13 +39,15 @@ TEST_F(LeavingItems, WhoAnswersNeitherYesNorNoStaysWithWhatWasChanged) {
                {screen::Answer::Yes, false, "900"}};
   for (const auto& test : cases) {
     SCOPED_TRACE(static_cast<int>(test.answer));
-    if (!in_form()) office_.hand.click(office_.ui.Cmd_Detail);
+    if (!in_form()) {
+      EXPECT_EQ(office_.hand.click(office_.ui.Cmd_Detail), "");
+    }
     change_first_item("9");
     office_.toolkit.answer = [&](const screen::Message& message) {
       EXPECT_EQ(message.closing, screen::Answer::Cancel);
       return test.answer;
     };
-    office_.hand.click(form().Cmd_Retour);
+    EXPECT_EQ(office_.hand.click(form().Cmd_Retour), "");
     EXPECT_EQ(in_form(), test.stays);
     EXPECT_EQ(stored_base(), test.base);
   }

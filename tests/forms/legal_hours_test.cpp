@@ -30,17 +30,17 @@ TEST(LegalHours, AreAskedAboutWhenTheyAreExceededAndNotWhenTheyAreReached) {
     database.put("VELANORO", "000100012026", card);
     Office office(database);
     office.component.init();
-    office.hand.type(office.ui.Txt_Asso, "001");
-    office.hand.type(office.ui.Txt_Aidant, "00010");
-    office.hand.replace_text(office.ui.Txt_HorMensEtab, "");
-    office.hand.type(office.ui.Txt_HorMensEtab, test.establishment);
-    office.hand.pick(office.ui.Lst_DatEffet, 0);
-    office.hand.click(office.ui.Cmd_Detail);
+    EXPECT_EQ(office.hand.type(office.ui.Txt_Asso, "001"), "");
+    EXPECT_EQ(office.hand.type(office.ui.Txt_Aidant, "00010"), "");
+    EXPECT_EQ(office.hand.replace_text(office.ui.Txt_HorMensEtab, ""), "");
+    EXPECT_EQ(office.hand.type(office.ui.Txt_HorMensEtab, test.establishment), "");
+    EXPECT_EQ(office.hand.pick(office.ui.Lst_DatEffet, 0), "");
+    EXPECT_EQ(office.hand.click(office.ui.Cmd_Detail), "");
     auto& form = dynamic_cast<forms::ItemScreen&>(office.component.screen().top());
     const auto base = [&](int line, std::string_view hours) {
-      office.hand.double_click(form.Lst_Code, line);
-      office.hand.replace_text(form.Txt_Base, "");
-      office.hand.type(form.Txt_Base, hours);
+      EXPECT_EQ(office.hand.double_click(form.Lst_Code, line), "");
+      EXPECT_EQ(office.hand.replace_text(form.Txt_Base, ""), "");
+      EXPECT_EQ(office.hand.type(form.Txt_Base, hours), "");
       EXPECT_EQ(office.hand.click(form.Cmd_OK), "");
     };
     base(0, test.first);

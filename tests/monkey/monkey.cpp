@@ -174,7 +174,7 @@ std::string Monkey::act() {
     // Choices and buttons are what reads and writes.
     const bool asks =
         dynamic_cast<screen::CommandButton*>(control) || dynamic_cast<screen::ComboBox*>(control);
-    done.store_failed = attempt([&] { act_on(*control); }, asks);
+    done.store_failed = attempt([&] { (void)act_on(*control); }, asks);
   } else {
     done.store_failed = attempt([&] { lead(); }, true);
     if (!misled_.empty()) return "open: " + misled_;
@@ -199,12 +199,12 @@ std::string Monkey::press_way_out(screen::Control& button) {
   for (int tries = 0; tries < 3; ++tries) {
     note("  out by " + button.name());
     const int messages = office_->component.screen().messages_shown();
-    if (const auto why = office_->hand.click(button); !why.empty()) return "way-out: " + why;
+    if (const auto why = office_->hand.click(button); !why.empty()) return "way-out: " + why.why();
     screen::Control* const focus = office_->component.screen().top().focus();
     auto* const box = dynamic_cast<screen::TextControl*>(focus);
     const bool lost = box && office_->component.screen().messages_shown() > messages && button.usable();
     if (!lost) return {};
-    office_->hand.replace_text(*box, "");
+    if (const auto why = office_->hand.replace_text(*box, ""); !why.empty()) return "way-out: " + why.why();
   }
   return "way-out: " + button.name() + " is never reached";
 }

@@ -9,6 +9,8 @@ import subprocess
 import sys
 import tempfile
 
+import pyatspi
+
 from bus import TIMEOUT, Failure, Window, wait
 
 
@@ -95,6 +97,8 @@ def save(w):
     w.key("alt+o")
     w.at("Aidant")
     w.shows("Aidant", "")
+    wait("the status bar does not tell that the card was saved",
+         lambda: w.find("Fiche 99999 EXEMPLE ÉLISE enregistrée", pyatspi.ROLE_LABEL))
 
 
 def stored(velanorctl):

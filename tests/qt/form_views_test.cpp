@@ -4,11 +4,14 @@
 #include <QClipboard>
 #include <QGroupBox>
 #include <QGuiApplication>
+#include <QHeaderView>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QRadioButton>
 #include <QScrollBar>
 #include <QTabWidget>
+#include <QToolTip>
 #include <memory>
 #include <stdexcept>
 
@@ -175,6 +178,40 @@ TEST_F(SmallWindow, ATabWidgetHasThePagesOfItsControl) {
   PageOfEveryKind shown;
   shown.page.findChild<QTabWidget*>("Ong")->addTab(new QWidget, "Trois");
   EXPECT_EQ(shown.lack(*this), "Ong a 3 pages au lieu de 2.");
+}
+
+TEST_F(SmallWindow, WhatABoxCannotShowIsInItsHint) {
+  edit_->setToolTip("Le nom");
+  edit_->resize(40, 20);
+  const auto hint = [&](std::string_view text) {
+    show(text, {});
+    QToolTip::hideText();
+    QHelpEvent asked(QEvent::ToolTip, {2, 2}, edit_->mapToGlobal(QPoint(2, 2)));
+    QCoreApplication::sendEvent(edit_, &asked);
+    return QToolTip::text().toStdString();
+  };
+  EXPECT_EQ(hint("Wi"), "Le nom");
+  EXPECT_EQ(hint("WWWWW"), "WWWWW\nLe nom");
+}
+
+TEST_F(SmallWindow, HeadingsAreAsHighAsTheyNeedToBe) {
+  const char* const kHeading = "Durée du travail mensuelle";
+  PageOfEveryKind shown;
+  shown.form.heading.set_caption(kHeading);
+  FormViews views(*this, shown.form, shown.page);
+  shown.page.show();
+  auto& table = *shown.page.findChild<ColumnsTable*>("Lst");
+  const QHeaderView& header = *table.horizontalHeader();
+  for (const int width : {400, 120, 80}) {
+    SCOPED_TRACE(width);
+    table.setColumnWidth(0, width);
+    table.resize(500 + width, 200);
+    const QRect room(0, 0, width - 4, 1000);
+    EXPECT_GE(header.height(),
+              QFontMetrics(header.font()).boundingRect(room, Qt::TextWordWrap, kHeading).height());
+    EXPECT_GE(table.minimumSizeHint().height(),
+              header.height() + 3 * table.verticalHeader()->defaultSectionSize());
+  }
 }
 
 }  // namespace

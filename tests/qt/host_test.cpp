@@ -79,7 +79,7 @@ TEST_F(HostTest, ThePropertiesReadAsTheyAreTold) {
   EXPECT_EQ(widget_.property("cardId").toString(), kMartinId);
   EXPECT_EQ(widget_.property("cardTitle").toString(), kMartin);
   EXPECT_FALSE(widget_.property("modified").toBool());
-  hand().replace_text(control<screen::TextBox>("Txt_HorMensEtab"), "140");
+  EXPECT_EQ(hand().replace_text(control<screen::TextBox>("Txt_HorMensEtab"), "140"), "");
   EXPECT_TRUE(widget_.property("modified").toBool());
   const QMetaObject* meta = widget_.metaObject();
   for (const char* name : {"state", "cardId", "cardTitle", "modified"})
@@ -91,14 +91,14 @@ TEST_F(HostTest, ThePropertiesReadAsTheyAreTold) {
 TEST_F(HostTest, AnActOfTheHostsShowsWhenItIsOver) {
   start();
   hear();
-  hand().type(control<screen::TextBox>("Txt_Asso"), "001");
+  EXPECT_EQ(hand().type(control<screen::TextBox>("Txt_Asso"), "001"), "");
   EXPECT_EQ(shown_text("Txt_Asso"), "001");
-  hand().type(control<screen::TextBox>("Txt_Aidant"), "00010");
+  EXPECT_EQ(hand().type(control<screen::TextBox>("Txt_Aidant"), "00010"), "");
   EXPECT_EQ(shown_text("Txt_HorMensEtab"), "151,67");
   EXPECT_EQ(take().size(), 4U);
-  hand().show_page(1);
-  hand().pick(control<screen::ListBox>("Lst_DatEffet"), 0);
-  hand().click(control<screen::CommandButton>("Cmd_Detail"));
+  EXPECT_EQ(hand().show_page(1), "");
+  EXPECT_EQ(hand().pick(control<screen::ListBox>("Lst_DatEffet"), 0), "");
+  EXPECT_EQ(hand().click(control<screen::CommandButton>("Cmd_Detail")), "");
   ASSERT_NE(widget_.open_sheet(), nullptr);
   EXPECT_TRUE(widget_.open_sheet()->isAncestorOf(widget_.window()->focusWidget()));
   // The user goes on from there.
@@ -119,7 +119,7 @@ TEST_F(HostTest, WhatTheHostWritesIntoAControlShowsByItself) {
 
 TEST_F(HostTest, AFailureOfAnActOfTheHostsReachesTheHostAlone) {
   open_card();
-  hand().replace_text(control<screen::TextBox>("Txt_PlafSecu"), "1,00");
+  EXPECT_EQ(hand().replace_text(control<screen::TextBox>("Txt_PlafSecu"), "1,00"), "");
   database_.fail_writes(true);
   int failures = 0;
   widget_.set_failure_handler([&](auto) { ++failures; });
@@ -184,8 +184,8 @@ TEST_F(HostTest, AMessageIsOpenedAndClosed) {
 TEST_F(HostTest, AClockOfTheHostsCompletesDates) {
   widget_.set_clock([] { return entry::Date{15, 3, 2031}; });
   open_card();
-  hand().type(control<screen::TextBox>("Txt_DatFin"), "7");
-  hand().leave();
+  EXPECT_EQ(hand().type(control<screen::TextBox>("Txt_DatFin"), "7"), "");
+  EXPECT_EQ(hand().leave(), "");
   EXPECT_EQ(shown_text("Txt_DatFin"), "07/03/2031");
 }
 

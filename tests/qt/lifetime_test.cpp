@@ -200,7 +200,7 @@ class NewsTest : public LifetimeTest, public testing::WithParamInterface<std::tu
   }
   void click_by(By by, const char* name) {
     if (by == By::kUser) return click(name);
-    screen::Hand(widget_.screen()).click(*widget_.screen().top().find(name));
+    EXPECT_EQ(screen::Hand(widget_.screen()).click(*widget_.screen().top().find(name)), "");
   }
 };
 
@@ -212,7 +212,9 @@ TEST_P(NewsTest, TheWidgetGoesWhenItTellsThem) {
   auto& employee = dynamic_cast<screen::TextBox&>(*widget_.screen().top().find("Txt_Aidant"));
   if (by == By::kOpening) widget_.open("001", "2026", "00010");
   if (by == By::kUser) type("Txt_Aidant", "00010");
-  if (by == By::kHost) screen::Hand(widget_.screen()).type(employee, "00010");
+  if (by == By::kHost) {
+    EXPECT_EQ(screen::Hand(widget_.screen()).type(employee, "00010"), "");
+  }
   if (owned_) click_by(by, "Cmd_OK");
   EXPECT_EQ(owned_, nullptr);
   settle();
@@ -225,7 +227,7 @@ INSTANTIATE_TEST_SUITE_P(All, NewsTest,
 TEST_F(LifetimeTest, TheWidgetGoesUnderAMessageOfAnActOfTheHosts) {
   open_mortal_card();
   at_next_message([&](MessageSheet&) { destroy(); });
-  screen::Hand(widget_.screen()).click(*widget_.screen().top().find("Cmd_Supp"));
+  EXPECT_EQ(screen::Hand(widget_.screen()).click(*widget_.screen().top().find("Cmd_Supp")), "");
   EXPECT_EQ(owned_, nullptr);
   settle();
   EXPECT_TRUE(stored());

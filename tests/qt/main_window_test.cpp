@@ -35,13 +35,13 @@ class MainWindowTest : public testing::Test {
   }
   void open_card() {
     screen::Hand hand(screen());
-    hand.type(control<screen::TextBox>("Txt_Asso"), "001");
-    hand.type(control<screen::TextBox>("Txt_Aidant"), "00010");
+    EXPECT_EQ(hand.type(control<screen::TextBox>("Txt_Asso"), "001"), "");
+    EXPECT_EQ(hand.type(control<screen::TextBox>("Txt_Aidant"), "00010"), "");
     ASSERT_FALSE(control<screen::CommandButton>("Cmd_Sortir").enabled());
   }
   void open_items_of_first_amendment() {
     open_card();
-    screen::Hand(screen()).pick(control<screen::ListBox>("Lst_DatEffet"), 0);
+    EXPECT_EQ(screen::Hand(screen()).pick(control<screen::ListBox>("Lst_DatEffet"), 0), "");
     click("Cmd_Detail");
     ASSERT_EQ(screen().top().name(), "Frm_RubSaisie");
   }

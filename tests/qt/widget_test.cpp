@@ -193,6 +193,7 @@ TEST_F(WidgetTest, ListOfThirtyFiveThousandTownsOpensAndIsTypedInto) {
   open_card();
   auto& towns = static_cast<screen::ComboBox&>(*widget_.screen().base().find("Cbo_Com"));
   std::vector<std::string> many;
+  many.reserve(35000);
   for (int i = 0; i < 35000; ++i) many.push_back("Commune " + std::to_string(i));
   towns.refill(many);
   auto& box = widget<QComboBox>("Cbo_Com");
@@ -417,7 +418,9 @@ TEST_F(WidgetTest, EnterGivesTheAnswerThatTheMessageNames) {
 TEST_F(WidgetTest, EscapeAtTheQuestionOfTheItemFormStaysThere) {
   open_card();
   open_items_of_first_amendment();
-  screen::Hand(widget_.screen()).double_click(dynamic_cast<screen::ListBox&>(*top().find("Lst_Code")), 0);
+  EXPECT_EQ(
+      screen::Hand(widget_.screen()).double_click(dynamic_cast<screen::ListBox&>(*top().find("Lst_Code")), 0),
+      "");
   paste("Txt_Base", "9");
   click("Cmd_OK");
   at_next_message([this](MessageSheet&) { press(Qt::Key_Escape); });

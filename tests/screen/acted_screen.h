@@ -63,7 +63,7 @@ class ActedScreen : public testing::Test {
     card_.bar.set_max(3);
   }
 
-  void note(Event& event, std::string what) {
+  void note(Event& event, const std::string& what) {
     event += [this, what] { log_.push_back(what); };
   }
   Log log() { return std::exchange(log_, {}); }

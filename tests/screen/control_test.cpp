@@ -14,7 +14,7 @@ using Texts = std::vector<std::string>;
 // One control of each kind, and a log of the events that they raise.
 class ControlTest : public testing::Test {
  protected:
-  void note(Event& event, std::string what) {
+  void note(Event& event, const std::string& what) {
     event += [this, what] { log_.push_back(what); };
   }
   // The events since it was last asked.

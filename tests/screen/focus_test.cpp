@@ -185,12 +185,12 @@ TEST_F(FocusTest, TheFocusComesBackFromAButtonThatDeletesAndNeverSettlesThere) {
 TEST_F(FocusTest, WhoSteppedToAButtonThatDeletesIsBackThere) {
   card_.perilous_buttons = {&card_.ok};
   start_on(card_.combo);
-  hand_.press(card_.combo, {Key::kTab});
+  EXPECT_EQ(hand_.press(card_.combo, {Key::kTab}), "");
   ASSERT_EQ(card_.focus(), &card_.ok);
-  hand_.press(card_.ok, {Key::kEnter});
+  EXPECT_EQ(hand_.press(card_.ok, {Key::kEnter}), "");
   EXPECT_EQ(card_.focus(), &card_.ok);
   start_on(card_.combo);
-  hand_.click(card_.ok);
+  EXPECT_EQ(hand_.click(card_.ok), "");
   EXPECT_EQ(card_.focus(), &card_.combo);
 }
 
@@ -198,10 +198,10 @@ TEST_F(FocusTest, TabGoesOnToWhatLeavingHasOpened) {
   card_.combo.set_enabled(false);
   card_.header.lost_focus += [this] { card_.combo.set_enabled(!card_.header.is_empty()); };
   start_on(card_.header);
-  hand_.press(card_.header, {Key::kTab});
+  EXPECT_EQ(hand_.press(card_.header, {Key::kTab}), "");
   EXPECT_EQ(card_.focus(), &card_.ok);
-  hand_.type(card_.header, "x");
-  hand_.press(card_.header, {Key::kTab});
+  EXPECT_EQ(hand_.type(card_.header, "x"), "");
+  EXPECT_EQ(hand_.press(card_.header, {Key::kTab}), "");
   EXPECT_EQ(card_.focus(), &card_.combo);
 }
 

@@ -21,7 +21,7 @@ constexpr int kWindowTimeout = 5000;
 class WindowStage : public play::Stage {
  public:
   WindowStage(store::Database& database, play::MessageBoxes& boxes, const QString& shots)
-      : window_(database), actor_(window_.component(), shots), boxes_(boxes), shots_(shots) {
+      : window_(database), actor_(window_.component(), shots), boxes_(boxes) {
     QObject::connect(&window_.component(), &qt::ControleVelanorWidget::message_opened, [this] { answer(); });
     window_.show();
     window_.activateWindow();
@@ -50,7 +50,8 @@ class WindowStage : public play::Stage {
     const QPointer<qt::MessageSheet> box(sheet);
     QTimer::singleShot(0, sheet, [this, box, given, choices] {
       if (box && box->table()) choose(*box->table(), choices);
-      if (!shots_.isEmpty()) actor_.shot("message-" + std::to_string(++messages_));
+      if (auto why = actor_.shot("message-" + std::to_string(++messages_)); !why.empty())
+        std::cerr << why << "\n";
       if (box) click_on(*box->button(given));
     });
   }
@@ -66,7 +67,6 @@ class WindowStage : public play::Stage {
   MainWindow window_;
   QtActor actor_;
   play::MessageBoxes& boxes_;
-  QString shots_;
   int messages_ = 0;
 };
 

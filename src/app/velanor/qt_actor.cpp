@@ -256,7 +256,9 @@ Actor::Refusal QtActor::double_click(screen::ListBox& list, int index) { return 
 Actor::Refusal QtActor::click_menu(const screen::Menu& menu) {
   if (!menu.enabled() || !menu.visible()) return menu.name() + " is disabled or hidden";
   // The menu bar of no window shows it: the menu comes with the right button.
-  if (!widget_.findChild<QMenu*>()) right_click();
+  if (!widget_.findChild<QMenu*>()) {
+    if (Refusal why = right_click(); !why.empty()) return why;
+  }
   auto* entry = widget_.findChild<QAction*>(to_qt(menu.name()));
   auto* popup = widget_.findChild<QMenu*>();
   if (!popup || !entry) return done();

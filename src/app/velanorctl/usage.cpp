@@ -30,7 +30,7 @@ class FrenchHelp : public CLI::Formatter {
   }
   // What a check accepts is told in English behind a colon; our descriptions tell it in French.
   std::string make_option_opts(const CLI::Option* option) const override {
-    const std::string all = CLI::Formatter::make_option_opts(option);
+    std::string all = CLI::Formatter::make_option_opts(option);
     const std::string type = option->get_type_name();
     const std::size_t check = type.find(':');
     if (check == std::string::npos) return all;
