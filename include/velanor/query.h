@@ -9,9 +9,16 @@
 
 namespace velanor::store {
 
-// A text as the value of a criterion: between double quotes, its own double quotes written twice, so that it
-// cannot change the statement's shape. Brackets at its ends keep their meaning.
+// A text as the value of a criterion, whatever it holds: between double quotes, its own double quotes and
+// brackets written twice, so that it changes neither the statement's shape nor what is looked for.
 std::string quoted(std::string_view text);
+// The same for what begins with the text, and for what ends with it.
+std::string quoted_beginning(std::string_view text);
+std::string quoted_end(std::string_view text);
+// A pattern: brackets at its ends are signs (docs/embedding.md).
+std::string quoted_pattern(std::string_view pattern);
+// What stands between the quotes of `quoted`, for a value that is put together of several texts.
+std::string escaped(std::string_view text);
 
 // A request record: attribute 1 the statement (its grammar: docs/embedding.md), 2 the file name, which
 // must be the statement's, 3 the numbers of the attributes to return, separated by single blanks (0 is

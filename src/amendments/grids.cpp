@@ -43,11 +43,12 @@ bool CareerGrids::is_new_generation() const {
 }
 
 std::string CareerGrids::bound(std::string_view code) const {
-  return store::quoted(ui_.Txt_ConvCol.text() + "[" + std::string(code));
+  return '"' + store::escaped(ui_.Txt_ConvCol.text()) + '[' + store::escaped(code) + '"';
 }
 
 void CareerGrids::RemplirGrille() {
-  std::string statement = "SSELECT GRILLESCCBUDGET AVEC 0 = " + store::quoted(ui_.Txt_ConvCol.text() + "]");
+  std::string statement =
+      "SSELECT GRILLESCCBUDGET AVEC 0 = " + store::quoted_beginning(ui_.Txt_ConvCol.text());
   if (splits_generations() && !ui_.Txt_DatEffet.is_empty()) {
     statement += is_new_generation() ? " AND AVEC 0 >= " + bound(kFirstNew) + " AND < " + bound(kFirstBehind)
                                      : " AND AVEC 0 < " + bound(kFirstNew) + " OR >= " + bound(kFirstBehind);
@@ -113,13 +114,13 @@ std::vector<std::string> CareerGrids::offered_qualifications() const {
     return codes;
   }
   const std::string id = listed_id();
-  const std::string every = ui_.Txt_ConvCol.text() + "]";
+  const std::string every = store::quoted_beginning(ui_.Txt_ConvCol.text());
   const std::string bounds = " AND AVEC 0 >= " + bound(kFirstNew) + " AND < " + bound(kFirstBehind);
   const auto statement = [](const std::string& which, const std::string& range) {
-    return "SSELECT GRILLESCCBUDGET AVEC 0 = " + store::quoted(which) + range + " AND AVEC 8 <> " +
-           store::quoted("1") + " PAR 0";
+    return "SSELECT GRILLESCCBUDGET AVEC 0 = " + which + range + " AND AVEC 8 <> " + store::quoted("1") +
+           " PAR 0";
   };
-  auto codes = qualifications(statement(id.empty() ? every : id, bounds));
+  auto codes = qualifications(statement(id.empty() ? every : store::quoted(id), bounds));
   if (codes.empty() && offers_every_qualification(id)) codes = qualifications(statement(every, {}));
   return codes;
 }

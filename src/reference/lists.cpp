@@ -74,9 +74,9 @@ void ReferenceLists::RemplirAssoc() {
 
 void ReferenceLists::RequeteAidant() {
   kept_.employees = {};  // codes of another entity or year must not be chosen
-  const std::string suffix = "[" + ui_.Txt_Asso.text() + std::string(text::trim(ui_.Cbo_Periode.text()));
-  kept_.employees =
-      procedure_.select("SSELECT VELANORO AVEC 0 = " + store::quoted(suffix) + " PAR 1", "VELANORO", "0 1");
+  const std::string suffix = ui_.Txt_Asso.text() + std::string(text::trim(ui_.Cbo_Periode.text()));
+  kept_.employees = procedure_.select("SSELECT VELANORO AVEC 0 = " + store::quoted_end(suffix) + " PAR 1",
+                                      "VELANORO", "0 1");
 }
 
 void ReferenceLists::RemplirAidant() {
@@ -105,9 +105,9 @@ void ReferenceLists::RemplirCommune() {
 }
 
 void ReferenceLists::RemplirAct() {
-  const store::DbResult found =
-      procedure_.select("SSELECT ACTIVITES AVEC 0 = " + store::quoted(ui_.Txt_Asso.text() + "]") + " PAR 1",
-                        "ACTIVITES", "0 1");
+  const store::DbResult found = procedure_.select(
+      "SSELECT ACTIVITES AVEC 0 = " + store::quoted_beginning(ui_.Txt_Asso.text()) + " PAR 1", "ACTIVITES",
+      "0 1");
   ui_.Cbo_Activites.set_enabled(true);
   fill(ui_.Cbo_Activites, kept_.activities, found);
   ui_.Cbo_Activites.set_enabled(false);
@@ -130,9 +130,9 @@ void ReferenceLists::RemplirFinContrat() {
 void ReferenceLists::Remplir_Etablissement() {
   constexpr int kCodeFrom = card::kEntityCodeLength + 1;
   fill_or_take(ui_.Cbo_Etab, &ui_.Txt_CodEtab, kept_.establishments,
-               procedure_.select(
-                   "SSELECT ETABLISSEMENT AVEC @ID = " + store::quoted(ui_.Txt_Asso.text() + "]") + " PAR 1",
-                   "ETABLISSEMENT", "0 1"),
+               procedure_.select("SSELECT ETABLISSEMENT AVEC @ID = " +
+                                     store::quoted_beginning(ui_.Txt_Asso.text()) + " PAR 1",
+                                 "ETABLISSEMENT", "0 1"),
                kCodeFrom);
   card_.only_establishment =
       kept_.establishments.DCount() == 1 ? text::mid(kept_.establishments(1, kId), kCodeFrom) : "";

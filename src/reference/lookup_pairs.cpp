@@ -126,8 +126,8 @@ void LookupPairs::add_town(screen::ComboBox& town, const control::Procedure& pro
 
 void LookupPairs::town_typed(screen::ComboBox& town, const control::Procedure& procedure) {
   const auto found =
-      procedure.select("SSELECT COMMUNES AVEC 1 = " + store::quoted(town.text()), "COMMUNES", "0 1");
-  // Brackets that were typed are ordinary characters here, whatever they mean in a statement.
+      procedure.select("SSELECT COMMUNES AVEC 1 = " + store::quoted_pattern(town.text()), "COMMUNES", "0 1");
+  // The statement holds the text as it was typed; what a bracket in it finds besides is no match.
   if (find_entry(found, 2, town.text()) > 0) return;
   const Found alike = take_typed(town);
   if (alike == Found::kOne) return;

@@ -1,3 +1,5 @@
+#include <new>
+
 #include "store/checked_writes.h"
 #include "store/plan.h"
 #include "store/result_cache.h"
@@ -10,16 +12,27 @@
 namespace velanor::store {
 namespace {
 
+// Whoever asks gets a sentence, whatever gave out.
+template <class Act>
+auto in_memory_that_suffices(Act act) try {
+  return act();
+} catch (const std::bad_alloc&) {
+  throw DbError(kStoreFailure,
+                "Il n'y a plus assez de mémoire. Fermez d'autres programmes, puis recommencez.");
+}
+
 class StoreFile : public DbFile {
  public:
   StoreFile(Backend& backend, std::string_view name) : backend_(&backend), name_(name) {}
 
-  std::optional<DbRecord> find(std::string_view id) override { return backend_->find(name_, id); }
+  std::optional<DbRecord> find(std::string_view id) override {
+    return in_memory_that_suffices([&] { return backend_->find(name_, id); });
+  }
   void write(std::string_view id, const DbRecord& record, const Expected& expected) override {
-    put_checked(*backend_, name_, id, record, expected);
+    in_memory_that_suffices([&] { put_checked(*backend_, name_, id, record, expected); });
   }
   void remove(std::string_view id, const Expected& expected) override {
-    erase_checked(*backend_, name_, id, expected);
+    in_memory_that_suffices([&] { erase_checked(*backend_, name_, id, expected); });
   }
 
  private:
@@ -99,7 +112,9 @@ std::unique_ptr<DbFile> StoreDatabase::OpenFile(std::string_view name) {
   return std::make_unique<StoreFile>(backend(), name);
 }
 
-DbResult StoreDatabase::Select(std::string_view request, std::string_view) { return engine_->run(request); }
+DbResult StoreDatabase::Select(std::string_view request, std::string_view) {
+  return in_memory_that_suffices([&] { return engine_->run(request); });
+}
 
 void StoreDatabase::in_one_change(const std::function<void()>& writes) { backend().in_one_change(writes); }
 

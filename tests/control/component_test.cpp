@@ -47,6 +47,19 @@ TEST_F(Component, OpensItsFilesOnceInOrderAndAsksForItsRightsOnce) {
   EXPECT_EQ(office.ui.Cbo_EtudeAidant.items(), (Names{"1 Sans diplôme", "3 CAP, BEP"}));
 }
 
+TEST_F(Component, AnEntityWhoseCodeHoldsABracketIsOfferedItsOwnAndNothingElse) {
+  memory_.put("ASSOCIATION", "[01", store::DbRecord::from_encoded("À crochet"));
+  memory_.put("ACTIVITES", "[01010", *memory_.find("ACTIVITES", "007010"));
+  memory_.put("VELANORO", "00077[012026", *memory_.find("VELANORO", "000100072024"));
+  Office office(database_);
+  office.component.init();
+  EXPECT_EQ(office.hand.replace_text(office.ui.Cbo_Asso, "À crochet"), "");
+  EXPECT_EQ(office.hand.focus(office.ui.Cbo_Periode), "");
+  EXPECT_EQ(office.ui.Cbo_Aidant.items(), Names{"PETIT ANNE"});
+  EXPECT_EQ(office.hand.type(office.ui.Txt_Aidant, "00077"), "");
+  EXPECT_EQ(office.ui.Cbo_Activites.items(), Names{"Hébergement"});
+}
+
 TEST_F(Component, AFileOrParameterRecordThatCannotBeReadEndsTheStart) {
   {
     Office office(database_);

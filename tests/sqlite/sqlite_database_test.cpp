@@ -10,10 +10,12 @@
 #include <fstream>
 #include <random>
 
+#include "sqlite/as_nobody.h"
 #include "sqlite/temporary_folder.h"
 #include "store/contract.h"
 #include "store/notation.h"
 #include "store/sqlite/failure.h"
+#include "store/unfinished_file.h"
 #include "velanor/memory_database.h"
 
 namespace velanor::store {
@@ -225,16 +227,6 @@ TEST_F(SqliteFile, AFileThatIsNotThereIsNotCreatedUnlessThatIsAsked) {
   EXPECT_FALSE(std::filesystem::exists(path_));
 }
 
-// Some user who owns nothing: root may write everywhere.
-class AsNobody {
- public:
-  AsNobody() { [[maybe_unused]] const int done = seteuid(kNobody); }
-  ~AsNobody() { [[maybe_unused]] const int done = seteuid(getuid()); }
-
- private:
-  static constexpr uid_t kNobody = 65534;
-};
-
 TEST_F(SqliteFile, WhatMayNotBeWrittenIsReadAndEveryWriteIsRefusedWithASentence) {
   namespace fs = std::filesystem;
   using fs::perms;
@@ -351,7 +343,7 @@ TEST_F(SqliteFile, ABackupHoldsAllThatWasWrittenAndRefusesToReplaceAFile) {
   ASSERT_EQ(stat(copy.c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0777, 0600u);
   EXPECT_EQ(failure([&] { database->back_up(copy); }),
-            "Le fichier « " + copy + " » existe déjà. Donnez un autre nom à la sauvegarde, ou ôtez-le.");
+            "Le fichier « " + copy + " » existe déjà. Donnez un autre nom, ou ôtez-le.");
 }
 
 TEST_F(SqliteFile, ABackupOfADamagedBaseIsRefusedAndLeavesNoFile) {
@@ -377,12 +369,29 @@ TEST_F(SqliteFile, ABackupOfADamagedBaseIsRefusedAndLeavesNoFile) {
     EXPECT_EQ(entry.path().filename().string().find("copie"), std::string::npos) << entry.path();
 }
 
-TEST_F(SqliteFile, ABackupThatIsBeingMadeElsewhereIsLeftAlone) {
+TEST_F(SqliteFile, ABackupTouchesNoFileOfAnothersAndFollowsNoLink) {
   const auto database = open();
-  std::ofstream(folder_.file("copie.partiel")) << "en cours";
-  EXPECT_THROW(database->back_up(folder_.file("copie")), NameTaken);
+  const std::string other = folder_.file("autre");
+  std::ofstream(other) << "à un autre";
+  std::ofstream(folder_.file("copie.partiel")) << "à un autre";
+  std::filesystem::create_symlink(other, folder_.file("copie.0123456789ab.partiel"));
+  std::filesystem::create_symlink(other, folder_.file("lien"));
+  EXPECT_THROW(database->back_up(folder_.file("lien")), NameTaken);
+  database->back_up(folder_.file("copie"));
+  EXPECT_EQ(std::filesystem::file_size(other), std::string("à un autre").size());
   EXPECT_TRUE(std::filesystem::exists(folder_.file("copie.partiel")));
-  EXPECT_FALSE(std::filesystem::exists(folder_.file("copie")));
+  EXPECT_TRUE(std::filesystem::is_symlink(folder_.file("copie.0123456789ab.partiel")));
+}
+
+TEST_F(SqliteFile, WhatAKilledBackupLeavesIsRemovedByTheNextButNotWhatIsBeingMade) {
+  const auto database = open();
+  for (const char* ending : {"", "-wal", "-journal"})
+    std::ofstream(folder_.file(std::string("copie.0123456789ab.partiel") + ending)) << "reste";
+  const UnfinishedFile under_way(folder_.file("copie"));
+  EXPECT_FALSE(std::filesystem::exists(folder_.file("copie.0123456789ab.partiel")));
+  EXPECT_FALSE(std::filesystem::exists(folder_.file("copie.0123456789ab.partiel-wal")));
+  database->back_up(folder_.file("copie"));
+  EXPECT_TRUE(std::filesystem::exists(under_way.path()));
 }
 
 TEST_F(SqliteFile, ANameThatIsTakenMeanwhileIsNotTakenAway) {
@@ -390,7 +399,8 @@ TEST_F(SqliteFile, ANameThatIsTakenMeanwhileIsNotTakenAway) {
   const std::string copy = folder_.file("copie");
   EXPECT_THROW(database->back_up(copy, [&](double) { std::ofstream(copy) << "à un autre"; }), NameTaken);
   EXPECT_EQ(std::filesystem::file_size(copy), std::string("à un autre").size());
-  EXPECT_FALSE(std::filesystem::exists(copy + ".partiel"));
+  for (const auto& entry : std::filesystem::directory_iterator(folder_.file("")))
+    EXPECT_FALSE(entry.path().string().ends_with(".partiel")) << entry.path();
 }
 
 TEST_F(SqliteFile, ADatabaseIsKnownByItsFile) {

@@ -1,5 +1,8 @@
 #include "store/contract.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "store/notation.h"
 
 namespace velanor::store {
@@ -222,6 +225,33 @@ TEST_P(StoreContract, ATypedTextNeverChangesTheShapeOfAStatement) {
   put("COMMUNES", "1", typed);
   put("COMMUNES", "2", "Lyon");
   EXPECT_EQ(select("SSELECT COMMUNES AVEC 1 = " + store::quoted(typed), "COMMUNES"), Rows({"1"}));
+}
+
+TEST_P(StoreContract, ABracketInATextThatIsLookedUpIsAnOrdinaryCharacter) {
+  const Rows kIds = {"",   "0",  "[",   "[0",  "[[0",  "[]",     "]",    "]]",
+                     "0[", "0]", "0[1", "[0]", "a]0[", "01[400", "01500"};
+  for (const std::string& id : kIds) put("F", "x" + id + "x", id);
+  const auto found = [&](const std::string& criterion) {
+    auto texts = select("SSELECT F AVEC 1 " + criterion, "F", "1");
+    std::sort(texts.begin(), texts.end());
+    return texts;
+  };
+  const auto those = [&](const auto& fits) {
+    Rows rows;
+    std::copy_if(kIds.begin(), kIds.end(), std::back_inserter(rows), fits);
+    std::sort(rows.begin(), rows.end());
+    return rows;
+  };
+  for (const std::string& text : kIds) {
+    SCOPED_TRACE(text);
+    EXPECT_EQ(found("= " + store::quoted(text)), Rows{text});
+    EXPECT_EQ(found("= " + store::quoted_beginning(text)),
+              those([&](const auto& id) { return id.starts_with(text); }));
+    EXPECT_EQ(found("= " + store::quoted_end(text)),
+              those([&](const auto& id) { return id.ends_with(text); }));
+    EXPECT_EQ(found("< \"x[" + store::escaped(text) + "\""),
+              those([&](const auto& id) { return id < "x" + text; }));
+  }
 }
 
 TEST_P(StoreContract, AWriteThatExpectsNothingThereNeverTakesThePlaceOfARecord) {

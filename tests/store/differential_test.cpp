@@ -14,6 +14,7 @@ namespace {
 
 struct PlainTest {
   std::string op, value;
+  bool ends = false, begins = false;  // the values that are looked for end or begin with it
 };
 struct PlainCriterion {
   int attribute;
@@ -37,15 +38,16 @@ std::vector<std::string> values(const Card& card, int attribute) {
   return found;
 }
 
-bool equal(const std::string& value, const std::string& pattern) {
-  const bool ends = pattern.starts_with("["), begins = pattern.size() > ends && pattern.ends_with("]");
-  const std::string text = pattern.substr(ends, pattern.size() - ends - begins);
-  if (ends && begins) return value.find(text) != std::string::npos;
-  return ends ? value.ends_with(text) : begins ? value.starts_with(text) : value == text;
+bool equal(const std::string& value, const PlainTest& test) {
+  if (test.ends && test.begins) return value.find(test.value) != std::string::npos;
+  return test.ends     ? value.ends_with(test.value)
+         : test.begins ? value.starts_with(test.value)
+                       : value == test.value;
 }
 
-bool below(const std::string& value, std::string bound) {
-  std::erase(bound, '[');
+bool below(const std::string& value, const PlainTest& test) {
+  // Of a bound only the opening bracket is a sign.
+  const std::string bound = test.value + (test.begins ? "]" : "");
   const auto number = [](const std::string& s) {
     return !s.empty() && s.find_first_not_of("0123456789") == std::string::npos;
   };
@@ -53,9 +55,9 @@ bool below(const std::string& value, std::string bound) {
 }
 
 bool holds(const PlainTest& test, const std::string& value) {
-  if (test.op == "=") return equal(value, test.value);
-  if (test.op == "<") return below(value, test.value);
-  return test.op == ">=" ? !below(value, test.value) : !equal(value, test.value);
+  if (test.op == "=") return equal(value, test);
+  if (test.op == "<") return below(value, test);
+  return test.op == ">=" ? !below(value, test) : !equal(value, test);
 }
 
 bool matches(const PlainStatement& statement, const Card& card) {
@@ -117,7 +119,7 @@ class Dice {
     return one_of({"0", "01", "0140", "01400", "9", "é"}) + one_of({"", "0", "7", "07", "072026"});
   }
   std::string text() {
-    return one_of({"", "", "1", "2", "02", "10", "a", "A", "é", "e", "à b", "ab", "\"x", "[y]"});
+    return one_of({"", "", "1", "2", "02", "10", "a", "A", "é", "e", "à b", "ab", "\"x", "[y]", "[", "]]a"});
   }
   DbRecord card() {
     DbRecord result;
@@ -125,10 +127,8 @@ class Dice {
     return result;
   }
   PlainTest test(int attribute) {
-    std::string value = attribute == 0 ? id() : text();
-    if (one_in(3)) value.insert(0, "[");
-    if (one_in(3)) value += "]";
-    return {one_of({"=", "=", "=", "#", "<>", ">=", "<"}), value};
+    return {one_of({"=", "=", "=", "#", "<>", ">=", "<"}), attribute == 0 ? id() : text(), one_in(3),
+            one_in(3)};
   }
   PlainStatement statement() {
     PlainStatement result;
@@ -161,7 +161,8 @@ std::string written(const PlainStatement& statement) {
         if (&chain != &criterion.any.front()) text += " OR";
         for (const auto& test : chain) {
           if (&test != &chain.front()) text += " AND";
-          text += " " + test.op + " " + store::quoted(test.value);
+          text += " " + test.op + " \"" + (test.ends ? "[" : "") + store::escaped(test.value) +
+                  (test.begins ? "]" : "") + "\"";
         }
       }
       between = " AND ";

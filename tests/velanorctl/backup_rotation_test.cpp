@@ -63,12 +63,6 @@ TEST_F(RotationOfBackups, TwoWithinOneSecondBothStayAndTheLaterOneIsTheNewer) {
   EXPECT_EQ(names(), (Names{"paie-20261101-090000-11.db", "paie-20261101-090000-12.db"}));
 }
 
-TEST_F(RotationOfBackups, ANameThatAnotherBackupIsBeingMadeUnderIsLeftToIt) {
-  write("paie-20261101-090000.db.partiel", "en cours");
-  EXPECT_EQ(fs::path(back_up(1, 5).path).filename(), "paie-20261101-090000-2.db");
-  EXPECT_TRUE(names().contains("paie-20261101-090000.db.partiel"));
-}
-
 TEST_F(RotationOfBackups, NothingButItsOwnBackupsGoes) {
   back_up(1, 9, "autre");
   fs::copy(folder_.file("sauvegardes/autre-20261101-090000.db"), folder_.file("sauvegardes/paie.db"));

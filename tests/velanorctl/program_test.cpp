@@ -1,41 +1,14 @@
-// The built program, from outside.
-#include <gtest/gtest.h>
-#include <sys/wait.h>
+#include "velanorctl/program.h"
 
-#include <array>
-#include <cstdio>
+#include <unistd.h>
+
+#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 
 #include "app/velanorctl/table.h"
-#include "sqlite/temporary_folder.h"
 
 namespace velanor::app {
 namespace {
-
-struct Outcome {
-  int status;
-  std::string output;
-};
-
-class CommandLine : public testing::Test {
- protected:
-  // Both outputs together.
-  Outcome run(const std::string& arguments) const {
-    const std::string command = "cd '" + folder_.file("") + "' && " VELANORCTL " " + arguments + " 2>&1";
-    std::FILE* pipe = popen(command.c_str(), "r");
-    std::string output;
-    std::array<char, 4096> buffer;
-    while (const auto size = std::fread(buffer.data(), 1, buffer.size(), pipe))
-      output.append(buffer.data(), size);
-    return {WEXITSTATUS(pclose(pipe)), output};
-  }
-  void write(const std::string& name, const std::string& text) const {
-    std::ofstream(folder_.file(name)) << text;
-  }
-
-  TemporaryFolder folder_;
-};
 
 TEST_F(CommandLine, BuildsTheDemonstrationOnceAndChecksIt) {
   EXPECT_EQ(run("demo base").status, 0);
@@ -158,6 +131,77 @@ TEST_F(CommandLine, AStoreThatIsNotThereOrNotNamedIsSaidSo) {
   EXPECT_EQ(run("check --store postgres://ici").status, 1);
   EXPECT_EQ(run("check").status, 64);
   EXPECT_EQ(run("check --store base --demo").status, 64);
+}
+
+TEST_F(CommandLine, AnOutputThatIsFullIsAnError) {
+  run("demo base");
+  for (const char* call : {"select 'SSELECT SECTEUR PAR 1' --store base", "show SECTEUR 001 --store base",
+                           "check --store base", "export --store base --file SECTEUR"})
+    EXPECT_EQ(run(std::string(call) + " >/dev/full").status, 1) << call;
+}
+
+TEST_F(CommandLine, NoStoredTextDrivesTheTerminal) {
+  write("t.csv",
+        "id;1\n001;a\x1B[2Jb\x07\n002;c\xC2\x9B"
+        "31m\n");
+  run("import t.csv --store base --file SECTEUR");
+  run("import t.csv --store base --file ASSOCIATION");
+  for (const char* call :
+       {"show SECTEUR 001 --store base", "show SECTEUR 002 --store base", "diff SECTEUR 001 --store base",
+        "select 'SSELECT SECTEUR PAR 1' --store base", "history SECTEUR 001 --store base",
+        "check --store base", "show SECTEUR $(printf '\\033[2J') --store base",
+        "history SECTEUR $(printf '\\033[2J') --store base"}) {
+    const std::string output = run(call).output;
+    EXPECT_EQ(output.find_first_of("\x1B\x07"), output.npos) << call;
+    EXPECT_EQ(output.find("\xC2\x9B"), output.npos) << call;
+  }
+  EXPECT_EQ(run("show SECTEUR 001 --store base").output, "1 = a·[2Jb·\n");
+  EXPECT_NE(run("export --store base --file SECTEUR").output.find("a\x1B[2Jb"), std::string::npos)
+      << "what is exported is what is stored";
+}
+
+// As a user who may write nothing.
+TEST_F(CommandLine, ABaseThatMayNotBeWrittenIsReadByEverySubCommand) {
+  run("demo base");
+  run("backup copie --store base");
+  if (getuid() != 0 || std::system(("setpriv --reuid=65534 test -x " VELANORCTL)) != 0)
+    GTEST_SKIP() << "needs a second user";
+  namespace fs = std::filesystem;
+  fs::permissions(folder_.file("base"),
+                  fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+  fs::permissions(folder_.file(""), fs::perms::all);
+  for (const bool folder : {false, true}) {
+    if (folder)
+      fs::permissions(folder_.file(""),
+                      fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
+    for (const char* call :
+         {"show SECTEUR 001", "select 'SSELECT SECTEUR PAR 1'", "check", "history SECTEUR 001",
+          "diff SECTEUR 001", "export --file SECTEUR", "backup /tmp/velanor-test-copie-$$"}) {
+      const Outcome outcome = run(std::string(call) + " --store base", "setpriv --reuid=65534 ");
+      EXPECT_EQ(outcome.status, 0) << call << "\n" << outcome.output;
+    }
+    EXPECT_EQ(run("restore-version SECTEUR 001 1 --store base", "setpriv --reuid=65534 ").status, 0)
+        << "nothing to write";
+    EXPECT_EQ(run("check --reparer --store base", "setpriv --reuid=65534 ").status, 1);
+  }
+  EXPECT_EQ(std::system("rm -f /tmp/velanor-test-copie-*"), 0);
+}
+
+TEST_F(CommandLine, ABackupIsTakenBackInPlaceOfTheBase) {
+  write("t.csv", "id;1\n001;Ville\n");
+  write("u.csv", "id;1\n001;Bourg\n");
+  run("import t.csv --store base --file SECTEUR");
+  run("backup copie --store base");
+  run("import u.csv --store base --file SECTEUR");
+  const Outcome outcome = run("restore copie base");
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.output.find(
+                "Base « base » reprise de la sauvegarde « copie ».\nL'ancienne base est gardée sous « "
+                "base.avant-"),
+            0u)
+      << outcome.output;
+  EXPECT_EQ(run("show SECTEUR 001 --store base").output, "1 = Ville\n");
+  EXPECT_EQ(run("show SECTEUR 001 --store base.avant-*").output, "1 = Bourg\n");
 }
 
 TEST(TextTable, CountsTheColumnsThatATerminalUses) {

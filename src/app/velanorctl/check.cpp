@@ -1,5 +1,6 @@
 // velanorctl check: judges every card of a database, and the database itself.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -8,28 +9,49 @@
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/progress.h"
 #include "exchange/columns.h"
+#include "office/calculations.h"
 #include "office/card_check.h"
 #include "office/fault_list.h"
+#include "store/sqlite/failure.h"
 #include "velanor/sqlite_database.h"
 
 namespace velanor::app {
 namespace {
 
-std::vector<std::string> damages_of(store::Database& database) {
-  const Progress progress("Examen de la base");
-  auto* sqlite = dynamic_cast<store::SqliteDatabase*>(&database);
-  return sqlite != nullptr ? sqlite->damages() : std::vector<std::string>();
-}
-
 // Nothing more is asked of a base that is damaged: its answers could be wrong.
 int report_damages(const std::vector<std::string>& damages) {
   for (const std::string& damage : damages) std::cout << "Base endommagée : " << damage << "\n";
-  std::cout << "La base est endommagée. Fermez les programmes et reprenez la dernière sauvegarde.\n";
+  std::cout << "La base est endommagée. Fermez les programmes, essayez « velanorctl check --reparer », sinon "
+               "reprenez la dernière sauvegarde.\n";
   return kDamaged;
 }
 
+int report_disagreements(const std::vector<std::string>& found) {
+  for (const std::string& part : found) std::cout << "Structure de la base : " << part << ".\n";
+  if (!found.empty())
+    std::cout << "« velanorctl check --reparer » refait ce qui se déduit des enregistrements.\n";
+  return found.empty() ? 0 : kDamaged;
+}
+
+int report_records(const std::vector<store::SqliteDatabase::DamagedRecord>& damaged) {
+  for (const auto& record : damaged) std::cout << record.sentence << "\n";
+  return damaged.empty() ? 0 : kDamaged;
+}
+
+struct Options {
+  StoreOptions store;
+  bool repair = false;
+};
+
 std::string counted(int count, const std::string& noun) {
   return std::to_string(count) + " " + noun + (count > 1 ? "s" : "");
+}
+
+// A damaged card has been told already.
+void check_card(std::string_view id, store::DbFile& cards, const office::CardCheck& check,
+                office::FaultList& list) try {
+  if (const auto card = cards.find(id)) list.add(id, check.faults_of(id, *card));
+} catch (const store::sqlite::DamagedRecord&) {
 }
 
 int check_records(store::Database& database) {
@@ -43,7 +65,7 @@ int check_records(store::Database& database) {
     Progress progress("Vérification", static_cast<std::size_t>(ids.DCount()));
     for (int i = 1; i <= ids.DCount(); ++i) {
       progress.step();
-      if (const auto card = cards->find(ids(i))) list.add(ids(i), check.faults_of(ids(i), *card));
+      check_card(ids(i), *cards, check, list);
     }
   }
   for (const office::FaultList::Kind* kind : list.most_frequent_first()) {
@@ -51,30 +73,65 @@ int check_records(store::Database& database) {
     for (const std::string& line : kind->lines) std::cout << line << "\n";
     std::cout << "\n";
   }
-  const int faults = list.faults() + static_cast<int>(check.faults_of_references().size());
+  const auto lost = office::calculations_without_card(database);
+  for (const std::string& sentence : lost) std::cout << sentence << "\n";
+  const int faults = list.faults() + static_cast<int>(check.faults_of_references().size() + lost.size());
   std::cout << "Fiches vérifiées : " << ids.DCount() << ", fiches en faute : " << list.cards()
             << ", fautes : " << faults << ".\n";
   return faults == 0 ? 0 : 1;
 }
 
-int check(const StoreOptions& options) {
-  const std::unique_ptr<store::Database> database =
-      is_file(options) ? open_to_examine(options.url) : open_named_store(options);
+std::vector<std::string> damages_of(store::SqliteDatabase& database) {
+  const Progress progress("Examen de la base");
+  return database.damages();
+}
+
+void repair(store::SqliteDatabase& database) {
+  {
+    const Progress progress("Réparation");
+    database.repair();
+  }
+  std::cout << "Ce qui se déduit des enregistrements a été refait.\n";
+}
+
+int check_all(store::Database& database) {
+  auto* file = dynamic_cast<store::SqliteDatabase*>(&database);
   int status = 0;
-  database->in_one_view([&] {
-    const auto damages = damages_of(*database);
-    status = damages.empty() ? check_records(*database) : report_damages(damages);
+  database.in_one_view([&] {
+    if (file != nullptr) {
+      const auto damages = damages_of(*file);
+      if (!damages.empty()) return void(status = report_damages(damages));
+      status = std::max(report_disagreements(file->disagreements()), report_records(file->damaged_records()));
+    }
+    // A damaged reference file ends it: every card would seem wrong.
+    try {
+      status = std::max(status, check_records(database));
+    } catch (const store::sqlite::DamagedRecord&) {
+      std::cout
+          << "Les fiches n'ont pas été vérifiées : rétablissez d'abord les enregistrements endommagés.\n";
+    }
   });
   return status;
+}
+
+int check(const Options& options) {
+  const StoreOptions& store = options.store;
+  if (!is_file(store)) return check_all(*open_named_store(store));
+  const auto database = open_to_examine(store.url);
+  if (options.repair) repair(*database);
+  return check_all(*database);
 }
 
 }  // namespace
 
 void add_check(CLI::App& program, int& status) {
-  const auto options = std::make_shared<StoreOptions>();
+  const auto options = std::make_shared<Options>();
   CLI::App* command = program.add_subcommand(
       "check", "Vérifie chaque fiche : règles d'enregistrement, codes, et la base elle-même");
-  add_store_options(*command, *options);
+  add_store_options(*command, options->store);
+  command->add_flag(
+      "--reparer", options->repair,
+      "Refait d'abord, d'un seul tenant, ce qui se déduit des enregistrements : index, déclencheurs");
   command->footer(
       "Les fautes sont rangées par sorte, les plus fréquentes d'abord. Statut de sortie : 0 rien n'est en\n"
       "faute, 1 une fiche ou un fichier de référence est en faute, 3 la base elle-même est endommagée.");

@@ -21,6 +21,11 @@ void add_select(CLI::App& program, int& status);
 void add_show(CLI::App& program, int& status);
 void add_check(CLI::App& program, int& status);
 void add_backup(CLI::App& program, int& status);
+void add_restore(CLI::App& program, int& status);
+void add_history(CLI::App& program, int& status);
+void add_diff(CLI::App& program, int& status);
+void add_restore_version(CLI::App& program, int& status);
+void add_purge_history(CLI::App& program, int& status);
 void add_copy(CLI::App& program, int& status);
 void add_setup_server(CLI::App& program, int& status);
 

@@ -7,7 +7,6 @@
 #include "app/velanorctl/commands.h"
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/progress.h"
-#include "app/velanorctl/unfinished.h"
 
 namespace velanor::app {
 namespace {
@@ -16,22 +15,21 @@ struct Options {
   StoreOptions from, to;
 };
 
-BaseCopyReport copy_into(const StoreOptions& from, const StoreOptions& to) {
+BaseCopyReport copy_into(store::Database& target, const StoreOptions& from) {
   const auto source = open_named_store(from);
-  const auto target = open_named_store(to, IfMissing::kCreate);
   Progress progress("Copie");
-  return copy_base(*source, *target, [&] { progress.step(); });
+  return copy_base(*source, target, [&] { progress.step(); });
 }
 
 // A file that does not exist yet appears with all that is copied, or not at all.
 BaseCopyReport copy_as_told(const Options& options) {
-  if (!is_file(options.to) || std::filesystem::exists(path_of(options.to.url)))
-    return copy_into(options.from, options.to);
-  Unfinished file(path_of(options.to.url));
-  StoreOptions to;
-  to.url = file.path();
-  const BaseCopyReport report = copy_into(options.from, to);
-  file.complete();
+  const bool new_file = is_file(options.to) && !std::filesystem::exists(path_of(options.to.url));
+  if (!new_file) return copy_into(*open_named_store(options.to), options.from);
+  BaseCopyReport report;
+  store::SqliteDatabase::build(path_of(options.to.url), [&](store::SqliteDatabase& target) {
+    report = copy_into(target, options.from);
+    return true;
+  });
   return report;
 }
 

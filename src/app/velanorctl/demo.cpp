@@ -1,35 +1,21 @@
 // velanorctl demo: builds the demonstration database.
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <iostream>
 
 #include "app/velanorctl/commands.h"
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/progress.h"
-#include "app/velanorctl/unfinished.h"
 #include "velanor/sqlite_database.h"
 
 namespace velanor::app {
 namespace {
-
-namespace fs = std::filesystem;
 
 struct Options {
   std::string path;
   int cards = 0;
 };
 
-void refuse_existing(const std::string& path) {
-  if (fs::exists(path)) {
-    throw store::DbError(store::kStoreFailure,
-                         "Le fichier « " + path + " » existe déjà. Donnez un autre nom, ou ôtez-le.");
-  }
-}
-
-std::size_t fill(const std::string& path, const demo::Options& options) {
-  store::SqliteDatabase::Options created;
-  created.missing = store::SqliteDatabase::Missing::kCreate;
-  store::SqliteDatabase database(path, created);
+std::size_t fill(store::SqliteDatabase& database, const demo::Options& options) {
   std::size_t records = 0;
   Progress progress("Données de démonstration");
   StoreSink sink([&](auto file, auto id, const auto& record) {
@@ -43,11 +29,11 @@ std::size_t fill(const std::string& path, const demo::Options& options) {
 
 int build(const Options& options) {
   const std::string path = path_of(options.path);
-  refuse_existing(path);
-  Unfinished file(path);
-  const std::size_t records =
-      fill(file.path(), options.cards > 0 ? demo::of_scale(options.cards) : demo::Options());
-  file.complete();
+  std::size_t records = 0;
+  store::SqliteDatabase::build(path, [&](store::SqliteDatabase& database) {
+    records = fill(database, options.cards > 0 ? demo::of_scale(options.cards) : demo::Options());
+    return true;
+  });
   std::cout << "Base « " << path << " » : " << records << " enregistrements.\n";
   return 0;
 }

@@ -1,15 +1,17 @@
 // velanorctl export: a file of records as a table.
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 
 #include "app/velanorctl/commands.h"
+#include "app/velanorctl/guarded_output.h"
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/progress.h"
-#include "app/velanorctl/unfinished.h"
 #include "exchange/csv.h"
 #include "exchange/export_csv.h"
+#include "store/unfinished_file.h"
 
 namespace velanor::app {
 namespace {
@@ -41,14 +43,19 @@ void write(const Options& options, std::ostream& out) {
   }
 }
 
+// Exactly as it is stored, unless somebody looks at it.
+void write_to_output(const Options& options) {
+  auto* guard = dynamic_cast<GuardedOutput*>(std::cout.rdbuf());
+  if (guard != nullptr && ::isatty(STDOUT_FILENO) == 0) guard->let_all_through();
+  write(options, std::cout);
+}
+
 void write_table(const Options& options) {
-  using std::filesystem::perms;
-  Unfinished file(options.table);
+  store::UnfinishedFile file(options.table);
   {
     std::ofstream out(file.path(), std::ios::binary);
     write(options, out);
   }
-  std::filesystem::permissions(file.path(), perms::owner_read | perms::owner_write);
   file.complete();
 }
 
@@ -70,7 +77,7 @@ void add_export(CLI::App& program, int& status) {
       ->type_name("CAR")
       ->check(CLI::IsMember({";", ","}));
   command->callback([options, &status] {
-    options->table == "-" ? write(*options, std::cout) : write_table(*options);
+    options->table == "-" ? write_to_output(*options) : write_table(*options);
     status = 0;
   });
 }

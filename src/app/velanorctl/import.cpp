@@ -8,9 +8,11 @@
 #include "app/velanorctl/commands.h"
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/progress.h"
-#include "app/velanorctl/unfinished.h"
 #include "card/record/known_files.h"
+#include "control/session/card_id.h"
 #include "exchange/import_csv.h"
+#include "velanor/memory_database.h"
+#include "velanor/sqlite_database.h"
 
 namespace velanor::app {
 namespace {
@@ -75,20 +77,20 @@ std::ifstream open_table(const std::string& path) {
   return in;
 }
 
-exchange::ImportReport import_into(const StoreOptions& store, const Options& options) {
+exchange::ImportReport import_into(store::Database& database, const Options& options) {
+  card::name_id_parts(database);
   std::ifstream in = open_table(options.table);
-  const auto database = open_named_store(store, IfMissing::kCreate);
   Progress progress("Importation");
-  return exchange::import_csv(in, *database, options.file, options.how, [&] { progress.step(); });
+  return exchange::import_csv(in, database, options.file, options.how, [&] { progress.step(); });
 }
 
 // A database that does not exist yet appears with what is imported, or not at all.
 exchange::ImportReport import_into_new(const std::string& path, const Options& options) {
-  Unfinished file(path);
-  StoreOptions store;
-  store.url = file.path();
-  exchange::ImportReport report = import_into(store, options);
-  if (report.faults.empty()) file.complete();
+  exchange::ImportReport report;
+  store::SqliteDatabase::build(path, [&](store::SqliteDatabase& database) {
+    report = import_into(database, options);
+    return report.faults.empty();
+  });
   return report;
 }
 
@@ -101,10 +103,9 @@ std::string new_database(const StoreOptions& store) {
 
 exchange::ImportReport import_as_told(const Options& options) {
   const std::string path = new_database(options.store);
-  if (path.empty()) return import_into(options.store, options);
+  if (path.empty()) return import_into(*open_named_store(options.store), options);
   if (!options.how.rehearsal) return import_into_new(path, options);
-  StoreOptions empty;
-  empty.url = kMemoryStore;
+  store::MemoryDatabase empty;
   return import_into(empty, options);
 }
 

@@ -2,8 +2,10 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
+#include <new>
 
 #include "app/velanorctl/commands.h"
+#include "app/velanorctl/guarded_output.h"
 #include "app/velanorctl/secrets.h"
 #include "app/velanorctl/usage.h"
 #include "store/sqlite/failure.h"
@@ -13,14 +15,20 @@ namespace {
 using namespace velanor::app;
 
 constexpr int kFailed = 1;
+constexpr const char* kNoMemory =
+    "il n'y a plus assez de mémoire. Fermez d'autres programmes, puis recommencez.";
 
-constexpr void (*kCommands[])(CLI::App&, int&) = {add_play,   add_demo,        add_import, add_export,
-                                                  add_select, add_show,        add_check,  add_backup,
-                                                  add_copy,   add_setup_server};
+constexpr void (*kCommands[])(CLI::App&, int&) = {
+    add_play,          add_demo,   add_import,      add_export,  add_select, add_show,
+    add_check,         add_backup, add_restore,     add_history, add_diff,   add_restore_version,
+    add_purge_history, add_copy,   add_setup_server};
 
 int parse_and_run(CLI::App& program, int argc, char** argv, const int& status) try {
   program.parse(argc, argv);
-  return status;
+  std::cout.flush();
+  if (std::cout) return status;
+  std::cerr << "velanorctl : la sortie n'a pas pu être écrite. Vérifiez la place sur le disque.\n";
+  return kFailed;
 } catch (const CLI::ParseError& end) {
   return end_of_parsing(program, end);
 }
@@ -28,6 +36,7 @@ int parse_and_run(CLI::App& program, int argc, char** argv, const int& status) t
 }  // namespace
 
 int main(int argc, char** argv) try {
+  const GuardedOutput output(std::cout), errors(std::cerr);
   int status = 0;
   CLI::App program("Fiches du personnel : le composant et sa base, à la ligne de commande", "velanorctl");
   speak_french(program);
@@ -42,6 +51,9 @@ int main(int argc, char** argv) try {
 } catch (const velanor::store::sqlite::DamagedError& error) {
   std::cerr << "velanorctl : " << error.what() << "\n";
   return kDamaged;
+} catch (const std::bad_alloc&) {
+  std::cerr << "velanorctl : " << kNoMemory << "\n";
+  return kFailed;
 } catch (const std::exception& error) {
   std::cerr << "velanorctl : " << error.what() << "\n";
   return kFailed;

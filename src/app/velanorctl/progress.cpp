@@ -17,8 +17,9 @@ Progress::Progress(std::string work, std::size_t total)
   show("…");
 }
 
+// What drives the terminal goes past the guard of the error stream.
 Progress::~Progress() {
-  if (terminal_) std::cerr << "\r\033[K" << std::flush;
+  if (terminal_) std::clog << "\r\033[K" << std::flush;
 }
 
 void Progress::step() {
@@ -35,7 +36,7 @@ void Progress::part(double part) {
 }
 
 void Progress::show(const std::string& how_far) {
-  if (terminal_) std::cerr << "\r" << work_ << " : " << how_far << "\033[K" << std::flush;
+  if (terminal_) std::clog << "\r" << work_ << " : " << how_far << "\033[K" << std::flush;
 }
 
 }  // namespace velanor::app

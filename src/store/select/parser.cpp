@@ -25,27 +25,49 @@ std::optional<int> attribute_number(std::string_view word) {
   return std::stoi(std::string(word));
 }
 
+std::size_t leading(std::string_view text, char bracket) {
+  return std::min(text.find_first_not_of(bracket), text.size());
+}
+std::size_t trailing(std::string_view text, char bracket) {
+  const std::size_t other = text.find_last_not_of(bracket);
+  return other == std::string_view::npos ? text.size() : text.size() - 1 - other;
+}
+
+// Of each run of brackets two stand for one; of an odd one the last remains if `keep_odd`.
+std::string without_doubles(std::string_view text, std::string_view brackets, bool keep_odd) {
+  std::string plain;
+  while (!text.empty()) {
+    const char c = text.front();
+    const std::size_t run = brackets.find(c) == std::string_view::npos ? 0 : leading(text, c);
+    plain.append(run == 0 ? 1 : run / 2 + (keep_odd ? run % 2 : 0), c);
+    text.remove_prefix(std::max<std::size_t>(run, 1));
+  }
+  return plain;
+}
+
+// A bracket at an end of the text that is not one of a pair is a sign.
 Test equality_test(std::string_view text, Token::Kind kind) {
-  const bool ends = kind == Token::Kind::kQuoted && text.starts_with('[');
+  if (kind != Token::Kind::kQuoted) return {.kind = Test::Kind::kIs, .text = std::string(text)};
+  const bool ends = leading(text, '[') % 2 == 1;
   if (ends) text.remove_prefix(1);
-  const bool begins = kind == Token::Kind::kQuoted && text.ends_with(']');
+  const bool begins = trailing(text, ']') % 2 == 1;
   if (begins) text.remove_suffix(1);
   const auto found = ends && begins ? Test::Kind::kContains
                      : ends         ? Test::Kind::kEndsWith
                      : begins       ? Test::Kind::kBeginsWith
                                     : Test::Kind::kIs;
-  return {.kind = found, .text = std::string(text)};
+  return {.kind = found, .text = without_doubles(text, "[]", true)};
 }
 
 // In a bound "[" only says where the code starts behind the prefix of an id.
-Test bound_test(Test::Kind kind, std::string text) {
-  std::erase(text, '[');
-  return {.kind = kind, .text = std::move(text)};
+Test bound_test(Test::Kind kind, const Token& value) {
+  std::string text = value.kind == Token::Kind::kQuoted ? without_doubles(value.text, "]", true) : value.text;
+  return {.kind = kind, .text = without_doubles(text, "[", false)};
 }
 
 Test make_test(std::string_view op, const Token& value) {
-  if (op == ">=") return bound_test(Test::Kind::kAtLeast, value.text);
-  if (op == "<") return bound_test(Test::Kind::kBelow, value.text);
+  if (op == ">=") return bound_test(Test::Kind::kAtLeast, value);
+  if (op == "<") return bound_test(Test::Kind::kBelow, value);
   Test test = equality_test(value.text, value.kind);
   test.negated = op != "=";
   return test;

@@ -103,6 +103,10 @@ std::string_view Statement::bytes(int column) const {
   return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column))};
 }
 
+bool Statement::is_null(int column) const {
+  return sqlite3_column_type(statement_.get(), column) == SQLITE_NULL;
+}
+
 // What it returns has been said by the step already.
 void Statement::reset() { sqlite3_reset(statement_.get()); }
 
@@ -115,7 +119,8 @@ Connection::Stamp Connection::stamp_of(const std::string& path) {
           status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
 
-Connection::Connection(std::string path, Missing missing, int patience) : path_(std::move(path)) {
+Connection::Connection(std::string path, Missing missing, int patience)
+    : path_(std::move(path)), patience_(patience) {
   if (missing == Missing::kCreate) create_private(path_);
   access_ = access_to(path_);
   stamp_ = stamp_of(path_);
@@ -123,14 +128,28 @@ Connection::Connection(std::string path, Missing missing, int patience) : path_(
   const int code = open_handle(path_, access_, &handle);
   handle_.reset(handle);
   check(code);
+  int other_file = 0;
+  sqlite3_file_control(handle, "main", SQLITE_FCNTL_HAS_MOVED, &other_file);
+  if (other_file != 0) fail(SQLITE_CANTOPEN);
   sqlite3_busy_timeout(handle, patience);
   // The file may come from anyone: what is written in its schema may not do more than plain SQL.
   sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+  sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0, nullptr);
+  run("PRAGMA cell_size_check = 1");
+  // As long as it is needed a log may be longer.
+  run("PRAGMA journal_size_limit = 67108864");
 }
 
 bool Connection::outdated() const {
   return access_ == Access::kReadAlone && (has_log(path_) || stamp_of(path_) != stamp_);
+}
+
+bool Connection::moved() const {
+  if (!same_file(stamp_of(path_), stamp_)) return true;
+  const Stamp log = stamp_of(path_ + "-wal");
+  if (log_ == Stamp{}) log_ = log;
+  return !same_file(log, log_);
 }
 
 void Connection::run(const char* sql) { check(sqlite3_exec(handle(), sql, nullptr, nullptr, nullptr)); }

@@ -29,6 +29,7 @@ class Statement {
   bool step();
   std::int64_t number(int column) const;
   std::string_view bytes(int column) const;
+  bool is_null(int column) const;
   void reset();
 
  private:
@@ -50,6 +51,7 @@ class Run {
   Run(const Run&) = delete;
   Run& operator=(const Run&) = delete;
   Statement* operator->() { return &statement_; }
+  const Statement& operator*() const { return statement_; }
 
  private:
   Statement& statement_;
@@ -72,8 +74,11 @@ class Connection {
 
   const std::string& path() const { return path_; }
   Access access() const { return access_; }
+  int patience() const { return patience_; }
   // Read alone, and no longer alone or not the same: what it says from here on may be wrong.
   bool outdated() const;
+  // Whether the path is no longer the file, or its log, that was opened: what is written would be lost.
+  bool moved() const;
   sqlite3* handle() const { return handle_.get(); }
 
   // Runs statements that return nothing.
@@ -98,10 +103,14 @@ class Connection {
   // What tells one state of a file from another.
   using Stamp = std::array<std::int64_t, 5>;
   static Stamp stamp_of(const std::string& path);
+  static bool same_file(const Stamp& a, const Stamp& b) { return a[0] == b[0] && a[1] == b[1]; }
 
   std::string path_;
+  int patience_;
   Access access_;
   Stamp stamp_;
+  // The log's, once it has been seen.
+  mutable Stamp log_{};
   std::unique_ptr<sqlite3, Close> handle_;
 };
 

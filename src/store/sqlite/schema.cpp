@@ -2,9 +2,11 @@
 
 #include <sqlite3.h>
 
+#include <chrono>
 #include <string>
 
 #include "store/sqlite/failure.h"
+#include "store/sqlite/row_sum.h"
 
 namespace velanor::store::sqlite {
 namespace {
@@ -34,7 +36,52 @@ CREATE TRIGGER record_deleted AFTER DELETE ON record
   BEGIN UPDATE file SET revision = revision + 1 WHERE number = OLD.file; END;
 )sql";
 
-constexpr const char* kSteps[] = {kVersion1};
+// The record holds its newest version; what it replaces goes to `history`, so that new records are
+// written once. A deletion is a row without content, which also keeps the numbers going on. `until` is
+// when a version was replaced; nothing for a deletion that still holds. `sum` is checked at each read.
+constexpr const char* kVersion2 = R"sql(
+ALTER TABLE record ADD COLUMN version INTEGER NOT NULL DEFAULT 1;
+ALTER TABLE record ADD COLUMN author TEXT NOT NULL DEFAULT '';
+ALTER TABLE record ADD COLUMN time INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE record ADD COLUMN sum INTEGER NOT NULL DEFAULT 0;
+UPDATE record SET sum = velanor_sum(file, id, version, author, time, content);
+CREATE TABLE history(
+  file INTEGER NOT NULL,
+  id TEXT NOT NULL,
+  version INTEGER NOT NULL,
+  author TEXT NOT NULL,
+  time INTEGER NOT NULL,
+  until INTEGER,
+  content BLOB,
+  sum INTEGER NOT NULL
+) STRICT;
+CREATE UNIQUE INDEX history_by_id ON history(file, id, version);
+CREATE INDEX history_of_deletions ON history(file, id) WHERE content IS NULL;
+)sql";
+
+constexpr const char* kSteps[] = {kVersion1, kVersion2};
+
+// A file of the first version that may not be written is read as if it had taken the next step.
+constexpr const char* kVersion1AsRead = R"sql(
+CREATE TEMP VIEW record AS SELECT file, id, tail, content, 1 AS version, '' AS author, 0 AS time, NULL AS sum
+  FROM main.record;
+CREATE TEMP VIEW history AS SELECT file, id, 0 AS version, '' AS author, 0 AS time, NULL AS until, content,
+  NULL AS sum FROM main.record WHERE 0;
+)sql";
+
+// Within it a call that finds the file taken says so at once.
+class ImpatientScope {
+ public:
+  explicit ImpatientScope(Connection& connection) : connection_(connection) {
+    sqlite3_busy_timeout(connection.handle(), 0);
+  }
+  ~ImpatientScope() { sqlite3_busy_timeout(connection_.handle(), connection_.patience()); }
+  ImpatientScope(const ImpatientScope&) = delete;
+  ImpatientScope& operator=(const ImpatientScope&) = delete;
+
+ private:
+  Connection& connection_;
+};
 
 std::int64_t version(Connection& connection) { return connection.number("PRAGMA user_version"); }
 
@@ -53,6 +100,7 @@ void refuse_others(Connection& connection, std::int64_t known) {
 }
 
 void take_steps(Connection& connection, std::span<const char* const> steps) {
+  offer_row_sum(connection);
   Transaction transaction(connection);
   // Another program may have done it while this one waited.
   const auto from = static_cast<std::size_t>(version(connection));
@@ -64,14 +112,20 @@ void take_steps(Connection& connection, std::span<const char* const> steps) {
   transaction.commit();
 }
 
-// Where the file system cannot do it the file stays as it is, which is as safe and only slower.
+void read_older(Connection& connection, std::int64_t known) {
+  if (version(connection) == 1 && known > 1) connection.run(kVersion1AsRead);
+}
+
+// Where the file system cannot do it the file stays as it is, which is as safe and only slower. While another
+// program does the same SQLite says so at once, without patience.
 void write_ahead(Connection& connection) {
-  constexpr int kTries = 100, kPause = 20;
-  for (int n = 0; connection.text("PRAGMA journal_mode") == "delete"; ++n) {
-    // While another program does the same SQLite says so at once, without patience.
+  constexpr int kPause = 20;
+  const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(connection.patience());
+  const ImpatientScope impatient(connection);
+  while (connection.text("PRAGMA journal_mode") == "delete") {
     const int code =
         sqlite3_exec(connection.handle(), "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr);
-    if ((code & 0xFF) != SQLITE_BUSY || n == kTries) {
+    if ((code & 0xFF) != SQLITE_BUSY || std::chrono::steady_clock::now() >= until) {
       connection.check(code);
       return;
     }
@@ -86,8 +140,15 @@ std::span<const char* const> schema_steps() { return kSteps; }
 void prepare(Connection& connection, std::span<const char* const> steps) {
   const auto known = static_cast<std::int64_t>(steps.size());
   refuse_others(connection, known);
-  if (version(connection) < known) take_steps(connection, steps);
-  if (connection.access() == Access::kWrite) write_ahead(connection);
+  if (connection.access() == Access::kWrite) {
+    // A journal that comes back because its removal was never brought to the disk would undo what is then
+    // in the log.
+    connection.run("PRAGMA synchronous = EXTRA");
+    if (version(connection) < known) take_steps(connection, steps);
+    write_ahead(connection);
+  } else {
+    read_older(connection, known);
+  }
   connection.run("PRAGMA synchronous = FULL");
   connection.run("PRAGMA cache_size = -32768");  // KiB
 }

@@ -1,6 +1,8 @@
 // The backend of the SQLite store.
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -8,7 +10,10 @@
 #include <string_view>
 #include <vector>
 
+#include "store/sqlite/checkpointer.h"
 #include "store/sqlite/connection.h"
+#include "store/sqlite/failure.h"
+#include "store/sqlite/record_writer.h"
 #include "velanor/backend.h"
 
 namespace velanor::store::sqlite {
@@ -17,7 +22,10 @@ namespace velanor::store::sqlite {
 // programs have written before it.
 class SqliteBackend : public Backend {
  public:
-  SqliteBackend(std::string path, Missing missing, int patience);
+  // Seconds since 1970, UTC.
+  using Clock = std::function<std::int64_t()>;
+
+  SqliteBackend(std::string path, Missing missing, int patience, Clock clock);
 
   void open(std::string_view file) override;
   std::optional<DbRecord> find(std::string_view file, std::string_view id) override;
@@ -33,29 +41,50 @@ class SqliteBackend : public Backend {
   void in_one_change(const std::function<void()>& writes) override;
   void in_one_view(const std::function<void()>& reads) override;
   Connection& connection() { return shelf()->connection; }
+  // Nothing for a file that was never written.
+  std::optional<std::int64_t> number(std::string_view file);
+  // What to tell of a record whose checksum does not hold: that, and which version is sound.
+  DamagedRecord damaged(std::string_view file, std::string_view id);
+  void set_author(std::string_view name) { author_ = clean_text(name); }
 
  private:
   // A connection that is ready before its statements are prepared.
   struct Shelf {
     Shelf(const std::string& path, Missing missing, int patience);
     Connection connection;
-    Statement find, put, create, erase, ids, records, tails, number, add_file, revision;
+    Statement find, ids, records, tails, number, revision;
+    // Once something is written.
+    std::optional<RecordWriter> writer;
+    std::unique_ptr<Checkpointer> checkpointer;
   };
   // A file that is read alone is opened anew when somebody has come to write it.
   const std::shared_ptr<Shelf>& shelf();
 
-  // Nothing for a file that was never written.
-  std::optional<std::int64_t> number(std::string_view file);
-  std::int64_t number_for_writing(std::string_view file);
-  bool put(std::string_view file, std::string_view id, const DbRecord& record, bool only_new);
-  void erase(std::string_view file, std::string_view id);
-  void scan_ids(Content content, std::int64_t file, std::string_view prefix, const Visit& visit);
-  void scan_tails(std::int64_t file, std::string_view suffix, const Visit& visit);
+  // Carries out a write as a change, or as part of the one that is under way.
+  void write(const std::function<void(RecordWriter&)>& act);
+  void run_change(const std::function<void()>& writes);
+  std::int64_t number_for_writing(RecordWriter& writer, std::string_view file);
+  RecordWriter::Hand hand() const { return {author_, clock_()}; }
+  // A file by its name, and by its number.
+  struct File {
+    std::string_view name;
+    std::int64_t number;
+  };
+  void scan_ids(Content content, const File& file, std::string_view prefix, const Visit& visit);
+  void scan_tails(const File& file, std::string_view suffix, const Visit& visit);
+  // The content of a row that begins with kStoredColumns. Throws DamagedRecord.
+  std::string_view sound_content(const Statement& row, const File& file, std::string_view id);
+  bool holds(const Expected& expected, const std::optional<RecordWriter::Current>& current,
+             std::string_view file, std::string_view id);
 
   std::string path_;
   int patience_;
   std::shared_ptr<Shelf> shelf_;  // a scan keeps the one it began on
   std::map<std::string, std::int64_t, std::less<>> numbers_;
+  Clock clock_;
+  std::string author_;
+  // A change of several writes is under way; one of them has failed, and with it the change.
+  bool in_change_ = false, broken_ = false;
   // Changes undone here: what was read inside them must not pass for what comes after.
   std::uint64_t undone_ = 0;
 };

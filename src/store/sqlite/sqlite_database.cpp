@@ -1,22 +1,22 @@
 #include "velanor/sqlite_database.h"
 
-#include <sqlite3.h>
-
 #include <array>
-#include <filesystem>
+#include <ctime>
 #include <fstream>
 
 #include "store/checked_writes.h"
+#include "store/sqlite/examination.h"
 #include "store/sqlite/failure.h"
+#include "store/sqlite/place.h"
+#include "store/sqlite/row_sum.h"
 #include "store/sqlite/schema.h"
 #include "store/sqlite/sqlite_backend.h"
+#include "store/sqlite/sqlite_history.h"
+#include "store/sqlite/whole_files.h"
 
 namespace velanor::store {
 namespace {
 
-namespace fs = std::filesystem;
-
-using sqlite::Connection;
 using sqlite::SqliteBackend;
 using sqlite::Statement;
 
@@ -24,85 +24,36 @@ sqlite::Missing if_missing(SqliteDatabase::Missing missing) {
   return missing == SqliteDatabase::Missing::kCreate ? sqlite::Missing::kCreate : sqlite::Missing::kFail;
 }
 
-// Copies all pages within one view of the source, so that writers neither wait nor disturb it.
-void copy_pages(Connection& from, Connection& to, const std::function<void(double)>& progress) {
-  constexpr int kPages = 4096;
-  sqlite3_backup* backup = sqlite3_backup_init(to.handle(), "main", from.handle(), "main");
-  if (backup == nullptr) to.fail(sqlite3_errcode(to.handle()));
-  int code = SQLITE_OK;
-  while (code == SQLITE_OK) {
-    code = sqlite3_backup_step(backup, kPages);
-    const double pages = sqlite3_backup_pagecount(backup);
-    if (progress && pages > 0) progress(1.0 - sqlite3_backup_remaining(backup) / pages);
-  }
-  sqlite3_backup_finish(backup);
-  if (code == SQLITE_CORRUPT) from.fail(code);
-  if (code != SQLITE_DONE) to.fail(code);
+std::function<std::int64_t()> clock_of(const SqliteDatabase::Options& options) {
+  if (options.clock) return options.clock;
+  return [] { return static_cast<std::int64_t>(std::time(nullptr)); };
 }
 
-std::vector<std::string> damages_of(Connection& connection) {
-  std::vector<std::string> damages;
-  Statement statement(connection, "PRAGMA integrity_check(20)");
-  while (statement.step()) damages.emplace_back(statement.bytes(0));
-  if (damages.size() == 1 && damages.front() == "ok") damages.clear();
-  return damages;
+// All that is stored under a checksum, the newest and what was.
+constexpr const char* kRowsWithSums =
+    "SELECT content, version, author, time, sum, id, file, name, 0 FROM record JOIN file ON number = file "
+    "UNION ALL SELECT content, version, author, time, sum, id, file, name, 1 FROM history "
+    "JOIN file ON number = file";
+
+std::string of_history(std::string_view file, std::string_view id, std::int64_t version) {
+  std::string sentence = "La version " + std::to_string(version) + " de l'enregistrement « " + clean_text(id);
+  return sentence.append(" » du fichier ")
+      .append(file)
+      .append(" est endommagée dans l'historique. Ce qui est stocké ne l'est pas.");
 }
-
-// Opened anew, to be read from the file.
-bool is_sound(const std::string& path) try {
-  Connection copy(path, sqlite::Missing::kFail, 0);
-  return damages_of(copy).empty();
-} catch (const sqlite::DamagedError&) {
-  return false;
-}
-
-// The file that a copy is made in. It goes with this, unless it took its name.
-class Copy {
- public:
-  explicit Copy(const std::string& path) : path_(path), unfinished_(path + ".partiel") {
-    if (fs::exists(path_)) throw taken();
-    if (sqlite::create_private(unfinished_)) return;
-    throw NameTaken(kStoreFailure, "Le fichier « " + unfinished_ +
-                                       " » existe déjà : une sauvegarde est en cours, ou a été interrompue. "
-                                       "Attendez qu'elle se termine, ou ôtez ce fichier, puis recommencez.");
-  }
-  ~Copy() {
-    std::error_code ignored;
-    for (const char* companion : {"", "-journal", "-wal", "-shm"})
-      fs::remove(unfinished_ + companion, ignored);
-  }
-  Copy(const Copy&) = delete;
-  Copy& operator=(const Copy&) = delete;
-
-  const std::string& unfinished() const { return unfinished_; }
-
-  // A second name, where the file system has such, never takes the place of a file that has come up
-  // meanwhile.
-  void take_name() {
-    std::error_code refused;
-    fs::create_hard_link(unfinished_, path_, refused);
-    if (!refused) return;
-    if (fs::exists(path_)) throw taken();
-    fs::rename(unfinished_, path_, refused);
-    if (refused) throw sqlite::failure(SQLITE_CANTOPEN, path_, "");
-  }
-
- private:
-  NameTaken taken() const {
-    return {kStoreFailure,
-            "Le fichier « " + path_ + " » existe déjà. Donnez un autre nom à la sauvegarde, ou ôtez-le."};
-  }
-
-  std::string path_, unfinished_;
-};
 
 }  // namespace
 
 SqliteDatabase::SqliteDatabase(const std::string& path, Options options)
-    : SqliteDatabase(std::make_unique<SqliteBackend>(path, if_missing(options.missing), options.patience)) {}
+    : SqliteDatabase(std::make_unique<SqliteBackend>(path, if_missing(options.missing), options.patience,
+                                                     clock_of(options))) {}
 
 SqliteDatabase::SqliteDatabase(std::unique_ptr<SqliteBackend> backend)
-    : StoreDatabase(std::move(backend)), backend_(static_cast<SqliteBackend*>(&StoreDatabase::backend())) {}
+    : StoreDatabase(std::move(backend)),
+      backend_(static_cast<SqliteBackend*>(&StoreDatabase::backend())),
+      history_(std::make_unique<sqlite::SqliteHistory>(*backend_)) {}
+
+SqliteDatabase::~SqliteDatabase() = default;
 
 bool SqliteDatabase::read_only() const { return backend_->connection().access() != sqlite::Access::kWrite; }
 
@@ -113,21 +64,47 @@ void SqliteDatabase::put(std::string_view file, std::string_view id, const DbRec
 std::vector<std::string> SqliteDatabase::files() { return backend_->files(); }
 
 void SqliteDatabase::back_up(const std::string& path, const std::function<void(double)>& progress) {
-  Copy file(path);
-  {
-    Connection copy(file.unfinished(), sqlite::Missing::kFail, 0);
-    in_one_view([&] { copy_pages(backend_->connection(), copy, progress); });
-  }
-  if (!is_sound(file.unfinished())) {
-    throw sqlite::DamagedError(kStoreFailure,
-                               "La base « " + backend_->connection().path() +
-                                   " » est endommagée, elle n'a pas été sauvegardée. Fermez le programme et "
-                                   "reprenez la dernière sauvegarde.");
-  }
-  file.take_name();
+  in_one_view([&] { sqlite::copy_to_new_file(backend_->connection(), path, progress); });
 }
 
-std::vector<std::string> SqliteDatabase::damages() { return damages_of(backend_->connection()); }
+void SqliteDatabase::build(const std::string& path, const std::function<bool(SqliteDatabase&)>& fill) {
+  sqlite::refuse_unsafe_place(path);
+  sqlite::make_new_file(path, [&](const std::string& unfinished) {
+    SqliteDatabase database(unfinished);
+    if (!fill(database)) return false;
+    sqlite::settle(database.backend_->connection());
+    return true;
+  });
+}
+
+std::string SqliteDatabase::restore(const std::string& backup, const std::string& path) {
+  return sqlite::put_in_place(backup, path);
+}
+
+std::vector<std::string> SqliteDatabase::damages() { return sqlite::damages_of(backend_->connection()); }
+
+std::vector<std::string> SqliteDatabase::disagreements() {
+  return sqlite::disagreements_of(backend_->connection());
+}
+
+void SqliteDatabase::repair() { sqlite::repair(backend_->connection()); }
+
+std::vector<SqliteDatabase::DamagedRecord> SqliteDatabase::damaged_records() {
+  std::vector<DamagedRecord> damaged;
+  Statement rows(backend_->connection(), kRowsWithSums);
+  while (rows.step()) {
+    const std::string_view id = rows.bytes(5);
+    sqlite::StoredVersion row{rows.number(6), id,          rows.number(1), rows.bytes(2),
+                              rows.number(3), std::nullopt};
+    if (!rows.is_null(0)) row.content = rows.bytes(0);
+    if (rows.is_null(4) || rows.number(4) == row_sum(row)) continue;
+    const std::string file = clean_text(rows.bytes(7));
+    const bool old = rows.number(8) != 0;
+    damaged.push_back({file, clean_text(id), old,
+                       old ? of_history(file, id, row.version) : backend_->damaged(file, id).what()});
+  }
+  return damaged;
+}
 
 bool SqliteDatabase::is_at(const std::string& path) {
   // Both stand at fixed places in front of every SQLite file.
