@@ -30,6 +30,8 @@ class History {
   virtual void set_author(std::string_view name) = 0;
   // The oldest first, the last one as it is stored now; empty for a record that never was.
   virtual std::vector<Version> versions(std::string_view file, std::string_view id) = 0;
+  // The files that hold a record or have a version of one, by name.
+  virtual std::vector<std::string> files() { return {}; }
   // Ids that end so whose record was deleted and is not there; the latest deletion first.
   virtual std::vector<std::string> deleted(std::string_view file, std::string_view id_suffix) = 0;
   // Forgets the versions that were replaced before that time; what is stored now stays, and so does that

@@ -3,8 +3,10 @@
 
 #include "app/velanorctl/base_copy.h"
 #include "postgres/server.h"
+#include "sqlite/temporary_folder.h"
 #include "store/notation.h"
 #include "velanor/memory_database.h"
+#include "velanor/sqlite_database.h"
 
 namespace velanor::store {
 namespace {
@@ -43,6 +45,48 @@ TEST_F(BaseCopy, BetweenServersBringsEveryVersionAndEveryDeletionAlong) {
   EXPECT_EQ(all_of(*clerk, "SSELECT F AVEC 0 = \"[1\"", "F"), "1|c\n") << "found by its end";
   clerk->put("F", "é 2", record("again"));
   EXPECT_EQ(told(clerk->history()->versions("F", "é 2")), "1 clerk gone\n2 clerk -\n3 anne again\n");
+}
+
+// Number, author, time and content of each.
+std::string all_versions(Database& database, std::string_view file, std::string_view id) {
+  std::string text;
+  for (const Version& version : database.history()->versions(file, id)) {
+    text += std::to_string(version.number) + " " + version.author + " " + std::to_string(version.time) + " " +
+            (version.record ? shown(*version.record) : "-") + "\n";
+  }
+  return text;
+}
+
+TEST_F(BaseCopy, FromAFileToAServerAndBackIsTheSameVersionByVersion) {
+  const TemporaryFolder folder;
+  using Sqlite = SqliteDatabase;
+  std::int64_t now = 1'700'000'000;
+  const auto file_at = [&](const char* name) {
+    return std::make_unique<Sqlite>(folder.file(name), Sqlite::Options{.missing = Sqlite::Missing::kCreate,
+                                                                       .clock = [&] { return now++; }});
+  };
+  const auto from = file_at("from"), back = file_at("back");
+  const auto server = open(server_.new_base(), "manager");
+  from->history()->set_author("Anne Petit");
+  for (const char* content : {"a", "b^x|y", "c"}) from->put("F", "1", record(content));
+  from->put("F", "é 2", record("gone"));
+  from->OpenFile("F")->DeleteRecord("é 2");
+  from->put("F", "é 2", record("back"));
+  from->put("ONLYDELETED", "3", record("gone"));
+  from->OpenFile("ONLYDELETED")->DeleteRecord("3");
+  EXPECT_EQ(app::copy_base(*from, *server).versions, 8u);
+  EXPECT_EQ(app::copy_base(*server, *back).versions, 8u);
+  const std::pair<const char*, const char*> records[] = {{"F", "1"}, {"F", "é 2"}, {"ONLYDELETED", "3"}};
+  for (const auto& [file, id] : records) {
+    EXPECT_NE(all_versions(*from, file, id), "");
+    EXPECT_EQ(all_versions(*server, file, id), all_versions(*from, file, id));
+    EXPECT_EQ(all_versions(*back, file, id), all_versions(*from, file, id));
+  }
+  EXPECT_EQ(back->history()->deleted("ONLYDELETED", ""), std::vector<std::string>{"3"});
+  EXPECT_TRUE(back->damages().empty() && back->disagreements().empty() && back->damaged_records().empty());
+  back->put("F", "1", record("next"));
+  EXPECT_EQ(back->history()->versions("F", "1").back().number, 4u);
+  EXPECT_EQ(back->history()->purge(now), from->history()->purge(now) + 1);
 }
 
 TEST_F(BaseCopy, ToAndFromAStoreWithoutHistoryBringsTheRecords) {

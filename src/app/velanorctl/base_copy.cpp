@@ -11,11 +11,24 @@ std::vector<std::string> ids_of(store::Database& database, const std::string& fi
   return ids;
 }
 
+// What can no longer be read is not brought along, and must not pass for a deletion.
+std::vector<store::Version> sound_versions(store::Database& from, const std::string& file,
+                                           const std::string& id) {
+  auto versions = from.history()->versions(file, id);
+  if (versions.empty() || versions.back().sound) {
+    std::erase_if(versions, [](const store::Version& version) { return !version.sound; });
+    return versions;
+  }
+  throw store::DbError(store::kStoreFailure, "L'enregistrement « " + id + " » du fichier " + file +
+                                                 " est endommagé. Rien n'a été copié ; rétablissez-en une "
+                                                 "version par « velanorctl restore-version ».");
+}
+
 // Whether the versions went along.
 bool copy_versions(store::Database& from, store::Database& to, const std::string& file, const std::string& id,
                    BaseCopyReport& report) {
   if (from.history() == nullptr || to.history() == nullptr) return false;
-  const auto versions = from.history()->versions(file, id);
+  const auto versions = sound_versions(from, file, id);
   if (!to.history()->restore(file, id, versions)) return false;
   report.versions += versions.size();
   return true;
@@ -47,7 +60,7 @@ BaseCopyReport copy_base(store::Database& from, store::Database& to, const std::
           "La base à remplir contient déjà des enregistrements. Rien n'a été copié ; donnez une "
           "base vide.");
     }
-    for (const std::string& file : from.files()) {
+    for (const std::string& file : from.history() ? from.history()->files() : from.files()) {
       copy_file(from, to, file, report, step);
       ++report.files;
     }

@@ -17,7 +17,7 @@ void add_record_options(CLI::App& command, RecordOptions& options) {
 store::History& history_of(store::Database& database) {
   if (store::History* history = database.history()) return *history;
   throw store::DbError(store::kStoreFailure,
-                       "Cette base ne garde pas d'historique. Donnez une base qui soit un fichier.");
+                       "Cette base ne garde pas d'historique. Donnez un fichier ou un serveur.");
 }
 
 std::vector<store::Version> versions_of(store::Database& database, const RecordOptions& record) {

@@ -46,6 +46,18 @@ std::vector<Version> PostgresHistory::versions(std::string_view file, std::strin
   return versions;
 }
 
+std::vector<std::string> PostgresHistory::files() {
+  std::vector<std::string> names;
+  backend_.read([&](Connection& connection) {
+    names.clear();
+    const Result rows = connection.run(
+        "SELECT name FROM velanor.file WHERE EXISTS (SELECT FROM velanor.stored WHERE file = number) "
+        "ORDER BY name");
+    for (int row = 0; row < rows.rows(); ++row) names.push_back(clean_text(rows.bytes(row, 0)));
+  });
+  return names;
+}
+
 std::vector<std::string> PostgresHistory::deleted(std::string_view file, std::string_view id_suffix) {
   std::vector<std::string> ids;
   const std::string from = reversed(id_suffix);
