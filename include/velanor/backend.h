@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "velanor/database.h"
 #include "velanor/record.h"
@@ -53,6 +54,8 @@ class Backend {
                    const Expected& expected) = 0;
   // The same for removing a record; one that is not there is not an error.
   virtual bool erase(std::string_view file, std::string_view id, const Expected& expected) = 0;
+  // Removes what there is of these, within a change. Where every call is a journey, all are to be one.
+  virtual void erase_each(std::string_view file, const std::vector<std::string>& ids);
   // Visits every record that the narrowing admits, once each, in any order; ascending ids make the sorting
   // cheapest. It may visit others: a narrowing only saves work. A row lives until its visit returns; its
   // record may be left empty when only ids are asked for. The visit does not call the backend; what it

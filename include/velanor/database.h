@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "velanor/history.h"
+#include "velanor/news.h"
 #include "velanor/query.h"
 #include "velanor/record.h"
 
@@ -108,6 +109,8 @@ class DbFile {
   virtual void remove(std::string_view id, const Expected& expected) = 0;
   // Removing a record that does not exist is not an error.
   void DeleteRecord(std::string_view id) { remove(id, Expected::anything()); }
+  // The same for each of these; where one fails the others are tried, and its failure is thrown then.
+  virtual void remove_each(const std::vector<std::string>& ids);
 
   // Throws DbError kMissingRecord when there is no such record.
   DbRecord Read(std::string_view id);
@@ -148,6 +151,8 @@ class Database {
   virtual std::vector<std::string> files() { return {}; }
   // The versions of its records; null where none are kept.
   virtual History* history() { return nullptr; }
+  // A new reader of what others write; null where the database does not hear of it.
+  virtual std::unique_ptr<News> news() { return nullptr; }
   // From now on statements may call a part of the ids of a file by this name. The component names those
   // that it uses when it is started.
   virtual void name_id_part(std::string_view file, std::string_view name, const IdPart& part) = 0;

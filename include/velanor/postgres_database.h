@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -41,25 +40,16 @@ class PostgresDatabase : public StoreDatabase {
   PostgresDatabase(const std::string& url, Options options);
   ~PostgresDatabase() override;
 
-  // A replica, or a user who may only read. Such a one is told nothing (see `poll`).
+  // A replica, or a user who may only read. Such a one hears no news.
   bool read_only() const override;
   History* history() override { return history_.get(); }
+  std::unique_ptr<News> news() override;
   // Changes of others are seen in one's own change as they come; others see one's own at its end. To write
   // inside a view is an error.
 
   // Writes a record without opening its file.
   void put(std::string_view file, std::string_view id, const DbRecord& record);
   std::vector<std::string> files() override;
-
-  // What others write. The descriptor becomes readable when there is something for `poll`, and stays the same
-  // when the connection is made anew.
-  int wake_descriptor() const;
-  // Tells what has come, without waiting for the server. Not to be called by what it calls.
-  void poll();
-  // An empty id: anything in the file may have changed; an empty file: anything at all, as after a lost
-  // connection. What this database writes itself is not told.
-  using Changed = std::function<void(std::string_view file, std::string_view id, std::string_view author)>;
-  void on_changed(Changed changed);
 
   // Messages sent to the server and waited for so far: what a slow network makes slow.
   std::uint64_t round_trips() const;

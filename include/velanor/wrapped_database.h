@@ -34,6 +34,7 @@ class WrappedDatabase : public Database {
   bool read_only() const override { return inner_.read_only(); }
   std::vector<std::string> files() override { return inner_.files(); }
   History* history() override { return inner_.history(); }
+  std::unique_ptr<News> news() override { return inner_.news(); }
   void name_id_part(std::string_view file, std::string_view name, const IdPart& part) override {
     inner_.name_id_part(file, name, part);
   }

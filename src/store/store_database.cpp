@@ -34,6 +34,9 @@ class StoreFile : public DbFile {
   void remove(std::string_view id, const Expected& expected) override {
     in_memory_that_suffices([&] { erase_checked(*backend_, name_, id, expected); });
   }
+  void remove_each(const std::vector<std::string>& ids) override {
+    in_memory_that_suffices([&] { backend_->in_one_change([&] { backend_->erase_each(name_, ids); }); });
+  }
 
  private:
   Backend* backend_;
@@ -63,6 +66,10 @@ void put_checked(Backend& backend, std::string_view file, std::string_view id, c
 void erase_checked(Backend& backend, std::string_view file, std::string_view id, const Expected& expected) {
   if (!backend.erase(file, id, expected))
     throw conflict(file, id, "n'a pas été supprimé", "modifier ou supprimer");
+}
+
+void Backend::erase_each(std::string_view file, const std::vector<std::string>& ids) {
+  for (const std::string& id : ids) erase(file, id, Expected::anything());
 }
 
 // Asked before the scan: what changes meanwhile makes what was visited old, not wrong.

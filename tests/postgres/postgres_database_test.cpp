@@ -295,35 +295,50 @@ bool readable(int descriptor, int milliseconds) {
   return ::poll(&waited, 1, milliseconds) == 1;
 }
 
-TEST_F(PostgresBase, WhatOthersSaveWakesTheProgramAndIsToldWithItsAuthor) {
+// "FILE/ID/AUTHOR" of each, a line.
+std::string taken(News& news) {
+  std::string lines;
+  for (const Change& change : news.take())
+    lines.append(change.file).append("/").append(change.id).append("/").append(change.author).append("\n");
+  return lines;
+}
+
+TEST_F(PostgresBase, WhatOthersSaveWakesEachReaderAndIsToldWithItsAuthor) {
   const auto mine = open(), others = open("anne");
   others->history()->set_author("Anne Petit");
-  std::vector<std::string> heard;
-  mine->on_changed([&](std::string_view file, std::string_view id, std::string_view author) {
-    heard.push_back(std::string(file) + "/" + std::string(id) + "/" + std::string(author));
-  });
+  const auto news = mine->news(), as_well = mine->news();
   mine->put("VELANORO", "000010072026", record("x"));
-  mine->poll();
-  EXPECT_TRUE(heard.empty()) << "one's own writes";
+  EXPECT_EQ(taken(*news), "") << "one's own writes";
   others->put("VELANORO", "é 'x'", record("y"));
-  ASSERT_TRUE(readable(mine->wake_descriptor(), 5000));
-  mine->poll();
-  EXPECT_EQ(heard, std::vector<std::string>{"VELANORO/é 'x'/Anne Petit"});
-  EXPECT_FALSE(readable(mine->wake_descriptor(), 0)) << "nothing more to tell";
-  heard.clear();
+  ASSERT_TRUE(readable(news->descriptor(), 5000));
+  EXPECT_EQ(taken(*news), "VELANORO/é 'x'/Anne Petit\n");
+  EXPECT_FALSE(readable(news->descriptor(), 0)) << "nothing more to tell";
+  ASSERT_TRUE(readable(as_well->descriptor(), 0)) << "one reader took the other's news";
+  EXPECT_EQ(taken(*as_well), "VELANORO/é 'x'/Anne Petit\n");
   others->OpenFile("VELANORO")->DeleteRecord("é 'x'");
   mine->OpenFile("VELANORO")->find("1");
-  ASSERT_TRUE(readable(mine->wake_descriptor(), 5000)) << "it came with an answer, and the socket is empty";
-  mine->poll();
-  EXPECT_EQ(heard, std::vector<std::string>{"VELANORO/é 'x'/Anne Petit"});
-  heard.clear();
+  ASSERT_TRUE(readable(news->descriptor(), 5000)) << "it came with an answer, and the socket is empty";
+  EXPECT_EQ(taken(*news), "VELANORO/é 'x'/Anne Petit\n");
   others->in_one_change([&] {
     for (int i = 0; i < 300; ++i) others->put("G", std::to_string(i), record("z"));
   });
   mine->OpenFile("G")->find("1");
-  mine->poll();
-  EXPECT_EQ(heard.size(), 101u) << "of a large change the file";
-  EXPECT_EQ(heard.back(), "G//Anne Petit");
+  const auto changes = news->take();
+  ASSERT_EQ(changes.size(), 101u) << "of a large change the file";
+  EXPECT_EQ(changes.back().file, "G");
+  EXPECT_EQ(changes.back().id, "");
+}
+
+TEST_F(PostgresBase, WhoNeverTakesHisNewsIsToldInTheEndThatAnythingMayHaveChanged) {
+  const auto mine = open(), others = open();
+  const auto news = mine->news();
+  for (int i = 0; i < 1005; ++i) {
+    others->put("F", std::to_string(i), record("z"));
+    if (i % 100 == 0) mine->OpenFile("F")->find("1");
+  }
+  const auto changes = news->take();
+  EXPECT_LE(changes.size(), 1000u);
+  EXPECT_EQ(changes.front().file, "");
 }
 
 TEST_F(PostgresBase, KeptRecordsCostNoRoundTripUntilSomebodyChangesTheirFile) {

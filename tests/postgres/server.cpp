@@ -12,6 +12,7 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <thread>
 
 #include "store/notation.h"
@@ -92,6 +93,7 @@ Server::Server() {
   int status = 0;
   waitpid(making, &status, 0);
   if (status != 0) throw std::runtime_error("initdb failed, see " + folder_name_ + "log");
+  ask_for_password("guarded");
   start();
   set_durable(false);
   run("postgres", "CREATE DATABASE prepared");
@@ -100,10 +102,19 @@ Server::Server() {
   run("postgres", "CREATE ROLE clerk LOGIN IN ROLE velanor_clerk");
   run("postgres", "CREATE ROLE anne LOGIN IN ROLE velanor_clerk");
   run("postgres", "CREATE ROLE manager LOGIN IN ROLE velanor_owner, velanor_clerk");
+  run("postgres", "CREATE ROLE guarded LOGIN PASSWORD 's3cret word/@' IN ROLE velanor_clerk");
   run("postgres", "CREATE ROLE reader LOGIN");
   run("postgres", "CREATE ROLE stranger LOGIN");
   run("prepared",
       "GRANT USAGE ON SCHEMA velanor TO reader; GRANT SELECT ON ALL TABLES IN SCHEMA velanor TO reader");
+}
+
+// All others are let in without.
+void Server::ask_for_password(const std::string& user) const {
+  const std::string path = folder_name_ + "data/pg_hba.conf";
+  std::stringstream all;
+  all << "local all " << user << " scram-sha-256\n" << std::ifstream(path).rdbuf();
+  std::ofstream(path) << all.str();
 }
 
 Server::~Server() { kill(); }
@@ -164,9 +175,9 @@ std::string Server::ask(const std::string& base, const std::string& sql) const {
   return PQntuples(result.get()) == 0 ? "" : PQgetvalue(result.get(), 0, 0);
 }
 
-std::string Server::new_base() {
+std::string Server::new_base(const std::string& like) {
   const std::string name = "base_" + std::to_string(++bases_);
-  const std::string refused = run("postgres", "CREATE DATABASE " + name + " TEMPLATE prepared");
+  const std::string refused = run("postgres", "CREATE DATABASE " + name + " TEMPLATE " + like);
   if (!refused.empty()) throw std::runtime_error(refused);
   return name;
 }

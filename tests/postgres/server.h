@@ -24,9 +24,10 @@ class Server {
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
 
-  // A base of its own that is set up and holds nothing.
-  std::string new_base();
-  // Its URL for a clerk, or for another of the server's users: "postgres", who may do everything, "reader".
+  // A base of its own that is set up and holds nothing, or what another holds that nobody is connected to.
+  std::string new_base(const std::string& like = "prepared");
+  // Its URL for a clerk, or for another of the server's users: "postgres", who may do everything, "reader",
+  // "guarded", a clerk whose password is "s3cret word/@".
   std::string url(const std::string& base, const std::string& user = "clerk") const;
   std::string url_by(const std::string& folder, const std::string& base) const;
   // SQL as that user, whose failure is returned; "" when there was none.
@@ -45,6 +46,7 @@ class Server {
 
  private:
   Server();
+  void ask_for_password(const std::string& user) const;
   // Runs a program of the package as a user who is not root.
   pid_t launch(const std::vector<std::string>& arguments) const;
 

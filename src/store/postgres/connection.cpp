@@ -34,9 +34,6 @@ std::string value_of(const PQconninfoOption* option, std::string_view keyword) {
   return {};
 }
 
-// The lines that follow the first are advice of the library's.
-std::string reason(std::string_view message) { return std::string(message.substr(0, message.find('\n'))); }
-
 std::string place_of(const PQconninfoOption* info) {
   std::string host = value_of(info, "host");
   if (host.empty()) host = value_of(info, "hostaddr");
@@ -54,16 +51,36 @@ bool is_readable(const std::string& url) {
 }
 
 // What stands first is only for those whom the URL does not contradict. A server that went away without a
-// word is noticed by these.
-PGconn* connect(const std::string& url, int seconds) {
-  const std::string patience = std::to_string(seconds), unheard = std::to_string(2000 * seconds);
-  const char* const keywords[] = {
-      "connect_timeout",  "tcp_user_timeout", "keepalives_idle", "keepalives_interval",
-      "keepalives_count", "application_name", "dbname",          nullptr};
-  const char* const values[] = {patience.c_str(), unheard.c_str(), "10",   "5", "3",
-                                "velanor",        url.c_str(),     nullptr};
+// word is noticed by these. Codes come with the sentences of failures (see connection_failure).
+PGconn* begin_to_connect(const std::string& url, int seconds) {
+  const std::string unheard = std::to_string(2000 * seconds);
+  const char* const keywords[] = {"tcp_user_timeout",
+                                  "keepalives_idle",
+                                  "keepalives_interval",
+                                  "keepalives_count",
+                                  "application_name",
+                                  "dbname",
+                                  nullptr};
+  const char* const values[] = {unheard.c_str(), "10", "5", "3", "velanor", url.c_str(), nullptr};
   constexpr int kNameIsUrl = 1;
-  return PQconnectdbParams(keywords, values, kNameIsUrl);
+  PGconn* connection = PQconnectStartParams(keywords, values, kNameIsUrl);
+  PQsetErrorVerbosity(connection, PQERRORS_VERBOSE);
+  return connection;
+}
+
+// All hosts, addresses and attempts of a URL together take no longer. False: nobody has answered until then.
+bool end_connecting(PGconn* connection, int seconds) {
+  const std::int64_t until = now() + 1000 * static_cast<std::int64_t>(seconds);
+  PostgresPollingStatusType state = PGRES_POLLING_WRITING;
+  while (PQstatus(connection) != CONNECTION_BAD && state != PGRES_POLLING_OK &&
+         state != PGRES_POLLING_FAILED) {
+    const short events = state == PGRES_POLLING_READING ? POLLIN : POLLOUT;
+    pollfd descriptor{PQsocket(connection), events, 0};
+    const auto left = std::max<std::int64_t>(until - now(), 0);
+    if (::poll(&descriptor, 1, static_cast<int>(left)) == 0) return false;
+    state = PQconnectPoll(connection);
+  }
+  return true;
 }
 
 }  // namespace
@@ -123,11 +140,16 @@ Connection::Connection(const std::string& url, const Limits& limits, std::uint64
                   "postgresql://utilisateur@serveur/base ; dans un mot de passe, « @ », « / » et « % » "
                   "s'écrivent %40, %2F et %25.");
   }
-  connection_.reset(connect(url, limits.connect_seconds));
+  connection_.reset(begin_to_connect(url, limits.connect_seconds));
   ++round_trips_;
   place_ = place_of(Info(PQconninfo(connection_.get())).get());
-  if (PQstatus(connection_.get()) != CONNECTION_OK)
-    throw Unreachable(place_, reason(PQerrorMessage(connection_.get())));
+  if (!end_connecting(connection_.get(), limits.connect_seconds))
+    throw Unreachable(place_, "personne n'a répondu à temps");
+  if (PQstatus(connection_.get()) != CONNECTION_OK) {
+    if (PQconnectionNeedsPassword(connection_.get()) == 1)
+      throw Unreachable(place_, "il faut un mot de passe");
+    throw Unreachable(place_, connection_failure(PQerrorMessage(connection_.get())));
+  }
   PQsetnonblocking(connection_.get(), 1);
   PQsetNoticeProcessor(
       connection_.get(), [](void*, const char*) {}, nullptr);
@@ -157,7 +179,7 @@ void Connection::wait(short events, Deadline deadline) {
   if (::poll(&descriptor, 1, static_cast<int>(left)) == 0) lose();
 }
 
-void Connection::send(const char* sql, Parameters parameters, Rows rows) {
+void Connection::send(const char* sql, const Parameters& parameters, Rows rows) {
   if (!alive_) lose();
   std::vector<Oid> types;
   std::vector<const char*> values;
@@ -204,7 +226,7 @@ void Connection::check(const pg_result* part) {
 }
 
 // Whatever fails, the answer is taken to its end: the next one stands behind it.
-void Connection::ask(const char* sql, Parameters parameters, Rows rows,
+void Connection::ask(const char* sql, const Parameters& parameters, Rows rows,
                      const std::function<void(Result)>& take) {
   send(sql, parameters, rows);
   std::exception_ptr failed;
@@ -222,13 +244,13 @@ void Connection::ask(const char* sql, Parameters parameters, Rows rows,
   if (failed) std::rethrow_exception(failed);
 }
 
-Result Connection::run(const char* sql, Parameters parameters) {
+Result Connection::run(const char* sql, const Parameters& parameters) {
   Result answer(nullptr);
   ask(sql, parameters, Rows::kTogether, [&](Result part) { answer = std::move(part); });
   return answer;
 }
 
-void Connection::stream(const char* sql, Parameters parameters,
+void Connection::stream(const char* sql, const Parameters& parameters,
                         const std::function<void(const Result&)>& visit) {
   ask(sql, parameters, Rows::kOneByOne, [&](const Result& part) {
     if (part.rows() > 0) visit(part);

@@ -4,7 +4,6 @@
 #include <array>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -38,7 +37,7 @@ class Parameter {
   bool is_null_ = false;
   unsigned type_;
 };
-using Parameters = std::initializer_list<Parameter>;
+using Parameters = std::vector<Parameter>;
 
 // The rows of an answer. Rows and columns count from 0; views live as long as this.
 class Result {
@@ -74,9 +73,9 @@ class Connection {
   // False once it is lost; it then stays so.
   bool alive() const { return alive_; }
 
-  Result run(const char* sql, Parameters parameters = {});
+  Result run(const char* sql, const Parameters& parameters = {});
   // Hands on each row as it comes, alone in its result. What `visit` throws is thrown when all have come.
-  void stream(const char* sql, Parameters parameters, const std::function<void(const Result&)>& visit);
+  void stream(const char* sql, const Parameters& parameters, const std::function<void(const Result&)>& visit);
 
   // What others have notified, as far as it has come; waits for nothing.
   std::vector<std::string> take_notices();
@@ -88,8 +87,8 @@ class Connection {
   using Deadline = std::optional<std::int64_t>;
 
   enum class Rows { kTogether, kOneByOne };
-  void ask(const char* sql, Parameters parameters, Rows rows, const std::function<void(Result)>& take);
-  void send(const char* sql, Parameters parameters, Rows rows);
+  void ask(const char* sql, const Parameters& parameters, Rows rows, const std::function<void(Result)>& take);
+  void send(const char* sql, const Parameters& parameters, Rows rows);
   // The next part of the answer; null at its end.
   pg_result* next();
   void check(const pg_result* part);

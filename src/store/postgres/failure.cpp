@@ -40,7 +40,34 @@ constexpr Sentence kSentences[] = {
     {"XX", "est endommagée. Arrêtez de vous en servir et prévenez celui qui gère le serveur."},
 };
 
+// What the library says, in its words or with the server's code, and what a person is told.
+constexpr Sentence kConnecting[] = {
+    {":  28P01:", "le mot de passe n'est pas celui de l'utilisateur"},
+    {":  28000:", "le serveur n'admet pas cet utilisateur, ou pas de ce poste ou par une telle liaison"},
+    {":  3D000:", "cette base n'existe pas sur le serveur"},
+    {":  42501:", "cet utilisateur n'a pas le droit de s'y relier"},
+    {":  53300:", "trop de postes y sont déjà reliés"},
+    {":  57P03:", "le serveur démarre ou s'arrête"},
+    {"Connection refused", "personne ne répond à cette adresse et à ce port"},
+    {"No such file or directory", "aucun serveur ne tourne à cet endroit"},
+    {"could not translate host name", "ce nom de serveur n'est pas connu"},
+    {"No route to host", "ce serveur n'est pas joignable par le réseau"},
+    {"Network is unreachable", "ce serveur n'est pas joignable par le réseau"},
+    {"does not support SSL", "le serveur ne chiffre pas ses liaisons"},
+    {"root certificate file", "le certificat de l'autorité manque sur ce poste, dans ~/.postgresql/root.crt"},
+    {"certificate verify failed", "le certificat du serveur n'est pas de l'autorité que ce poste connaît"},
+    {"server certificate for", "le certificat du serveur n'est pas à ce nom"},
+};
+
 }  // namespace
+
+// The lines that follow the first are advice of the library's.
+std::string connection_failure(std::string_view message) {
+  for (const Sentence& sentence : kConnecting) {
+    if (message.find(sentence.code) != message.npos) return std::string(sentence.text);
+  }
+  return clean_text(message.substr(0, message.find('\n')));
+}
 
 ConnectionLost::ConnectionLost(std::string_view place)
     : DbError(kStoreFailure, "La liaison avec la base " + std::string(place) +

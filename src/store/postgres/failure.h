@@ -20,6 +20,10 @@ class Unreachable : public DbError {
   Unreachable(std::string_view place, std::string_view detail);
 };
 
+// Why a connection did not come about, of what the library says of it: the server's code stands in it where
+// the server has answered.
+std::string connection_failure(std::string_view message);
+
 // The codes of the server that end a connection.
 bool ends_connection(std::string_view sqlstate);
 

@@ -16,9 +16,6 @@ constexpr std::size_t kLongestAuthor = 400;
 constexpr const char* kFind =
     "SELECT s.content FROM velanor.stored s JOIN velanor.file f ON f.number = s.file "
     "WHERE f.name = $1 AND s.id = $2 AND NOT s.deleted";
-constexpr const char* kFindAll =
-    "SELECT s.id, s.content FROM velanor.stored s JOIN velanor.file f ON f.number = s.file "
-    "WHERE f.name = $1 AND NOT s.deleted LIMIT $2";
 constexpr const char* kPut = "SELECT velanor.put($1, $2, $3, $4, $5, $6, $7, $8, $9)";
 constexpr const char* kIsThere =
     "SELECT EXISTS (SELECT FROM velanor.stored s WHERE s.file = f.number AND s.id = $2 AND s.token = $3) "
@@ -39,6 +36,30 @@ std::string scan_statement(const std::string& content, const std::string& column
 const std::string kScanIds = scan_statement("NULL::bytea", "id", " ORDER BY id");
 const std::string kScanRecords = scan_statement("content", "id", " ORDER BY id");
 const std::string kScanTails = scan_statement("content", "tail", "");
+
+// Of so many files the first $1 records each: which file, its revision, id and content. It holds places for
+// values, and no value.
+std::string load_statement(std::size_t files) {
+  std::string sql;
+  for (std::size_t i = 0; i < files; ++i) {
+    sql.append(i == 0 ? "" : " UNION ALL ").append("(SELECT " + std::to_string(i));
+    sql.append("::bigint, f.revision, s.id, s.content FROM velanor.stored s JOIN velanor.file f ");
+    sql.append("ON f.number = s.file WHERE f.name = $" + std::to_string(i + 2) +
+               " AND NOT s.deleted LIMIT $1)");
+  }
+  return sql;
+}
+
+// One call of `put` for each of so many deletions; it holds places for values, and no value.
+std::string erase_statement(std::size_t count) {
+  std::string sql = "SELECT ";
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::string id = std::to_string(2 * i + 4), tail = std::to_string(2 * i + 5);
+    sql.append(i == 0 ? "" : ", ").append("velanor.put($1, $" + id + ", $" + tail);
+    sql.append(", NULL, 0, ''::bytea, $2, $3, 0)");
+  }
+  return sql;
+}
 
 DbError change_is_broken() {
   return {kStoreFailure,
@@ -80,7 +101,8 @@ void check_sizes(std::string_view file, std::string_view id) {
 PostgresBackend::PostgresBackend(std::string url, const PostgresDatabase::Options& options)
     : url_(std::move(url)),
       limits_{options.connect_seconds, options.statement, options.patience},
-      kept_(options.kept_files) {
+      kept_(options.kept_files),
+      newsstand_([this] { take_notices(); }) {
   session();
 }
 
@@ -102,8 +124,9 @@ Session& PostgresBackend::session() {
   if (lost_session_ != 0 && fresh->may_write()) fresh->end_other(lost_session_);
   lost_session_ = 0;
   may_write_ = fresh->may_write();
-  bell_.listen_to(fresh->connection().socket());
+  newsstand_.listen_to(fresh->connection().socket());
   session_ = std::move(fresh);
+  if (std::exchange(missed_news_, false)) newsstand_.tell({});
   return *session_;
 }
 
@@ -124,13 +147,14 @@ Session& PostgresBackend::session_again() {
   }
 }
 
-// From here on anything may have changed unheard.
+// From here on anything may change unheard, which is told when it can be read again.
 void PostgresBackend::lost() {
   if (session_ && session_->may_write()) lost_session_ = session_->key();
   session_.reset();
   kept_.clear();
   ++own_revision_;
-  hear({});
+  newsstand_.listen_to(-1);
+  missed_news_ = true;
 }
 
 void PostgresBackend::read(const std::function<void(Connection&)>& reads) {
@@ -151,7 +175,7 @@ void PostgresBackend::on_a_connection(const std::function<void(Connection&)>& ac
 // ---- Reading.
 
 std::optional<DbRecord> PostgresBackend::find(std::string_view file, std::string_view id) {
-  if (mode_ == Mode::kPlain && may_write_ && kept_.keeps(file)) return find_kept(file, id);
+  if (answers_from_kept(file)) return find_kept(file, id);
   std::optional<DbRecord> found;
   read([&](Connection& connection) { found = find(connection, file, id); });
   // Who reads it knows how the write has ended.
@@ -172,19 +196,44 @@ std::optional<DbRecord> PostgresBackend::find_kept(std::string_view file, std::s
   std::optional<DbRecord> found;
   // What is told of while this is read is dropped again behind it.
   read([&](Connection& connection) {
-    if (!kept_.is_large(file)) load(connection, file);
+    if (!kept_.is_known(file)) load_kept(connection);
     if (kept_.is_large(file)) kept_.keep(file, id, find(connection, file, id));
     found = *kept_.find(file, id);
   });
   return found;
 }
 
-void PostgresBackend::load(Connection& connection, std::string_view file) {
-  const Result all = connection.run(kFindAll, {file, std::int64_t{KeptRecords::kMostRecords + 1}});
-  if (all.rows() > KeptRecords::kMostRecords) return kept_.set_large(file);
-  for (int row = 0; row < all.rows(); ++row)
-    kept_.keep(file, clean_text(all.bytes(row, 0)), DbRecord::from_encoded(all.bytes(row, 1)));
-  kept_.set_complete(file);
+// All at once: what one asks for now is what the next act asks for.
+void PostgresBackend::load_kept(Connection& connection) {
+  const std::vector<std::string> files = kept_.missing();
+  Parameters parameters{std::int64_t{KeptRecords::kMostRecords + 1}};
+  for (const std::string& file : files) parameters.emplace_back(file);
+  const Result all = connection.run(load_statement(files.size()).c_str(), parameters);
+  std::vector<int> counts(files.size());
+  for (int row = 0; row < all.rows(); ++row) {
+    const auto which = static_cast<std::size_t>(all.number(row, 0));
+    kept_.set_revision(files[which], static_cast<std::uint64_t>(all.number(row, 1)));
+    ++counts[which];
+    kept_.keep(files[which], clean_text(all.bytes(row, 2)), DbRecord::from_encoded(all.bytes(row, 3)));
+  }
+  for (std::size_t i = 0; i < files.size(); ++i)
+    counts[i] > KeptRecords::kMostRecords ? kept_.set_large(files[i]) : kept_.set_complete(files[i]);
+}
+
+std::optional<std::uint64_t> PostgresBackend::scan_kept(std::string_view file,
+                                                        std::optional<std::uint64_t> seen,
+                                                        const Visit& visit) {
+  take_notices();
+  if (!kept_.is_known(file)) {
+    read([&](Connection& connection) { load_kept(connection); });
+    // Somebody may have changed it in the very same moment.
+    if (!kept_.is_known(file)) return std::nullopt;
+  }
+  const std::uint64_t revision = own(kept_.revision(file).value_or(0));
+  if (seen == revision) return revision;
+  if (kept_.is_large(file)) return std::nullopt;
+  kept_.visit(file, visit);
+  return revision;
 }
 
 void PostgresBackend::scan(std::string_view file, const Narrowing& narrowing, Content content,
@@ -195,6 +244,9 @@ void PostgresBackend::scan(std::string_view file, const Narrowing& narrowing, Co
 std::uint64_t PostgresBackend::scan_if_changed(std::string_view file, std::optional<std::uint64_t> seen,
                                                const Narrowing& narrowing, Content content,
                                                const Visit& visit) {
+  if (answers_from_kept(file)) {
+    if (const auto revision = scan_kept(file, seen, visit)) return *revision;
+  }
   const bool by_tail = narrowing.kind == Narrowing::Kind::kIdSuffix;
   const bool by_start =
       narrowing.kind == Narrowing::Kind::kId || narrowing.kind == Narrowing::Kind::kIdPrefix;
@@ -215,6 +267,7 @@ std::uint64_t PostgresBackend::scan_if_changed(std::string_view file, std::optio
     if (visited) throw ConnectionLost(connection.place());
     connection.stream(sql.c_str(), {file, server_revision(seen), from, std::optional<std::string_view>(to)},
                       take);
+    if (kept_.is_large(file)) kept_.set_revision(file, found);
   });
   return own(found);
 }
@@ -257,6 +310,24 @@ bool PostgresBackend::put(std::string_view file, std::string_view id, const DbRe
 
 bool PostgresBackend::erase(std::string_view file, std::string_view id, const Expected& expected) {
   return write_record(file, id, std::nullopt, expected);
+}
+
+// All under the token of the change, so that any of them shows whether it was committed.
+void PostgresBackend::erase_each(std::string_view file, const std::vector<std::string>& ids) {
+  if (ids.empty()) return;
+  const std::string sql = erase_statement(ids.size());
+  std::vector<std::string> tails;
+  for (const std::string& id : ids) tails.push_back(reversed(id));
+  Parameters parameters{file, std::optional<std::string_view>(author_), change_};
+  for (std::size_t i = 0; i < ids.size(); ++i) parameters.insert(parameters.end(), {ids[i], tails[i]});
+  Result answers(nullptr);
+  in_transaction([&](Connection& connection) { answers = connection.run(sql.c_str(), parameters); });
+  ++own_revision_;
+  kept_.drop(file);
+  for (std::size_t i = 0; i < ids.size(); ++i) {
+    if (static_cast<Answer>(answers.number(0, static_cast<int>(i))) == Answer::kDone)
+      last_done_ = Write{std::string(file), ids[i], std::nullopt, change_};
+  }
 }
 
 bool PostgresBackend::write_record(std::string_view file, std::string_view id,
@@ -425,23 +496,11 @@ bool PostgresBackend::was_committed() {
 
 void PostgresBackend::take_notices() {
   if (mode_ != Mode::kPlain || !session_) return;
-  for (Notice& notice : session_->take_notices()) {
-    notice.file.empty() ? kept_.clear() : kept_.drop(notice.file);
-    hear(std::move(notice));
+  for (const Change& change : session_->take_notices()) {
+    change.file.empty() ? kept_.clear() : kept_.drop(change.file);
+    newsstand_.tell(change);
   }
   if (!session_->connection().alive()) lost();
-}
-
-void PostgresBackend::hear(Notice notice) {
-  if (!changed_) return;
-  notices_.push_back(std::move(notice));
-  bell_.ring();
-}
-
-void PostgresBackend::poll() {
-  take_notices();
-  bell_.silence();
-  for (const Notice& notice : std::exchange(notices_, {})) changed_(notice.file, notice.id, notice.author);
 }
 
 }  // namespace velanor::store::postgres

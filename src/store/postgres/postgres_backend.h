@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "store/postgres/bell.h"
 #include "store/postgres/kept_records.h"
+#include "store/postgres/newsstand.h"
 #include "store/postgres/session.h"
 #include "velanor/backend.h"
 #include "velanor/postgres_database.h"
@@ -26,6 +26,7 @@ class PostgresBackend : public Backend {
   bool put(std::string_view file, std::string_view id, const DbRecord& record,
            const Expected& expected) override;
   bool erase(std::string_view file, std::string_view id, const Expected& expected) override;
+  void erase_each(std::string_view file, const std::vector<std::string>& ids) override;
   void scan(std::string_view file, const Narrowing& narrowing, Content content, const Visit& visit) override;
   std::uint64_t scan_if_changed(std::string_view file, std::optional<std::uint64_t> seen,
                                 const Narrowing& narrowing, Content content, const Visit& visit) override;
@@ -43,9 +44,7 @@ class PostgresBackend : public Backend {
   // Runs a write that is not one of a record's: as it is, or as part of the change under way.
   void write(const std::function<void(Connection&)>& writes);
 
-  int wake_descriptor() const { return bell_.descriptor(); }
-  void poll();
-  void on_changed(PostgresDatabase::Changed changed) { changed_ = std::move(changed); }
+  std::unique_ptr<News> news() { return newsstand_.new_reader(); }
   std::uint64_t round_trips() const { return round_trips_; }
 
  private:
@@ -68,7 +67,13 @@ class PostgresBackend : public Backend {
 
   std::optional<DbRecord> find(Connection& connection, std::string_view file, std::string_view id);
   std::optional<DbRecord> find_kept(std::string_view file, std::string_view id);
-  void load(Connection& connection, std::string_view file);
+  void load_kept(Connection& connection);
+  bool answers_from_kept(std::string_view file) const {
+    return mode_ == Mode::kPlain && may_write_ && kept_.keeps(file);
+  }
+  // As scan_if_changed; nothing where the server has to be asked.
+  std::optional<std::uint64_t> scan_kept(std::string_view file, std::optional<std::uint64_t> seen,
+                                         const Visit& visit);
 
   bool write_record(std::string_view file, std::string_view id, std::optional<std::string> content,
                     const Expected& expected);
@@ -92,7 +97,6 @@ class PostgresBackend : public Backend {
   std::int64_t server_revision(std::optional<std::uint64_t> own_revision) const;
 
   void take_notices();
-  void hear(Notice notice);
 
   std::string url_;
   Connection::Limits limits_;
@@ -113,9 +117,8 @@ class PostgresBackend : public Backend {
   // Makes revisions differ that the server gives twice: inside a change and after one that was undone.
   std::uint64_t own_revision_ = 0;
 
-  Bell bell_;
-  std::vector<Notice> notices_;
-  PostgresDatabase::Changed changed_;
+  Newsstand newsstand_;
+  bool missed_news_ = false;  // from the loss of a connection to the next one
 };
 
 }  // namespace velanor::store::postgres

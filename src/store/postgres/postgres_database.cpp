@@ -26,11 +26,7 @@ void PostgresDatabase::put(std::string_view file, std::string_view id, const DbR
 
 std::vector<std::string> PostgresDatabase::files() { return backend_->files(); }
 
-int PostgresDatabase::wake_descriptor() const { return backend_->wake_descriptor(); }
-
-void PostgresDatabase::poll() { backend_->poll(); }
-
-void PostgresDatabase::on_changed(Changed changed) { backend_->on_changed(std::move(changed)); }
+std::unique_ptr<News> PostgresDatabase::news() { return backend_->news(); }
 
 std::uint64_t PostgresDatabase::round_trips() const { return backend_->round_trips(); }
 

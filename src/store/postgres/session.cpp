@@ -17,7 +17,7 @@ std::string from_hex(std::string_view hex) {
 }
 
 // Anybody on the base can notify anything: what it says decides only what is read anew and told.
-Notice notice_of(std::string_view payload) {
+Change change_of(std::string_view payload) {
   const auto first = payload.find(' ');
   const auto last = payload.rfind(' ');
   if (first == payload.npos || first == last) return {};
@@ -54,10 +54,10 @@ void Session::end_other(std::int64_t key) {
   connection_.run("SELECT pg_advisory_unlock($1)", {key});
 }
 
-std::vector<Notice> Session::take_notices() {
-  std::vector<Notice> notices;
-  for (const std::string& payload : connection_.take_notices()) notices.push_back(notice_of(payload));
-  return notices;
+std::vector<Change> Session::take_notices() {
+  std::vector<Change> changes;
+  for (const std::string& payload : connection_.take_notices()) changes.push_back(change_of(payload));
+  return changes;
 }
 
 }  // namespace velanor::store::postgres

@@ -7,13 +7,9 @@
 
 #include "store/postgres/connection.h"
 #include "store/postgres/schema.h"
+#include "velanor/news.h"
 
 namespace velanor::store::postgres {
-
-// Something that somebody else has written; see PostgresDatabase::Changed.
-struct Notice {
-  std::string file, id, author;
-};
 
 class Session {
  public:
@@ -28,7 +24,7 @@ class Session {
   // done can be seen.
   void end_other(std::int64_t key);
 
-  std::vector<Notice> take_notices();
+  std::vector<Change> take_notices();
 
  private:
   Connection connection_;
