@@ -70,6 +70,11 @@ class ControleVelanor {
   // the way: the screen then shows what `state` says.
   control::Opening open(std::string_view entity, std::string_view year, std::string_view employee);
 
+  // Reads the card that is open anew from the store, as one does who leaves it and opens it again; asks and
+  // throws as `open` does. kUnknown where none is open, where it is not stored yet, and where it is gone from
+  // the store: it then stays on the screen.
+  control::Opening reload();
+
   // ---- What others write meanwhile, where the database hears of it (see store::Database::news).
 
   // Becomes readable when there is something to hear; -1 where nothing ever comes.

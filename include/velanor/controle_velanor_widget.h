@@ -55,6 +55,7 @@ class ControleVelanorWidget : public QWidget {
   bool modified() const;
   // As the component's, whose question appears as a message. Busy also while a message of the host's waits.
   control::Opening open(const QString& entity, const QString& year, const QString& employee);
+  control::Opening reload();
 
   // ---- The screen.
   screen::Screen& screen();

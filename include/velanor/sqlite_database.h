@@ -47,6 +47,9 @@ class SqliteDatabase : public StoreDatabase {
 
   // Whether it is open for reading alone.
   bool read_only() const override;
+  // What whoever opens it should know of its file, a sentence: others of this machine can read it. "":
+  // nothing.
+  std::string remark() const;
   History* history() override { return history_.get(); }
 
   // Of in_one_change: many records in one are also fast. Others wait with their writes meanwhile, and see
@@ -64,8 +67,12 @@ class SqliteDatabase : public StoreDatabase {
   static std::string restore(const std::string& backup, const std::string& path);
   // Copies the database, as it stands now, to a new file (mode 0600) that appears when it is complete,
   // has been found sound and is on the disk; others may write meanwhile. A file that exists is a NameTaken.
-  // `progress` hears what part is copied, from 0 to 1; it throws nothing.
+  // `progress` hears what part is copied, from 0 to 1; what it throws
+  // ends the copy, of which nothing stays.
   void back_up(const std::string& path, const std::function<void(double)>& progress = {});
+  // Hands over the path of such a copy, which stands beside the base and goes when `use` has returned.
+  void with_copy(const std::function<void(const std::string& copy)>& use,
+                 const std::function<void(double)>& progress = {});
   // What is damaged in the file itself, in SQLite's words; nothing for a sound file.
   std::vector<std::string> damages();
   // Where what is derived from the records (indexes, triggers, ids kept backwards) does not agree with them,

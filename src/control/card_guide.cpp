@@ -28,14 +28,35 @@ Opening CardGuide::open(std::string_view entity, std::string_view year, std::str
                 padded(employee, card::kEmployeeCodeLength),
                 {}};
   wanted.id = card::record_id(wanted.employee, wanted.entity, wanted.year);
+  return act([&] { return open(wanted); });
+}
+
+Opening CardGuide::reload() {
+  return act([this] { return reread(); });
+}
+
+Opening CardGuide::act(const std::function<Opening()>& opens) {
   Opening opening = Opening::not_started();  // unless the window goes meanwhile
-  on_.screen.act([&] { opening = open(wanted); });
+  on_.screen.act([&] { opening = opens(); });
   return opening;
 }
 
 Opening CardGuide::open(const Wanted& wanted) {
-  using Outcome = Opening::Outcome;
   if (is_open(wanted)) return {};
+  return change_to(wanted);
+}
+
+Opening CardGuide::reread() {
+  if (!on_.card.open || !on_.card.file || on_.card.Creation)
+    return {Opening::Outcome::kUnknown, "Aucune fiche enregistrée n'est ouverte."};
+  const std::string id = on_.card.file->id();
+  return change_to({std::string(card::entity_of(id)), std::string(card::year_of(id)),
+                    std::string(card::employee_of(id)), id});
+}
+
+// Asks before anything is left for it.
+Opening CardGuide::change_to(const Wanted& wanted) {
+  using Outcome = Opening::Outcome;
   if (std::string why = unknown(wanted); !why.empty()) return {Outcome::kUnknown, std::move(why)};
   if (on_.card.open) {
     if (!on_.may_leave()) return {Outcome::kKept, "La fiche ouverte est restée à l'écran."};

@@ -31,12 +31,17 @@ class CardGuide {
   explicit CardGuide(Ground ground) : on_(std::move(ground)) {}
 
   Opening open(std::string_view entity, std::string_view year, std::string_view employee);
+  // The card that is open, as it is stored now.
+  Opening reload();
 
  private:
   struct Wanted {
     std::string entity, year, employee, id;
   };
+  Opening act(const std::function<Opening()>& opens);
   Opening open(const Wanted& wanted);
+  Opening reread();
+  Opening change_to(const Wanted& wanted);
   // Why there is no such card; "" when there is one.
   std::string unknown(const Wanted& wanted) const;
   bool is_open(const Wanted& wanted) const;

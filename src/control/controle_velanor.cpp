@@ -67,6 +67,12 @@ control::Opening ControleVelanor::open(std::string_view entity, std::string_view
   return parts_->rules->guide.open(entity, year, employee);
 }
 
+control::Opening ControleVelanor::reload() {
+  if (parts_->closed) return control::Opening::not_started();
+  if (parts_->screen.acting()) return control::Opening::busy();
+  return parts_->rules->guide.reload();
+}
+
 int ControleVelanor::news_descriptor() const {
   return parts_->closed ? -1 : parts_->rules->others.descriptor();
 }

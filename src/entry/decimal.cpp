@@ -28,6 +28,7 @@ class DecimalReader {
     if (bad_ || !any_digit_ || at_ < text_.size()) return {};
     return negative_ ? -value_ : value_;
   }
+  bool rounded() const { return rounded_; }
 
  private:
   bool at_digit() const { return at_ < text_.size() && text_[at_] >= '0' && text_[at_] <= '9'; }
@@ -62,8 +63,8 @@ class DecimalReader {
   // The first digit that is not kept decides the rounding; those behind it cannot change it.
   void read_decimals() {
     for (; at_digit() && decimals_ > 0; --decimals_) push(take_digit());
-    if (at_digit()) round_up_ = take_digit() >= 5;
-    while (at_digit()) take_digit();
+    if (at_digit()) round_up_ = text_[at_] >= '5';
+    while (at_digit()) rounded_ |= take_digit() != 0;
   }
 
   void push(int digit) {
@@ -84,6 +85,7 @@ class DecimalReader {
   bool negative_ = false;
   bool any_digit_ = false;
   bool round_up_ = false;
+  bool rounded_ = false;
   bool bad_ = false;
 };
 
@@ -101,6 +103,11 @@ std::uint64_t divided(std::uint64_t value, int powers) {
 
 std::optional<std::int64_t> parse_decimal(std::string_view text, int decimals) {
   return DecimalReader(without_outer_blanks(text), decimals).read();
+}
+
+bool has_more_decimals(std::string_view text, int decimals) {
+  DecimalReader reader(without_outer_blanks(text), decimals);
+  return reader.read() && reader.rounded();
 }
 
 std::string format_decimal(std::int64_t value, int scale, int decimals) {

@@ -14,6 +14,9 @@ namespace velanor::entry {
 // a text that is no number ("" and "," included) or beyond 15 digits before the separator.
 std::optional<std::int64_t> parse_decimal(std::string_view text, int decimals);
 
+// Whether parse_decimal rounds a text: it has a decimal other than 0 behind those.
+bool has_more_decimals(std::string_view text, int decimals);
+
 // The text of `value` / 10^scale with exactly `decimals` decimals and a comma, rounded half
 // away from zero: format_decimal(1235, 2, 2) is "12,35".
 std::string format_decimal(std::int64_t value, int scale, int decimals);

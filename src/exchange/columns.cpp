@@ -35,6 +35,8 @@ constexpr Label kLabels[] = {
     {"BUDGETDETAILCALCUL", card::calculation::kCharges, "Charges"},
     {kCardFile, card::kStatus.number, "État du calcul"},
 };
+// No file of ours comes near it, and a record is as long as its last number is high.
+constexpr int kMaxColumnNumber = 9999;
 constexpr std::string_view kResultLabel = "Résultat du calcul";
 
 bool same_name(std::string_view a, std::string_view b) { return text::upper(a) == text::upper(b); }
@@ -47,7 +49,7 @@ std::optional<std::vector<int>> numbers_of(std::string_view text, char separator
   while (true) {
     int number = 0;
     const auto read = std::from_chars(at, end, number);
-    if (read.ec != std::errc() || number < 1 || number > store::kMaxNumber) return std::nullopt;
+    if (read.ec != std::errc() || number < 1 || number > kMaxColumnNumber) return std::nullopt;
     numbers.push_back(number);
     if (read.ptr == end) return numbers;
     if (*read.ptr != separator) return std::nullopt;
@@ -180,6 +182,8 @@ std::string read_field(const card::Codec& codec, const Column& column, std::stri
   field = text::trim(field);
   const card::Encoding encoding = column.named->encoding;
   if (encoding == card::Encoding::kFlag && !field.empty()) return read_flag(*column.named, field, stored);
+  if (const auto kept = card::Codec::decimals_exceeded(encoding, field))
+    return "« " + std::string(field) + " » a plus de " + std::to_string(*kept) + " décimales";
   stored = codec.stored(encoding, field);
   if (!stored.empty() || field.empty()) return {};
   const bool date = encoding == card::Encoding::kDate;

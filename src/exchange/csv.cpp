@@ -53,9 +53,28 @@ std::string doubled_quotes(std::string_view field) {
   return text;
 }
 
+// A number is none, nor is a sign alone.
+bool looks_like_formula(std::string_view field) {
+  if (field.empty() || std::string_view("=+-@\t\r").find(field.front()) == std::string_view::npos)
+    return false;
+  const bool sign = field.front() == '+' || field.front() == '-';
+  return !sign || field.find_first_not_of("0123456789,. ", 1) != std::string_view::npos;
+}
+
+bool is_neutralized(std::string_view field) {
+  const std::size_t text = field.find_first_not_of('\'');
+  return text > 0 && text != std::string_view::npos && looks_like_formula(field.substr(text));
+}
+
 }  // namespace
 
-CsvReader::CsvReader(std::istream& in) : text_(std::istreambuf_iterator<char>(in), {}) {
+std::string neutralized(std::string_view field) {
+  const bool needed = looks_like_formula(field) || is_neutralized(field);
+  return (needed ? "'" : "") + std::string(field);
+}
+
+CsvReader::CsvReader(std::istream& in, std::size_t most_fields)
+    : most_fields_(most_fields), text_(std::istreambuf_iterator<char>(in), {}) {
   if (const std::size_t foreign = first_foreign(text_); foreign < text_.size()) {
     auto converted = from_windows_1252(text_);
     if (!converted) {
@@ -101,9 +120,15 @@ void CsvReader::skip_line_end() {
 
 bool CsvReader::read(CsvRow& row) {
   if (at_end()) return false;
-  row = {.line = line_, .fields = {}, .fault = {}};
+  row = CsvRow();
+  row.line = line_;
   while (true) {
     read_field(row);
+    if (row.fields.size() > most_fields_) {
+      row.fault = "plus de " + std::to_string(most_fields_) + " champs";
+      row.too_many_fields = true;
+      row.fields.pop_back();
+    }
     if (at_end() || text_[at_] != separator_) break;
     ++at_;
   }
@@ -115,6 +140,7 @@ void CsvReader::read_field(CsvRow& row) {
   std::string& field = row.fields.emplace_back();
   if (!at_end() && text_[at_] == '"') read_quoted(row, field);
   while (!at_end() && text_[at_] != separator_ && !at_line_end()) field += text_[at_++];
+  if (is_neutralized(field)) field.erase(0, 1);
 }
 
 void CsvReader::read_quoted(CsvRow& row, std::string& field) {
@@ -137,10 +163,11 @@ void CsvReader::read_quoted(CsvRow& row, std::string& field) {
 void write_row(std::ostream& out, const std::vector<std::string>& fields, char separator) {
   for (std::size_t i = 0; i < fields.size(); ++i) {
     if (i > 0) out << separator;
-    if (needs_quotes(fields[i], separator)) {
-      out << '"' << doubled_quotes(fields[i]) << '"';
+    const std::string field = neutralized(fields[i]);
+    if (needs_quotes(field, separator)) {
+      out << '"' << doubled_quotes(field) << '"';
     } else {
-      out << fields[i];
+      out << field;
     }
   }
   out << '\n';

@@ -14,6 +14,7 @@ struct CsvRow {
   std::vector<std::string> fields;
   // What is wrong with its quotes; empty when nothing is.
   std::string fault;
+  bool too_many_fields = false;
 };
 
 // What spreadsheets know UTF-8 by.
@@ -21,11 +22,13 @@ inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 // Reads UTF-8 with or without a byte order mark, or else Windows-1252; lines that end in LF or CRLF. A
 // quoted field may hold separators, line breaks and doubled quotes. Lines without a text are passed
-// over, as are remarks ("#") above the first row. The separator is the semicolon when the first row
-// has one outside quotes, otherwise the comma.
+// over, as are remarks ("#") above the first row. Fields are read without what neutralizes them. The
+// separator is the semicolon when the first row has one outside quotes, otherwise the comma.
 class CsvReader {
  public:
-  explicit CsvReader(std::istream& in);
+  static constexpr std::size_t kMostFields = 10'000;
+  // A row of more fields than that is a fault.
+  explicit CsvReader(std::istream& in, std::size_t most_fields = kMostFields);
   // What stands in the way of reading it at all, and from which line on; then there are no rows.
   const std::string& fault() const { return fault_; }
   int fault_line() const { return line_; }
@@ -43,6 +46,7 @@ class CsvReader {
   bool at_line_end() const;
   void skip_line_end();
 
+  std::size_t most_fields_;
   std::string text_, fault_;
   bool was_windows_1252_ = false;
   std::size_t at_ = 0;
@@ -50,7 +54,11 @@ class CsvReader {
   char separator_ = ';';
 };
 
-// Quotes the fields that need it.
+// What a spreadsheet would take for a formula, and carry out, gets an apostrophe before it, which CsvReader
+// takes away again; so does what already looks like that.
+std::string neutralized(std::string_view field);
+
+// Quotes the fields that need it, and neutralizes formulas.
 void write_row(std::ostream& out, const std::vector<std::string>& fields, char separator);
 
 }  // namespace velanor::exchange

@@ -1,6 +1,7 @@
 // Bringing a table into a file of records: all of it, or nothing.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <istream>
 #include <string>
@@ -18,12 +19,23 @@ struct ImportRemark {
   std::string sentence;
 };
 
+// What a table may ask for at most: one of a few bytes can name elements far behind the others, and fill
+// the memory.
+struct ImportLimits {
+  int columns = 2000;
+  int rows = 1'000'000;
+  std::size_t bytes = std::size_t{1} << 28;  // of all records that it makes
+  // Faults and remarks that are kept, of each; of the others it is only known how many there are.
+  int remarks = 1000;
+};
+
 struct ImportOptions {
   // Everything but the writing.
   bool rehearsal = false;
   // Codes of a card that no reference file holds are remarks, not faults.
   bool accept_unknown = false;
   entry::Clock clock = entry::system_clock();
+  ImportLimits limits{};
 };
 
 struct ImportReport {
@@ -37,8 +49,11 @@ struct ImportReport {
   // When there is one, nothing was written.
   std::vector<ImportRemark> faults;
   std::vector<ImportRemark> remarks;
+  std::size_t remarks_left_out = 0;
   // Whether codes that no reference file holds are among the faults.
   bool unknown_codes = false;
+  // Whether a limit was passed; it is among the faults.
+  bool too_large = false;
 };
 
 // Reads the table and writes a record a row. Columns go by the first row (see column_of). Of a
@@ -51,7 +66,11 @@ struct ImportReport {
 // status "0" and a changed one loses the results that do not fit it any more, as when the screen
 // saves it.
 //
-// `row_read` is called once a row. Failures of the store are DbError, and leave nothing either.
+// The table is read and checked in a view of the database, and written in one change that finds every record
+// as it was read; where somebody has saved one meanwhile, all of it is read anew, three times at most.
+//
+// `row_read` is called once a row, and again for what is read anew. Failures of the store are DbError, and
+// leave nothing either.
 ImportReport import_csv(
     std::istream& in, store::Database& database, std::string_view file, const ImportOptions& options = {},
     const std::function<void()>& row_read = [] {});

@@ -36,7 +36,7 @@ class Comparison {
   Comparison(std::string_view file, const DbRecord& before, const DbRecord& after)
       : file_(file), before_(before), after_(after) {}
 
-  std::vector<std::string> lines() {
+  std::vector<Change> lines() {
     for (int a = 1; a <= std::max(before_.DCount(), after_.DCount()); ++a) compare_attribute(a);
     return std::move(lines_);
   }
@@ -59,12 +59,10 @@ class Comparison {
 
   void compare(const Position& at) {
     const std::string_view was = element(before_, at), is = element(after_, at);
-    if (was != is)
-      lines_.push_back(exchange::name_of(at, file_) + " : " + shown(at, was) + " → " + shown(at, is));
+    if (was != is) lines_.push_back({exchange::name_of(at, file_), shown(at, was), shown(at, is)});
   }
 
   std::string shown(const Position& at, std::string_view stored) const {
-    if (stored.empty()) return "(vide)";
     const card::Field* named = file_ == exchange::kCardFile ? card::card_field(at.attribute) : nullptr;
     return exchange::write_field(card::Codec(*entry_), {.position = at, .named = named}, stored);
   }
@@ -73,13 +71,17 @@ class Comparison {
   const DbRecord& before_;
   const DbRecord& after_;
   const std::unique_ptr<entry::UtilSaisie> entry_ = entry::make_util_saisie();
-  std::vector<std::string> lines_;
+  std::vector<Change> lines_;
 };
 
 }  // namespace
 
-std::vector<std::string> changes_between(std::string_view file, const DbRecord& before,
-                                         const DbRecord& after) {
+std::string Change::text() const {
+  const auto shown = [](const std::string& value) { return value.empty() ? "(vide)" : value; };
+  return name + " : " + shown(before) + " → " + shown(after);
+}
+
+std::vector<Change> changes_between(std::string_view file, const DbRecord& before, const DbRecord& after) {
   return Comparison(file, before, after).lines();
 }
 

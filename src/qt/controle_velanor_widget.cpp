@@ -55,7 +55,13 @@ bool ControleVelanorWidget::modified() const { return stage_->component().modifi
 
 control::Opening ControleVelanorWidget::open(const QString& entity, const QString& year,
                                              const QString& employee) {
-  return stage_->open(from_qt(entity), from_qt(year), from_qt(employee));
+  return stage_->lead([&](ControleVelanor& component) {
+    return component.open(from_qt(entity), from_qt(year), from_qt(employee));
+  });
+}
+
+control::Opening ControleVelanorWidget::reload() {
+  return stage_->lead([](ControleVelanor& component) { return component.reload(); });
 }
 
 QWidget* ControleVelanorWidget::widget_of(const screen::Control& control) const {

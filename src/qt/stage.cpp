@@ -9,6 +9,7 @@
 #include "qt/stage_life.h"
 #include "qt/strings.h"
 #include "screen/scope.h"
+#include "text/failure.h"
 #include "ui_card_pages.h"
 #include "ui_hours_form.h"
 #include "ui_item_form.h"
@@ -182,13 +183,13 @@ void ControleVelanorWidget::Stage::control_changed() {
   QMetaObject::invokeMethod(this, follow, Qt::QueuedConnection);
 }
 
-control::Opening ControleVelanorWidget::Stage::open(std::string_view entity, std::string_view year,
-                                                    std::string_view employee) {
+control::Opening ControleVelanorWidget::Stage::lead(
+    const std::function<control::Opening(ControleVelanor&)>& to) {
   if (component_.closed()) return control::Opening::not_started();
   if (!idle()) return control::Opening::busy();
   const KeepAlive alive(*this);
   control::Opening opening = control::Opening::not_started();
-  const auto failure = run([&] { opening = component_.open(entity, year, employee); });
+  const auto failure = run([&] { opening = to(component_); });
   if (failure) std::rethrow_exception(failure);
   return opening;
 }
@@ -257,7 +258,7 @@ void ControleVelanorWidget::Stage::report(const std::exception_ptr& failure) {
   try {
     std::rethrow_exception(failure);
   } catch (const std::exception& error) {
-    ask({.title = "Fiches du personnel", .text = error.what()});
+    ask({.title = "Fiches du personnel", .text = text::failure_sentence(error)});
   } catch (...) {
     ask({.title = "Fiches du personnel", .text = "L'opération a échoué pour une raison inconnue."});
   }

@@ -42,7 +42,8 @@ class ControleVelanorWidget::Stage : public QObject,
   Sheet* open_sheet() const { return forms_.back().sheet; }
   View* view_of(const screen::Control& control) const;
 
-  control::Opening open(std::string_view entity, std::string_view year, std::string_view employee);
+  // An act of the host's, which opens a card.
+  control::Opening lead(const std::function<control::Opening(ControleVelanor&)>& to);
 
   // False while the program itself moves the focus.
   bool step_focus(bool forward);

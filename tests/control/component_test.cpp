@@ -219,12 +219,15 @@ TEST_F(Component, AFailureWhileSavingLosesNothing) {
     EXPECT_EQ(office.hand.leave(), "");
     const store::DbRecord in_hand = office.component.card_in_hand();
     failing.fail_at(n);
+    std::string told;
     try {
       EXPECT_EQ(office.hand.click(office.ui.Cmd_OK), "");
       finished = true;
-    } catch (const store::DbError&) {
+    } catch (const store::DbError& error) {
+      told = error.what();
     }
     const bool stored = (*memory.find("VELANORO", "000100012026"))(2) == "14000";
+    EXPECT_EQ(told.starts_with("La fiche est enregistrée."), stored && !finished) << told;
     EXPECT_EQ(office.ui.Cmd_OK.enabled(), !stored);
     EXPECT_EQ(office.ui.Cmd_Sortir.enabled(), stored);
     EXPECT_EQ(office.ui.Txt_HorMensEtab.text(), stored ? "" : "140,00");

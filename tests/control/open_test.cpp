@@ -130,6 +130,34 @@ TEST_F(OpenTest, ACardIsOpenedFromEverywhereAsAClerkWouldHaveIt) {
   }
 }
 
+TEST_F(OpenTest, TheOpenCardIsReadAnewAndAChangeIsAskedFor) {
+  for (const From& from : everywhere()) {
+    SCOPED_TRACE(from.name);
+    At at(from.acts);
+    const std::string id = at.office.component.card_id();
+    const Texts before = picture(at.office);
+    if (!id.empty()) {
+      store::DbRecord theirs = *at.memory.find("VELANORO", id);
+      theirs.set(2, "12345");
+      at.memory.put("VELANORO", id, theirs);
+    }
+    const Opening opening = at.office.component.reload();
+    EXPECT_EQ(opening.outcome, id.empty() ? Outcome::kUnknown : Outcome::kOpen) << opening.why;
+    EXPECT_EQ(at.office.toolkit.messages, from.asks && !id.empty() ? Texts{kQuestion} : Texts());
+    EXPECT_EQ(at.office.component.card_id(), id);
+    if (id.empty()) {
+      EXPECT_EQ(picture(at.office), before);
+    } else {
+      EXPECT_EQ(at.office.ui.Txt_HorMensEtab.text(), "123,45");
+      EXPECT_FALSE(at.office.component.modified());
+    }
+  }
+  At at(kOpen);
+  at.memory.remove("VELANORO", at.office.component.card_id());
+  EXPECT_EQ(at.office.component.reload().outcome, Outcome::kUnknown);
+  EXPECT_EQ(at.office.component.card_id(), "000100012026") << "it stays on the screen";
+}
+
 TEST_F(OpenTest, WhoAnswersNoKeepsEverythingThatWasBegun) {
   for (const From& from : everywhere()) {
     if (!from.asks) continue;

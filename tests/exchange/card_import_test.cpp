@@ -78,6 +78,7 @@ TEST_F(ImportOfCards, AFieldThatTheScreenWouldRefuseIsAFault) {
   } cases[] = {
       {"Début de contrat", "31/02/2024", "Début de contrat : « 31/02/2024 » n'est pas une date (jj/mm/aaaa)"},
       {"Plafond", "cher", "Plafond : « cher » n'est pas un nombre"},
+      {"Plafond", "1,234", "Plafond : « 1,234 » a plus de 2 décimales"},
       {"Personnel", "Z", "Personnel : « Z » n'est pas PRODUCTION ou ADMINISTRATION"},
       {"Nom", long_name, "Le nom dépasse les 50 caractères de sa case : « " + long_name + " »."},
       {"1", long_name, "Le nom dépasse les 50 caractères de sa case : « " + long_name + " »."},

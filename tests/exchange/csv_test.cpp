@@ -99,5 +99,24 @@ TEST(Csv, WhatIsWrittenIsReadAgain) {
   EXPECT_EQ(row.fields.size(), fields.size());
 }
 
+TEST(Csv, NothingThatIsWrittenIsAFormulaAndAllIsReadAsItWas) {
+  const std::vector<std::string> formulas{"=1+1", "@SUM(A1)", "+cmd|' /C calc'!A0", "-2+3", "\tx", "\rx",
+                                          "'=1",  "''-a"};
+  const std::vector<std::string> others{"-12,50", "+33 6", "-", "'", "l'été", "'t is", "a=b", "''"};
+  for (const bool formula : {true, false}) {
+    for (const std::string& field : formula ? formulas : others) {
+      SCOPED_TRACE(field);
+      std::ostringstream out;
+      write_row(out, {"x", field}, ';');
+      EXPECT_EQ(out.str().find("'" + field) != std::string::npos, formula) << out.str();
+      std::istringstream in(out.str());
+      CsvReader reader(in);
+      CsvRow row;
+      ASSERT_TRUE(reader.next(row));
+      EXPECT_EQ(row.fields.back(), field);
+    }
+  }
+}
+
 }  // namespace
 }  // namespace velanor::exchange

@@ -9,6 +9,7 @@
 #include "store/notation.h"
 #include "velanor/memory_database.h"
 #include "velanor/sqlite_database.h"
+#include "velanor/wrapped_database.h"
 
 namespace velanor::exchange {
 namespace {
@@ -61,6 +62,54 @@ TEST_F(Import, AskForColumnsThatItCanPlace) {
   EXPECT_EQ(import("Code;Nom\n1;A\n", "VELANORO"),
             "1: il faut une colonne « id », ou les colonnes « Code », « Entité » et « Année »\n");
   EXPECT_EQ(import(""), "1: le tableau est vide ; sa première ligne doit nommer les colonnes\n");
+}
+
+TEST_F(Import, ATableThatAsksForTooMuchIsRefusedBeforeItTakesTheRoom) {
+  ImportOptions options;
+  options.limits = {.columns = 3, .rows = 2, .bytes = 20'000, .remarks = 2};
+  EXPECT_EQ(import("id;1;2;3\n001;a;b;c\n", "SECTEUR", options), "1: plus de 3 champs\n");
+  EXPECT_EQ(import("id;1\n1;a\n2;b;;;;;;;;\n", "SECTEUR", options), "3: plus de 3 champs\n");
+  EXPECT_EQ(import("id;1\n1;a\n2;b\n3;c\n", "SECTEUR", options), "4: le tableau a plus de 2 lignes\n");
+  EXPECT_EQ(import("id;9999,9999,9999\n1;a\n2;b\n", "SECTEUR", options),
+            "2: jusqu'ici, les enregistrements prennent plus de 0 Mo\n");
+  EXPECT_EQ(import("id;10000;1,10000\n"),
+            "1: la colonne « 10000 » n'est pas connue\n1: la colonne « 1,10000 » n'est pas connue\n");
+  options.limits.rows = 100;
+  std::istringstream in("id;1\n;x\n1\n2\n3\n");
+  const ImportReport report = import_csv(in, database_, "SECTEUR", options);
+  EXPECT_EQ(report.faults.size(), 2U);
+  EXPECT_EQ(report.remarks_left_out, 2U);
+  EXPECT_TRUE(database_.files().empty());
+}
+
+TEST_F(Import, NoElementHasTwoColumns) {
+  EXPECT_EQ(import("id;Part 1;11,1\n", "VELANORO"), "1: la colonne « 11,1 » est là deux fois\n");
+  EXPECT_EQ(import("id;11,1,1;11,1\n", "VELANORO"), "1: la colonne « 11,1 » est là deux fois\n");
+  EXPECT_EQ(import("id;1;1,2\n"), "1: la colonne « 1,2 » est là deux fois\n");
+}
+
+// A database in which somebody else saves a record between the reading of a table and its writing.
+TEST_F(Import, WhatSomebodyElseSavesMeanwhileIsNotOverwritten) {
+  class Meddled : public store::WrappedDatabase {
+   public:
+    explicit Meddled(MemoryDatabase& memory) : WrappedDatabase(memory), memory_(memory) {}
+    int times = 1;
+
+   private:
+    void in_one_change(const std::function<void()>& writes) override {
+      if (times-- > 0) memory_.put("SECTEUR", "001", record("Bourg^theirs" + std::to_string(times)));
+      WrappedDatabase::in_one_change(writes);
+    }
+    MemoryDatabase& memory_;
+  } meddled(database_);
+  database_.put("SECTEUR", "001", record("Ville"));
+  std::istringstream in("id;1\n001;Bord\n002;Lac\n");
+  EXPECT_EQ(import_csv(in, meddled, "SECTEUR").changed.size(), 1U);
+  EXPECT_EQ(shown("SECTEUR", "001"), "Bord^theirs0");
+  meddled.times = 1000;
+  std::istringstream again("id;1\n001;Rive\n003;Mer\n");
+  EXPECT_THROW(import_csv(again, meddled, "SECTEUR"), store::DbError);
+  EXPECT_EQ(shown("SECTEUR", "003"), "absent");
 }
 
 TEST_F(Import, ChangesOnlyTheElementsThatHaveAColumn) {

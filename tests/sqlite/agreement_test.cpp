@@ -137,7 +137,7 @@ class Stores {
 };
 
 TEST(Agreement, SqliteHoldsWhatTheMemoryStoreHoldsAfterWhateverIsDone) {
-  const int steps = long_tests() ? 20'000 : 600;
+  const int steps = long_tests() ? 100'000 : 600;
   Stores stores(17);
   for (int n = 0; n < steps; ++n) {
     stores.step();

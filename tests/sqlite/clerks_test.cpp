@@ -1,44 +1,17 @@
 // Several programs that write the same cards at the same time.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <sched.h>
 
 #include <iostream>
 
 #include "sqlite/snapshot.h"
 #include "sqlite/temporary_folder.h"
+#include "support/together.h"
 
 namespace velanor::store {
 namespace {
 
 constexpr int kClerks = 8, kCards = 10;
-
-// Runs a clerk in each of several processes; the sum of what they return.
-template <class Clerk>
-int together(Clerk clerk) {
-  int ends[2];
-  EXPECT_EQ(pipe(ends), 0);
-  for (int n = 0; n < kClerks; ++n) {
-    if (fork() != 0) continue;
-    int done = -1'000'000;
-    try {
-      done = clerk(n);
-    } catch (const std::exception& error) {
-      std::cerr << error.what() << "\n";
-    }
-    _exit(write(ends[1], &done, sizeof done) == sizeof done ? 0 : 1);
-  }
-  int sum = 0;
-  for (int n = 0; n < kClerks; ++n) {
-    int done = 0;
-    EXPECT_EQ(read(ends[0], &done, sizeof done), static_cast<ssize_t>(sizeof done));
-    sum += done;
-  }
-  while (wait(nullptr) > 0) continue;
-  close(ends[0]);
-  close(ends[1]);
-  return sum;
-}
 
 class Clerks : public testing::Test {
  protected:
@@ -84,7 +57,7 @@ class Clerks : public testing::Test {
 };
 
 TEST_F(Clerks, WhoExpectWhatTheyReadLoseNoAcknowledgedChange) {
-  const int acknowledged = together([&](int clerk) { return count_up(clerk, times_, true); });
+  const int acknowledged = test::together(kClerks, [&](int clerk) { return count_up(clerk, times_, true); });
   EXPECT_EQ(counted(), acknowledged);
   EXPECT_GT(acknowledged, kCards);
   std::cout << "clerks expecting what they read: " << kClerks * times_ << " tries, " << acknowledged
@@ -97,7 +70,8 @@ TEST_F(Clerks, WhoExpectNothingLoseChanges) {
   // They need not meet at the first try.
   for (; lost == 0 && tries < 20; ++tries) {
     const int before = counted();
-    const int acknowledged = together([&](int clerk) { return count_up(clerk, times_, false); });
+    const int acknowledged =
+        test::together(kClerks, [&](int clerk) { return count_up(clerk, times_, false); });
     lost = acknowledged - (counted() - before);
   }
   EXPECT_GT(lost, 0);
@@ -105,7 +79,7 @@ TEST_F(Clerks, WhoExpectNothingLoseChanges) {
 }
 
 TEST_F(Clerks, WhoCreateCardsNeverGetOneCodeTwice) {
-  const int made = together([&](int clerk) {
+  const int made = test::together(kClerks, [&](int clerk) {
     const auto database = open();
     const auto file = database->OpenFile("NEW");
     int created = 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 
 namespace velanor::store {
 
@@ -24,6 +25,12 @@ struct DiskCalls {
     return call(*ours(file).disk, inner(file));
   }
 
+  static sqlite3_int64 size_of(sqlite3_file* system) {
+    sqlite3_int64 size = 0;
+    system->pMethods->xFileSize(system, &size);
+    return size;
+  }
+
   static int open(sqlite3_vfs* vfs, const char* name, sqlite3_file* file, int flags, int* out);
   static int remove(sqlite3_vfs* vfs, const char* name, int sync) {
     Disk& on = disk(vfs);
@@ -31,6 +38,9 @@ struct DiskCalls {
     if (on.fails(Disk::Fault::kError)) return SQLITE_IOERR_DELETE;
     on.note({Disk::Event::Kind::kDelete, name, {}, 0});
     if (sync != 0) on.note({Disk::Event::Kind::kSync, name, {}, 0});
+    std::error_code none;
+    if (const auto size = std::filesystem::file_size(name, none); !none)
+      on.room_ += static_cast<std::int64_t>(size);
     return on.system_->xDelete(on.system_, name, sync);
   }
   static int access(sqlite3_vfs* vfs, const char* name, int flags, int* out) {
@@ -66,20 +76,20 @@ struct DiskCalls {
   static int write(sqlite3_file* file, const void* bytes, int size, sqlite3_int64 at) {
     return guarded(file, [&](Disk& on, sqlite3_file* system) {
       if (on.fails(Disk::Fault::kError)) return SQLITE_IOERR_WRITE;
-      const bool full = on.fails(Disk::Fault::kFull);
-      const int kept = full ? size / 2 : size;
+      const int kept = on.fails(Disk::Fault::kFull) ? size / 2 : on.with_room(system, size, at);
       on.note({Disk::Event::Kind::kWrite,
                *ours(file).path,
                {static_cast<const char*>(bytes), static_cast<std::size_t>(kept)},
                at});
       const int code = system->pMethods->xWrite(system, bytes, kept, at);
-      return full ? SQLITE_FULL : code;
+      return kept < size ? SQLITE_FULL : code;
     });
   }
   static int truncate(sqlite3_file* file, sqlite3_int64 size) {
     return guarded(file, [&](Disk& on, sqlite3_file* system) {
       if (on.fails(Disk::Fault::kError)) return SQLITE_IOERR_TRUNCATE;
       on.note({Disk::Event::Kind::kTruncate, *ours(file).path, {}, size});
+      on.room_ += std::max<sqlite3_int64>(size_of(system) - size, 0);
       return system->pMethods->xTruncate(system, size);
     });
   }
@@ -88,7 +98,7 @@ struct DiskCalls {
       if (on.fails(Disk::Fault::kSync) || on.fails(Disk::Fault::kError)) return SQLITE_IOERR_FSYNC;
       on.note({Disk::Event::Kind::kSync, *ours(file).path, {}, 0});
       // What the system does with it is not what is looked at here.
-      return on.remembers_ ? SQLITE_OK : system->pMethods->xSync(system, flags);
+      return on.remembers_ || !on.syncs_ ? SQLITE_OK : system->pMethods->xSync(system, flags);
     });
   }
   static int size(sqlite3_file* file, sqlite3_int64* out) {
@@ -190,6 +200,14 @@ bool Disk::fails(Fault fault) {
   if (until_ > 0 || (failed_ > 0 && lasting_ == Lasting::kOnce)) return false;
   ++failed_;
   return true;
+}
+
+int Disk::with_room(sqlite3_file* file, int size, std::int64_t at) {
+  const std::int64_t growth = std::max<std::int64_t>(at + size - DiskCalls::size_of(file), 0);
+  const std::int64_t missing = std::clamp<std::int64_t>(growth - room_, 0, size);
+  room_ -= growth - missing;
+  turned_away_ += missing > 0;
+  return size - static_cast<int>(missing);
 }
 
 void Disk::note(Event event) {

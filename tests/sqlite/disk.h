@@ -5,6 +5,7 @@
 #include <sqlite3.h>
 
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -33,6 +34,15 @@ class Disk {
   // How many calls have failed since then.
   int failed() const { return failed_; }
 
+  // From now on the files may grow by so many bytes together; what is truncated or removed gives room back.
+  void leave_room(std::int64_t bytes) {
+    const std::scoped_lock lock(mutex_);
+    room_ = bytes;
+  }
+  void make_room() { leave_room(kEndless); }
+  // How many writes found no room since the beginning.
+  int turned_away() const { return turned_away_; }
+
   // ---- Remembering.
 
   struct Event {
@@ -41,6 +51,11 @@ class Disk {
     std::int64_t at = 0;  // where a write begins, how long a truncated file is, the number of a mark
   };
   void remember() { remembers_ = true; }
+  // Nothing more is remembered; nor is anything synced, for no power will be cut.
+  void forget() {
+    remembers_ = false;
+    syncs_ = false;
+  }
   void mark(std::int64_t number) { note({Event::Kind::kMark, {}, {}, number}); }
   const std::vector<Event>& events() const { return events_; }
 
@@ -48,6 +63,8 @@ class Disk {
   friend struct DiskCalls;
   // What is to be done with a call of the kind.
   bool fails(Fault fault);
+  // How many bytes of a write find room.
+  int with_room(sqlite3_file* file, int size, std::int64_t at);
   void note(Event event);
 
   std::recursive_mutex mutex_;
@@ -57,7 +74,10 @@ class Disk {
   Lasting lasting_ = Lasting::kOnce;
   int until_ = 0;
   int failed_ = 0;
-  bool remembers_ = false;
+  static constexpr std::int64_t kEndless = std::numeric_limits<std::int64_t>::max() / 2;
+  std::int64_t room_ = kEndless;
+  int turned_away_ = 0;
+  bool remembers_ = false, syncs_ = true;
   std::vector<Event> events_;
 };
 

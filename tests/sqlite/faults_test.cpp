@@ -15,11 +15,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// As the work finds it: closed; of an earlier version; with the log that a killed program has left.
+enum class Base { kClosed, kOlder, kKilled };
+
 struct Work {
   const char* name;
   // Does it on the base in a folder.
   std::function<void(const std::string& folder)> act;
-  bool older_base = false;
+  Base base = Base::kClosed;
 };
 
 void on_base(const std::string& folder, const std::function<void(SqliteDatabase&)>& act) {
@@ -55,11 +58,14 @@ const Work kWorks[] = {
        });
      }},
     {"restore", [](auto& folder) { SqliteDatabase::restore(folder + "backup", folder + "base"); }},
-    {"migration", [](auto& folder) { on_base(folder, [](auto&) {}); }, true},
+    {"migration", [](auto& folder) { on_base(folder, [](auto&) {}); }, Base::kOlder},
+    {"recovery",
+     [](auto& folder) { on_base(folder, [](auto& base) { base.put("F", "3", record("changed")); }); },
+     Base::kKilled},
 };
 
-void lay_base(const std::string& folder, bool older) {
-  if (older) {
+void lay_base(const std::string& folder, Base kind) {
+  if (kind == Base::kOlder) {
     sqlite::Connection old(folder + "base", sqlite::Missing::kCreate, 100);
     sqlite::prepare(old, sqlite::schema_steps().first(1));
     old.run(
@@ -76,6 +82,17 @@ void lay_base(const std::string& folder, bool older) {
   base.put("F", "1", record("second"));
   base.back_up(folder + "backup");
   base.put("F", "2", record("after the backup"));
+  if (kind == Base::kClosed) return;
+  // As the files stand while it is open.
+  for (const char* name : {"base", "base-wal"}) fs::copy(folder + name, folder + "killed-" + name);
+}
+
+// The files of a work, in a folder of its own.
+void copy_base(const std::string& from, const std::string& to) {
+  fs::copy(from, to, fs::copy_options::recursive);
+  for (const char* name : {"base", "base-wal"}) {
+    if (fs::exists(to + "killed-" + name)) fs::rename(to + "killed-" + name, to + name);
+  }
 }
 
 // What stands in the folder: the base, and the new one, or that it is not there.
@@ -107,7 +124,7 @@ class FailingDisk : public testing::Test {
            const std::string& after) {
     const TemporaryFolder own;
     const std::string folder = own.file("");
-    fs::copy(original_->file(""), folder, fs::copy_options::recursive);
+    copy_base(original_->file(""), folder);
     std::string error;
     disk_.fail(fault, nth, lasting);
     try {
@@ -138,17 +155,17 @@ TEST_F(FailingDisk, IsToldAndLeavesTheOldStateOrTheNewOneAtEveryCallOfEveryWork)
   for (const Work& work : kWorks) {
     SCOPED_TRACE(work.name);
     original_ = std::make_unique<TemporaryFolder>();
-    lay_base(original_->file(""), work.older_base);
+    lay_base(original_->file(""), work.base);
     std::string before, after;
     {
       const TemporaryFolder one, two;
-      fs::copy(original_->file(""), one.file(""), fs::copy_options::recursive);
-      if (!work.older_base) before = state_of(one.file(""));
-      fs::copy(original_->file(""), two.file(""), fs::copy_options::recursive);
+      copy_base(original_->file(""), one.file(""));
+      if (work.base != Base::kOlder) before = state_of(one.file(""));
+      copy_base(original_->file(""), two.file(""));
       work.act(two.file(""));
       after = state_of(two.file(""));
       // A base that is looked at is brought up to date by that.
-      if (work.older_base) before = after;
+      if (work.base == Base::kOlder) before = after;
     }
     for (const auto fault : {Disk::Fault::kError, Disk::Fault::kFull, Disk::Fault::kSync}) {
       for (const auto lasting : {Disk::Lasting::kOnce, Disk::Lasting::kForEver}) {
@@ -168,7 +185,7 @@ TEST_F(FailingDisk, IsToldAndLeavesTheOldStateOrTheNewOneAtEveryCallOfEveryWork)
 // The sync of a save is what it is acknowledged by.
 TEST_F(FailingDisk, NoSaveIsAcknowledgedWhoseSyncFailed) {
   const TemporaryFolder folder;
-  lay_base(folder.file(""), false);
+  lay_base(folder.file(""), Base::kClosed);
   SqliteDatabase database(folder.file("base"));
   database.put("F", "1", record("x"));
   for (const auto fault : {Disk::Fault::kSync, Disk::Fault::kError, Disk::Fault::kFull}) {
@@ -186,7 +203,7 @@ TEST_F(FailingDisk, NoSaveIsAcknowledgedWhoseSyncFailed) {
 // Whoever catches the failure of one write and goes on must not make half a change.
 TEST_F(FailingDisk, AChangeOfWhichOneWriteFailedIsUndoneAsAWhole) {
   const TemporaryFolder folder;
-  lay_base(folder.file(""), false);
+  lay_base(folder.file(""), Base::kClosed);
   SqliteDatabase database(folder.file("base"));
   const std::string before = snapshot(database);
   const auto change = [&] {

@@ -82,7 +82,7 @@ class ChangedFile : public testing::Test {
 };
 
 TEST_F(ChangedFile, EveryByteThatIsFlippedIsToldOrDoesNoHarm) {
-  const int flips = long_tests() ? 20'000 : 500;
+  const int flips = long_tests() ? 50'000 : 500;
   std::mt19937 random(5);
   int counts[4] = {};
   for (int n = 0; n < flips; ++n) {

@@ -7,11 +7,11 @@
 
 #include <filesystem>
 
-#include "sqlite/as_nobody.h"
 #include "sqlite/temporary_folder.h"
 #include "store/notation.h"
 #include "store/sqlite/connection.h"
 #include "store/sqlite/schema.h"
+#include "support/as_nobody.h"
 #include "velanor/sqlite_database.h"
 
 namespace velanor::store {
@@ -167,7 +167,7 @@ TEST_F(AnOlderFile, ThatMayNotBeWrittenIsReadWithoutBeingBroughtUpToDate) {
   namespace fs = std::filesystem;
   fs::permissions(path_, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
   fs::permissions(folder_.file(""), fs::perms::all & ~(fs::perms::others_write | fs::perms::group_write));
-  const AsNobody nobody;
+  const test::AsNobody nobody;
   SqliteDatabase database(path_);
   EXPECT_TRUE(database.read_only());
   EXPECT_EQ(shown(database.OpenFile("F")->Read("12")), "Ville");
@@ -187,7 +187,7 @@ TEST_F(HistoryOfAFile, OfAFileThatMayNotBeWrittenIsReadTooAndNotPurged) {
   }
   fs::permissions(path_, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
   fs::permissions(folder_.file(""), fs::perms::all);
-  const AsNobody nobody;
+  const test::AsNobody nobody;
   SqliteDatabase database(path_);
   EXPECT_EQ(versions(database, "1"), "1 paul 100 a\n2 paul 100 b\n");
   EXPECT_THROW(database.history()->purge(9999), DbError);

@@ -52,7 +52,7 @@ int run_and_kill(const std::string& path, int first, int microseconds) {
 }
 
 TEST(KilledProgram, LosesNoAcknowledgedSaveAndLeavesNoneHalfDone) {
-  const int cycles = long_tests() ? 3000 : 300;
+  const int cycles = long_tests() ? 10'000 : 300;
   const TemporaryFolder folder;
   const std::string path = folder.file("base");
   SqliteDatabase(path, {.missing = SqliteDatabase::Missing::kCreate});

@@ -10,12 +10,12 @@
 #include <fstream>
 #include <random>
 
-#include "sqlite/as_nobody.h"
 #include "sqlite/temporary_folder.h"
 #include "store/contract.h"
 #include "store/notation.h"
 #include "store/sqlite/failure.h"
-#include "store/unfinished_file.h"
+#include "store/sqlite/unfinished_file.h"
+#include "support/as_nobody.h"
 #include "velanor/memory_database.h"
 
 namespace velanor::store {
@@ -244,7 +244,7 @@ TEST_F(SqliteFile, WhatMayNotBeWrittenIsReadAndEveryWriteIsRefusedWithASentence)
     fs::permissions(path_, file);
     fs::permissions(folder_.file(""), folder);
     {
-      const AsNobody nobody;
+      const test::AsNobody nobody;
       SqliteDatabase database(path_);
       EXPECT_TRUE(database.read_only());
       EXPECT_EQ(all_of(database, "SSELECT SECTEUR PAR 1", "SECTEUR"), "001|Ville\n");
@@ -269,7 +269,7 @@ TEST_F(SqliteFile, AReaderSeesWhatAWriterWhoComesLaterWrites) {
   const char* list = "SSELECT SECTEUR PAR 1";
   std::unique_ptr<SqliteDatabase> reader;
   const auto seen = [&] {
-    const AsNobody nobody;
+    const test::AsNobody nobody;
     if (!reader) reader = std::make_unique<SqliteDatabase>(path_);
     return all_of(*reader, list, "SECTEUR");
   };
@@ -387,7 +387,7 @@ TEST_F(SqliteFile, WhatAKilledBackupLeavesIsRemovedByTheNextButNotWhatIsBeingMad
   const auto database = open();
   for (const char* ending : {"", "-wal", "-journal"})
     std::ofstream(folder_.file(std::string("copie.0123456789ab.partiel") + ending)) << "reste";
-  const UnfinishedFile under_way(folder_.file("copie"));
+  const sqlite::UnfinishedFile under_way(folder_.file("copie"));
   EXPECT_FALSE(std::filesystem::exists(folder_.file("copie.0123456789ab.partiel")));
   EXPECT_FALSE(std::filesystem::exists(folder_.file("copie.0123456789ab.partiel-wal")));
   database->back_up(folder_.file("copie"));

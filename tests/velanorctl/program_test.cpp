@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "app/velanorctl/table.h"
+#include "velanor/sqlite_database.h"
 
 namespace velanor::app {
 namespace {
@@ -172,8 +173,7 @@ TEST_F(CommandLine, ABaseThatMayNotBeWrittenIsReadByEverySubCommand) {
   fs::permissions(folder_.file(""), fs::perms::all);
   for (const bool folder : {false, true}) {
     if (folder)
-      fs::permissions(folder_.file(""),
-                      fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
+      fs::permissions(folder_.file(""), fs::perms::all & ~(fs::perms::group_write | fs::perms::others_write));
     for (const char* call :
          {"show SECTEUR 001", "select 'SSELECT SECTEUR PAR 1'", "check", "history SECTEUR 001",
           "diff SECTEUR 001", "export --file SECTEUR", "backup /tmp/velanor-test-copie-$$"}) {
@@ -202,6 +202,98 @@ TEST_F(CommandLine, ABackupIsTakenBackInPlaceOfTheBase) {
       << outcome.output;
   EXPECT_EQ(run("show SECTEUR 001 --store base").output, "1 = Ville\n");
   EXPECT_EQ(run("show SECTEUR 001 --store base.avant-*").output, "1 = Bourg\n");
+}
+
+TEST_F(CommandLine, AnExportIsAFileOfItsOwnersAloneAndFollowsNoLink) {
+  namespace fs = std::filesystem;
+  write("t.csv", "id;1\n001;Ville\n");
+  run("import t.csv --store base --file SECTEUR");
+  write("secret", "à garder");
+  fs::create_symlink(folder_.file("secret"), folder_.file("lien.csv"));
+  fs::create_symlink(folder_.file("secret"), folder_.file("table.csv.partiel"));
+  write("table.csv.0123456789ab.partiel", "reste d'un programme tué");
+  for (const char* table : {"table.csv", "lien.csv"}) {
+    EXPECT_EQ(run(std::string("export ") + table + " --store base --file SECTEUR").status, 0);
+    EXPECT_EQ(fs::symlink_status(folder_.file(table)).permissions(),
+              fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_FALSE(fs::is_symlink(folder_.file(table)));
+  }
+  EXPECT_EQ(fs::file_size(folder_.file("secret")), std::string("à garder").size());
+  EXPECT_TRUE(fs::is_symlink(folder_.file("table.csv.partiel"))) << "somebody else's file was removed";
+  EXPECT_FALSE(fs::exists(folder_.file("table.csv.0123456789ab.partiel")));
+  const Outcome misspelt = run("export autre.csv --store base --file SECTEURS");
+  EXPECT_EQ(misspelt.status, 1);
+  EXPECT_EQ(misspelt.output.find("velanorctl : Le fichier « SECTEURS » n'est pas dans la base."), 0u)
+      << misspelt.output;
+  EXPECT_FALSE(fs::exists(folder_.file("autre.csv")));
+}
+
+TEST_F(CommandLine, ABaseThatOthersCanReadIsRemarkedOn) {
+  namespace fs = std::filesystem;
+  write("t.csv", "id;1\n001;Ville\n");
+  run("import t.csv --store base --file SECTEUR");
+  EXPECT_EQ(run("show SECTEUR 001 --store base").output, "1 = Ville\n");
+  fs::permissions(folder_.file(""), fs::perms::group_exec, fs::perm_options::add);
+  fs::permissions(folder_.file("base"), fs::perms::group_read, fs::perm_options::add);
+  const Outcome outcome = run("show SECTEUR 001 --store base");
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.output,
+            "Attention : La base « base » peut être lue par d'autres utilisateurs de cette machine. Pour la "
+            "réserver au vôtre : chmod 600 base\n1 = Ville\n");
+}
+
+// A program that has looked at a file, or failed over it, still holds what keeps others out.
+TEST_F(CommandLine, ABackupIsNotTakenBackWhileAnotherProgramHasTheBaseOpen) {
+  write("t.csv", "id;1\n001;Ville\n");
+  run("import t.csv --store base --file SECTEUR");
+  run("backup copie --store base");
+  const std::string path = folder_.file("base");
+  {
+    store::SqliteDatabase database(path);
+    EXPECT_TRUE(store::SqliteDatabase::is_at(path));
+    EXPECT_THROW(store::SqliteDatabase::restore(folder_.file("copie"), path), store::DbError);
+    const Outcome outcome = run("restore copie base");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output,
+              "velanorctl : La base « base » n'a pas été remplacée : un programme s'en sert. Fermez tous les "
+              "programmes, puis recommencez.\n");
+  }
+  EXPECT_EQ(run("restore copie base").status, 0);
+}
+
+// ---- Encrypted backups.
+
+TEST_F(CommandLine, ABackupIsEncryptedByTheProgramAge) {
+  namespace fs = std::filesystem;
+  write("t.csv", "id;1\n001;Ville\n");
+  run("import t.csv --store base --file SECTEUR");
+  const std::string path = "PATH='" + folder_.file("bin") + "' ";
+  const Outcome without = run("backup copie --store base --to-age age1qqq", path);
+  EXPECT_EQ(without.status, 1);
+  EXPECT_EQ(without.output,
+            "velanorctl : La sauvegarde n'a pas été chiffrée, et rien n'a été écrit : le programme « age » "
+            "n'est pas installé. Installez-le, puis recommencez.\n");
+  // One that turns every byte about.
+  fs::create_directory(folder_.file("bin"));
+  write("bin/age",
+        "#!/bin/sh\n[ \"$1 $2\" = '--recipient age1qqq' ] || exit 1\n/usr/bin/tr '\\000-\\377' "
+        "'\\200-\\377\\000-\\177'\n");
+  fs::permissions(folder_.file("bin/age"), fs::perms::owner_all);
+  EXPECT_EQ(run("backup copie --store base --to-age autre", path).status, 1);
+  EXPECT_FALSE(fs::exists(folder_.file("copie")));
+  EXPECT_EQ(run("backup copie --store base --to-age age1qqq", path).output,
+            "Sauvegarde « copie » terminée, vérifiée et chiffrée.\n");
+  EXPECT_EQ(fs::status(folder_.file("copie")).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+  EXPECT_EQ(run("show SECTEUR 001 --store copie").status, 1);
+  EXPECT_EQ(std::system(("cd '" + folder_.file("") +
+                         "' && LC_ALL=C tr '\\200-\\377\\000-\\177' '\\000-\\377' <copie >clair")
+                            .c_str()),
+            0);
+  EXPECT_EQ(run("show SECTEUR 001 --store clair 2>/dev/null").output, "1 = Ville\n");
+  EXPECT_EQ(run("backup copie --store base --to-age age1qqq", path).status, 1) << "the name is taken";
+  EXPECT_EQ(run("backup d --garder 3 --store base --to-age age1qqq", path).status, 64);
+  for (const auto& entry : fs::directory_iterator(folder_.file("")))
+    EXPECT_FALSE(entry.path().string().ends_with(".partiel")) << entry.path();
 }
 
 TEST(TextTable, CountsTheColumnsThatATerminalUses) {

@@ -15,6 +15,7 @@
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/secrets.h"
 #include "app/velanorctl/usage.h"
+#include "text/failure.h"
 
 namespace {
 
@@ -146,6 +147,6 @@ int main(int argc, char** given) try {
   translate_toolkit(application);
   return parse_and_run(application, argc, argv);
 } catch (const std::exception& error) {
-  std::cerr << "velanor : " << error.what() << "\n";
+  std::cerr << "velanor : " << velanor::text::failure_sentence(error) << "\n";
   return kFailed;
 }

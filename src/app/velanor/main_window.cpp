@@ -13,6 +13,7 @@
 #include <QTimer>
 #include <utility>
 
+#include "app/velanor/card_history.h"
 #include "app/velanor/help_window.h"
 #include "app/velanor/server_address.h"
 #include "qt/message_sheet.h"
@@ -48,6 +49,8 @@ MainWindow::MainWindow(store::Database& database, QWidget* parent)
   pages_->addWidget(new QWidget);
   pages_->addWidget(component_);
   setCentralWidget(pages_);
+  history_ = new CardHistory(*component_, database, this);
+  connect(history_, &CardHistory::told, this, &MainWindow::tell);
   make_menus();
   make_status_bar();
   update_title();
@@ -112,6 +115,7 @@ void MainWindow::make_menus() {
   QAction* quit = file->addAction("&Quitter");
   quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
   connect(quit, &QAction::triggered, this, &MainWindow::quit_asked);
+  history_->add_to(*menuBar()->addMenu("Histori&que"));
   QMenu* help = menuBar()->addMenu("A&ide");
   QAction* guide = help->addAction("&Guide");
   guide->setShortcut(QKeySequence(Qt::Key_F1));

@@ -14,6 +14,7 @@ class QStackedWidget;
 
 namespace velanor::app {
 
+class CardHistory;
 class HelpWindow;
 
 // Shows one database, which must outlive it. Before `start` it shows an empty page, on which the program
@@ -38,6 +39,8 @@ class MainWindow : public QMainWindow, private control::UserRights {
   // The title and the status bar say that nothing can be written.
   void set_read_only();
   void set_recent(const QStringList& files);
+  // In the status bar, until the next thing is told.
+  void tell(const QString& sentence) const;
 
   void bring_forward();
   enum class Leaving { kNot, kClosing, kQuitting };
@@ -67,7 +70,6 @@ class MainWindow : public QMainWindow, private control::UserRights {
   void show_about();
   bool is_started() const;
   void follow_card();
-  void tell(const QString& sentence) const;
   void update_title();
   bool would_ask() const;
   bool asks_and_may_leave();
@@ -76,6 +78,7 @@ class MainWindow : public QMainWindow, private control::UserRights {
 
   qt::ControleVelanorWidget* component_;
   control::Client client_;
+  CardHistory* history_;
   QStackedWidget* pages_;
   QMenu* recent_ = nullptr;
   QLabel* told_;

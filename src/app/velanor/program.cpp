@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QPointer>
@@ -11,11 +10,13 @@
 #include <algorithm>
 #include <optional>
 
+#include "app/velanor/daily_backup.h"
 #include "app/velanor/main_window.h"
 #include "app/velanor/place.h"
 #include "app/velanor/server_dialog.h"
 #include "demo/demo.h"
 #include "screen/scope.h"
+#include "text/failure.h"
 #include "velanor/sqlite_database.h"
 
 namespace velanor::app {
@@ -27,13 +28,6 @@ QString own_database() {
   const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
   QDir().mkpath(folder);
   return QDir(folder).filePath("velanor.db");
-}
-
-// Made empty before the store writes into it, so that nobody else could ever read it.
-void make_private(const QString& path) {
-  QFile file(path);
-  if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly, QFileDevice::ReadOwner | QFileDevice::WriteOwner))
-    file.close();
 }
 
 // The records that the component reads at its start are missing.
@@ -60,6 +54,7 @@ struct Program::Desk {
   QString path;  // "" for the demonstration data in memory
   Place place;
   std::unique_ptr<MainWindow> window;
+  std::unique_ptr<DailyBackup> backup = {};
   std::optional<Turns::Seat> seat = {};
   bool started = false;
 };
@@ -80,14 +75,13 @@ bool Program::start(const StoreOptions& options) try {
   const QString last = settings_.last();
   return last.isEmpty() || last == own_database() ? open_own() : open_last(last);
 } catch (const std::exception& error) {
-  QMessageBox::critical(nullptr, kTitle, QString::fromUtf8(error.what()));
+  QMessageBox::critical(nullptr, kTitle, QString::fromStdString(text::failure_sentence(error)));
   return false;
 }
 
 bool Program::open_own() {
   StoreOptions own;
   const QString path = own_database();
-  make_private(path);
   own.url = path.toStdString();
   return show(open_desk(own, path, IfMissing::kCreate)), true;
 }
@@ -99,7 +93,7 @@ bool Program::open_last(const QString& path) try {
   options.url = path.toStdString();
   return show(open_desk(options, path, IfMissing::kFail)), true;
 } catch (const std::exception& error) {
-  return open_own_instead(QString::fromUtf8(error.what()) + "\n\n");
+  return open_own_instead(QString::fromStdString(text::failure_sentence(error)) + "\n\n");
 }
 
 bool Program::open_own_instead(const QString& why) {
@@ -118,7 +112,7 @@ QString Program::open_server(const ServerAddress& address) try {
   settings_.set_server(address.url());
   return {};
 } catch (const std::exception& error) {
-  return QString::fromUtf8(error.what());
+  return QString::fromStdString(text::failure_sentence(error));
 }
 
 bool Program::start_on_server(const ServerAddress& address) {
@@ -158,8 +152,8 @@ void Program::open(const QString& path, MainWindow& asker) try {
   settings_.set_place(asker.saveGeometry());
   show(open_desk(options, path, IfMissing::kFail));
 } catch (const std::exception& error) {
-  auto* box = new QMessageBox(QMessageBox::Critical, kTitle, QString::fromUtf8(error.what()), QMessageBox::Ok,
-                              &asker);
+  auto* box = new QMessageBox(QMessageBox::Critical, kTitle,
+                              QString::fromStdString(text::failure_sentence(error)), QMessageBox::Ok, &asker);
   box->setAttribute(Qt::WA_DeleteOnClose);
   box->open();
 }
@@ -204,8 +198,20 @@ void Program::begin(Desk& desk) try {
   desk.window->start();
   desk.started = true;
   if (!desk.path.isEmpty()) remember(desk.path);
+  look_after(desk);
 } catch (const std::exception& error) {
-  give_up(desk, error.what());
+  give_up(desk, text::failure_sentence(error));
+}
+
+// What can only be told, in the window that has come up.
+void Program::look_after(Desk& desk) {
+  const auto* base = dynamic_cast<const store::SqliteDatabase*>(desk.store.get());
+  if (base == nullptr || base->read_only()) return;
+  if (const std::string remark = base->remark(); !remark.empty())
+    desk.window->tell(QString::fromStdString(remark));
+  desk.backup = std::make_unique<DailyBackup>(desk.path);
+  connect(desk.backup.get(), &DailyBackup::failed, desk.window.get(), &MainWindow::tell);
+  desk.backup->start();
 }
 
 void Program::give_up(Desk& desk, const std::string& sentence) {
@@ -230,7 +236,7 @@ void Program::offer_demonstration(Desk& desk) {
     try {
       fill(*desk.store);
     } catch (const std::exception& error) {
-      return give_up(desk, error.what());
+      return give_up(desk, text::failure_sentence(error));
     }
     begin(desk);
   });

@@ -48,6 +48,8 @@ class Program : public QObject {
   void show(Desk& desk);
   // Starts the component; an empty database is offered the demonstration data.
   void begin(Desk& desk);
+  // Its daily backup, and what is to be remarked on its file.
+  void look_after(Desk& desk);
   void offer_demonstration(Desk& desk);
   // Tells it in the window itself, which then goes.
   void give_up(Desk& desk, const std::string& sentence);

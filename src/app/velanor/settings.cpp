@@ -1,5 +1,9 @@
 #include "app/velanor/settings.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
 namespace velanor::app {
 namespace {
 
@@ -10,9 +14,19 @@ QStringList formerly_recent() {
   return QSettings("Unknown Organization", "velanor").value("recent").toStringList();
 }
 
+// Made before the toolkit writes into it, which then leaves its rights as they are.
+void make_private(const QString& path) {
+  constexpr auto kOwner = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
+  QDir().mkpath(QFileInfo(path).absolutePath());
+  QFile file(path);
+  if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly, kOwner)) return file.close();
+  file.setPermissions(kOwner);
+}
+
 }  // namespace
 
 Settings::Settings() {
+  make_private(settings_.fileName());
   if (settings_.contains("recent")) return;
   const QStringList former = formerly_recent();
   if (former.isEmpty()) return;

@@ -1,4 +1,5 @@
-// What the program remembers from one start to the next, in a file of its own name.
+// What the program remembers from one start to the next, in a file of its own name that its user
+// alone can read: it says where the bases are.
 #pragma once
 
 #include <QByteArray>

@@ -28,19 +28,21 @@ store::DbRecord content_of(const store::Version& version) {
 int tell_changes(const Options& options) {
   const auto database = open_named_store(options.store);
   const auto versions = versions_of(*database, options);
-  const store::Version& last = options.to != 0 ? version_numbered(versions, options.to) : versions.back();
+  const store::Version& last =
+      options.to != 0 ? office::version_numbered(versions, options.to) : versions.back();
   store::Version first;
   if (options.from != 0) {
-    first = version_numbered(versions, options.from);
+    first = office::version_numbered(versions, options.from);
   } else if (versions.size() > 1) {
     first = versions[versions.size() - 2];
   }
   std::cout << (first.number == 0 ? "création"
-                                  : "version " + std::to_string(first.number) + ", " + moment_of(first) +
-                                        ", " + author_of(first))
-            << " → version " << last.number << ", " << moment_of(last) << ", " << author_of(last) << "\n";
+                                  : "version " + std::to_string(first.number) + ", " +
+                                        office::moment_of(first) + ", " + author_of(first))
+            << " → version " << last.number << ", " << office::moment_of(last) << ", " << author_of(last)
+            << "\n";
   const auto changes = office::changes_between(options.file, content_of(first), content_of(last));
-  for (const std::string& change : changes) std::cout << printable(change) << "\n";
+  for (const office::Change& change : changes) std::cout << printable(change.text()) << "\n";
   if (!last.record) std::cout << "L'enregistrement est supprimé.\n";
   if (changes.empty()) std::cout << "Rien ne diffère.\n";
   return 0;

@@ -9,9 +9,10 @@
 #include "app/velanorctl/guarded_output.h"
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/progress.h"
+#include "card/record/known_files.h"
 #include "exchange/csv.h"
 #include "exchange/export_csv.h"
-#include "store/unfinished_file.h"
+#include "store/sqlite/unfinished_file.h"
 
 namespace velanor::app {
 namespace {
@@ -23,8 +24,18 @@ struct Options {
   std::string separator = ";";
 };
 
+// A name that is misspelt would pass for a file without records.
+void refuse_unknown(store::Database& database, const std::string& file) {
+  if (card::is_known_file(file)) return;
+  if (database.Select(store::DbQuery("SSELECT " + file, file, "0").encoded()).DCount() > 0) return;
+  throw store::DbError(store::kStoreFailure, "Le fichier « " + file +
+                                                 " » n'est pas dans la base. Le composant connaît " +
+                                                 card::known_files() + ".");
+}
+
 void write(const Options& options, std::ostream& out) {
   const auto database = open_named_store(options.store);
+  refuse_unknown(*database, options.file);
   Progress progress("Exportation");
   out << exchange::kByteOrderMark;
   database->in_one_view([&] {
@@ -51,7 +62,7 @@ void write_to_output(const Options& options) {
 }
 
 void write_table(const Options& options) {
-  store::UnfinishedFile file(options.table);
+  store::sqlite::UnfinishedFile file(options.table);
   {
     std::ofstream out(file.path(), std::ios::binary);
     write(options, out);

@@ -21,6 +21,7 @@ struct Options {
   StoreOptions store;
   std::string table, file;
   exchange::ImportOptions how;
+  int megabytes = static_cast<int>(how.limits.bytes >> 20);
 };
 
 constexpr std::size_t kLinesShown = 20;
@@ -31,8 +32,12 @@ void tell(const Options& options, const exchange::ImportRemark& remark) {
 
 int report_faults(const Options& options, const exchange::ImportReport& report) {
   const auto& faults = report.faults;
-  for (std::size_t i = 0; i < std::min(faults.size(), kLinesShown); ++i) tell(options, faults[i]);
-  if (faults.size() > kLinesShown) std::cerr << "et " << faults.size() - kLinesShown << " autres fautes\n";
+  const std::size_t shown = std::min(faults.size(), kLinesShown);
+  for (std::size_t i = 0; i < shown; ++i) tell(options, faults[i]);
+  if (const std::size_t others = faults.size() - shown + report.remarks_left_out; others > 0)
+    std::cerr << "et " << others << " autres fautes\n";
+  if (report.too_large)
+    std::cerr << "Les limites se relèvent par --max-colonnes, --max-lignes et --max-mo.\n";
   if (report.unknown_codes) {
     std::cerr
         << "Importez d'abord les fichiers de référence ; --accepter-inconnus admet les codes qui n'y sont "
@@ -145,7 +150,21 @@ void add_import(CLI::App& program, int& status) {
   command->add_flag(
       "--accepter-inconnus", options->how.accept_unknown,
       "Dans VELANORO, admet les codes qu'aucun fichier de référence ne contient, et les signale");
-  command->callback([options, &status] { status = import(*options); });
+  exchange::ImportLimits& limits = options->how.limits;
+  const auto limit = [&](const char* name, int& value, const char* what) {
+    command->add_option(name, value, what)
+        ->check(CLI::Range(1, 100'000'000))
+        ->capture_default_str()
+        ->type_name("N");
+  };
+  limit("--max-colonnes", limits.columns, "Colonnes admises");
+  limit("--max-lignes", limits.rows, "Lignes admises");
+  limit("--max-fautes", limits.remarks, "Fautes gardées en mémoire ; les autres sont comptées");
+  limit("--max-mo", options->megabytes, "Taille admise des enregistrements écrits, en Mo");
+  command->callback([options, &status] {
+    options->how.limits.bytes = static_cast<std::size_t>(options->megabytes) << 20;
+    status = import(*options);
+  });
 }
 
 }  // namespace velanor::app

@@ -2,21 +2,19 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
-#include <new>
 
 #include "app/velanorctl/commands.h"
 #include "app/velanorctl/guarded_output.h"
 #include "app/velanorctl/secrets.h"
 #include "app/velanorctl/usage.h"
 #include "store/sqlite/failure.h"
+#include "text/failure.h"
 
 namespace {
 
 using namespace velanor::app;
 
 constexpr int kFailed = 1;
-constexpr const char* kNoMemory =
-    "il n'y a plus assez de mémoire. Fermez d'autres programmes, puis recommencez.";
 
 constexpr void (*kCommands[])(CLI::App&, int&) = {
     add_play,          add_demo,   add_import,      add_export,  add_select, add_show,
@@ -33,10 +31,8 @@ int parse_and_run(CLI::App& program, int argc, char** argv, const int& status) t
   return end_of_parsing(program, end);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) try {
-  const GuardedOutput output(std::cout), errors(std::cerr);
+// The exit status, of a failure too.
+int run(int argc, char** argv) try {
   int status = 0;
   CLI::App program("Fiches du personnel : le composant et sa base, à la ligne de commande", "velanorctl");
   speak_french(program);
@@ -51,10 +47,15 @@ int main(int argc, char** argv) try {
 } catch (const velanor::store::sqlite::DamagedError& error) {
   std::cerr << "velanorctl : " << error.what() << "\n";
   return kDamaged;
-} catch (const std::bad_alloc&) {
-  std::cerr << "velanorctl : " << kNoMemory << "\n";
-  return kFailed;
 } catch (const std::exception& error) {
-  std::cerr << "velanorctl : " << error.what() << "\n";
+  std::cerr << "velanorctl : " << velanor::text::failure_sentence(error) << "\n";
   return kFailed;
+}
+
+}  // namespace
+
+// What is told of a failure holds stored texts too.
+int main(int argc, char** argv) {
+  const GuardedOutput output(std::cout), errors(std::cerr);
+  return run(argc, argv);
 }

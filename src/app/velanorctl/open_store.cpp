@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
+#include <iostream>
 
 #include "control/session/card_id.h"
 #include "control/session/variable.h"
@@ -77,7 +78,10 @@ std::unique_ptr<store::Database> open_kind(const StoreOptions& options, IfMissin
   using Sqlite = store::SqliteDatabase;
   Sqlite::Options sqlite;
   if (if_missing == IfMissing::kCreate) sqlite.missing = Sqlite::Missing::kCreate;
-  return std::make_unique<Sqlite>(path_of(options.url), sqlite);
+  auto database = std::make_unique<Sqlite>(path_of(options.url), sqlite);
+  if (const std::string remark = database->remark(); !remark.empty())
+    std::cerr << "Attention : " << remark << "\n";
+  return database;
 }
 
 }  // namespace

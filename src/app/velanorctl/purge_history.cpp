@@ -37,7 +37,7 @@ int purge(const Options& options) {
                 " seraient perdues pour toujours ; ajoutez --oui si c'est ce que vous voulez.");
   }
   const auto database = open_named_store(options.store);
-  const std::size_t gone = history_of(*database).purge(before);
+  const std::size_t gone = office::history_of(*database).purge(before);
   std::cout << "Versions oubliées : " << gone << ". Ce qui est stocké n'a pas changé.\n";
   return 0;
 }

@@ -12,38 +12,19 @@ struct Options : RecordOptions {
   std::uint64_t number = 0;
 };
 
-const store::DbRecord& content_of(const store::Version& version) {
-  if (version.record) return *version.record;
-  const std::string which = "La version " + std::to_string(version.number);
-  throw store::DbError(store::kStoreFailure,
-                       which +
-                           (version.sound ? " est une suppression : elle n'a pas de contenu à rétablir."
-                                          : " est endommagée : elle ne peut pas être rétablie.") +
-                           " Choisissez-en une autre.");
-}
-
-// What was seen here is what it takes the place of, even when others write meanwhile. A damaged record is
-// none that could be expected.
-store::Expected expected_of(const store::Version& last) {
-  if (!last.sound) return store::Expected::anything();
-  return last.record ? store::Expected::record(*last.record) : store::Expected::absent();
-}
-
 int bring_back(const Options& options) {
   const auto database = open_named_store(options.store);
   const auto versions = versions_of(*database, options);
-  const store::Version& wanted = version_numbered(versions, options.number);
-  const store::DbRecord& content = content_of(wanted);
-  const store::Version& last = versions.back();
+  const store::Version& wanted = office::version_numbered(versions, options.number);
+  const auto back = office::bring_back(*database, options.file, options.id, versions, wanted);
   std::cout << options.file << " " << options.id << " : la version " << wanted.number << " ("
-            << moment_of(wanted) << ", " << author_of(wanted) << ") ";
-  if (last.record == content) {
+            << office::moment_of(wanted) << ", " << author_of(wanted) << ") ";
+  if (!back.written) {
     std::cout << "est ce qui est stocké. Rien n'a été écrit.\n";
     return 0;
   }
-  database->OpenFile(options.file)->write(options.id, content, expected_of(last));
-  std::cout << "est rétablie. C'est maintenant la version " << versions_of(*database, options).back().number
-            << (last.sound && !last.record ? " ; l'enregistrement avait été supprimé" : "") << ".\n";
+  std::cout << "est rétablie. C'est maintenant la version " << back.number
+            << (back.was_deleted ? " ; l'enregistrement avait été supprimé" : "") << ".\n";
   return 0;
 }
 

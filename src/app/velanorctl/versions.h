@@ -1,13 +1,11 @@
-// The versions of a record, as the sub-commands that deal with them find and name them.
+// What the sub-commands that deal with the versions of a record have in common.
 #pragma once
 
-#include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "app/velanorctl/open_store.h"
-#include "velanor/history.h"
+#include "office/versions.h"
 
 namespace velanor::app {
 
@@ -18,15 +16,9 @@ struct RecordOptions {
 };
 void add_record_options(CLI::App& command, RecordOptions& options);
 
-// Throws store::DbError for a store that keeps none.
-store::History& history_of(store::Database& database);
-// Throws store::DbError for a record that never was.
+// Throws store::DbError for a record that never was, and for a store that keeps no versions.
 std::vector<store::Version> versions_of(store::Database& database, const RecordOptions& record);
-// Throws store::DbError for a number that is not among them.
-const store::Version& version_numbered(const std::vector<store::Version>& versions, std::uint64_t number);
-
-// "12/03/2026 14:05:09" in local time; what was written before versions were kept has none.
-std::string moment_of(const store::Version& version);
+// As it may appear on a terminal.
 std::string author_of(const store::Version& version);
 
 }  // namespace velanor::app

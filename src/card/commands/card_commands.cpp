@@ -9,9 +9,24 @@
 #include "card/record/reference_layout.h"
 #include "entry/decimal.h"
 #include "screen/scope.h"
+#include "text/failure.h"
 #include "text/utf8.h"
 
 namespace velanor::commands {
+namespace {
+
+// A failure behind something that is stored must not pass for a refusal of it.
+std::exception_ptr behind(const std::string& stored, const std::exception_ptr& failure) try {
+  if (failure) std::rethrow_exception(failure);
+  return {};
+} catch (const std::exception& error) {
+  const auto* const of_store = dynamic_cast<const store::DbError*>(&error);
+  return std::make_exception_ptr(store::DbError(
+      of_store ? of_store->number() : store::kStoreFailure,
+      stored + " La liste des employés n'a pas pu être renouvelée : " + text::failure_sentence(error)));
+}
+
+}  // namespace
 
 void CardCommands::bind() {
   on_.ui.Cbo_Periode.clicked += [this] { Cbo_Periode_Click(); };
@@ -308,7 +323,7 @@ void CardCommands::Cmd_OK_Click() {
   clear_display();
   const std::exception_ptr failure = return_to_browsing();
   on_.ui.Cmd_Ajout.set_enabled(true);
-  allow_browsing(failure);
+  allow_browsing(behind("La fiche est enregistrée.", failure));
 }
 
 // Codes are handed out downwards from 99999. One question for all that are taken: on a server each code that
@@ -363,7 +378,7 @@ std::exception_ptr CardCommands::return_to_browsing() {
   close_card();
   try {
     list_employees();
-  } catch (const store::DbError&) {
+  } catch (const std::exception&) {
     return std::current_exception();
   }
   return {};
@@ -388,7 +403,8 @@ void CardCommands::Cmd_Annul_Click() {
 
 void CardCommands::Cmd_Supp_Click() {
   if (!on_.screen.confirm_loss("Voulez-vous supprimer cette fiche ?")) return;
-  if (!on_.card.Creation) {
+  const bool stored = !on_.card.Creation;
+  if (stored) {
     const std::string& id = on_.card.file->id();
     if (writer_.remove(*on_.card.file, [&] { SupprimerCalculs(id); }) == CardWriter::Outcome::kBack) return;
     tell_of_stored(CardEvent::Kind::kDeleted);
@@ -396,7 +412,7 @@ void CardCommands::Cmd_Supp_Click() {
   // Budget grouping, state and the duplicate button stay as the deleted card left them.
   const std::exception_ptr failure = return_to_browsing();
   on_.ui.Cmd_Ajout.set_enabled(true);
-  allow_browsing(failure);
+  allow_browsing(stored ? behind("La fiche est supprimée.", failure) : failure);
 }
 
 namespace {

@@ -22,6 +22,7 @@ std::vector<screen::Comparison::Line> lines_of(const card::Merge& merge) {
 
 std::vector<card::Side> sides_of(const std::vector<screen::Answer>& answers) {
   std::vector<card::Side> sides;
+  sides.reserve(answers.size());
   for (const screen::Answer answer : answers)
     sides.push_back(answer == screen::Answer::Mine ? card::Side::kMine : card::Side::kTheirs);
   return sides;

@@ -17,4 +17,10 @@ std::string Codec::stored(Encoding encoding, std::string_view shown) const {
   return scale > 0 ? entry::text_to_stored(shown, scale) : std::string(shown);
 }
 
+std::optional<int> Codec::decimals_exceeded(Encoding encoding, std::string_view shown) {
+  const int scale = decimals(encoding);
+  if (scale == 0 || !entry::has_more_decimals(shown, scale)) return {};
+  return scale;
+}
+
 }  // namespace velanor::card

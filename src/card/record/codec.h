@@ -1,6 +1,7 @@
 // Between what the screen shows and what a record stores, by the encoding of the attribute.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,8 @@ class Codec {
   }
   std::string shown(Encoding encoding, std::string_view stored) const;
   std::string stored(Encoding encoding, std::string_view shown) const;
+  // How many decimals are stored, where `stored` would round; nothing where it keeps all.
+  static std::optional<int> decimals_exceeded(Encoding encoding, std::string_view shown);
 
  private:
   entry::UtilSaisie& entry_;

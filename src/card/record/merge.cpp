@@ -206,7 +206,7 @@ std::string value_or_nothing(const Values& values, int attribute) {
   return found == values.end() ? std::string() : found->second;
 }
 
-std::string capitalised(std::string name) {
+std::string capitalised(const std::string& name) {
   const std::size_t first = name.starts_with("é") ? std::string("é").size() : 1;
   return text::upper(name.substr(0, first)) + name.substr(first);
 }

@@ -12,4 +12,7 @@ void refuse_unsafe_place(const std::string& path);
 // Whether statfs names a file system by this number that other machines share.
 bool is_network(unsigned long type);
 
+// Whether others than its owner can read a file, by its rights and those of its folder.
+bool readable_by_others(const std::string& path);
+
 }  // namespace velanor::store::sqlite

@@ -2,12 +2,12 @@
 
 #include <array>
 #include <ctime>
-#include <fstream>
 
 #include "store/checked_writes.h"
 #include "store/sqlite/examination.h"
 #include "store/sqlite/failure.h"
 #include "store/sqlite/place.h"
+#include "store/sqlite/raw_file.h"
 #include "store/sqlite/row_sum.h"
 #include "store/sqlite/schema.h"
 #include "store/sqlite/sqlite_backend.h"
@@ -57,6 +57,15 @@ SqliteDatabase::~SqliteDatabase() = default;
 
 bool SqliteDatabase::read_only() const { return backend_->connection().access() != sqlite::Access::kWrite; }
 
+std::string SqliteDatabase::remark() const {
+  const std::string& path = backend_->connection().path();
+  if (!sqlite::readable_by_others(path)) return {};
+  return "La base « " + path +
+         " » peut être lue par d'autres utilisateurs de cette machine. Pour la réserver au vôtre : chmod "
+         "600 " +
+         path;
+}
+
 void SqliteDatabase::put(std::string_view file, std::string_view id, const DbRecord& record) {
   put_checked(*backend_, file, id, record);
 }
@@ -65,6 +74,12 @@ std::vector<std::string> SqliteDatabase::files() { return backend_->files(); }
 
 void SqliteDatabase::back_up(const std::string& path, const std::function<void(double)>& progress) {
   in_one_view([&] { sqlite::copy_to_new_file(backend_->connection(), path, progress); });
+}
+
+void SqliteDatabase::with_copy(const std::function<void(const std::string&)>& use,
+                               const std::function<void(double)>& progress) {
+  const std::string beside = backend_->connection().path() + ".copie";
+  in_one_view([&] { sqlite::with_copy(backend_->connection(), beside, use, progress); });
 }
 
 void SqliteDatabase::build(const std::string& path, const std::function<bool(SqliteDatabase&)>& fill) {
@@ -111,8 +126,8 @@ bool SqliteDatabase::is_at(const std::string& path) {
   constexpr std::string_view kFormat("SQLite format 3\0", 16);
   constexpr std::size_t kIdAt = 68, kIdSize = 4;
   std::array<char, kIdAt + kIdSize> header{};
-  std::ifstream in(path, std::ios::binary);
-  if (!in.read(header.data(), header.size())) return false;
+  sqlite::RawFile file(path, sqlite::RawFile::For::kReading);
+  if (!file.read_start(header)) return false;
   std::uint32_t id = 0;
   for (std::size_t i = kIdAt; i < header.size(); ++i) id = id << 8 | static_cast<unsigned char>(header[i]);
   return std::string_view(header.data(), kFormat.size()) == kFormat && id == sqlite::kApplicationId;

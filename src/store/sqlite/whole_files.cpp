@@ -1,18 +1,19 @@
 #include "store/sqlite/whole_files.h"
 
-#include <fcntl.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <ctime>
 #include <filesystem>
+#include <memory>
 
 #include "store/sqlite/examination.h"
 #include "store/sqlite/failure.h"
 #include "store/sqlite/place.h"
+#include "store/sqlite/raw_file.h"
 #include "store/sqlite/schema.h"
-#include "store/unfinished_file.h"
+#include "store/sqlite/unfinished_file.h"
 #include "velanor/sqlite_database.h"
 
 namespace velanor::store::sqlite {
@@ -20,19 +21,25 @@ namespace {
 
 namespace fs = std::filesystem;
 
+struct FinishBackup {
+  void operator()(sqlite3_backup* backup) const { sqlite3_backup_finish(backup); }
+};
+
 void copy_pages(Connection& from, Connection& to, const std::function<void(double)>& progress) {
   constexpr int kPages = 4096;
-  sqlite3_backup* backup = sqlite3_backup_init(to.handle(), "main", from.handle(), "main");
-  if (backup == nullptr) to.fail(sqlite3_errcode(to.handle()));
+  std::unique_ptr<sqlite3_backup, FinishBackup> backup(
+      sqlite3_backup_init(to.handle(), "main", from.handle(), "main"));
+  if (!backup) to.fail(sqlite3_errcode(to.handle()));
   int code = SQLITE_OK;
   while (code == SQLITE_OK) {
-    code = sqlite3_backup_step(backup, kPages);
-    const double pages = sqlite3_backup_pagecount(backup);
-    if (progress && pages > 0) progress(1.0 - sqlite3_backup_remaining(backup) / pages);
+    code = sqlite3_backup_step(backup.get(), kPages);
+    const double pages = sqlite3_backup_pagecount(backup.get());
+    if (progress && pages > 0) progress(1.0 - sqlite3_backup_remaining(backup.get()) / pages);
   }
-  sqlite3_backup_finish(backup);
+  const int end = sqlite3_backup_finish(backup.release());
   if (code == SQLITE_CORRUPT) from.fail(code);
   if (code != SQLITE_DONE) to.fail(code);
+  to.check(end);
 }
 
 // Opened anew, to be read from the file.
@@ -41,6 +48,17 @@ bool is_sound(const std::string& path) try {
   return damages_of(copy).empty();
 } catch (const DamagedError&) {
   return false;
+}
+
+void copy_sound(Connection& from, const std::string& path, const std::function<void(double)>& progress) {
+  {
+    Connection copy(path, Missing::kFail, 0);
+    copy_pages(from, copy, progress);
+  }
+  if (is_sound(path)) return;
+  throw DamagedError(kStoreFailure, "La base « " + from.path() +
+                                        " » est endommagée, elle n'a pas été sauvegardée. Fermez le "
+                                        "programme et reprenez la dernière sauvegarde.");
 }
 
 bool is_there(const std::string& path) {
@@ -56,29 +74,18 @@ DbError not_restored(const std::string& path, const std::string& why) {
   return {kStoreFailure, "La base « " + path + " » n'a pas été remplacée : " + why};
 }
 
-// Nobody can open a database file, and nobody has it open, while this lives. Whoever has a connection holds
-// a lock among these bytes.
+// Nobody can open a database file, and nobody has it open, while this lives.
 class Seclusion {
  public:
-  explicit Seclusion(const std::string& path) : file_(::open(path.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC)) {
-    constexpr off_t kFirstLock = 0x40000000, kLocks = 512;
-    struct flock lock {};
-    lock.l_type = F_WRLCK;
-    lock.l_whence = SEEK_SET;
-    lock.l_start = kFirstLock;
-    lock.l_len = kLocks;
-    if (file_ >= 0 && ::fcntl(file_, F_OFD_SETLK, &lock) == 0) return;
-    const bool opened = file_ >= 0;
-    if (opened) ::close(file_);
-    throw not_restored(path, opened ? "un programme s'en sert. Fermez tous les programmes, puis recommencez."
-                                    : "elle ne peut pas être ouverte. Vérifiez votre droit d'y écrire.");
+  explicit Seclusion(const std::string& path) : file_(path, RawFile::For::kWriting) {
+    if (!file_.is_open())
+      throw not_restored(path, "elle ne peut pas être ouverte. Vérifiez votre droit d'y écrire.");
+    if (!file_.lock_others_out())
+      throw not_restored(path, "un programme s'en sert. Fermez tous les programmes, puis recommencez.");
   }
-  ~Seclusion() { ::close(file_); }
-  Seclusion(const Seclusion&) = delete;
-  Seclusion& operator=(const Seclusion&) = delete;
 
  private:
-  int file_;
+  RawFile file_;
 };
 
 std::string free_name_beside(const std::string& path) {
@@ -94,10 +101,14 @@ std::string free_name_beside(const std::string& path) {
   }
 }
 
-// The log goes with its file: what is only in it is not lost.
+// The log goes with its file: what is only in it is not lost. A second name, where the file system has such,
+// leaves no moment without a base.
 void set_aside(const std::string& path, const std::string& aside) {
-  fs::create_hard_link(path, aside);
-  std::error_code none;
+  std::error_code none, refused;
+  fs::create_hard_link(path, aside, none);
+  if (none) fs::rename(path, aside, refused);
+  if (refused)
+    throw not_restored(path, "l'ancienne n'a pas pu être mise de côté. Vérifiez votre droit d'y écrire.");
   fs::rename(path + "-wal", aside + "-wal", none);
   fs::remove(path + "-shm", none);
 }
@@ -137,15 +148,16 @@ void make_new_file(const std::string& path, const std::function<bool(const std::
 void copy_to_new_file(Connection& from, const std::string& path,
                       const std::function<void(double)>& progress) {
   make_new_file(path, [&](const std::string& unfinished) {
-    {
-      Connection copy(unfinished, Missing::kFail, 0);
-      copy_pages(from, copy, progress);
-    }
-    if (is_sound(unfinished)) return true;
-    throw DamagedError(kStoreFailure, "La base « " + from.path() +
-                                          " » est endommagée, elle n'a pas été sauvegardée. Fermez le "
-                                          "programme et reprenez la dernière sauvegarde.");
+    copy_sound(from, unfinished, progress);
+    return true;
   });
+}
+
+void with_copy(Connection& from, const std::string& path, const std::function<void(const std::string&)>& use,
+               const std::function<void(double)>& progress) {
+  const UnfinishedFile file(path);
+  copy_sound(from, file.path(), progress);
+  use(file.path());
 }
 
 std::string put_in_place(const std::string& backup, const std::string& path) {

@@ -13,6 +13,10 @@ namespace velanor::store::sqlite {
 // source that is damaged a DamagedError.
 void copy_to_new_file(Connection& from, const std::string& path, const std::function<void(double)>& progress);
 
+// Hands over such a copy under a name of its own beside `path`, and removes it behind `use`.
+void with_copy(Connection& from, const std::string& path, const std::function<void(const std::string&)>& use,
+               const std::function<void(double)>& progress);
+
 // Hands `fill` the name under which to make a new database; it becomes `path` when `fill` has closed it and
 // says that it is to be kept.
 void make_new_file(const std::string& path, const std::function<bool(const std::string& unfinished)>& fill);

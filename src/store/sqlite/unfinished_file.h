@@ -1,9 +1,11 @@
 // A file under another name until it is complete.
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 
-namespace velanor::store {
+namespace velanor::store::sqlite {
 
 // The file is made beside the one it is to become, readable by its owner alone, under a name of its own that
 // nobody could have put a link at. What is interrupted leaves nothing that looks like the file, and what
@@ -24,7 +26,13 @@ class UnfinishedFile {
   // The same; false, and nothing done, where something stands there.
   bool complete_if_free();
 
+  // The file that one under such a name was to become; nothing for any other name.
+  static std::optional<std::string> path_meant_by(std::string_view path);
+  // Removes one of this user's, with its companions, that nobody is making any more.
+  static void remove_if_left_behind(const std::string& path);
+
  private:
+  void remove_left_behind() const;
   void remove() const;
 
   std::string path_, unfinished_;
@@ -36,4 +44,4 @@ class UnfinishedFile {
 void sync_to_disk(const std::string& path);
 void sync_folder_of(const std::string& path);
 
-}  // namespace velanor::store
+}  // namespace velanor::store::sqlite

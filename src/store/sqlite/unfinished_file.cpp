@@ -1,4 +1,4 @@
-#include "store/unfinished_file.h"
+#include "store/sqlite/unfinished_file.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -13,7 +13,7 @@
 
 #include "velanor/database.h"
 
-namespace velanor::store {
+namespace velanor::store::sqlite {
 namespace {
 
 namespace fs = std::filesystem;
@@ -42,37 +42,9 @@ std::string random_name() {
   return name;
 }
 
-// Whether it is such a name as this gives to files that become `name`.
-bool is_unfinished_name(std::string_view candidate, const std::string& name) {
-  const std::string begin = name + ".";
-  if (candidate.size() != begin.size() + kRandomLength + kEnding.size()) return false;
-  if (!candidate.starts_with(begin) || !candidate.ends_with(kEnding)) return false;
-  candidate.remove_prefix(begin.size());
-  return candidate.substr(0, kRandomLength).find_first_not_of(kDigits) == candidate.npos;
-}
-
 void remove_with_companions(const std::string& path) {
   std::error_code ignored;
   for (const char* companion : {"", "-journal", "-wal", "-shm"}) fs::remove(path + companion, ignored);
-}
-
-// A file of this user's that nobody is making any more; a link is followed nowhere.
-void remove_if_left_behind(const std::string& path) {
-  const int file = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-  if (file < 0) return;
-  struct stat status {};
-  const bool ours = ::fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == ::geteuid();
-  if (ours && ::flock(file, LOCK_EX | LOCK_NB) == 0) remove_with_companions(path);
-  ::close(file);
-}
-
-void remove_left_behind(const std::string& path) {
-  const std::string name = fs::path(path).filename().string();
-  std::error_code ignored;
-  for (const auto& entry : fs::directory_iterator(folder_of(path), ignored)) {
-    if (is_unfinished_name(entry.path().filename().string(), name))
-      remove_if_left_behind(entry.path().string());
-  }
 }
 
 void sync(const std::string& path, int flags) {
@@ -92,8 +64,36 @@ void sync_to_disk(const std::string& path) { sync(path, O_NOFOLLOW); }
 
 void sync_folder_of(const std::string& path) { sync(folder_of(path), O_DIRECTORY); }
 
+std::optional<std::string> UnfinishedFile::path_meant_by(std::string_view path) {
+  const std::size_t added = 1 + kRandomLength + kEnding.size();
+  if (path.size() <= added || !path.ends_with(kEnding)) return std::nullopt;
+  const std::size_t end = path.size() - added;
+  const std::string_view random = path.substr(end + 1, kRandomLength);
+  if (path[end] != '.' || random.find_first_not_of(kDigits) != random.npos) return std::nullopt;
+  return std::string(path.substr(0, end));
+}
+
+// A link is followed nowhere.
+void UnfinishedFile::remove_if_left_behind(const std::string& path) {
+  const int file = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+  if (file < 0) return;
+  struct stat status {};
+  const bool ours = ::fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == ::geteuid();
+  if (ours && ::flock(file, LOCK_EX | LOCK_NB) == 0) remove_with_companions(path);
+  ::close(file);
+}
+
+void UnfinishedFile::remove_left_behind() const {
+  std::error_code ignored;
+  for (const auto& entry : fs::directory_iterator(folder_of(path_), ignored)) {
+    const std::string path = (fs::path(folder_of(path_)) / entry.path().filename()).string();
+    const auto meant = path_meant_by(path);
+    if (meant && fs::path(*meant).filename() == fs::path(path_).filename()) remove_if_left_behind(path);
+  }
+}
+
 UnfinishedFile::UnfinishedFile(std::string path) : path_(std::move(path)) {
-  remove_left_behind(path_);
+  remove_left_behind();
   unfinished_ = path_ + "." + random_name() + std::string(kEnding);
   held_ = ::open(unfinished_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR);
   if (held_ < 0) fail(path_);
@@ -126,4 +126,4 @@ bool UnfinishedFile::complete_if_free() {
 
 void UnfinishedFile::remove() const { remove_with_companions(unfinished_); }
 
-}  // namespace velanor::store
+}  // namespace velanor::store::sqlite
