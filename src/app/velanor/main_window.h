@@ -53,8 +53,10 @@ class MainWindow : public QMainWindow, private control::UserRights {
   void leave();
 
  signals:
-  void open_asked(const QString& file);
   void backups_asked();
+  // A file, or a server by its URL.
+  void open_asked(const QString& source);
+  void server_asked();
   void quit_asked();
   void closed();
 

@@ -14,6 +14,7 @@
 #include "app/velanor/daily_backup.h"
 #include "app/velanor/main_window.h"
 #include "app/velanor/place.h"
+#include "app/velanor/server_dialog.h"
 #include "demo/demo.h"
 #include "screen/scope.h"
 #include "text/failure.h"
@@ -72,6 +73,8 @@ Program::~Program() = default;
 // ---- Opening.
 
 bool Program::start(const StoreOptions& options) try {
+  const QString named = QString::fromStdString(options.url);
+  if (!options.demo && is_server(named)) return start_on_server(ServerAddress::of(named));
   if (options.demo || !options.url.empty()) {
     const QString path = options.demo ? QString() : QString::fromStdString(path_of(options.url));
     return show(open_desk(options, path, IfMissing::kFail)), true;
@@ -92,18 +95,64 @@ bool Program::open_own() {
 
 // One that is away for the moment, on another machine or a key, stays the last for the next start.
 bool Program::open_last(const QString& path) try {
+  if (is_server(path)) return start_on_server(ServerAddress::of(path)) || open_own_instead();
   StoreOptions options;
   options.url = path.toStdString();
   return show(open_desk(options, path, IfMissing::kFail)), true;
 } catch (const std::exception& error) {
-  const QString question = QStringLiteral(
-                               "%1\n\nC'est la base ouverte en dernier. Voulez-vous ouvrir à sa place votre "
-                               "propre base ?")
-                               .arg(QString::fromStdString(text::failure_sentence(error)));
+  return open_own_instead(QString::fromStdString(text::failure_sentence(error)) + "\n\n");
+}
+
+bool Program::open_own_instead(const QString& why) {
+  const QString question =
+      why + "C'est la base ouverte en dernier. Voulez-vous ouvrir à sa place votre propre base ?";
   return QMessageBox::question(nullptr, kTitle, question) == QMessageBox::Yes && open_own();
 }
 
+// ---- Servers.
+
+QString Program::open_server(const ServerAddress& address) try {
+  if (const Desk* desk = desk_on(address.url())) return desk->window->bring_forward(), QString();
+  StoreOptions options;
+  options.url = address.url_with_password().toStdString();
+  show(open_desk(options, address.url(), IfMissing::kFail));
+  settings_.set_server(address.url());
+  return {};
+} catch (const std::exception& error) {
+  return QString::fromStdString(text::failure_sentence(error));
+}
+
+bool Program::start_on_server(const ServerAddress& address) {
+  const QString failure = open_server(address);
+  if (failure.isEmpty()) return true;
+  ServerDialog dialog(address, [this](const ServerAddress& asked) { return open_server(asked); });
+  dialog.show_failure(failure);
+  return dialog.exec() == QDialog::Accepted;
+}
+
+ServerAddress Program::proposed_server() const {
+  const QString last = settings_.server();
+  return last.isEmpty() ? ServerAddress() : ServerAddress::of(last);
+}
+
+void Program::ask_server(const ServerAddress& proposed, MainWindow& asker, const QString& failure) {
+  settings_.set_place(asker.saveGeometry());
+  auto* dialog = new ServerDialog(
+      proposed, [this](const ServerAddress& asked) { return open_server(asked); }, &asker);
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  if (!failure.isEmpty()) dialog->show_failure(failure);
+  dialog->open();
+}
+
+// ---- Opening beside others.
+
 void Program::open(const QString& path, MainWindow& asker) try {
+  if (is_server(path)) {
+    const ServerAddress address = ServerAddress::of(path);
+    settings_.set_place(asker.saveGeometry());
+    if (const QString failure = open_server(address); !failure.isEmpty()) ask_server(address, asker, failure);
+    return;
+  }
   if (const Desk* desk = desk_on(path)) return desk->window->bring_forward();
   StoreOptions options;
   options.url = path.toStdString();
@@ -116,7 +165,7 @@ void Program::open(const QString& path, MainWindow& asker) try {
 Program::Desk& Program::open_desk(const StoreOptions& options, const QString& path, IfMissing if_missing) {
   auto desk = std::make_unique<Desk>();
   desk->store = open_store(options, if_missing);
-  desk->path = path.isEmpty() ? path : QFileInfo(path).absoluteFilePath();
+  desk->path = path.isEmpty() || is_server(path) ? path : QFileInfo(path).absoluteFilePath();
   desk->window = std::make_unique<MainWindow>(*desk->store);
   return *desks_.emplace_back(std::move(desk));
 }
@@ -135,6 +184,12 @@ void Program::show(Desk& desk) {
       },
       Qt::QueuedConnection);
   connect(&window, &MainWindow::backups_asked, this, [this, asker] { show_backups(*asker); });
+  connect(
+      &window, &MainWindow::server_asked, this,
+      [this, asker] {
+        if (asker) ask_server(proposed_server(), *asker);
+      },
+      Qt::QueuedConnection);
   connect(&window, &MainWindow::quit_asked, this, &Program::quit, Qt::QueuedConnection);
   connect(&window, &MainWindow::closed, this, [this, asker] { closed(*asker); });
   desk.seat.emplace(turns_, window);
@@ -287,6 +342,11 @@ Program::Desk* Program::desk_of(const MainWindow& window) const {
 }
 
 Program::Desk* Program::desk_on(const QString& path) const {
+  if (is_server(path)) {
+    const auto same =
+        std::find_if(desks_.begin(), desks_.end(), [&](const auto& desk) { return desk->path == path; });
+    return same == desks_.end() ? nullptr : same->get();
+  }
   const QString file = QFileInfo(path).canonicalFilePath();
   const auto at = std::find_if(desks_.begin(), desks_.end(), [&](const auto& desk) {
     return !file.isEmpty() && QFileInfo(desk->path).canonicalFilePath() == file;
