@@ -37,7 +37,7 @@ class PostgresDatabase : public StoreDatabase {
   // libpq finds it: the environment, ~/.pgpass, a service. No message shows a password. A server that was not
   // set up, or was set up by a later version, is refused.
   explicit PostgresDatabase(const std::string& url) : PostgresDatabase(url, Options()) {}
-  PostgresDatabase(const std::string& url, Options options);
+  PostgresDatabase(const std::string& url, const Options& options);
   ~PostgresDatabase() override;
 
   // A replica, or a user who may only read. Such a one hears no news.

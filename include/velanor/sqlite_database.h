@@ -42,7 +42,7 @@ class SqliteDatabase : public StoreDatabase {
   // one is brought up to date. A file that may not be written, or stands in a folder that may not, is
   // opened for reading; every write then fails.
   explicit SqliteDatabase(const std::string& path) : SqliteDatabase(path, Options()) {}
-  SqliteDatabase(const std::string& path, Options options);
+  SqliteDatabase(const std::string& path, const Options& options);
   ~SqliteDatabase() override;
 
   // Whether it is open for reading alone.

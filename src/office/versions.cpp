@@ -46,8 +46,9 @@ DbRecord with_results_of(const DbRecord* now, DbRecord card) {
 
 store::History& history_of(store::Database& database) {
   if (store::History* history = database.history()) return *history;
-  throw DbError(store::kStoreFailure,
-                "Cette base ne garde pas d'historique. Donnez une base qui soit un fichier.");
+  throw DbError(
+      store::kStoreFailure,
+      "Cette base ne garde pas d'historique : elle n'est qu'en mémoire. Ouvrez une base enregistrée.");
 }
 
 std::vector<Version> versions_of(store::Database& database, std::string_view file, std::string_view id) {

@@ -8,7 +8,7 @@ namespace velanor::store {
 
 using postgres::PostgresBackend;
 
-PostgresDatabase::PostgresDatabase(const std::string& url, Options options)
+PostgresDatabase::PostgresDatabase(const std::string& url, const Options& options)
     : PostgresDatabase(std::make_unique<PostgresBackend>(url, options)) {}
 
 PostgresDatabase::PostgresDatabase(std::unique_ptr<PostgresBackend> backend)
