@@ -1,5 +1,5 @@
 # What an embedding program finds: libraries, the public headers under velanor/, and find_package(Velanor) with
-# the targets Velanor::core, Velanor::sqlite and, where it was built, Velanor::qt.
+# the targets Velanor::core, Velanor::sqlite, Velanor::postgres and, where it was built, Velanor::qt.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -8,8 +8,9 @@ set(package ${CMAKE_INSTALL_LIBDIR}/cmake/Velanor)
 set_target_properties(velanor_store PROPERTIES EXPORT_NAME store)
 set_target_properties(velanor_core PROPERTIES EXPORT_NAME core)
 set_target_properties(velanor_sqlite PROPERTIES EXPORT_NAME sqlite)
+set_target_properties(velanor_postgres PROPERTIES EXPORT_NAME postgres)
 target_include_directories(velanor_store INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
-set(exported velanor_store velanor_core velanor_sqlite)
+set(exported velanor_store velanor_core velanor_sqlite velanor_postgres)
 if(TARGET velanor_qt)
   set_target_properties(velanor_qt PROPERTIES EXPORT_NAME qt)
   list(APPEND exported velanor_qt)

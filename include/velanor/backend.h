@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "velanor/database.h"
 #include "velanor/record.h"
@@ -53,12 +54,18 @@ class Backend {
                    const Expected& expected) = 0;
   // The same for removing a record; one that is not there is not an error.
   virtual bool erase(std::string_view file, std::string_view id, const Expected& expected) = 0;
+  // Removes what there is of these, within a change. Where every call is a journey, all are to be one.
+  virtual void erase_each(std::string_view file, const std::vector<std::string>& ids);
   // Visits every record that the narrowing admits, once each, in any order; ascending ids make the sorting
   // cheapest. It may visit others: a narrowing only saves work. A row lives until its visit returns; its
   // record may be left empty when only ids are asked for. The visit does not call the backend; what it
   // throws ends the scan and goes on to the caller.
   virtual void scan(std::string_view file, const Narrowing& narrowing, Content content,
                     const Visit& visit) = 0;
+  // A scan, unless the file still stands at the revision `seen`. Returns the revision of what was visited,
+  // or an earlier one. Where every call is a journey, both are to be one.
+  virtual std::uint64_t scan_if_changed(std::string_view file, std::optional<std::uint64_t> seen,
+                                        const Narrowing& narrowing, Content content, const Visit& visit);
   // Differs from every earlier answer for the file if the file has changed since, by whichever process: by
   // it a selection that was run before is known to be good still. Undoing a change is a change: what was
   // told inside it is never told again.

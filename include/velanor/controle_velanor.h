@@ -75,6 +75,16 @@ class ControleVelanor {
   // the store: it then stays on the screen.
   control::Opening reload();
 
+  // ---- What others write meanwhile, where the database hears of it (see store::Database::news).
+
+  // Becomes readable when there is something to hear; -1 where nothing ever comes.
+  int news_descriptor() const;
+  // To be called then, by a host that is not a widget. Renews the list of the employees where it has changed,
+  // and tells the listeners of an open card that somebody else has saved or deleted. Asks nothing of the user
+  // and leaves what he is typing; fails of nothing, for what cannot be read now is read at the next time.
+  // False, and nothing heard yet, while a message waits or an act is under way.
+  bool hear_news();
+
   // Listeners hear in the order in which they came; each must stop before it is destroyed, or outlive this.
   // One that never came is passed over.
   void listen(control::CardListener& listener);

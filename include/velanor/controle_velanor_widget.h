@@ -84,6 +84,9 @@ class ControleVelanorWidget : public QWidget {
   void card_deleted(const QString& id, const QString& title);
   void card_copied(const QString& id, const QString& title, const QString& copy_id);
   void card_closed(const QString& id, const QString& title);
+  // Somebody else has saved or deleted the card that is open; told between two acts.
+  void card_saved_elsewhere(const QString& id, const QString& title, const QString& author);
+  void card_deleted_elsewhere(const QString& id, const QString& title, const QString& author);
   // The properties, each where it is otherwise than it was told last.
   void state_changed(velanor::control::State state);
   void card_id_changed(const QString& id);

@@ -12,8 +12,10 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "velanor/history.h"
+#include "velanor/news.h"
 #include "velanor/query.h"
 #include "velanor/record.h"
 
@@ -65,6 +67,8 @@ class Expected {
 
   bool wants_anything() const { return kind_ == Kind::kAnything; }
   bool wants_absence() const { return kind_ == Kind::kAbsent; }
+  // What the expected record holds, for a store that compares elsewhere; "" for the other kinds.
+  const std::string& content() const { return content_; }
   // Whether what is stored (nothing: no record) is as expected.
   bool holds_for(const std::optional<DbRecord>& stored) const;
 
@@ -105,6 +109,8 @@ class DbFile {
   virtual void remove(std::string_view id, const Expected& expected) = 0;
   // Removing a record that does not exist is not an error.
   void DeleteRecord(std::string_view id) { remove(id, Expected::anything()); }
+  // The same for each of these; where one fails the others are tried, and its failure is thrown then.
+  virtual void remove_each(const std::vector<std::string>& ids);
 
   // Throws DbError kMissingRecord when there is no such record.
   DbRecord Read(std::string_view id);
@@ -141,8 +147,12 @@ class Database {
   // started.
   virtual bool read_only() const { return false; }
 
+  // The files that hold records, by name; none where a database does not know them.
+  virtual std::vector<std::string> files() { return {}; }
   // The versions of its records; null where none are kept.
   virtual History* history() { return nullptr; }
+  // A new reader of what others write; null where the database does not hear of it.
+  virtual std::unique_ptr<News> news() { return nullptr; }
   // From now on statements may call a part of the ids of a file by this name. The component names those
   // that it uses when it is started.
   virtual void name_id_part(std::string_view file, std::string_view name, const IdPart& part) = 0;

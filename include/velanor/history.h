@@ -30,11 +30,16 @@ class History {
   virtual void set_author(std::string_view name) = 0;
   // The oldest first, the last one as it is stored now; empty for a record that never was.
   virtual std::vector<Version> versions(std::string_view file, std::string_view id) = 0;
+  // The files that hold a record or have a version of one, by name.
+  virtual std::vector<std::string> files() { return {}; }
   // Ids that end so whose record was deleted and is not there; the latest deletion first.
   virtual std::vector<std::string> deleted(std::string_view file, std::string_view id_suffix) = 0;
   // Forgets the versions that were replaced before that time; what is stored now stays, and so does that
   // something is deleted. How many went.
   virtual std::size_t purge(std::int64_t before) = 0;
+  // Lays down the versions of a record that never was, as another store kept them, the last one as what is
+  // stored now. False, and nothing done, where a store cannot.
+  virtual bool restore(std::string_view file, std::string_view id, const std::vector<Version>& versions);
 };
 
 }  // namespace velanor::store

@@ -83,6 +83,10 @@ class CardListener {
   // It is on the screen no more: saved, deleted, given up, or left for another. Follows each `card_opened`
   // exactly once, but where the component ends first.
   virtual void card_closed(const Card&) {}
+  // Somebody else has saved the card that is open, or deleted it: it does not stand any more as it was
+  // opened. What is on the screen stays; saving it puts the two together. `author`: see store::Change.
+  virtual void card_saved_elsewhere(const Card&, const std::string& author) { (void)author; }
+  virtual void card_deleted_elsewhere(const Card&, const std::string& author) { (void)author; }
   // The component's state, the id or title of the card, or whether it is modified is otherwise than at the
   // last time. Once an act, after all that it did.
   virtual void state_changed() {}

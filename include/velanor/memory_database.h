@@ -25,7 +25,7 @@ class MemoryDatabase : public StoreDatabase {
   void remove(std::string_view file, std::string_view id);
   std::optional<DbRecord> find(std::string_view file, std::string_view id);
   // The files that hold records, by name.
-  std::vector<std::string> files();
+  std::vector<std::string> files() override;
   // Every record of a file, in ascending order of ids. `fn` does not call the database.
   void for_each(std::string_view file, const std::function<void(std::string_view id, const DbRecord&)>& fn);
 

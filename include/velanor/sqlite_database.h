@@ -42,7 +42,7 @@ class SqliteDatabase : public StoreDatabase {
   // one is brought up to date. A file that may not be written, or stands in a folder that may not, is
   // opened for reading; every write then fails.
   explicit SqliteDatabase(const std::string& path) : SqliteDatabase(path, Options()) {}
-  SqliteDatabase(const std::string& path, Options options);
+  SqliteDatabase(const std::string& path, const Options& options);
   ~SqliteDatabase() override;
 
   // Whether it is open for reading alone.
@@ -58,7 +58,7 @@ class SqliteDatabase : public StoreDatabase {
   // Writes a record without opening its file.
   void put(std::string_view file, std::string_view id, const DbRecord& record);
   // The files that hold records, by name.
-  std::vector<std::string> files();
+  std::vector<std::string> files() override;
   // Makes a new database file (mode 0600) that appears, complete and on the disk, when `fill` has returned
   // true, and else not at all. A file that exists is a NameTaken.
   static void build(const std::string& path, const std::function<bool(SqliteDatabase&)>& fill);

@@ -32,7 +32,9 @@ class WrappedDatabase : public Database {
   void in_one_change(const std::function<void()>& writes) override { inner_.in_one_change(writes); }
   void in_one_view(const std::function<void()>& reads) override { inner_.in_one_view(reads); }
   bool read_only() const override { return inner_.read_only(); }
+  std::vector<std::string> files() override { return inner_.files(); }
   History* history() override { return inner_.history(); }
+  std::unique_ptr<News> news() override { return inner_.news(); }
   void name_id_part(std::string_view file, std::string_view name, const IdPart& part) override {
     inner_.name_id_part(file, name, part);
   }

@@ -49,6 +49,10 @@ void Announcer::tell_next() {
         return listener.card_copied(card, event.copy);
       case Kind::kClosed:
         return listener.card_closed(card);
+      case Kind::kSavedElsewhere:
+        return listener.card_saved_elsewhere(card, event.author);
+      case Kind::kDeletedElsewhere:
+        return listener.card_deleted_elsewhere(card, event.author);
     }
   });
 }

@@ -73,6 +73,23 @@ control::Opening ControleVelanor::reload() {
   return parts_->rules->guide.reload();
 }
 
+int ControleVelanor::news_descriptor() const {
+  return parts_->closed ? -1 : parts_->rules->others.descriptor();
+}
+
+bool ControleVelanor::hear_news() {
+  if (parts_->closed) return true;
+  if (parts_->screen.acting()) return false;
+  parts_->screen.act([this] {
+    try {
+      parts_->rules->others.follow();
+    } catch (const store::DbError&) {
+      // What it could not read is left for the next time.
+    }
+  });
+  return true;
+}
+
 screen::Screen& ControleVelanor::screen() { return parts_->screen; }
 const store::DbRecord& ControleVelanor::card_in_hand() const {
   static const store::DbRecord kNone;
@@ -106,7 +123,10 @@ void ControleVelanor::Parts::make_rules() {
 
 void ControleVelanor::abandon() {
   parts_->announcer->stop();
-  if (parts_->rules) parts_->rules->procedure.FermerFichiers();
+  if (parts_->rules) {
+    parts_->rules->others.stop();
+    parts_->rules->procedure.FermerFichiers();
+  }
   parts_->closed = true;
   parts_->screen.finish();
 }
@@ -125,6 +145,7 @@ void ControleVelanor::Parts::start() {
   rules->states.start();
   rules->lists.RequeteAssoc();
   rules->lists.RemplirAssoc();
+  rules->others.start();
   ui.Ong_FichPers.show(card::kIdentityPage);
   rules->lists.fill_diplomas();
 }

@@ -27,10 +27,15 @@ Rules::Rules(card::CardScreen& card_ui, screen::Screen& forms, entry::UtilSaisie
       validation(ui, card, record, procedure, screen),
       commands(
           {ui, card, states, years, procedure, lists, record, validation, screen},
-          [this] { return default_agreement; }, std::move(tell)),
+          [this] { return default_agreement; },
+          [this, tell](const commands::CardEvent& event) {
+            others.begin_card();
+            tell(event);
+          }),
       card_fields({ui, card, states, procedure, lists, grids, screen}),
       guide({ui, card, procedure, years, screen, [this] { return !modified() || commands.may_give_up(); },
-             [this] { leave_card(); }}) {}
+             [this] { leave_card(); }}),
+      others({ui, card, procedure, lists, [this] { return commands.title(); }, tell}) {}
 
 void Rules::bind() {
   card_fields.bind_pairs(pairs, commands);

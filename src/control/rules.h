@@ -16,6 +16,7 @@
 #include "card/screen/states.h"
 #include "control/announcer.h"
 #include "control/card_guide.h"
+#include "control/other_clerks.h"
 #include "control/session/procedure.h"
 #include "control/session/years.h"
 #include "entry/fields/fields.h"
@@ -60,6 +61,7 @@ struct Rules {
   commands::CardCommands commands;
   commands::CardFields card_fields;
   control::CardGuide guide;
+  control::OtherClerks others;
 };
 
 }  // namespace velanor

@@ -98,12 +98,14 @@ void ControleVelanorWidget::Stage::start() {
   const std::exception_ptr failure = run([this] { screen().act([this] { component_.init(); }); });
   if (!widget_) return;
   show_start(component_.closed() ? failure : nullptr);
+  listen_to_others();
   if (failure) std::rethrow_exception(failure);
 }
 
 // Taken off the widget, the boards stay for as long as there are frames that stand on them.
 void ControleVelanorWidget::Stage::widget_goes() {
   widget_ = nullptr;
+  stop_listening();
   if (frames_ == 0) return;
   for (QWidget* child : boards_->findChildren<QWidget*>()) {
     if (child->isWindow()) child->hide();

@@ -1,6 +1,7 @@
 // What stands behind the widget: the component, its open forms on the window, and the acts of the user.
 #pragma once
 
+#include <QSocketNotifier>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -79,6 +80,8 @@ class ControleVelanorWidget::Stage : public QObject,
   void card_deleted(const control::Card& card) override;
   void card_copied(const control::Card& card, const std::string& copy) override;
   void card_closed(const control::Card& card) override;
+  void card_saved_elsewhere(const control::Card& card, const std::string& author) override;
+  void card_deleted_elsewhere(const control::Card& card, const std::string& author) override;
   void state_changed() override;
 
   control::HelpViewer* help = nullptr;
@@ -116,6 +119,9 @@ class ControleVelanorWidget::Stage : public QObject,
   void answer_messages();
   void report(const std::exception_ptr& failure);
   void show_start(const std::exception_ptr& failure);
+  void listen_to_others();
+  void hear_others();
+  void stop_listening();
 
   ControleVelanorWidget* widget_;  // null when it has gone
   Boards* boards_;
@@ -125,6 +131,7 @@ class ControleVelanorWidget::Stage : public QObject,
   std::vector<MessageSheet*> messages_;  // that wait, the topmost last
   InputGate gate_;
   LateKeys late_keys_;
+  std::unique_ptr<QSocketNotifier> others_;   // what they write; null where nobody hears of it
   const screen::Control* placed_ = nullptr;   // had the focus last
   const screen::Control* stepped_ = nullptr;  // where the user's step goes to
   int frames_ = 0;

@@ -13,7 +13,8 @@ class ControleVelanorWidget::Stage::KeepAlive {
   // What called ours, down to the toolkit's own frames, stands on the boards as well.
   ~KeepAlive() {
     if (--stage_->frames_ > 0 || stage_->widget_) return;
-    auto* remains = new QObject;
+    // Without memory for this much the program may as well end here.
+    auto* remains = new QObject;  // NOLINT(bugprone-unhandled-exception-at-new)
     QObject::connect(remains, &QObject::destroyed, [stage = std::move(stage_)] {});
     remains->deleteLater();
   }

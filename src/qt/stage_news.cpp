@@ -1,6 +1,8 @@
 // What the component tells of itself, handed on to the host.
+#include <QApplication>
 #include <QLabel>
 #include <QLayout>
+#include <QTimer>
 #include <utility>
 
 #include "qt/stage_life.h"
@@ -68,6 +70,15 @@ void ControleVelanorWidget::Stage::card_closed(const control::Card& card) {
   tell(&ControleVelanorWidget::card_closed, to_qt(card.id), to_qt(card.title));
 }
 
+void ControleVelanorWidget::Stage::card_saved_elsewhere(const control::Card& card,
+                                                        const std::string& author) {
+  tell(&ControleVelanorWidget::card_saved_elsewhere, to_qt(card.id), to_qt(card.title), to_qt(author));
+}
+void ControleVelanorWidget::Stage::card_deleted_elsewhere(const control::Card& card,
+                                                          const std::string& author) {
+  tell(&ControleVelanorWidget::card_deleted_elsewhere, to_qt(card.id), to_qt(card.title), to_qt(author));
+}
+
 // Each property as it is when its turn comes: a slot of the one before may have changed it.
 void ControleVelanorWidget::Stage::state_changed() {
   using Widget = ControleVelanorWidget;
@@ -79,6 +90,37 @@ void ControleVelanorWidget::Stage::state_changed() {
   tell_if_new(told_id_, to_qt(component_.card_id()), &Widget::card_id_changed);
   tell_if_new(told_title_, to_qt(component_.card_title()), &Widget::card_title_changed);
   tell_if_new(told_modified_, component_.modified(), &Widget::modified_changed);
+}
+
+// ---- What others write.
+
+void ControleVelanorWidget::Stage::listen_to_others() {
+  const int descriptor = component_.news_descriptor();
+  if (descriptor < 0) return;
+  others_ = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read);
+  connect(others_.get(), &QSocketNotifier::activated, this, [this] { hear_others(); });
+}
+
+// The descriptor stays readable until it is heard, so nobody listens meanwhile. A list that hangs over the
+// window is not changed under the hand of whoever is choosing.
+void ControleVelanorWidget::Stage::hear_others() {
+  const KeepAlive alive(*this);
+  if (!others_) return;
+  others_->setEnabled(false);
+  const bool busy = !idle() || QApplication::activePopupWidget();
+  if (!busy) run([this] { component_.hear_news(); });
+  if (!widget_ || component_.closed()) return stop_listening();
+  constexpr int kLater = 200;
+  QTimer::singleShot(busy ? kLater : 0, this, [this] {
+    if (others_) others_->setEnabled(true);
+  });
+}
+
+// Perhaps within what it called.
+void ControleVelanorWidget::Stage::stop_listening() {
+  if (!others_) return;
+  others_->setEnabled(false);
+  others_.release()->deleteLater();
 }
 
 }  // namespace velanor::qt

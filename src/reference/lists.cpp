@@ -72,11 +72,27 @@ void ReferenceLists::RemplirAssoc() {
   }
 }
 
+store::DbResult ReferenceLists::employees_now() const {
+  const std::string suffix = ui_.Txt_Asso.text() + std::string(text::trim(ui_.Cbo_Periode.text()));
+  return procedure_.select("SSELECT VELANORO AVEC 0 = " + store::quoted_end(suffix) + " PAR 1", "VELANORO",
+                           "0 1");
+}
+
 void ReferenceLists::RequeteAidant() {
   kept_.employees = {};  // codes of another entity or year must not be chosen
-  const std::string suffix = ui_.Txt_Asso.text() + std::string(text::trim(ui_.Cbo_Periode.text()));
-  kept_.employees = procedure_.select("SSELECT VELANORO AVEC 0 = " + store::quoted_end(suffix) + " PAR 1",
-                                      "VELANORO", "0 1");
+  kept_.employees = employees_now();
+}
+
+void ReferenceLists::renew_employees() {
+  const int line = ui_.Cbo_Aidant.index();
+  const std::string chosen(line < 0 ? std::string_view() : kept_.employees(line + 1, kId));
+  const store::DbResult now = employees_now();
+  if (kept_.employees.same_rows(now)) return;
+  kept_.employees = now;
+  const bool any = !now(1, kId).empty();
+  ui_.Cbo_Aidant.refill(any ? labels_of(now) : std::vector<std::string>(),
+                        chosen.empty() ? -1 : find_entry(now, kId, chosen) - 1);
+  if (any) ui_.Cbo_Aidant.annotate(employee_codes(now));
 }
 
 void ReferenceLists::RemplirAidant() {

@@ -37,6 +37,8 @@ class ReferenceLists {
   void RemplirAssoc();
   void RequeteAidant();
   void RemplirAidant();
+  // Takes over what others have made of the list meanwhile; the text of its box stays.
+  void renew_employees();
   void RemplirConvCol();
   void RemplirSecteur();
   void RemplirCommune();
@@ -63,6 +65,7 @@ class ReferenceLists {
   void fill_or_take(screen::ComboBox& box, screen::TextBox* code, store::DbResult& kept,
                     const store::DbResult& fresh, int code_from = 1);
 
+  store::DbResult employees_now() const;
   // Those of a field that not every code of its list fits.
   store::DbResult fit_codes(const card::Field& field) const;
 

@@ -1,5 +1,7 @@
 #include "velanor/database.h"
 
+#include <exception>
+
 namespace velanor::store {
 
 bool Expected::holds_for(const std::optional<DbRecord>& stored) const {
@@ -17,6 +19,20 @@ void Database::in_one_change(const std::function<void()>&) {
 
 void Database::in_one_view(const std::function<void()>&) {
   throw DbError(kNotOffered, "Cette base ne sait pas être lue à un instant donné : rien n'a été lu.");
+}
+
+bool History::restore(std::string_view, std::string_view, const std::vector<Version>&) { return false; }
+
+void DbFile::remove_each(const std::vector<std::string>& ids) {
+  std::exception_ptr failure;
+  for (const std::string& id : ids) {
+    try {
+      DeleteRecord(id);
+    } catch (const DbError&) {
+      if (!failure) failure = std::current_exception();
+    }
+  }
+  if (failure) std::rethrow_exception(failure);
 }
 
 DbRecord DbFile::Read(std::string_view id) {

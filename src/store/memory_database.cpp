@@ -55,14 +55,14 @@ void MemoryBackend::in_one_change(const std::function<void()>& writes) {
 
 void MemoryBackend::undo() {
   in_change_ = false;
-  for (auto before = journal_.rbegin(); before != journal_.rend(); ++before) {
-    if (before->record) {
-      put(before->file, before->id, *before->record, Expected::anything());
+  for (; !journal_.empty(); journal_.pop_back()) {
+    const auto& before = journal_.back();
+    if (before.record) {
+      put(before.file, before.id, *before.record, Expected::anything());
     } else {
-      erase(before->file, before->id, Expected::anything());
+      erase(before.file, before.id, Expected::anything());
     }
   }
-  journal_.clear();
 }
 
 void MemoryBackend::scan(std::string_view name, const Narrowing& narrowing, Content content,

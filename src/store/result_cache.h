@@ -15,7 +15,6 @@ class ResultCache {
  public:
   struct Entry {
     std::string request;
-    std::string file;
     std::uint64_t revision = 0;
     DbResult result;
   };

@@ -34,6 +34,9 @@ class StoreFile : public DbFile {
   void remove(std::string_view id, const Expected& expected) override {
     in_memory_that_suffices([&] { erase_checked(*backend_, name_, id, expected); });
   }
+  void remove_each(const std::vector<std::string>& ids) override {
+    in_memory_that_suffices([&] { backend_->in_one_change([&] { backend_->erase_each(name_, ids); }); });
+  }
 
  private:
   Backend* backend_;
@@ -65,24 +68,42 @@ void erase_checked(Backend& backend, std::string_view file, std::string_view id,
     throw conflict(file, id, "n'a pas été supprimé", "modifier ou supprimer");
 }
 
+void Backend::erase_each(std::string_view file, const std::vector<std::string>& ids) {
+  for (const std::string& id : ids) erase(file, id, Expected::anything());
+}
+
+// Asked before the scan: what changes meanwhile makes what was visited old, not wrong.
+std::uint64_t Backend::scan_if_changed(std::string_view file, std::optional<std::uint64_t> seen,
+                                       const Narrowing& narrowing, Content content, const Visit& visit) {
+  const std::uint64_t now = revision(file);
+  if (now != seen) scan(file, narrowing, content, visit);
+  return now;
+}
+
 struct StoreDatabase::Engine {
-  DbResult answer(std::string_view request);
-  DbResult run(const DbRecord& query);
+  DbResult run(std::string_view request);
 
   std::unique_ptr<Backend> backend;
   select::Dictionary dictionary;
   ResultCache cache;
 };
 
-DbResult StoreDatabase::Engine::run(const DbRecord& query) {
+DbResult StoreDatabase::Engine::run(std::string_view request) {
+  const DbRecord query = DbRecord::from_encoded(request);
   const select::Statement statement = select::parse_statement(query(1), query(2), dictionary);
   const std::vector<int> attributes = select::parse_attribute_list(query(3));
+  const auto* kept = cache.find(request);
+  const auto seen = kept == nullptr ? std::nullopt : std::optional(kept->revision);
   select::FoundRows found(statement.sort_keys, attributes);
-  backend->scan(statement.file, narrowing_of(statement), content_needed(statement, attributes),
-                [&](const Row& row) {
-                  if (select::matches(statement, row)) found.add(row);
-                });
-  return found.result();
+  const std::uint64_t revision =
+      backend->scan_if_changed(statement.file, seen, narrowing_of(statement),
+                               content_needed(statement, attributes), [&](const Row& row) {
+                                 if (select::matches(statement, row)) found.add(row);
+                               });
+  if (revision == seen) return kept->result;
+  DbResult result = found.result();
+  cache.keep({std::string(request), revision, result});
+  return result;
 }
 
 StoreDatabase::StoreDatabase(std::unique_ptr<Backend> backend)
@@ -99,20 +120,7 @@ std::unique_ptr<DbFile> StoreDatabase::OpenFile(std::string_view name) {
 }
 
 DbResult StoreDatabase::Select(std::string_view request, std::string_view) {
-  return in_memory_that_suffices([&] { return engine_->answer(request); });
-}
-
-DbResult StoreDatabase::Engine::answer(std::string_view request) {
-  if (const auto* kept = cache.find(request)) {
-    if (kept->revision == backend->revision(kept->file)) return kept->result;
-  }
-  const DbRecord query = DbRecord::from_encoded(request);
-  // Asked before the scan: what changes meanwhile makes the kept result old, not wrong.
-  const std::string file(query(2));
-  const std::uint64_t revision = backend->revision(file);
-  DbResult result = run(query);
-  cache.keep({std::string(request), file, revision, result});
-  return result;
+  return in_memory_that_suffices([&] { return engine_->run(request); });
 }
 
 void StoreDatabase::in_one_change(const std::function<void()>& writes) { backend().in_one_change(writes); }

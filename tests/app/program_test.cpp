@@ -4,11 +4,13 @@
 #include <QApplication>
 #include <QFile>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <filesystem>
 
 #include "app/clerk.h"
+#include "app/velanor/backups_dialog.h"
 #include "store/sqlite/backups.h"
 #include "support/as_nobody.h"
 #include "velanor/sqlite_database.h"
@@ -252,6 +254,61 @@ TEST_F(ProgramTest, ClosingTheLastWindowEndsTheProgramAndOnlyThat) {
 }
 
 // ---- A base that may not be written.
+
+TEST_F(ProgramTest, ABackupTakesThePlaceOfTheBaseWhenThatIsConfirmed) {
+  const QString file = base("fiches.db");
+  const auto backups = store::sqlite::Backups::beside(file.toStdString());
+  Program program;
+  MainWindow& first = start(program, "fiches.db");
+  ASSERT_TRUE(until([&] { return backups.newest_first().size() == 1; })) << "the day's";
+  Clerk(first).open_card("00001");
+  Clerk(first).put("Txt_HorMensEtab", "99");
+  Clerk(first).click("Cmd_OK");
+  const auto take = [&](MainWindow& window, QMessageBox::StandardButton answer) {
+    for (QAction* action : window.findChildren<QAction*>()) {
+      if (action->text().startsWith("Reprendre")) action->trigger();
+    }
+    auto* dialog = window.findChild<BackupsDialog*>();
+    ASSERT_NE(dialog, nullptr);
+    QTimer::singleShot(0, dialog, [&, dialog] {
+      auto* question = dialog->findChild<QMessageBox*>();
+      EXPECT_EQ(question->defaultButton(), question->button(QMessageBox::No));
+      question->button(answer)->click();
+    });
+    for (auto* button : dialog->findChildren<QPushButton*>()) {
+      if (button->text().contains("Reprendre")) button->click();
+    }
+    dialog->close();
+    settle();
+  };
+  const auto hours = [&] {
+    MainWindow& window = *program.windows().front();
+    Clerk clerk(window);
+    clerk.open_card("00001");
+    const std::string text = clerk.widget<QLineEdit>("Txt_HorMensEtab").text().toStdString();
+    clerk.answer_next(Answer::Yes);
+    clerk.click("Cmd_Annul");
+    return text;
+  };
+  take(first, QMessageBox::No);
+  EXPECT_EQ(hours(), "99,00");
+  {
+    const store::SqliteDatabase elsewhere(file.toStdString());
+    take(*program.windows().front(), QMessageBox::Yes);
+    ASSERT_EQ(program.windows().size(), 1U);
+    auto* told = program.windows().front()->findChild<QMessageBox*>();
+    ASSERT_NE(told, nullptr);
+    EXPECT_TRUE(told->text().contains("un programme s'en sert")) << told->text().toStdString();
+    told->accept();
+    settle();
+    EXPECT_EQ(hours(), "99,00");
+  }
+  take(*program.windows().front(), QMessageBox::Yes);
+  ASSERT_EQ(program.windows().size(), 1U);
+  EXPECT_NE(Clerk(*program.windows().front()).status().find("gardée sous « fiches.db.avant-"),
+            std::string::npos);
+  EXPECT_EQ(hours(), "151,67");
+}
 
 TEST_F(ProgramTest, AProtectedBaseIsConsultedAndSaysSo) {
   namespace fs = std::filesystem;

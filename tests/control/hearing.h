@@ -33,6 +33,12 @@ class Hearing : public control::CardListener {
     note("copied " + card.id + " " + card.title + " to " + copy);
   }
   void card_closed(const control::Card& card) override { note("closed " + card.id + " " + card.title); }
+  void card_saved_elsewhere(const control::Card& card, const std::string& author) override {
+    note("saved elsewhere " + card.id + " " + card.title + " by " + author);
+  }
+  void card_deleted_elsewhere(const control::Card& card, const std::string& author) override {
+    note("deleted elsewhere " + card.id + " " + card.title + " by " + author);
+  }
   void state_changed() override { note("now " + standing(component_)); }
 
   // What was told since this was asked before.

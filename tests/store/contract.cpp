@@ -64,6 +64,20 @@ TEST_P(StoreContract, ADeletedRecordIsGoneAndDeletingItAgainIsNoError) {
   EXPECT_EQ(select("SSELECT SECTEUR", "SECTEUR"), Rows({"002"}));
 }
 
+TEST_P(StoreContract, EachOfManyIsRemovedAndNoOther) {
+  for (const char* id : {"001", "002", "003", "01"}) put("SECTEUR", id, "Aide");
+  const auto file = database_->OpenFile("SECTEUR");
+  file->remove_each({"001", "absent", "003"});
+  file->remove_each({});
+  EXPECT_EQ(select("SSELECT SECTEUR", "SECTEUR"), Rows({"002", "01"}));
+  EXPECT_THROW(database_->in_one_change([&] {
+    file->remove_each({"002", "01"});
+    throw std::runtime_error("undone");
+  }),
+               std::runtime_error);
+  EXPECT_EQ(select("SSELECT SECTEUR", "SECTEUR"), Rows({"002", "01"}));
+}
+
 TEST_P(StoreContract, FilesDoNotMix) {
   put("SECTEUR", "001", "Aide");
   put("COMMUNES", "001", "Lyon");

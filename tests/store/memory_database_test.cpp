@@ -138,17 +138,17 @@ DbResult result_of(std::size_t bytes) {
 
 TEST(ResultCache, KeepsTheLatestWithinItsBounds) {
   ResultCache many;
-  for (int i = 0; i < 1000; ++i) many.keep({"request " + std::to_string(i), "F", 1, result_of(10)});
+  for (int i = 0; i < 1000; ++i) many.keep({"request " + std::to_string(i), 1, result_of(10)});
   EXPECT_EQ(many.find("request 0"), nullptr);
   ASSERT_NE(many.find("request 999"), nullptr);
   EXPECT_EQ(many.find("request 999")->result(1).size(), 10u);
 
   ResultCache large;
-  large.keep({"first", "F", 1, result_of(12 << 20)});
+  large.keep({"first", 1, result_of(12 << 20)});
   // The same request again takes the place of its older answer, and counts once.
-  for (int i = 0; i < 9; ++i) large.keep({"second", "F", 2, result_of(12 << 20)});
+  for (int i = 0; i < 9; ++i) large.keep({"second", 2, result_of(12 << 20)});
   EXPECT_NE(large.find("first"), nullptr);
-  large.keep({"third", "F", 1, result_of(12 << 20)});
+  large.keep({"third", 1, result_of(12 << 20)});
   EXPECT_EQ(large.find("second"), nullptr) << "the one that was not asked for lately";
   EXPECT_NE(large.find("first"), nullptr);
 }

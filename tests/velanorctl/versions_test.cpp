@@ -71,7 +71,8 @@ TEST_F(Versions, ThatAreNotThereAreSaidSo) {
        "qui "
        "sont gardées.\n"},
       {"history SECTEUR 001 --demo",
-       "velanorctl : Cette base ne garde pas d'historique. Donnez une base qui soit un fichier.\n"},
+       "velanorctl : Cette base ne garde pas d'historique : elle n'est qu'en mémoire. Ouvrez une base "
+       "enregistrée.\n"},
   };
   for (const auto& [call, sentence] : cases) {
     const Outcome outcome = run(call);

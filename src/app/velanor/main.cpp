@@ -13,6 +13,7 @@
 #include "app/velanor/play.h"
 #include "app/velanor/program.h"
 #include "app/velanorctl/open_store.h"
+#include "app/velanorctl/secrets.h"
 #include "app/velanorctl/usage.h"
 #include "text/failure.h"
 
@@ -24,6 +25,7 @@ constexpr int kFailed = 1;
 
 struct Options {
   StoreOptions store;
+  std::string base;
   std::string play;
   std::string shots;
   bool dark = false;
@@ -32,6 +34,10 @@ struct Options {
 void add_options(CLI::App& program, Options& options) {
   speak_french(program);
   add_store_options(program, options.store);
+  program.add_option("BASE", options.base, "La même chose que --store, sans l'écrire")
+      ->type_name("")
+      ->excludes("--store")
+      ->excludes("--demo");
   auto* play =
       program.add_option("--play", options.play, "Joue un scénario sur la fenêtre")->type_name("FICHIER");
   program.add_option("--shots", options.shots, "Dossier des images du scénario")
@@ -107,6 +113,7 @@ int parse_and_run(QApplication& application, int argc, char** argv) {
   } catch (const CLI::ParseError& end) {
     return end_of_parsing(program, end);
   }
+  if (!options.base.empty()) options.store.url = options.base;
   if (options.dark) QApplication::setPalette(dark_palette());
   return run(application, options);
 }
@@ -127,7 +134,8 @@ std::optional<int> told_without_window(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) try {
+int main(int argc, char** given) try {
+  char** argv = taken_arguments(argc, given);
   if (const auto status = told_without_window(argc, argv)) return *status;
   ask_for_french_formats();
   QApplication::setStyle("Fusion");

@@ -15,6 +15,7 @@
 
 #include "app/velanor/card_history.h"
 #include "app/velanor/help_window.h"
+#include "app/velanor/server_address.h"
 #include "qt/message_sheet.h"
 #include "qt/strings.h"
 #include "screen/scope.h"
@@ -33,6 +34,8 @@ class FrenchKinds : public QFileIconProvider {
     return file.suffix() == QLatin1String("db") ? QStringLiteral("Base") : QStringLiteral("Fichier");
   }
 };
+
+QString by(const QString& author) { return author.isEmpty() ? author : " (" + author + ")"; }
 
 QFileIconProvider& french_kinds() {
   static FrenchKinds kinds;
@@ -100,9 +103,14 @@ void MainWindow::make_menus() {
   QAction* open = file->addAction("&Ouvrir…");
   open->setShortcut(QKeySequence::Open);
   connect(open, &QAction::triggered, this, &MainWindow::ask_file);
+  connect(file->addAction("Se &connecter à un serveur…"), &QAction::triggered, this,
+          &MainWindow::server_asked);
   recent_ = file->addMenu("Bases &récentes");
   recent_->setEnabled(false);
   recent_->setToolTipsVisible(true);
+  backups_ = file->addAction("Reprendre une &sauvegarde…");
+  backups_->setEnabled(false);
+  connect(backups_, &QAction::triggered, this, &MainWindow::backups_asked);
   file->addSeparator();
   QAction* shut = file->addAction("&Fermer la fenêtre");
   shut->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_W));
@@ -130,15 +138,21 @@ void MainWindow::make_status_bar() {
 }
 
 void MainWindow::set_source(const QString& path) {
+  if (is_server(path)) {
+    source_ = ServerAddress::of(path).name();
+    return update_title();
+  }
   const QFileInfo file(path);
   source_ = path.isEmpty() ? QStringLiteral("Démonstration") : file.fileName();
   if (!path.isEmpty()) folder_ = file.absolutePath();
+  backups_->setEnabled(!path.isEmpty());
   update_title();
 }
 
 void MainWindow::set_read_only() {
+  backups_->setEnabled(false);
   mode_->setText("Consultation seule");
-  mode_->setToolTip("Ce fichier ou son dossier est protégé : rien ne peut y être enregistré.");
+  mode_->setToolTip("Cette base est protégée en écriture : rien ne peut y être enregistré.");
   tell("Cette base est protégée en écriture : les fiches se consultent, rien ne peut être enregistré.");
   update_title();
 }
@@ -157,7 +171,8 @@ void MainWindow::set_recent(const QStringList& files) {
   recent_->clear();
   recent_->setEnabled(!files.isEmpty());
   for (const QString& path : files) {
-    QAction* entry = recent_->addAction(QFileInfo(path).fileName());
+    QAction* entry =
+        recent_->addAction(is_server(path) ? ServerAddress::of(path).name() : QFileInfo(path).fileName());
     entry->setToolTip(path);
     connect(entry, &QAction::triggered, this, [this, path] { emit open_asked(path); });
   }
@@ -202,6 +217,15 @@ void MainWindow::follow_card() {
   connect(component_, &Component::card_copied, this,
           [this](const QString&, const QString& title, const QString& copy) {
             tell("Fiche " + title + " copiée sur le code " + copy.left(kEmployeeCode));
+          });
+  connect(component_, &Component::card_saved_elsewhere, this,
+          [this](const QString&, const QString&, const QString& author) {
+            tell("Cette fiche vient d'être enregistrée sur un autre poste" + by(author) +
+                 " ; l'enregistrer ici réunira les modifications.");
+          });
+  connect(component_, &Component::card_deleted_elsewhere, this,
+          [this](const QString&, const QString&, const QString& author) {
+            tell("Cette fiche vient d'être supprimée sur un autre poste" + by(author) + ".");
           });
 }
 

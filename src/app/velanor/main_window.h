@@ -8,6 +8,7 @@
 #include "velanor/controle_velanor_widget.h"
 #include "velanor/host.h"
 
+class QAction;
 class QLabel;
 class QMenu;
 class QStackedWidget;
@@ -52,7 +53,10 @@ class MainWindow : public QMainWindow, private control::UserRights {
   void leave();
 
  signals:
-  void open_asked(const QString& file);
+  void backups_asked();
+  // A file, or a server by its URL.
+  void open_asked(const QString& source);
+  void server_asked();
   void quit_asked();
   void closed();
 
@@ -79,6 +83,7 @@ class MainWindow : public QMainWindow, private control::UserRights {
   CardHistory* history_;
   QStackedWidget* pages_;
   QMenu* recent_ = nullptr;
+  QAction* backups_ = nullptr;
   QLabel* told_;
   QLabel* mode_;
   QString source_;

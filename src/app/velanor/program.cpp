@@ -10,9 +10,11 @@
 #include <algorithm>
 #include <optional>
 
+#include "app/velanor/backups_dialog.h"
 #include "app/velanor/daily_backup.h"
 #include "app/velanor/main_window.h"
 #include "app/velanor/place.h"
+#include "app/velanor/server_dialog.h"
 #include "demo/demo.h"
 #include "screen/scope.h"
 #include "text/failure.h"
@@ -42,6 +44,12 @@ void fill(store::Database& database) {
   });
 }
 
+void tell_failure(QWidget& window, const QString& sentence) {
+  auto* box = new QMessageBox(QMessageBox::Critical, kTitle, sentence, QMessageBox::Ok, &window);
+  box->setAttribute(Qt::WA_DeleteOnClose);
+  box->open();
+}
+
 constexpr const char* kCannotBeUsed =
     "Une base vide ne peut pas être ouverte : importez d'abord vos fichiers de référence par la "
     "commande velanorctl import, puis relancez le programme.";
@@ -65,6 +73,8 @@ Program::~Program() = default;
 // ---- Opening.
 
 bool Program::start(const StoreOptions& options) try {
+  const QString named = QString::fromStdString(options.url);
+  if (!options.demo && is_server(named)) return start_on_server(ServerAddress::of(named));
   if (options.demo || !options.url.empty()) {
     const QString path = options.demo ? QString() : QString::fromStdString(path_of(options.url));
     return show(open_desk(options, path, IfMissing::kFail)), true;
@@ -85,34 +95,77 @@ bool Program::open_own() {
 
 // One that is away for the moment, on another machine or a key, stays the last for the next start.
 bool Program::open_last(const QString& path) try {
+  if (is_server(path)) return start_on_server(ServerAddress::of(path)) || open_own_instead();
   StoreOptions options;
   options.url = path.toStdString();
   return show(open_desk(options, path, IfMissing::kFail)), true;
 } catch (const std::exception& error) {
-  const QString question = QStringLiteral(
-                               "%1\n\nC'est la base ouverte en dernier. Voulez-vous ouvrir à sa place votre "
-                               "propre base ?")
-                               .arg(QString::fromStdString(text::failure_sentence(error)));
+  return open_own_instead(QString::fromStdString(text::failure_sentence(error)) + "\n\n");
+}
+
+bool Program::open_own_instead(const QString& why) {
+  const QString question =
+      why + "C'est la base ouverte en dernier. Voulez-vous ouvrir à sa place votre propre base ?";
   return QMessageBox::question(nullptr, kTitle, question) == QMessageBox::Yes && open_own();
 }
 
+// ---- Servers.
+
+QString Program::open_server(const ServerAddress& address) try {
+  if (const Desk* desk = desk_on(address.url())) return desk->window->bring_forward(), QString();
+  StoreOptions options;
+  options.url = address.url_with_password().toStdString();
+  show(open_desk(options, address.url(), IfMissing::kFail));
+  settings_.set_server(address.url());
+  return {};
+} catch (const std::exception& error) {
+  return QString::fromStdString(text::failure_sentence(error));
+}
+
+bool Program::start_on_server(const ServerAddress& address) {
+  const QString failure = open_server(address);
+  if (failure.isEmpty()) return true;
+  ServerDialog dialog(address, [this](const ServerAddress& asked) { return open_server(asked); });
+  dialog.show_failure(failure);
+  return dialog.exec() == QDialog::Accepted;
+}
+
+ServerAddress Program::proposed_server() const {
+  const QString last = settings_.server();
+  return last.isEmpty() ? ServerAddress() : ServerAddress::of(last);
+}
+
+void Program::ask_server(const ServerAddress& proposed, MainWindow& asker, const QString& failure) {
+  settings_.set_place(asker.saveGeometry());
+  auto* dialog = new ServerDialog(
+      proposed, [this](const ServerAddress& asked) { return open_server(asked); }, &asker);
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  if (!failure.isEmpty()) dialog->show_failure(failure);
+  dialog->open();
+}
+
+// ---- Opening beside others.
+
 void Program::open(const QString& path, MainWindow& asker) try {
+  if (is_server(path)) {
+    const ServerAddress address = ServerAddress::of(path);
+    settings_.set_place(asker.saveGeometry());
+    if (const QString failure = open_server(address); !failure.isEmpty()) ask_server(address, asker, failure);
+    return;
+  }
   if (const Desk* desk = desk_on(path)) return desk->window->bring_forward();
   StoreOptions options;
   options.url = path.toStdString();
   settings_.set_place(asker.saveGeometry());
   show(open_desk(options, path, IfMissing::kFail));
 } catch (const std::exception& error) {
-  auto* box = new QMessageBox(QMessageBox::Critical, kTitle,
-                              QString::fromStdString(text::failure_sentence(error)), QMessageBox::Ok, &asker);
-  box->setAttribute(Qt::WA_DeleteOnClose);
-  box->open();
+  tell_failure(asker, QString::fromStdString(text::failure_sentence(error)));
 }
 
 Program::Desk& Program::open_desk(const StoreOptions& options, const QString& path, IfMissing if_missing) {
   auto desk = std::make_unique<Desk>();
   desk->store = open_store(options, if_missing);
-  desk->path = path.isEmpty() ? path : QFileInfo(path).absoluteFilePath();
+  desk->path = path.isEmpty() || is_server(path) ? path : QFileInfo(path).absoluteFilePath();
   desk->window = std::make_unique<MainWindow>(*desk->store);
   return *desks_.emplace_back(std::move(desk));
 }
@@ -128,6 +181,13 @@ void Program::show(Desk& desk) {
       &window, &MainWindow::open_asked, this,
       [this, asker](const QString& path) {
         if (asker) open(path, *asker);
+      },
+      Qt::QueuedConnection);
+  connect(&window, &MainWindow::backups_asked, this, [this, asker] { show_backups(*asker); });
+  connect(
+      &window, &MainWindow::server_asked, this,
+      [this, asker] {
+        if (asker) ask_server(proposed_server(), *asker);
       },
       Qt::QueuedConnection);
   connect(&window, &MainWindow::quit_asked, this, &Program::quit, Qt::QueuedConnection);
@@ -192,6 +252,52 @@ void Program::remember(const QString& path) {
   for (MainWindow* window : windows()) window->set_recent(settings_.recent());
 }
 
+// ---- Backups.
+
+void Program::show_backups(MainWindow& window) try {
+  const Desk* desk = desk_of(window);
+  if (!desk || window.component().open_message()) return;
+  auto* dialog = new BackupsDialog(desk->path, &window);
+  // When the dialog is gone.
+  connect(
+      dialog, &BackupsDialog::taken, this,
+      [this, window = QPointer<MainWindow>(&window)](const QString& backup, const QString& moment) {
+        if (window) take_backup(*window, backup, moment);
+      },
+      Qt::QueuedConnection);
+  dialog->open();
+} catch (const std::exception& error) {
+  tell_failure(window, QString::fromStdString(text::failure_sentence(error)));
+}
+
+void Program::take_backup(MainWindow& window, const QString& backup, const QString& moment) {
+  if (!window.may_leave(MainWindow::Leaving::kNot)) return;
+  const auto at = std::find_if(desks_.begin(), desks_.end(),
+                               [&](const auto& desk) { return desk->window.get() == &window; });
+  const QString path = (*at)->path;
+  settings_.set_place(window.saveGeometry());
+  desks_.erase(at);
+  QString failure, told;
+  try {
+    const std::string aside = store::SqliteDatabase::restore(backup.toStdString(), path.toStdString());
+    told = "Sauvegarde du " + moment + " reprise. L'ancienne base est gardée sous « " +
+           QFileInfo(QString::fromStdString(aside)).fileName() + " ».";
+  } catch (const std::exception& error) {
+    failure = QString::fromStdString(text::failure_sentence(error));
+  }
+  try {
+    StoreOptions options;
+    options.url = path.toStdString();
+    Desk& desk = open_desk(options, path, IfMissing::kFail);
+    show(desk);
+    desk.window->tell(told);
+    if (!failure.isEmpty()) tell_failure(*desk.window, failure);
+  } catch (const std::exception& error) {
+    QMessageBox::critical(nullptr, kTitle, QString::fromStdString(text::failure_sentence(error)));
+    if (desks_.empty()) QCoreApplication::quit();
+  }
+}
+
 // ---- Closing.
 
 void Program::quit() {
@@ -236,6 +342,11 @@ Program::Desk* Program::desk_of(const MainWindow& window) const {
 }
 
 Program::Desk* Program::desk_on(const QString& path) const {
+  if (is_server(path)) {
+    const auto same =
+        std::find_if(desks_.begin(), desks_.end(), [&](const auto& desk) { return desk->path == path; });
+    return same == desks_.end() ? nullptr : same->get();
+  }
   const QString file = QFileInfo(path).canonicalFilePath();
   const auto at = std::find_if(desks_.begin(), desks_.end(), [&](const auto& desk) {
     return !file.isEmpty() && QFileInfo(desk->path).canonicalFilePath() == file;

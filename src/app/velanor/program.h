@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "app/velanor/server_address.h"
 #include "app/velanor/settings.h"
 #include "app/velanor/turns.h"
 #include "app/velanorctl/open_store.h"
@@ -25,6 +26,10 @@ class Program : public QObject {
   // Opens a database beside the others; one that is open already comes to the front. What cannot be
   // opened is told over `asker`.
   void open(const QString& path, MainWindow& asker);
+  // Shows the backups of a window's database file.
+  void show_backups(MainWindow& window);
+  // Asks over `asker` for a server, and opens it beside the others; `failure`: what was just tried in vain.
+  void ask_server(const ServerAddress& proposed, MainWindow& asker, const QString& failure = {});
   // Closes one window after the other; each that has an open card asks first, and one that is to stay
   // keeps those that have not been asked.
   void quit();
@@ -36,6 +41,12 @@ class Program : public QObject {
   Desk& open_desk(const StoreOptions& options, const QString& path, IfMissing if_missing);
   bool open_own();
   bool open_last(const QString& path);
+  // The sentence of what failed; "" where nothing did.
+  QString open_server(const ServerAddress& address);
+  // The same without a window to ask over: until it stands or the user gives up.
+  bool start_on_server(const ServerAddress& address);
+  bool open_own_instead(const QString& why = {});
+  ServerAddress proposed_server() const;
   void show(Desk& desk);
   // Starts the component; an empty database is offered the demonstration data.
   void begin(Desk& desk);
@@ -44,6 +55,8 @@ class Program : public QObject {
   void offer_demonstration(Desk& desk);
   // Tells it in the window itself, which then goes.
   void give_up(Desk& desk, const std::string& sentence);
+  // Closes the window, puts the backup in the place of its database, and opens that again; or says why not.
+  void take_backup(MainWindow& window, const QString& backup, const QString& moment);
   void remember(const QString& path);
   void closed(MainWindow& window);
   void forget(const MainWindow* window);

@@ -13,12 +13,15 @@ class Settings {
   // Takes over what an earlier version kept under another name.
   Settings();
 
-  // The databases opened lately, the latest first.
+  // The databases opened lately, the latest first: paths, and URLs of servers without a password.
   QStringList recent() const { return settings_.value("recent").toStringList(); }
   void remember(const QString& path);
   // The database that was in use last; "" when there was none.
   QString last() const { return settings_.value("last").toString(); }
   void set_last(const QString& path) { settings_.setValue("last", path); }
+  // The server that was asked for last, as a URL without a password.
+  QString server() const { return settings_.value("server").toString(); }
+  void set_server(const QString& url) { settings_.setValue("server", url); }
   // Size and place of a window, as the toolkit puts them down.
   QByteArray place() const { return settings_.value("place").toByteArray(); }
   void set_place(const QByteArray& place) { settings_.setValue("place", place); }

@@ -116,8 +116,7 @@ int check_all(store::Database& database) {
 
 int check(const Options& options) {
   const StoreOptions& store = options.store;
-  const bool file = !store.url.empty() && store.url != kMemoryStore;
-  if (!file) return check_all(*open_named_store(store));
+  if (!is_file(store)) return check_all(*open_named_store(store));
   const auto database = open_to_examine(store.url);
   if (options.repair) repair(*database);
   return check_all(*database);

@@ -101,7 +101,7 @@ exchange::ImportReport import_into_new(const std::string& path, const Options& o
 
 // The path of a database file that is to be created; "" for any other store.
 std::string new_database(const StoreOptions& store) {
-  if (store.url.empty() || store.demo || store.url == kMemoryStore) return {};
+  if (!is_file(store)) return {};
   const std::string path = path_of(store.url);
   return std::filesystem::exists(path) ? std::string() : path;
 }

@@ -5,6 +5,7 @@
 
 #include "app/velanorctl/commands.h"
 #include "app/velanorctl/guarded_output.h"
+#include "app/velanorctl/secrets.h"
 #include "app/velanorctl/usage.h"
 #include "store/sqlite/failure.h"
 #include "text/failure.h"
@@ -16,8 +17,9 @@ using namespace velanor::app;
 constexpr int kFailed = 1;
 
 constexpr void (*kCommands[])(CLI::App&, int&) = {
-    add_play,   add_demo,    add_import,  add_export, add_select,          add_show,         add_check,
-    add_backup, add_restore, add_history, add_diff,   add_restore_version, add_purge_history};
+    add_play,          add_demo,   add_import,      add_export,  add_select, add_show,
+    add_check,         add_backup, add_restore,     add_history, add_diff,   add_restore_version,
+    add_purge_history, add_copy,   add_setup_server};
 
 int parse_and_run(CLI::App& program, int argc, char** argv, const int& status) try {
   program.parse(argc, argv);
@@ -41,7 +43,7 @@ int run(int argc, char** argv) try {
       "n'est pas comprise.");
   for (const auto add : kCommands) add(program, status);
   for (CLI::App* command : program.get_subcommands({})) command->group("Sous-commandes ");
-  return parse_and_run(program, argc, argv, status);
+  return parse_and_run(program, argc, taken_arguments(argc, argv), status);
 } catch (const velanor::store::sqlite::DamagedError& error) {
   std::cerr << "velanorctl : " << error.what() << "\n";
   return kDamaged;

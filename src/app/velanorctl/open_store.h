@@ -29,8 +29,11 @@ void add_store_options(CLI::App& command, StoreOptions& options);
 
 enum class IfMissing { kFail, kCreate };
 
-// "memory:", "sqlite:PATH" or a plain path; an empty store in memory when nothing is named. Throws
-// store::DbError with a French sentence when the store cannot be opened.
+// Whether a database file is named, there or not.
+bool is_file(const StoreOptions& options);
+
+// "memory:", "sqlite:PATH", a plain path, or the postgresql:// URL of a server; an empty store in memory when
+// nothing is named. Throws store::DbError with a French sentence when the store cannot be opened.
 std::unique_ptr<store::Database> open_store(const StoreOptions& options,
                                             IfMissing if_missing = IfMissing::kFail);
 
@@ -43,7 +46,8 @@ std::unique_ptr<store::Database> open_named_store(const StoreOptions& options,
 // a byte, which would else pass for a new one, is a sqlite::DamagedError.
 std::unique_ptr<store::SqliteDatabase> open_to_examine(std::string_view url);
 
-// The path that a URL or a plain path names. Throws store::DbError for a kind that is not known.
+// The path that a URL or a plain path names. Throws store::DbError for a server, and for a kind that is not
+// known.
 std::string path_of(std::string_view url);
 
 // Brings the demonstration data into a store.

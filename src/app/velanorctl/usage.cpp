@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "app/velanorctl/secrets.h"
+
 namespace velanor::app {
 namespace {
 
@@ -117,8 +119,8 @@ void speak_french(CLI::App& program) {
 
 int end_of_parsing(const CLI::App& program, const CLI::ParseError& end) {
   if (end.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) return program.exit(end);
-  std::cerr << program.get_name() << " : " << fault(program, end) << ". Voir " << call(program)
-            << " --help.\n";
+  std::cerr << program.get_name() << " : " << without_passwords(fault(program, end)) << ". Voir "
+            << call(program) << " --help.\n";
   return kUsageStatus;
 }
 

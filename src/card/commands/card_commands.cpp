@@ -1,5 +1,10 @@
 #include "card/commands/card_commands.h"
 
+#include <functional>
+#include <set>
+#include <string>
+#include <vector>
+
 #include "card/record/element.h"
 #include "card/record/reference_layout.h"
 #include "entry/decimal.h"
@@ -321,20 +326,19 @@ void CardCommands::Cmd_OK_Click() {
   allow_browsing(behind("La fiche est enregistrée.", failure));
 }
 
-// Codes are handed out downwards from 99999. Any failure other than a missing record counts as a
-// code in use, so the search has to end somewhere.
+// Codes are handed out downwards from 99999. One question for all that are taken: on a server each code that
+// is asked for is a journey, and a failure must not pass for a code in use.
 void CardCommands::RechCode() {
   constexpr int kFirst = 99999;
-  store::DbFile& cards = on_.procedure.file(control::File::kCards);
+  const store::DbResult found =
+      on_.procedure.select("SSELECT VELANORO AVEC 0 = " + store::quoted_end(id_of({})), "VELANORO", "0");
+  std::set<std::string, std::less<>> taken;
+  for (int i = 1; i <= found.DCount(); ++i) taken.emplace(found(i));
   for (int n = kFirst; n >= 0; --n) {
     const std::string code = text::pad_left(std::to_string(n), card::kEmployeeCodeLength, '0');
-    try {
-      cards.Read(id_of(code));
-    } catch (const store::DbError& error) {
-      if (error.number() != store::kMissingRecord) continue;
-      on_.card.CodeAidant = code;
-      return;
-    }
+    if (taken.contains(id_of(code))) continue;
+    on_.card.CodeAidant = code;
+    return;
   }
   throw store::DbError(
       store::kStoreFailure,
@@ -428,11 +432,9 @@ void CardCommands::SupprimerCalculs(const std::string& id) {
   constexpr int kMonths = 12;
   store::Database& database = on_.procedure.database();
   ignoring_failures([&] { database.OpenFile("BUDGETHISTORCUMUL")->DeleteRecord(id); });
-  ignoring_failures([&] {
-    const auto months = database.OpenFile("BUDGETDETAILCALCUL");
-    for (int m = 1; m <= kMonths; ++m)
-      ignoring_failures([&] { months->DeleteRecord(id + text::pad_left(std::to_string(m), 2, '0')); });
-  });
+  std::vector<std::string> months;
+  for (int m = 1; m <= kMonths; ++m) months.push_back(id + text::pad_left(std::to_string(m), 2, '0'));
+  ignoring_failures([&] { database.OpenFile("BUDGETDETAILCALCUL")->remove_each(months); });
 }
 
 // ---- Duplicate.

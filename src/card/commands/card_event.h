@@ -7,10 +7,11 @@
 namespace velanor::commands {
 
 struct CardEvent {
-  enum class Kind { kOpened, kSaved, kDeleted, kCopied, kClosed } kind;
-  std::string id;     // of its record; "" while it is not stored
-  std::string title;  // code and name of the employee
-  std::string copy;   // id of the duplicate
+  enum class Kind { kOpened, kSaved, kDeleted, kCopied, kClosed, kSavedElsewhere, kDeletedElsewhere } kind;
+  std::string id;           // of its record; "" while it is not stored
+  std::string title;        // code and name of the employee
+  std::string copy;         // id of the duplicate
+  std::string author = {};  // who saved or deleted it elsewhere
 };
 
 using TellCardEvent = std::function<void(const CardEvent&)>;

@@ -108,7 +108,11 @@ bool Statement::is_null(int column) const {
 }
 
 // What it returns has been said by the step already.
-void Statement::reset() { sqlite3_reset(statement_.get()); }
+void Statement::reset() {
+  sqlite3_reset(statement_.get());
+  // What the next run does not bind is null, not what the last one had.
+  sqlite3_clear_bindings(statement_.get());
+}
 
 void Connection::Close::operator()(sqlite3* handle) const { sqlite3_close_v2(handle); }
 

@@ -33,6 +33,9 @@ RecordWriter::RecordWriter(Connection& connection)
           "SELECT file, id, version, author, time, ?3, content, sum FROM record WHERE file = ?1 AND id = ?2"),
       bury_(connection,
             "INSERT INTO history(file, id, version, author, time, sum) VALUES (?1, ?2, ?4, ?5, ?6, ?7)"),
+      lay_down_(connection,
+                "INSERT INTO history(file, id, content, version, author, time, sum, until) "
+                "VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)"),
       last_(connection, "SELECT max(version) FROM history WHERE file = ?1 AND id = ?2"),
       end_deletion_(connection,
                     "UPDATE history SET until = ?3 WHERE file = ?1 AND id = ?2 AND content IS NULL "
@@ -73,6 +76,16 @@ void RecordWriter::erase(std::int64_t file, std::string_view id, const Current& 
   Run run(erase_);
   run->bind(1, file);
   run->bind_text(2, id);
+  run->step();
+}
+
+void RecordWriter::lay_down(const StoredVersion& row, std::optional<std::int64_t> until) {
+  const bool stored_now = !until && row.content;
+  const std::string tail = reversed(row.id);
+  Run run(stored_now ? insert_ : lay_down_);
+  bind_version(run, row);
+  if (stored_now) run->bind_blob(8, tail);
+  if (until) run->bind(8, *until);
   run->step();
 }
 

@@ -34,6 +34,8 @@ class RecordWriter {
   void put(std::int64_t file, std::string_view id, std::string_view content,
            const std::optional<Current>& current, const Hand& hand);
   void erase(std::int64_t file, std::string_view id, const Current& current, const Hand& hand);
+  // A version as another store kept it: replaced at `until`, else the last one.
+  void lay_down(const StoredVersion& row, std::optional<std::int64_t> until);
   void add_file(std::string_view name);
 
  private:
@@ -41,7 +43,7 @@ class RecordWriter {
   void keep(std::int64_t file, std::string_view id, const Current& current, std::int64_t until);
   void end_deletion(std::int64_t file, std::string_view id, std::int64_t until);
 
-  Statement current_, insert_, update_, erase_, keep_, bury_, last_, end_deletion_, add_file_;
+  Statement current_, insert_, update_, erase_, keep_, bury_, lay_down_, last_, end_deletion_, add_file_;
 };
 
 }  // namespace velanor::store::sqlite

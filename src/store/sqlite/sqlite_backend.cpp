@@ -151,6 +151,21 @@ bool SqliteBackend::erase(std::string_view file, std::string_view id, const Expe
   return as_expected;
 }
 
+void SqliteBackend::lay_down(std::string_view file, std::string_view id,
+                             const std::vector<Version>& versions) {
+  write([&](RecordWriter& writer) {
+    const std::int64_t number = number_for_writing(writer, file);
+    for (std::size_t i = 0; i < versions.size(); ++i) {
+      const Version& version = versions[i];
+      StoredVersion row{number,         id,           static_cast<std::int64_t>(version.number),
+                        version.author, version.time, std::nullopt};
+      if (version.record) row.content = version.record->encoded();
+      const bool last = i + 1 == versions.size();
+      writer.lay_down(row, last ? std::nullopt : std::optional(versions[i + 1].time));
+    }
+  });
+}
+
 bool SqliteBackend::holds(const Expected& expected, const std::optional<RecordWriter::Current>& current,
                           std::string_view file, std::string_view id) {
   if (!current || expected.wants_absence())

@@ -44,7 +44,7 @@ std::string of_history(std::string_view file, std::string_view id, std::int64_t 
 
 }  // namespace
 
-SqliteDatabase::SqliteDatabase(const std::string& path, Options options)
+SqliteDatabase::SqliteDatabase(const std::string& path, const Options& options)
     : SqliteDatabase(std::make_unique<SqliteBackend>(path, if_missing(options.missing), options.patience,
                                                      clock_of(options))) {}
 

@@ -32,6 +32,15 @@ std::vector<Version> SqliteHistory::versions(std::string_view file, std::string_
   return versions;
 }
 
+std::vector<std::string> SqliteHistory::files() {
+  std::vector<std::string> names;
+  Statement rows(backend_.connection(),
+                 "SELECT name FROM file WHERE EXISTS (SELECT 1 FROM history WHERE file = number) "
+                 "OR EXISTS (SELECT 1 FROM record WHERE file = number) ORDER BY name");
+  while (rows.step()) names.push_back(clean_text(rows.bytes(0)));
+  return names;
+}
+
 std::vector<std::string> SqliteHistory::deleted(std::string_view file, std::string_view id_suffix) {
   const auto number = backend_.number(file);
   if (!number) return {};
@@ -56,6 +65,12 @@ std::size_t SqliteHistory::purge(std::int64_t before) {
     gone = static_cast<std::size_t>(backend_.connection().changes());
   });
   return gone;
+}
+
+bool SqliteHistory::restore(std::string_view file, std::string_view id,
+                            const std::vector<Version>& versions) {
+  backend_.lay_down(file, id, versions);
+  return true;
 }
 
 }  // namespace velanor::store::sqlite

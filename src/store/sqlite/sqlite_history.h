@@ -17,8 +17,10 @@ class SqliteHistory : public History {
 
   void set_author(std::string_view name) override { backend_.set_author(name); }
   std::vector<Version> versions(std::string_view file, std::string_view id) override;
+  std::vector<std::string> files() override;
   std::vector<std::string> deleted(std::string_view file, std::string_view id_suffix) override;
   std::size_t purge(std::int64_t before) override;
+  bool restore(std::string_view file, std::string_view id, const std::vector<Version>& versions) override;
 
  private:
   SqliteBackend& backend_;
