@@ -11,6 +11,7 @@
 
 #include "app/clerk.h"
 #include "app/velanor/backups_dialog.h"
+#include "store/sqlite/backups.h"
 #include "support/as_nobody.h"
 #include "velanor/sqlite_database.h"
 
@@ -327,6 +328,35 @@ TEST_F(ProgramTest, AProtectedBaseIsConsultedAndSaysSo) {
   for (const char* closed : {"Txt_HorMensEtab", "Cmd_OK", "Cmd_Supp", "Cmd_Copier"})
     EXPECT_FALSE(clerk.widget(closed).isEnabled()) << closed;
   EXPECT_EQ(clerk.said, std::vector<std::string>());
+}
+
+TEST_F(ProgramTest, TheFirstOpeningOfADayMakesABackupAndOneThatFailsIsTold) {
+  const QString file = base("fiches.db");
+  const auto backups = store::sqlite::Backups::beside(file.toStdString());
+  for (int opening = 0; opening < 2; ++opening) {
+    Program program;
+    ASSERT_TRUE(program.start(named(file)));
+    EXPECT_TRUE(until([&] { return backups.newest_first().size() == 1; }));
+  }
+  EXPECT_NO_THROW(store::sqlite::verify_backup(backups.newest_first().front().path));
+  const QString other = base("autres.db");
+  QFile(other + ".sauvegardes").open(QIODevice::WriteOnly);
+  Program program;
+  ASSERT_TRUE(program.start(named(other)));
+  Clerk clerk(*program.windows().front());
+  EXPECT_TRUE(until([&] { return !clerk.status().empty(); }));
+  EXPECT_EQ(clerk.status().find("La sauvegarde du jour n'a pas été faite. Le dossier de sauvegarde « "), 0u)
+      << clerk.status();
+}
+
+TEST_F(ProgramTest, ABaseThatOthersCanReadIsRemarkedOn) {
+  const QString file = base("fiches.db");
+  QFile::setPermissions(file, QFile::permissions(file) | QFile::ReadOther);
+  QFile::setPermissions(folder_.path(), QFile::permissions(folder_.path()) | QFile::ExeOther);
+  Program program;
+  ASSERT_TRUE(program.start(named(file)));
+  EXPECT_NE(Clerk(*program.windows().front()).status().find("peut être lue par d'autres utilisateurs"),
+            std::string::npos);
 }
 
 // ---- From one start to the next.

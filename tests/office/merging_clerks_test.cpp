@@ -8,6 +8,7 @@
 #include "app/velanorctl/open_store.h"
 #include "card/record/merge.h"
 #include "sqlite/temporary_folder.h"
+#include "support/so_far.h"
 #include "support/together.h"
 #include "velanor/sqlite_database.h"
 
@@ -111,7 +112,7 @@ class MergingClerks : public testing::Test {
 TEST_F(MergingClerks, FindEveryAcknowledgedChangeInTheCardsAndEverySaveInTheirHistory) {
   const int acknowledged = test::together(kClerks, [&](int clerk) { return work(clerk, true); });
   std::cout << "clerks merging: " << acknowledged << " saves acknowledged, " << acknowledged - counted()
-            << " lost\n";
+            << " lost" << test::so_far() << "\n";
   EXPECT_EQ(acknowledged, kClerks * times_);
   EXPECT_EQ(counted(), acknowledged);
   EXPECT_EQ(versions(), static_cast<std::size_t>(acknowledged + kCards));
@@ -126,7 +127,8 @@ TEST_F(MergingClerks, LoseChangesWhereNobodyLooksWhatHasBeenWrittenMeanwhile) {
     const int acknowledged = test::together(kClerks, [&](int clerk) { return work(clerk, false); });
     lost = acknowledged - (counted() - before);
   }
-  std::cout << "clerks who look at nothing: " << lost << " acknowledged changes lost\n";
+  std::cout << "clerks who look at nothing: " << lost << " acknowledged changes lost" << test::so_far()
+            << "\n";
   EXPECT_GT(lost, 0);
 }
 

@@ -7,6 +7,7 @@
 
 #include "sqlite/snapshot.h"
 #include "sqlite/temporary_folder.h"
+#include "support/so_far.h"
 #include "velanor/memory_database.h"
 
 namespace velanor::store {
@@ -144,7 +145,8 @@ TEST(Agreement, SqliteHoldsWhatTheMemoryStoreHoldsAfterWhateverIsDone) {
     ASSERT_EQ(stores.of_sqlite(), stores.of_memory()) << "after step " << n;
   }
   std::cout << "agreement: " << steps << " steps, " << stores.conflicts() << " conflicts, " << stores.undone()
-            << " changes undone, " << stores.restored() << " restores, no difference\n";
+            << " changes undone, " << stores.restored() << " restores, no difference" << test::so_far()
+            << "\n";
   EXPECT_GT(stores.conflicts(), 20);
   EXPECT_GT(stores.undone(), 3);
   EXPECT_GT(stores.restored(), 3);

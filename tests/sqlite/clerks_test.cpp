@@ -6,6 +6,7 @@
 
 #include "sqlite/snapshot.h"
 #include "sqlite/temporary_folder.h"
+#include "support/so_far.h"
 #include "support/together.h"
 
 namespace velanor::store {
@@ -61,7 +62,7 @@ TEST_F(Clerks, WhoExpectWhatTheyReadLoseNoAcknowledgedChange) {
   EXPECT_EQ(counted(), acknowledged);
   EXPECT_GT(acknowledged, kCards);
   std::cout << "clerks expecting what they read: " << kClerks * times_ << " tries, " << acknowledged
-            << " acknowledged, " << acknowledged - counted() << " lost\n";
+            << " acknowledged, " << acknowledged - counted() << " lost" << test::so_far() << "\n";
 }
 
 // Else the test above proves nothing.
@@ -75,7 +76,8 @@ TEST_F(Clerks, WhoExpectNothingLoseChanges) {
     lost = acknowledged - (counted() - before);
   }
   EXPECT_GT(lost, 0);
-  std::cout << "clerks expecting nothing: " << lost << " acknowledged changes lost, at try " << tries << "\n";
+  std::cout << "clerks expecting nothing: " << lost << " acknowledged changes lost, at try " << tries
+            << test::so_far() << "\n";
 }
 
 TEST_F(Clerks, AreNotKeptFromSavingByABackupWhichHoldsOneMomentOfTheirWork) {
@@ -94,7 +96,7 @@ TEST_F(Clerks, AreNotKeptFromSavingByABackupWhichHoldsOneMomentOfTheirWork) {
     ++backups;
   }
   std::cout << "clerks beside backups: " << acknowledged << " acknowledged, " << acknowledged - counted()
-            << " lost, " << backups << " backups sound\n";
+            << " lost, " << backups << " backups sound" << test::so_far() << "\n";
 }
 
 TEST_F(Clerks, WhoCreateCardsNeverGetOneCodeTwice) {
@@ -120,7 +122,8 @@ TEST_F(Clerks, WhoCreateCardsNeverGetOneCodeTwice) {
   for (int i = 1; i <= all.DCount(); ++i)
     EXPECT_EQ(database->history()->versions("NEW", all(i)).size(), 1u)
         << "somebody wrote over another's card";
-  std::cout << "clerks creating cards: " << made << " created, " << all.DCount() << " codes\n";
+  std::cout << "clerks creating cards: " << made << " created, " << all.DCount() << " codes" << test::so_far()
+            << "\n";
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "sqlite/temporary_folder.h"
 #include "store/sqlite/connection.h"
 #include "store/sqlite/schema.h"
+#include "support/so_far.h"
 
 namespace velanor::store {
 namespace {
@@ -119,6 +120,8 @@ class Tally {
 
 class FailingDisk : public testing::Test {
  protected:
+  // What fails to be synced is looked at here, not what is left when the power goes.
+  FailingDisk() { disk_.forget(); }
   // Whether a call was there to fail.
   bool run(const Work& work, Disk::Fault fault, Disk::Lasting lasting, int nth, const std::string& before,
            const std::string& after) {
@@ -150,8 +153,6 @@ class FailingDisk : public testing::Test {
 };
 
 TEST_F(FailingDisk, IsToldAndLeavesTheOldStateOrTheNewOneAtEveryCallOfEveryWork) {
-  // Every nth call of the longer works; all of them on request.
-  const int most = long_tests() ? 100'000 : 6;
   for (const Work& work : kWorks) {
     SCOPED_TRACE(work.name);
     original_ = std::make_unique<TemporaryFolder>();
@@ -170,16 +171,13 @@ TEST_F(FailingDisk, IsToldAndLeavesTheOldStateOrTheNewOneAtEveryCallOfEveryWork)
     for (const auto fault : {Disk::Fault::kError, Disk::Fault::kFull, Disk::Fault::kSync, Disk::Fault::kRead,
                              Disk::Fault::kOpen}) {
       for (const auto lasting : {Disk::Lasting::kOnce, Disk::Lasting::kForEver}) {
-        int step = 1, done = 0;
-        for (int nth = 1; run(work, fault, lasting, nth, before, after); nth += step) {
+        for (int nth = 1; run(work, fault, lasting, nth, before, after); ++nth)
           ASSERT_FALSE(HasFailure()) << "fault " << static_cast<int>(fault) << " at call " << nth;
-          if (++done >= most) step *= 2;
-        }
       }
     }
   }
   std::cout << "failing disk: " << tally_.cases << " faults, " << tally_.told << " told, " << tally_.unharmed
-            << " without harm; every state the old one or the new one\n";
+            << " without harm; every state the old one or the new one" << test::so_far() << "\n";
   EXPECT_GT(tally_.told, 50);
 }
 

@@ -8,6 +8,7 @@
 
 #include "sqlite/snapshot.h"
 #include "sqlite/temporary_folder.h"
+#include "support/so_far.h"
 
 namespace velanor::store {
 namespace {
@@ -98,7 +99,8 @@ TEST_F(ChangedFile, EveryByteThatIsFlippedIsToldOrDoesNoHarm) {
         << static_cast<int>(flipped);
   }
   std::cout << "flipped bytes: " << flips << ", " << counts[0] << " told by reading, " << counts[1]
-            << " told by check, " << counts[2] << " harmless, " << counts[3] << " wrong\n";
+            << " told by check, " << counts[2] << " harmless, " << counts[3] << " wrong" << test::so_far()
+            << "\n";
 }
 
 TEST_F(ChangedFile, AFileThatIsCutOffAtAnyPageIsTold) {
@@ -108,7 +110,7 @@ TEST_F(ChangedFile, AFileThatIsCutOffAtAnyPageIsTold) {
     EXPECT_TRUE(finding == Finding::kToldByReading || finding == Finding::kToldByCheck) << size;
     ++told;
   }
-  std::cout << "cut off: " << told << " lengths, each told\n";
+  std::cout << "cut off: " << told << " lengths, each told" << test::so_far() << "\n";
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "sqlite/disk.h"
 #include "sqlite/snapshot.h"
 #include "sqlite/temporary_folder.h"
+#include "support/so_far.h"
 
 namespace velanor::store {
 namespace {
@@ -83,7 +84,7 @@ TEST_F(FullDisk, LosesNoAcknowledgedSaveAndWorkGoesOnWhenThereIsRoom) {
   EXPECT_EQ(losses, 0);
   EXPECT_GT(disk_.turned_away(), rounds / 2);
   std::cout << "full disk: " << rounds << " rounds, " << acknowledged << " saves acknowledged, " << losses
-            << " lost\n";
+            << " lost" << test::so_far() << "\n";
 }
 
 // What says success can be opened and holds everything; what fails leaves nothing.
@@ -141,7 +142,7 @@ TEST_F(FullDisk, ANewBaseAndABackupAreWholeOrNotThereAtEverySizeOfTheDisk) {
   EXPECT_GT(succeeded, 3);
   EXPECT_LT(succeeded, sizes);
   std::cout << "sizes of the disk: " << sizes << " works, " << succeeded
-            << " said success and hold everything, the others left nothing\n";
+            << " said success and hold everything, the others left nothing" << test::so_far() << "\n";
 }
 
 }  // namespace

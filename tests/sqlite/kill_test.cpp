@@ -10,6 +10,7 @@
 
 #include "sqlite/snapshot.h"
 #include "sqlite/temporary_folder.h"
+#include "support/so_far.h"
 
 namespace velanor::store {
 namespace {
@@ -78,7 +79,7 @@ TEST(KilledProgram, LosesNoAcknowledgedSaveAndLeavesNoneHalfDone) {
     next = until + 2;
   }
   std::cout << "kill -9: " << cycles << " cycles, " << acknowledged
-            << " saves acknowledged, none lost, none half done\n";
+            << " saves acknowledged, none lost, none half done" << test::so_far() << "\n";
 }
 
 }  // namespace

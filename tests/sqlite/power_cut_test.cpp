@@ -11,6 +11,7 @@
 #include "sqlite/temporary_folder.h"
 #include "store/checked_writes.h"
 #include "store/sqlite/sqlite_backend.h"
+#include "support/so_far.h"
 
 namespace velanor::store {
 namespace {
@@ -114,7 +115,7 @@ Losses cut_power(const char* settings, int states) {
 
 void tell(const char* what, const Losses& losses) {
   std::cout << "power cut, " << what << ": " << losses.states << " states, " << losses.lost
-            << " with an acknowledged save lost, " << losses.damaged << " damaged\n";
+            << " with an acknowledged save lost, " << losses.damaged << " damaged" << test::so_far() << "\n";
 }
 
 TEST(PowerCutTest, LosesNoAcknowledgedSaveAndLeavesNoneHalfDone) {
