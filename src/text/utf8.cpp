@@ -50,7 +50,9 @@ char32_t next(std::string_view text, std::size_t& at) {
     if (at >= text.size() || !is_continuation(text[at])) return 0xFFFD;
     character = character << 6 | (static_cast<unsigned char>(text[at++]) & 0x3F);
   }
-  return character;
+  constexpr char32_t kLeast[] = {0, 0x80, 0x800, 0x10000};
+  const bool surrogate = character >= 0xD800 && character < 0xE000;
+  return character < kLeast[more] || surrogate || character > 0x10FFFF ? 0xFFFD : character;
 }
 
 void append(std::string& text, char32_t c) {
