@@ -28,6 +28,13 @@ int place(int number) {
   return number;
 }
 
+std::size_t count_marks(std::string_view bytes) { return MarkScanner(bytes, 0, kSubvalueMark).count(); }
+
+// As a list grows by itself, so that many small changes stay cheap.
+void make_room(std::vector<std::uint32_t>& list, std::size_t size) {
+  if (size > list.capacity()) list.reserve(std::max(size, 2 * list.capacity()));
+}
+
 std::string run_of(char mark, int count) {
   return std::string(static_cast<std::size_t>(std::max(count, 0)), mark);
 }
@@ -172,8 +179,14 @@ void DbRecord::insert_before(int attribute, Leaves next, Leaves parent, char mar
   splice(attribute, end(parent), end(parent), bytes.insert(0, 1, mark));
 }
 
+// Nothing has changed where there is no memory for it.
 void DbRecord::splice(int attribute, std::size_t begin, std::size_t end, std::string_view bytes) {
-  if (bytes_.size() - (end - begin) + bytes.size() > kMaxBytes) throw std::length_error("record too long");
+  const std::size_t size = bytes_.size() - (end - begin) + bytes.size();
+  if (size > kMaxBytes) throw std::length_error("record too long");
+  bytes_.reserve(size);
+  const std::size_t marks = leaf_starts_.size() + count_marks(bytes) + 2;
+  for (std::vector<std::uint32_t>* list : {&leaf_starts_, &value_leaves_, &attribute_values_})
+    make_room(*list, list->size() + marks);
   bytes_.replace(begin, end - begin, bytes);
   index_from(attribute);
 }

@@ -7,6 +7,7 @@
 #include "store/select/evaluator.h"
 #include "store/select/found_rows.h"
 #include "store/select/parser.h"
+#include "text/failure.h"
 #include "velanor/backend.h"
 
 namespace velanor::store {
@@ -17,8 +18,7 @@ template <class Act>
 auto in_memory_that_suffices(Act act) try {
   return act();
 } catch (const std::bad_alloc&) {
-  throw DbError(kStoreFailure,
-                "Il n'y a plus assez de mémoire. Fermez d'autres programmes, puis recommencez.");
+  throw DbError(kStoreFailure, text::kNoMemory);
 }
 
 class StoreFile : public DbFile {

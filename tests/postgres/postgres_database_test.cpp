@@ -379,5 +379,43 @@ TEST_F(PostgresBase, KeptRecordsCostNoRoundTripUntilSomebodyChangesTheirFile) {
   }
 }
 
+TEST_F(PostgresBase, SelectionsOverKeptFilesCostNoRoundTripUntilSomebodyChangesThem) {
+  PostgresDatabase::Options options;
+  options.kept_files = {"RUBSAISIE", "LARGE", "EMPTY"};
+  const auto mine = open("clerk", options), others = open();
+  others->in_one_change([&] {
+    for (int i = 0; i < 50; ++i) others->put("RUBSAISIE", std::to_string(i), record("old"));
+    for (int i = 0; i < 2001; ++i) others->put("LARGE", std::to_string(i), record("old"));
+  });
+  for (const std::string name : {"RUBSAISIE", "LARGE", "EMPTY"}) {
+    SCOPED_TRACE(name);
+    const auto agrees = [&](const std::string& conditions) {
+      const std::string statement = "SSELECT " + name + conditions;
+      EXPECT_EQ(all_of(*mine, statement, name), all_of(*others, statement, name)) << statement;
+    };
+    const auto trips_of = [&](const std::function<void()>& act) {
+      const auto before = mine->round_trips();
+      act();
+      return mine->round_trips() - before;
+    };
+    agrees("");
+    EXPECT_EQ(trips_of([&] { agrees(""); }), 0u);
+    EXPECT_EQ(trips_of([&] { agrees(" AVEC 0 = \"1]\" PAR-DECR 1 PAR 0"); }), name == "LARGE" ? 1u : 0u);
+    others->put(name, "7", record("new"));
+    others->OpenFile(name)->DeleteRecord("8");
+    mine->OpenFile("VELANORO")->find("1");  // with whose answer the news come
+    agrees("");
+    mine->put(name, "9", record("mine"));
+    agrees("");
+    EXPECT_THROW(mine->in_one_change([&] {
+      mine->put(name, "10", record("undone"));
+      EXPECT_NE(all_of(*mine, "SSELECT " + name, name).find("10|undone"), std::string::npos);
+      throw std::runtime_error("undone");
+    }),
+                 std::runtime_error);
+    agrees("");
+  }
+}
+
 }  // namespace
 }  // namespace velanor::store

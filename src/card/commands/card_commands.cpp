@@ -372,16 +372,21 @@ void CardCommands::clear_display() {
   on_.ui.Txt_Etat.set_text({});
 }
 
+// Whatever fails on the way, the clerk can go on from there.
 std::exception_ptr CardCommands::return_to_browsing() {
-  card_went();
+  std::exception_ptr failure;
+  const auto go_on = [&failure](const auto& step) {
+    try {
+      step();
+    } catch (const std::exception&) {
+      if (!failure) failure = std::current_exception();
+    }
+  };
+  go_on([this] { card_went(); });
   on_.ui.Txt_Aidant.set_text({});
   close_card();
-  try {
-    list_employees();
-  } catch (const std::exception&) {
-    return std::current_exception();
-  }
-  return {};
+  go_on([this] { list_employees(); });
+  return failure;
 }
 
 void CardCommands::allow_browsing(const std::exception_ptr& failure) {

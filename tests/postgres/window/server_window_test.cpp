@@ -10,13 +10,13 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <fstream>
 
 #include "app/clerk.h"
 #include "app/velanor/program.h"
 #include "app/velanor/server_dialog.h"
 #include "postgres/server.h"
-#include "store/notation.h"
-#include "velanor/sqlite_database.h"
+#include "support/run_program.h"
 
 namespace velanor::app {
 namespace {
@@ -145,6 +145,19 @@ TEST_F(ServerWindow, TheDialogKeepsWhatWasTypedTellsWhatFailedAndForgetsThePassw
   for (const QString& key : settings.allKeys())
     EXPECT_FALSE(settings.value(key).toStringList().join(' ').contains("s3cret")) << key.toStdString();
   EXPECT_TRUE(settings.value("recent").toStringList().first().contains("guarded@"));
+}
+
+TEST_F(ServerWindow, TheProgramOpensTheUrlThatItIsGiven) {
+  const std::string scenario = folder_.filePath("scenario").toStdString();
+  std::ofstream(scenario)
+      << "type Txt_Asso 001\ntype Txt_Aidant 00001\nexpect Txt_NomAidant text \"HUET FABIENNE\"\n";
+  const auto played = test::run_program("QT_QPA_PLATFORM=offscreen " VELANOR " '" + url().toStdString() +
+                                        "' --play " + scenario);
+  EXPECT_EQ(played.status, 0) << played.output;
+  const auto refused = test::run_program("QT_QPA_PLATFORM=offscreen " VELANOR " '" +
+                                         url("stranger").toStdString() + "' --play " + scenario);
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_NE(refused.output.find("vous n'en avez pas le droit"), std::string::npos) << refused.output;
 }
 
 TEST_F(ServerWindow, OneThatIsOpenAlreadyComesToTheFront) {
