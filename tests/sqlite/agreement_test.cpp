@@ -5,6 +5,7 @@
 #include <iostream>
 #include <random>
 
+#include "sqlite/disk.h"
 #include "sqlite/snapshot.h"
 #include "sqlite/temporary_folder.h"
 #include "support/so_far.h"
@@ -43,7 +44,10 @@ struct Act {
 
 class Stores {
  public:
-  explicit Stores(unsigned seed) : random_(seed) { open(); }
+  explicit Stores(unsigned seed) : random_(seed) {
+    disk_.forget();
+    open();
+  }
 
   void step() {
     const auto what = below(20);
@@ -130,6 +134,7 @@ class Stores {
   }
 
   std::mt19937 random_;
+  Disk disk_;
   TemporaryFolder folder_;
   MemoryDatabase memory_;
   std::unique_ptr<SqliteDatabase> sqlite_;
@@ -138,7 +143,7 @@ class Stores {
 };
 
 TEST(Agreement, SqliteHoldsWhatTheMemoryStoreHoldsAfterWhateverIsDone) {
-  const int steps = long_tests() ? 100'000 : 600;
+  const int steps = long_tests() ? 500'000 : 5000;
   Stores stores(17);
   for (int n = 0; n < steps; ++n) {
     stores.step();

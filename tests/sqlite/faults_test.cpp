@@ -125,7 +125,7 @@ class FailingDisk : public testing::Test {
   // Whether a call was there to fail.
   bool run(const Work& work, Disk::Fault fault, Disk::Lasting lasting, int nth, const std::string& before,
            const std::string& after) {
-    const TemporaryFolder own;
+    const TemporaryFolder own(TemporaryFolder::On::kMemory);
     const std::string folder = own.file("");
     copy_base(original_->file(""), folder);
     std::string error;
@@ -155,7 +155,7 @@ class FailingDisk : public testing::Test {
 TEST_F(FailingDisk, IsToldAndLeavesTheOldStateOrTheNewOneAtEveryCallOfEveryWork) {
   for (const Work& work : kWorks) {
     SCOPED_TRACE(work.name);
-    original_ = std::make_unique<TemporaryFolder>();
+    original_ = std::make_unique<TemporaryFolder>(TemporaryFolder::On::kMemory);
     lay_base(original_->file(""), work.base);
     std::string before, after;
     {

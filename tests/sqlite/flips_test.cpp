@@ -77,7 +77,7 @@ class ChangedFile : public testing::Test {
     expected_ = answers(base);
   }
 
-  TemporaryFolder folder_;
+  TemporaryFolder folder_{TemporaryFolder::On::kMemory};
   std::string path_ = folder_.file("base");
   std::string original_, expected_;
 };

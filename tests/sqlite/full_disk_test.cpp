@@ -53,7 +53,7 @@ class FullDisk : public testing::Test {
   }
 
   Disk disk_;
-  TemporaryFolder folder_;
+  TemporaryFolder folder_{TemporaryFolder::On::kMemory};
   std::string path_ = folder_.file("base");
   int next_ = 1;
   std::map<int, int> last_;

@@ -81,7 +81,7 @@ void judge(const std::string& path, const std::vector<std::int64_t>& acknowledge
 }
 
 Losses cut_power(const char* settings, int states) {
-  const TemporaryFolder folder;
+  const TemporaryFolder folder(TemporaryFolder::On::kMemory);
   Disk disk;
   disk.remember();
   save_cards(disk, folder.file("base"), settings);
@@ -95,7 +95,7 @@ Losses cut_power(const char* settings, int states) {
   Losses losses;
   std::vector<std::int64_t> acknowledged(kCards);
   std::size_t seen = 0;
-  const TemporaryFolder after;
+  const TemporaryFolder after(TemporaryFolder::On::kMemory);
   for (const std::size_t moment : moments) {
     for (; seen < moment; ++seen) {
       if (events[seen].kind == Disk::Event::Kind::kMark)

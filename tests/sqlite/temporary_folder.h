@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <string>
@@ -11,8 +12,12 @@ namespace velanor {
 
 class TemporaryFolder {
  public:
-  TemporaryFolder() {
-    std::string name = testing::TempDir() + "velanor-XXXXXX";
+  // kMemory, where the system has such a place: for what nothing depends on but that there are files, by
+  // the thousand.
+  enum class On { kDisk, kMemory };
+  explicit TemporaryFolder(On on = On::kDisk) {
+    const bool memory = on == On::kMemory && access("/dev/shm/", W_OK) == 0;
+    std::string name = (memory ? "/dev/shm/" : testing::TempDir()) + "velanor-XXXXXX";
     path_ = mkdtemp(name.data());
   }
   ~TemporaryFolder() { std::filesystem::remove_all(path_); }

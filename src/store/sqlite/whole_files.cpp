@@ -96,7 +96,7 @@ std::string free_name_beside(const std::string& path) {
   std::strftime(moment, sizeof moment, "%Y%m%d-%H%M%S", &local);
   const std::string name = path + ".avant-" + moment;
   for (int n = 1;; ++n) {
-    const std::string candidate = n == 1 ? name : name + "-" + std::to_string(n);
+    std::string candidate = n == 1 ? name : name + "-" + std::to_string(n);
     if (!is_there(candidate)) return candidate;
   }
 }
