@@ -51,7 +51,7 @@ TEST(Usage, TheWindowProgramSpeaksTheSameWay) {
     const char* sentence;
   } cases[] = {{"--shots x", "--shots ne va pas sans --play"},
                {"--play", "--play attend une valeur"},
-               {"x", "argument inattendu : x"},
+               {"x y", "argument inattendu : y"},
                {"--bogus", "l'option --bogus n'existe pas"}};
   for (const auto& [arguments, sentence] : cases) {
     SCOPED_TRACE(arguments);
