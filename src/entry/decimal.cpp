@@ -24,7 +24,7 @@ class DecimalReader {
       read_decimals();
     }
     for (; decimals_ > 0; --decimals_) push(0);
-    if (round_up_) add(1);
+    if (round_up_) round_up();
     if (bad_ || !any_digit_ || at_ < text_.size()) return {};
     return negative_ ? -value_ : value_;
   }
@@ -45,14 +45,13 @@ class DecimalReader {
   }
 
   void read_integer() {
-    int significant = 0;
     while (at_digit()) {
       const int digit = take_digit();
       push(digit);
-      significant += value_ != 0 ? 1 : 0;
+      significant_ += value_ != 0 ? 1 : 0;
       skip_blanks_before_digit();
     }
-    if (significant > kMostIntegerDigits) bad_ = true;
+    if (significant_ > kMostIntegerDigits) bad_ = true;
   }
 
   void skip_blanks_before_digit() {
@@ -65,6 +64,14 @@ class DecimalReader {
     for (; at_digit() && decimals_ > 0; --decimals_) push(take_digit());
     if (at_digit()) round_up_ = text_[at_] >= '5';
     while (at_digit()) rounded_ |= take_digit() != 0;
+  }
+
+  // Nines all the way become a digit more, which may be one too many.
+  void round_up() {
+    const auto digits = std::to_string(value_).size();
+    add(1);
+    const bool longer = std::to_string(value_).size() > digits;
+    if (longer && significant_ == kMostIntegerDigits) bad_ = true;
   }
 
   void push(int digit) {
@@ -82,6 +89,7 @@ class DecimalReader {
   int decimals_;
   std::size_t at_ = 0;
   std::int64_t value_ = 0;
+  int significant_ = 0;  // digits before the separator
   bool negative_ = false;
   bool any_digit_ = false;
   bool round_up_ = false;

@@ -42,7 +42,7 @@ def use_again(velanor):
     w = Window(velanor)
     w.come_forward()
     w.at("Entité juridique")
-    w.key("alt+f", "Down", "Right")
+    w.key("alt+f", "Down", "Down", "Right")
     w.at("velanor.db")
     # One at a time: what comes while a menu closes goes with it.
     for behind in ("Bases récentes", "Fichier", "Entité juridique"):

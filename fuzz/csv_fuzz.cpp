@@ -1,0 +1,6 @@
+#include "csv_target.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  velanor::store::fuzz::run_csv(data, size);
+  return 0;
+}
