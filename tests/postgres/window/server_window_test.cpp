@@ -150,7 +150,7 @@ TEST_F(ServerWindow, TheDialogKeepsWhatWasTypedTellsWhatFailedAndForgetsThePassw
 TEST_F(ServerWindow, TheProgramOpensTheUrlThatItIsGiven) {
   const std::string scenario = folder_.filePath("scenario").toStdString();
   std::ofstream(scenario)
-      << "type Txt_Asso 001\ntype Txt_Aidant 00001\nexpect Txt_NomAidant text \"HUET FABIENNE\"\n";
+      << "init\ntype Txt_Asso 001\ntype Txt_Aidant 00001\nexpect Txt_NomAidant text \"HUET FABIENNE\"\n";
   const auto played = test::run_program("QT_QPA_PLATFORM=offscreen " VELANOR " '" + url().toStdString() +
                                         "' --play " + scenario);
   EXPECT_EQ(played.status, 0) << played.output;
