@@ -37,8 +37,10 @@ int line_of(std::string_view text, std::size_t at) {
 // Where the first byte stands that cannot enter a record.
 std::size_t first_foreign(std::string_view text) {
   const std::string clean = store::clean_text(text);
-  return static_cast<std::size_t>(std::mismatch(text.begin(), text.end(), clean.begin(), clean.end()).first -
-                                  text.begin());
+  if (clean == text) return text.size();
+  const auto differs = std::mismatch(text.begin(), text.end(), clean.begin(), clean.end()).first;
+  // The last byte may be the first one of what takes its place.
+  return std::min(static_cast<std::size_t>(differs - text.begin()), text.size() - 1);
 }
 
 bool needs_quotes(std::string_view field, char separator) {

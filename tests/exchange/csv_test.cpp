@@ -59,6 +59,7 @@ TEST(Csv, SaysWhatIsWrongWithARow) {
 TEST(Csv, ReadsWhatOlderSpreadsheetsWrite) {
   EXPECT_EQ(rows("id;Nom\n1;Ren\xE9 M\xFCller \x8Cuvre \x80\n2;l\x92\xE9t\xE9\n"),
             "1:id|Nom|\n2:1|René Müller Œuvre €|\n3:2|l’été|\n");
+  EXPECT_EQ(rows("id;Nom\n1;Lo\xEF"), "1:id|Nom|\n2:1|Loï|\n");
 }
 
 // One sentence for the table, however many lines it has.
