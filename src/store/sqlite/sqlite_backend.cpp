@@ -299,6 +299,8 @@ void SqliteBackend::run_change(const std::function<void()>& writes) {
   }
 }
 
+void SqliteBackend::end_checkpoints() { shelf()->checkpointer.reset(); }
+
 // A statement that is not at its end keeps the view of its connection.
 void SqliteBackend::in_one_view(const std::function<void()>& reads) {
   const auto held = shelf();

@@ -40,6 +40,8 @@ class SqliteBackend : public Backend {
   // Makes the writes of `writes` one change, undone if it throws.
   void in_one_change(const std::function<void()>& writes) override;
   void in_one_view(const std::function<void()>& reads) override;
+  // Waits for one that is under way; the next write begins them anew.
+  void end_checkpoints();
   Connection& connection() { return shelf()->connection; }
   // Nothing for a file that was never written.
   std::optional<std::int64_t> number(std::string_view file);

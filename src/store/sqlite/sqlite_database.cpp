@@ -87,6 +87,8 @@ void SqliteDatabase::build(const std::string& path, const std::function<bool(Sql
   sqlite::make_new_file(path, [&](const std::string& unfinished) {
     SqliteDatabase database(unfinished);
     if (!fill(database)) return false;
+    // A checkpoint of so much, beside this one, may take longer than anything waits.
+    database.backend_->end_checkpoints();
     sqlite::settle(database.backend_->connection());
     return true;
   });
