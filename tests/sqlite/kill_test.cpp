@@ -1,9 +1,9 @@
 // Programs that die without a warning while they save.
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <iostream>
 #include <map>
 #include <random>
@@ -56,7 +56,7 @@ TEST(KilledProgram, LosesNoAcknowledgedSaveAndLeavesNoneHalfDone) {
   const int cycles = long_tests() ? 10'000 : 300;
   const TemporaryFolder folder;
   const std::string path = folder.file("base");
-  SqliteDatabase(path, {.missing = SqliteDatabase::Missing::kCreate});
+  { const SqliteDatabase made(path, {.missing = SqliteDatabase::Missing::kCreate}); }
   std::mt19937 random(3);
   std::map<int, int> last;  // of each card, the save that was acknowledged
   int next = 0, acknowledged = 0;

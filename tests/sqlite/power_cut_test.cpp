@@ -89,6 +89,7 @@ Losses cut_power(const char* settings, int states) {
   const auto& events = disk.events();
   std::mt19937 random(7);
   std::vector<std::size_t> moments;
+  moments.reserve(static_cast<std::size_t>(states));
   for (int n = 0; n < states; ++n) moments.push_back(random() % (events.size() + 1));
   std::sort(moments.begin(), moments.end());
   PowerCut cut(events);

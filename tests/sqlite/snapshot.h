@@ -16,7 +16,8 @@ inline std::string snapshot(SqliteDatabase& database) {
     const DbResult ids = database.Select(DbQuery("SSELECT " + file + " PAR 0", file, "0").encoded());
     for (int i = 1; i <= ids.DCount(); ++i) {
       const std::string id(ids(i));
-      text += file + " " + id + " = " + shown(database.OpenFile(file)->Read(id)) + "\n";
+      text.append(file).append(" ").append(id).append(" = ");
+      text.append(shown(database.OpenFile(file)->Read(id))).append("\n");
     }
     auto all = database.history()->deleted(file, "");
     for (int i = 1; i <= ids.DCount(); ++i) all.emplace_back(ids(i));
