@@ -22,8 +22,8 @@ inline void run_entry(const std::uint8_t* data, std::size_t size) {
     const std::string shown = entry::format_decimal(*value, decimals, decimals);
     FUZZ_CHECK(entry::parse_decimal(shown, decimals) == value);
     FUZZ_CHECK(!entry::has_more_decimals(shown, decimals));
-    FUZZ_CHECK(entry::text_to_stored(entry::stored_to_text(std::to_string(*value), decimals, decimals), decimals) ==
-               std::to_string(*value));
+    FUZZ_CHECK(entry::text_to_stored(entry::stored_to_text(std::to_string(*value), decimals, decimals),
+                                     decimals) == std::to_string(*value));
   }
   const auto date = kEntry->CheckDate(text);
   if (date.day.empty()) return;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "card/record/card_dates.h"
+#include "card/record/cut_lines.h"
 #include "card/record/known_files.h"
 #include "card/record/saving.h"
 #include "text/number.h"
@@ -80,6 +81,9 @@ CardImport::Findings CardImport::finish(std::string_view id, const DbRecord* bef
   if (before == nullptr || dates(*before) != dates(card)) {
     for (const card::Fault& fault : card::faults_of_dates(card, today_)) findings.faults.push_back(fault);
   }
+  // Another table may bring what is missing; until then the screen would not show them.
+  if (findings.faults.empty() && findings.unknown_codes.empty())
+    findings.remarks = card::faults_of_cut_lines(card);
   follow_saving(before, card);
   return findings;
 }

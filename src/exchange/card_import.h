@@ -24,6 +24,7 @@ class CardImport {
  public:
   struct Findings {
     std::vector<card::Fault> faults, unknown_codes;
+    std::vector<card::Fault> remarks;  // which keep nothing from being written
   };
 
   // Keeps the columns, whose owner outlives it.

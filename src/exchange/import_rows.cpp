@@ -242,6 +242,7 @@ void ImportRows::finish_card() {
   for (const card::Fault& found : findings.faults) fault(pending_->line, found.sentence());
   auto& unknown = options_.accept_unknown ? report_.remarks : report_.faults;
   for (const card::Fault& found : findings.unknown_codes) note(unknown, pending_->line, found.sentence());
+  for (const card::Fault& found : findings.remarks) note(report_.remarks, pending_->line, found.sentence());
   report_.unknown_codes |= !options_.accept_unknown && !findings.unknown_codes.empty();
   pending_->good = findings.faults.empty() && (options_.accept_unknown || findings.unknown_codes.empty());
 }

@@ -6,6 +6,7 @@
 #include "card/record/amendment_columns.h"
 #include "card/record/card_dates.h"
 #include "card/record/codec.h"
+#include "card/record/cut_lines.h"
 #include "card/record/named_fields.h"
 #include "card/record/record_compare.h"
 #include "card/record/rules.h"
@@ -39,7 +40,7 @@ class Examination {
     check_order();
     for (card::Fault& found : card::faults_of_dates(card_, today_)) faults_.push_back(std::move(found));
     check_fields();
-    check_lines();
+    for (card::Fault& found : card::faults_of_cut_lines(card_)) faults_.push_back(std::move(found));
     return std::move(faults_);
   }
 
@@ -51,7 +52,6 @@ class Examination {
   void check_id();
   void check_order();
   void check_fields();
-  void check_lines();
 
   const card::References& references_;
   const card::Codec& codec_;
@@ -94,19 +94,6 @@ void Examination::check_fields() {
       }
     });
   }
-}
-
-// A line that is cut off is said once, however many columns it has. The first column ends the list.
-void Examination::check_lines() {
-  const auto go_on = [this](std::span<const card::Field> columns) {
-    const int lines = card::lines_of(card_, columns.front());
-    return std::any_of(columns.begin(), columns.end(),
-                       [&](const card::Field& column) { return card_.Count(column.number) > lines; });
-  };
-  if (go_on(card::kActivityColumns))
-    fault("Des lignes d'activité suivent une activité vide : l'écran ne les montre pas.");
-  if (go_on(card::kAmendmentAttributes))
-    fault("Des lignes d'avenant suivent une date d'effet vide : l'écran ne les montre pas.");
 }
 
 }  // namespace

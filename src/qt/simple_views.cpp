@@ -3,6 +3,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QShortcut>
 #include <QTabBar>
 
 #include "qt/strings.h"
@@ -121,6 +122,14 @@ TabsView::TabsView(Acts& acts_given, screen::Tabs& control, QTabWidget& tabs, QO
   watch(*tabs.tabBar());
   new TabFocus(*tabs.tabBar());
   tabs.installEventFilter(this);
+  // From the fields around the pages as well.
+  const auto step_by = [&](Qt::Key key, int by) {
+    auto* shortcut = new QShortcut(QKeySequence(Qt::CTRL | key), tabs.parentWidget());
+    shortcut->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(shortcut, &QShortcut::activated, this, [this, by] { step(by); });
+  };
+  step_by(Qt::Key_PageDown, 1);
+  step_by(Qt::Key_PageUp, -1);
   connect(&tabs, &QTabWidget::currentChanged, this, [this](int page) {
     if (!showing()) show_page(page);
   });
@@ -165,12 +174,9 @@ bool TabsView::eventFilter(QObject* watched, QEvent* event) {
   }
   if (event->type() != QEvent::KeyPress) return watched == &tabs_ ? false : View::eventFilter(watched, event);
   const auto& key = *static_cast<QKeyEvent*>(event);
-  const bool control = key.modifiers() & Qt::ControlModifier;
   const bool on_bar = watched == tabs_.tabBar();
-  if ((on_bar && key.key() == Qt::Key_Right) || (control && key.key() == Qt::Key_PageDown))
-    return step(1), true;
-  if ((on_bar && key.key() == Qt::Key_Left) || (control && key.key() == Qt::Key_PageUp))
-    return step(-1), true;
+  if (on_bar && key.key() == Qt::Key_Right) return step(1), true;
+  if (on_bar && key.key() == Qt::Key_Left) return step(-1), true;
   return false;
 }
 

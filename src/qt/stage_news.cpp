@@ -2,6 +2,8 @@
 #include <QApplication>
 #include <QLabel>
 #include <QLayout>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTimer>
 #include <utility>
 
@@ -54,7 +56,12 @@ void ControleVelanorWidget::Stage::tell(Signal signal, const Values&... values) 
   if (widget_) emit(widget_->*signal)(values...);
 }
 
+// A card is read from its top.
 void ControleVelanorWidget::Stage::card_opened(const control::Card& card) {
+  if (widget_) {
+    for (const QScrollArea* area : widget_->findChildren<QScrollArea*>())
+      area->verticalScrollBar()->setValue(0);
+  }
   tell(&ControleVelanorWidget::card_opened, to_qt(card.id), to_qt(card.title));
 }
 void ControleVelanorWidget::Stage::card_saved(const control::Card& card) {

@@ -34,6 +34,10 @@ TEST(Usage, EveryMistakeIsToldInFrench) {
        "--separator : « x » n'est pas une des valeurs possibles. Voir velanorctl export --help."},
       {"export --file F --names=oui",
        "--names : « oui » n'est pas une des valeurs possibles. Voir velanorctl export --help."},
+      {"restore-version F 1 0 --demo",
+       "NUMERO : « 0 » n'est pas un nombre de 1 à 999999999. Voir velanorctl restore-version --help."},
+      {"diff F 1 abc --demo",
+       "V1 : « abc » n'est pas un nombre de 1 à 999999999. Voir velanorctl diff --help."},
       {"check --demo --store x", "--store et --demo s'excluent. Voir velanorctl check --help."},
       {"check", "--store manque. Voir velanorctl check --help."},
   };

@@ -212,12 +212,23 @@ TEST_F(CommandLine, AnExportIsAFileOfItsOwnersAloneAndFollowsNoLink) {
   fs::create_symlink(folder_.file("secret"), folder_.file("lien.csv"));
   fs::create_symlink(folder_.file("secret"), folder_.file("table.csv.partiel"));
   write("table.csv.0123456789ab.partiel", "reste d'un programme tué");
-  for (const char* table : {"table.csv", "lien.csv"}) {
-    EXPECT_EQ(run(std::string("export ") + table + " --store base --file SECTEUR").status, 0);
-    EXPECT_EQ(fs::symlink_status(folder_.file(table)).permissions(),
+  // Also in the place of an older one.
+  for (int times = 0; times < 2; ++times) {
+    EXPECT_EQ(run("export table.csv --store base --file SECTEUR").status, 0);
+    EXPECT_EQ(fs::symlink_status(folder_.file("table.csv")).permissions(),
               fs::perms::owner_read | fs::perms::owner_write);
-    EXPECT_FALSE(fs::is_symlink(folder_.file(table)));
   }
+  // What is no table stays: a link, the base itself, another base, what is no file.
+  run("demo autre");
+  for (const char* target : {"lien.csv", "base", "autre", "/dev/null", "."}) {
+    const Outcome refused = run(std::string("export ") + target + " --store base --file SECTEUR");
+    EXPECT_EQ(refused.status, 1) << target;
+    EXPECT_NE(refused.output.find("n'a pas été écrit"), std::string::npos) << refused.output;
+  }
+  EXPECT_TRUE(fs::is_symlink(folder_.file("lien.csv")));
+  EXPECT_TRUE(fs::is_character_file("/dev/null"));
+  EXPECT_EQ(run("show SECTEUR 001 --store base").status, 0);
+  EXPECT_EQ(run("show SECTEUR 001 --store autre").status, 0);
   EXPECT_EQ(fs::file_size(folder_.file("secret")), std::string("à garder").size());
   EXPECT_TRUE(fs::is_symlink(folder_.file("table.csv.partiel"))) << "somebody else's file was removed";
   EXPECT_FALSE(fs::exists(folder_.file("table.csv.0123456789ab.partiel")));

@@ -257,6 +257,9 @@ void Program::remember(const QString& path) {
 void Program::show_backups(MainWindow& window) try {
   const Desk* desk = desk_of(window);
   if (!desk || window.component().open_message()) return;
+  if (window.component().modified())
+    return window.tell(
+        "Enregistrez ou annulez d'abord la fiche ouverte : reprendre une sauvegarde la ferme.");
   auto* dialog = new BackupsDialog(desk->path, &window);
   // When the dialog is gone.
   connect(
@@ -271,7 +274,7 @@ void Program::show_backups(MainWindow& window) try {
 }
 
 void Program::take_backup(MainWindow& window, const QString& backup, const QString& moment) {
-  if (!window.may_leave(MainWindow::Leaving::kNot)) return;
+  if (window.component().modified() || window.component().open_message()) return;
   const auto at = std::find_if(desks_.begin(), desks_.end(),
                                [&](const auto& desk) { return desk->window.get() == &window; });
   const QString path = (*at)->path;

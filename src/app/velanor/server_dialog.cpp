@@ -123,7 +123,11 @@ void ServerDialog::show_failure(const QString& sentence) {
 
 // It takes some seconds at most where nobody answers; the fields are out of reach meanwhile.
 void ServerDialog::connect_now() {
+  if (host_->text().trimmed().isEmpty() || base_->text().trimmed().isEmpty())
+    return show_failure("Donnez le nom du serveur et celui de la base.");
   QString failure;
+  failure_->setText("Connexion en cours…");
+  failure_->show();
   {
     setEnabled(false);
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);

@@ -55,12 +55,8 @@ void add_diff(CLI::App& program, int& status) {
   CLI::App* command =
       program.add_subcommand("diff", "Dit ce qui change entre deux versions d'un enregistrement");
   add_record_options(*command, *options);
-  command->add_option("V1", options->from, "Le numéro de la première ; sinon l'avant-dernière")
-      ->type_name("")
-      ->check(CLI::PositiveNumber.description(""));
-  command->add_option("V2", options->to, "Le numéro de la seconde ; sinon la dernière")
-      ->type_name("")
-      ->check(CLI::PositiveNumber.description(""));
+  add_version_number(*command, "V1", options->from, "Le numéro de la première ; sinon l'avant-dernière");
+  add_version_number(*command, "V2", options->to, "Le numéro de la seconde ; sinon la dernière");
   command->footer(
       "Une fiche (VELANORO) est dite dans les mots de l'écran, les autres fichiers par position.");
   command->callback([options, &status] { status = tell_changes(*options); });

@@ -49,6 +49,9 @@ void add_store_options(CLI::App& command, StoreOptions& options) {
 }
 
 std::string path_of(std::string_view url) {
+  if (url == kSqlite)
+    throw store::DbError(store::kStoreFailure,
+                         "Il manque le chemin de la base derrière « sqlite: ». Donnez-le.");
   if (Server::is_url(url)) {
     throw store::DbError(store::kStoreFailure,
                          "La base « " + Server::without_password(url) +

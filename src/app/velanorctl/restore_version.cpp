@@ -35,10 +35,9 @@ void add_restore_version(CLI::App& program, int& status) {
   CLI::App* command =
       program.add_subcommand("restore-version", "Rétablit une version antérieure d'un enregistrement");
   add_record_options(*command, *options);
-  command->add_option("NUMERO", options->number, "Le numéro de la version, comme « history » le donne")
-      ->required()
-      ->type_name("")
-      ->check(CLI::PositiveNumber.description(""));
+  add_version_number(*command, "NUMERO", options->number,
+                     "Le numéro de la version, comme « history » le donne")
+      ->required();
   command->footer("Rien n'est perdu : ce qui était stocké reste dans l'historique.");
   command->callback([options, &status] { status = bring_back(*options); });
 }

@@ -16,6 +16,14 @@ std::vector<store::Version> versions_of(store::Database& database, const RecordO
   return office::versions_of(database, record.file, record.id);
 }
 
+CLI::Option* add_version_number(CLI::App& command, const char* name, std::uint64_t& number,
+                                const char* what) {
+  constexpr std::uint64_t kMost = 999'999'999;
+  return command.add_option(name, number, what)
+      ->type_name("")
+      ->check(CLI::Range(std::uint64_t{1}, kMost).description(""));
+}
+
 std::string author_of(const store::Version& version) { return printable(office::author_of(version)); }
 
 }  // namespace velanor::app

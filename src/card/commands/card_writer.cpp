@@ -60,8 +60,8 @@ CardWriter::Outcome CardWriter::save(store::FileRecord& stored, const card::Draf
         expected = store::Expected::record(*theirs);
         reunited = true;
       } else {
-        if (!screen_.confirm("Cette fiche a été supprimée entre-temps sur un autre poste.\r\n"
-                             "Voulez-vous la rétablir telle que vous l'avez saisie ?"))
+        if (!screen_.confirm_loss("Cette fiche a été supprimée entre-temps sur un autre poste.\r\n"
+                                  "Voulez-vous la rétablir telle que vous l'avez saisie ?"))
           return Outcome::kBack;
         wanted = entered.record();
         expected = store::Expected::absent();

@@ -16,7 +16,7 @@ CardScreen::CardScreen() : Form("ControleVelanor", "Fiches du personnel") {
   for (ComboBox* box : {&Cbo_Periode, &Cbo_EtudeAidant, &Cbo_Activites}) box->make_list_only();
   Mnu_Sommaire.set_parent(Mnu_Aide);
   cancel_buttons = {&Cmd_AnnulDetail, &Cmd_AnnulAct, &Cmd_Annul};
-  perilous_buttons = {&Cmd_SuppDetail, &Cmd_Supp};
+  perilous_buttons = {&Cmd_SuppDetail, &Cmd_Supp, &Cmd_Copier};
   tables = {amendment_table(),
             {{.list = &Lst_Activites, .heading = &Etq_Activite, .part = activity_label},
              {.list = &Lst_Activites, .heading = &Etq_Pourc, .part = activity_share}}};

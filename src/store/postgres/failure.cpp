@@ -40,6 +40,9 @@ constexpr Sentence kSentences[] = {
     {"XX", "est endommagée. Arrêtez de vous en servir et prévenez celui qui gère le serveur."},
 };
 
+constexpr std::string_view kNoServer =
+    "ce qui répond à cette adresse et à ce port n'est pas un serveur PostgreSQL";
+
 // What the library says, in its words or with the server's code, and what a person is told.
 constexpr Sentence kConnecting[] = {
     {":  28P01:", "le mot de passe n'est pas celui de l'utilisateur"},
@@ -56,6 +59,9 @@ constexpr Sentence kConnecting[] = {
     {"does not support SSL", "le serveur ne chiffre pas ses liaisons"},
     {"root certificate file", "le certificat de l'autorité manque sur ce poste, dans ~/.postgresql/root.crt"},
     {"certificate verify failed", "le certificat du serveur n'est pas de l'autorité que ce poste connaît"},
+    {"invalid port number", "le port n'est pas un nombre de 1 à 65535"},
+    {"invalid response to SSL negotiation", kNoServer},
+    {"expected authentication request", kNoServer},
     {"server certificate for", "le certificat du serveur n'est pas à ce nom"},
 };
 
@@ -66,7 +72,8 @@ std::string connection_failure(std::string_view message) {
   for (const Sentence& sentence : kConnecting) {
     if (message.find(sentence.code) != message.npos) return std::string(sentence.text);
   }
-  return clean_text(message.substr(0, message.find('\n')));
+  return "la liaison n'a pas pu se faire ; en détail : « " +
+         clean_text(message.substr(0, message.find('\n'))) + " »";
 }
 
 ConnectionLost::ConnectionLost(std::string_view place)

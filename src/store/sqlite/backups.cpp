@@ -37,6 +37,14 @@ std::tm moment_of(const std::string& text) {
   return moment;
 }
 
+// A name that somebody gave by hand may hold any digits.
+bool is_moment(const std::string& text) {
+  std::tm moment = moment_of(text);
+  const std::tm as_named = moment;
+  return std::mktime(&moment) != -1 && moment.tm_mday == as_named.tm_mday &&
+         moment.tm_mon == as_named.tm_mon && moment.tm_min == as_named.tm_min;
+}
+
 DbError no_folder(const std::string& folder) {
   return {kStoreFailure, "Le dossier de sauvegarde « " + folder +
                              " » n'existe pas. Créez-le, ou vérifiez que son disque est branché."};
@@ -106,7 +114,7 @@ std::vector<Backup> Backups::newest_first() const {
   for (const auto& [age, path] : by_age()) {
     std::error_code gone;
     const auto size = fs::file_size(path, gone);
-    if (!gone) backups.push_back({path, moment_of(age.first), size});
+    if (!gone && is_moment(age.first)) backups.push_back({path, moment_of(age.first), size});
   }
   return backups;
 }
@@ -169,14 +177,16 @@ void Backups::remove_left_behind() const {
 }
 
 // One of an earlier version has no checksums, and stays as it is: opening it would bring it up to date.
-void verify_backup(const std::string& path) {
-  const DamagedError damaged(kStoreFailure,
-                             "La sauvegarde « " + path + " » est endommagée. Prenez-en une autre.");
+void verify_backup(const std::string& path) try {
+  const DamagedError damaged(kStoreFailure, "");
   Connection file(path, Missing::kFail, kPatience);
   if (file.number("PRAGMA application_id") != kApplicationId) throw failure(SQLITE_NOTADB, path, "");
   if (!damages_of(file).empty()) throw damaged;
   const auto version = static_cast<std::size_t>(file.number("PRAGMA user_version"));
   if (version == schema_steps().size() && !SqliteDatabase(path).damaged_records().empty()) throw damaged;
+} catch (const DamagedError&) {
+  // Of a base one would be told to take back its backup.
+  throw DamagedError(kStoreFailure, "La sauvegarde « " + path + " » est endommagée. Prenez-en une autre.");
 }
 
 }  // namespace velanor::store::sqlite

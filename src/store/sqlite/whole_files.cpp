@@ -163,11 +163,15 @@ void with_copy(Connection& from, const std::string& path, const std::function<vo
 std::string put_in_place(const std::string& backup, const std::string& path) {
   refuse_unsafe_place(path);
   UnfinishedFile file(path);
-  copy_backup(backup, file.path());
-  if (!is_sound(file.path()))
-    throw DamagedError(
-        kStoreFailure,
-        not_restored(path, "la sauvegarde « " + backup + " » est endommagée. Prenez-en une autre.").what());
+  const DamagedError damaged(
+      kStoreFailure,
+      not_restored(path, "la sauvegarde « " + backup + " » est endommagée. Prenez-en une autre.").what());
+  try {
+    copy_backup(backup, file.path());
+  } catch (const DamagedError&) {
+    throw damaged;
+  }
+  if (!is_sound(file.path())) throw damaged;
   if (!is_there(path)) {
     if (!file.complete_if_free()) throw taken(path);
     return {};
