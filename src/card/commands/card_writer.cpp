@@ -45,7 +45,7 @@ CardWriter::Outcome CardWriter::save(store::FileRecord& stored, const card::Draf
   const card::Draft before(entered.reading(), stored);
   store::DbRecord wanted = entered.record();
   store::Expected expected = store::Expected::record(stored);
-  bool reunited = false;
+  std::string told;
   // Whoever saves meanwhile is met again.
   while (true) {
     try {
@@ -58,19 +58,20 @@ CardWriter::Outcome CardWriter::save(store::FileRecord& stored, const card::Draf
         if (!together) return Outcome::kBack;
         wanted = std::move(*together);
         expected = store::Expected::record(*theirs);
-        reunited = true;
+        told = kMeanwhile + (wanted == *theirs ? " : elle reste telle qu'elle y a été enregistrée."
+                                               : " : ses modifications et les vôtres sont réunies.");
       } else {
         if (!screen_.confirm_loss("Cette fiche a été supprimée entre-temps sur un autre poste.\r\n"
                                   "Voulez-vous la rétablir telle que vous l'avez saisie ?"))
           return Outcome::kBack;
         wanted = entered.record();
         expected = store::Expected::absent();
-        reunited = false;
+        told.clear();
       }
     }
   }
   stored.assign(wanted);
-  if (reunited) screen_.inform(kMeanwhile + " : ses modifications et les vôtres sont réunies.");
+  if (!told.empty()) screen_.inform(told);
   return Outcome::kDone;
 }
 
