@@ -11,21 +11,6 @@
 namespace velanor::office {
 namespace {
 
-// By its name, or a beginning that no other has.
-std::optional<Column> column_named(std::string_view typed) {
-  const std::string name = text::folded(typed);
-  std::optional<Column> found;
-  if (name.size() < 2) return found;
-  for (std::size_t c = 0; c < kColumns; ++c) {
-    const std::string title = text::folded(kTitles[c].title);
-    if (title == name) return Column(c);
-    if (!title.starts_with(name)) continue;
-    if (found) return std::nullopt;
-    found = Column(c);
-  }
-  return found;
-}
-
 std::optional<int> small_number(std::string_view digits) {
   if (!text::is_digits(digits) || digits.size() > 4) return std::nullopt;
   return static_cast<int>(*text::whole_number(digits));

@@ -80,6 +80,20 @@ std::string faults_text(int faults) {
 
 }  // namespace
 
+std::optional<Column> column_named(std::string_view typed) {
+  const std::string name = text::folded(typed);
+  std::optional<Column> found;
+  if (name.size() < 2) return found;
+  for (std::size_t c = 0; c < kColumns; ++c) {
+    const std::string title = text::folded(kTitles[c].title);
+    if (title == name) return Column(c);
+    if (!title.starts_with(name)) continue;
+    if (found) return std::nullopt;
+    found = Column(c);
+  }
+  return found;
+}
+
 // ---- The texts of a column.
 
 std::uint32_t Texts::add(std::string_view shown, std::optional<std::int64_t> value) {

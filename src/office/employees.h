@@ -64,6 +64,9 @@ inline constexpr std::array<ColumnTitle, kColumns> kTitles{{
     {"Année", Kind::kNumber},
 }};
 
+// By its title, or a beginning that no other has; two characters at least. Nothing for any other text.
+std::optional<Column> column_named(std::string_view typed);
+
 // The different texts of a column, each once: what is searched and compared is worked out once a text.
 class Texts {
  public:

@@ -27,6 +27,7 @@ void add_diff(CLI::App& program, int& status);
 void add_restore_version(CLI::App& program, int& status);
 void add_purge_history(CLI::App& program, int& status);
 void add_copy(CLI::App& program, int& status);
+void add_employees(CLI::App& program, int& status);
 void add_setup_server(CLI::App& program, int& status);
 
 }  // namespace velanor::app
