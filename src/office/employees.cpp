@@ -168,12 +168,12 @@ bool Employees::read(const Reach& reach) {
 // A row that is new stands at the end, and an old one too, to be examined again.
 bool Employees::renew(std::string_view id) {
   if (!has_read_ || !card::is_record_id(id) || !id.ends_with(reach_.entity + reach_.year)) return false;
+  const auto found = select(" AVEC 0 = " + store::quoted(id));
   const auto old = std::find_if(rows_.begin(), rows_.end(), [&](const Row& row) { return row.id == id; });
   if (old != rows_.end()) {
     if (static_cast<std::size_t>(old - rows_.begin()) < examined_) --examined_;
     rows_.erase(old);
   }
-  const auto found = select(" AVEC 0 = " + store::quoted(id));
   if (found.DCount() > 0) rows_.push_back(row_of(found, 1));
   return true;
 }

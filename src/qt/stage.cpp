@@ -286,7 +286,11 @@ void ControleVelanorWidget::Stage::place_focus() {
   QWidget* target = view ? &view->focus_widget() : boards_;
   bring_in_sight(*target);
   QWidget* window = boards_->window();
-  if (window->focusWidget() == target) return;
+  const QWidget* now = window->focusWidget();
+  if (now == target) return;
+  // Whoever else on the window has it keeps it, where nothing here is to have it.
+  if (!view && !open.sheet && now && now->isVisible() && !boards_->isAncestorOf(now) && !is_borrower(*now))
+    return;
   window->setAttribute(Qt::WA_KeyboardFocusChange);
   target->setFocus(Qt::OtherFocusReason);
   if (view) view->focus_placed(arrival);

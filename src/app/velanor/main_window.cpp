@@ -8,12 +8,14 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QScreen>
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QTimer>
 #include <utility>
 
 #include "app/velanor/card_history.h"
+#include "app/velanor/employees_dock.h"
 #include "app/velanor/help_window.h"
 #include "app/velanor/server_address.h"
 #include "qt/message_sheet.h"
@@ -24,6 +26,7 @@ namespace velanor::app {
 namespace {
 
 constexpr qsizetype kEmployeeCode = 5;  // characters, with which the id of a card begins
+constexpr int kWidth = 1264, kEmployeesWidth = 430;
 const QString kTitle = QStringLiteral("Fiches du personnel");
 
 // The toolkit's translation leaves these out.
@@ -51,6 +54,10 @@ MainWindow::MainWindow(store::Database& database, QWidget* parent)
   setCentralWidget(pages_);
   history_ = new CardHistory(*component_, database, this);
   connect(history_, &CardHistory::told, this, &MainWindow::tell);
+  employees_ = new EmployeesDock(*component_, database, this);
+  connect(employees_, &EmployeesDock::told, this, &MainWindow::tell);
+  addDockWidget(Qt::LeftDockWidgetArea, employees_);
+  employees_->hide();
   make_menus();
   make_status_bar();
   update_title();
@@ -65,7 +72,8 @@ MainWindow::MainWindow(store::Database& database, QWidget* parent)
   connect(component_, &qt::ControleVelanorWidget::message_closed, this, &MainWindow::go_on_leaving,
           Qt::QueuedConnection);
   follow_card();
-  resize(1264, 680);
+  const bool wide = screen()->availableGeometry().width() >= kWidth + kEmployeesWidth;
+  resize(wide ? kWidth + kEmployeesWidth : kWidth, 680);
 }
 
 // The component looks at what stands around it until its end.
@@ -81,6 +89,22 @@ void MainWindow::start() {
     pages_->setCurrentIndex(0);
     throw;
   }
+  start_docks();
+}
+
+// A window that is too narrow for both keeps the component whole.
+void MainWindow::start_docks() {
+  employees_->start();
+  employees_->set_columns(layout_.employees);
+  if (layout_.docks.isEmpty() || !restoreState(layout_.docks)) {
+    employees_->setVisible(employees_->has_cards());
+    resizeDocks({employees_}, {kEmployeesWidth}, Qt::Horizontal);
+  }
+  if (!employees_->has_room()) employees_->hide();
+}
+
+MainWindow::Layout MainWindow::layout_now() const {
+  return is_started() ? Layout{saveState(), employees_->columns()} : layout_;
 }
 
 void MainWindow::ask_before_start(const screen::Message& message, std::function<void(screen::Answer)> then) {
@@ -118,6 +142,7 @@ void MainWindow::make_menus() {
   QAction* quit = file->addAction("&Quitter");
   quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
   connect(quit, &QAction::triggered, this, &MainWindow::quit_asked);
+  employees_->add_to(*menuBar()->addMenu("Emplo&yés"));
   history_->add_to(*menuBar()->addMenu("Histori&que"));
   QMenu* help = menuBar()->addMenu("A&ide");
   QAction* guide = help->addAction("&Guide");

@@ -16,6 +16,7 @@ class QStackedWidget;
 namespace velanor::app {
 
 class CardHistory;
+class EmployeesDock;
 class HelpWindow;
 
 // Shows one database, which must outlive it. Before `start` it shows an empty page, on which the program
@@ -40,6 +41,13 @@ class MainWindow : public QMainWindow, private control::UserRights {
   // The title and the status bar say that nothing can be written.
   void set_read_only();
   void set_recent(const QStringList& files);
+  // Where the docks stand and what they show, as the toolkit puts it down; what was kept of it applies from
+  // `start` on.
+  struct Layout {
+    QByteArray docks, employees;
+  };
+  Layout layout_now() const;
+  void set_layout(const Layout& layout) { layout_ = layout; }
   // In the status bar, until the next thing is told.
   void tell(const QString& sentence) const;
 
@@ -71,6 +79,7 @@ class MainWindow : public QMainWindow, private control::UserRights {
   void show_help(const QString& page, const QString& title);
   void show_about();
   bool is_started() const;
+  void start_docks();
   void follow_card();
   void update_title();
   bool would_ask() const;
@@ -81,6 +90,8 @@ class MainWindow : public QMainWindow, private control::UserRights {
   qt::ControleVelanorWidget* component_;
   control::Client client_;
   CardHistory* history_;
+  EmployeesDock* employees_;
+  Layout layout_;
   QStackedWidget* pages_;
   QMenu* recent_ = nullptr;
   QAction* backups_ = nullptr;

@@ -193,6 +193,7 @@ void Program::show(Desk& desk) {
   connect(&window, &MainWindow::quit_asked, this, &Program::quit, Qt::QueuedConnection);
   connect(&window, &MainWindow::closed, this, [this, asker] { closed(*asker); });
   desk.seat.emplace(turns_, window);
+  window.set_layout({settings_.docks(), settings_.employees()});
   desk.place.give_to(window, settings_.place());
   window.show();
   begin(desk);
@@ -320,6 +321,9 @@ void Program::quit() {
 // It may still be in the middle of something, and goes when that is over.
 void Program::closed(MainWindow& window) {
   settings_.set_place(window.saveGeometry());
+  const MainWindow::Layout layout = window.layout_now();
+  settings_.set_docks(layout.docks);
+  settings_.set_employees(layout.employees);
   if (const Desk* desk = desk_of(window); desk && desk->started && !desk->path.isEmpty())
     settings_.set_last(desk->path);
   QMetaObject::invokeMethod(

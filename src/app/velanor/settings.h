@@ -25,6 +25,11 @@ class Settings {
   // Size and place of a window, as the toolkit puts them down.
   QByteArray place() const { return settings_.value("place").toByteArray(); }
   void set_place(const QByteArray& place) { settings_.setValue("place", place); }
+  // The docks of a window, and the columns of the employees, likewise.
+  QByteArray docks() const { return settings_.value("docks").toByteArray(); }
+  void set_docks(const QByteArray& docks) { settings_.setValue("docks", docks); }
+  QByteArray employees() const { return settings_.value("employees").toByteArray(); }
+  void set_employees(const QByteArray& columns) { settings_.setValue("employees", columns); }
 
  private:
   QSettings settings_{"velanor", "velanor"};

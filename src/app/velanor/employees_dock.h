@@ -1,0 +1,108 @@
+// The employees of the entity and year on the screen, or all of them, beside the component: to find a card,
+// to open it, and to go on to the next.
+#pragma once
+
+#include <QDockWidget>
+#include <QElapsedTimer>
+#include <QPointer>
+#include <QTimer>
+#include <functional>
+#include <memory>
+
+#include "app/velanor/employees_model.h"
+#include "velanor/controle_velanor_widget.h"
+
+class QAction;
+class QCheckBox;
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QSocketNotifier;
+class QTableView;
+
+namespace velanor::app {
+
+// Reads nothing before `start`, and nothing while it is hidden. It opens nothing while the component waits
+// for an answer. On a window too narrow for both it comes when it is called and goes when a card is opened.
+class EmployeesDock : public QDockWidget {
+  Q_OBJECT
+
+ public:
+  // Both outlive it.
+  EmployeesDock(qt::ControleVelanorWidget& component, store::Database& database, QWidget* parent);
+  ~EmployeesDock() override;
+  void add_to(QMenu& menu);
+  // The component has started. Throws store::DbError.
+  void start();
+  // Whether the window holds it beside the whole component.
+  bool has_room() const;
+  bool has_cards();
+
+  // Which columns are shown, how wide, and what sorts them, as the toolkit puts it down.
+  QByteArray columns() const;
+  void set_columns(const QByteArray& columns);
+  // Writes what is shown as a table. Throws store::DbError.
+  void export_to(const QString& path) const;
+
+ signals:
+  // What happened, or what stands in the way, in a sentence.
+  void told(const QString& sentence);
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+
+ private:
+  enum class Step { kNext, kPrevious };
+
+  void make_content();
+  void make_columns();
+  void follow_component();
+  void listen_to_others();
+  bool key_in_filter(const QKeyEvent& key);
+  bool key_in_table(QKeyEvent& key);
+  bool is_busy() const;
+  bool is_free();
+
+  office::Employees::Reach reach() const;
+  // Reads what is on the screen, if it is not read already; `anew`: others may have written.
+  enum class Look { kIfElsewhere, kAnew };
+  void look(Look look);
+  void read(Look look);
+  void renew_card(const QString& id);
+  void hear_others();
+  void examine();
+  // Selection and scroll stay where they are, by the cards they stand on.
+  void keeping_place(const std::function<void()>& change);
+  void update_count();
+  void show_reach();
+
+  void search();
+  void go_back();
+  void typed();
+  void open_row(int row);
+  void step(Step step);
+  void choose(int row);
+  std::vector<int> shown_columns() const;
+  void copy() const;
+  void ask_export();
+
+  qt::ControleVelanorWidget& component_;
+  store::Database& database_;
+  std::unique_ptr<office::Employees> employees_;
+  EmployeesModel* model_;
+  QLineEdit* filter_;
+  QTableView* table_;
+  QLabel* count_;
+  QCheckBox* all_;
+  QMenu* columns_;
+  QTimer look_, examine_;
+  std::unique_ptr<store::News> news_;
+  QSocketNotifier* others_ = nullptr;
+  QPointer<QWidget> before_;  // had the focus before the filter
+  QString last_id_;           // the card opened last
+  int last_row_ = -1;         // where it stood
+  bool read_once_ = false;
+};
+
+}  // namespace velanor::app
