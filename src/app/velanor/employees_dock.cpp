@@ -33,7 +33,7 @@ namespace {
 using office::Column;
 using qt::from_qt, qt::to_qt;
 
-constexpr int kLeastWidth = 300;
+constexpr int kLeastWidth = 300, kNarrowest = 200;
 constexpr int kEmployee = 5, kEntity = 3;  // characters of the id of a card, before those of the year
 constexpr int kLater = 200;                // milliseconds until what the component is at may be over
 constexpr int kAtOnce = 8;                 // milliseconds of looking at cards between two keys
@@ -49,6 +49,7 @@ int first_width(Column column) {
   switch (column) {
     case Column::kCode:
     case Column::kContract:
+      return 54;
     case Column::kHours:
     case Column::kFullTime:
     case Column::kAmendments:
@@ -56,11 +57,11 @@ int first_width(Column column) {
     case Column::kYear:
       return 60;
     case Column::kName:
-      return 150;
+      return 146;
     case Column::kStart:
     case Column::kEnd:
     case Column::kState:
-      return 84;
+      return 78;
     default:
       return 120;
   }
@@ -153,7 +154,10 @@ void EmployeesDock::make_content() {
   column->addWidget(table_, 1);
   column->addWidget(all_);
   column->addWidget(count_);
-  content->setMinimumWidth(kLeastWidth);
+  // A narrow window keeps its own width, and cuts off what is known.
+  all_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+  all_->setToolTip(all_->text());
+  content->setMinimumWidth(kNarrowest);
   setWidget(content);
 }
 

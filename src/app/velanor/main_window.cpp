@@ -26,7 +26,7 @@ namespace velanor::app {
 namespace {
 
 constexpr qsizetype kEmployeeCode = 5;  // characters, with which the id of a card begins
-constexpr int kWidth = 1264, kEmployeesWidth = 430;
+constexpr int kWidth = 1264, kEmployeesWidth = 490;
 const QString kTitle = QStringLiteral("Fiches du personnel");
 
 // The toolkit's translation leaves these out.
