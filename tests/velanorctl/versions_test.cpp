@@ -1,5 +1,6 @@
 // history, diff, restore-version and purge-history, as a clerk's administrator uses them.
-#include <regex>
+#include <algorithm>
+#include <string_view>
 
 #include "velanorctl/program.h"
 
@@ -8,11 +9,28 @@ namespace {
 
 class Versions : public CommandLine {
  protected:
+  static constexpr std::string_view kMoment = "00/00/0000 00:00:00";
+  static bool is_moment(std::string_view text) {
+    for (std::size_t i = 0; i < kMoment.size(); ++i) {
+      if (i >= text.size() || (text[i] >= '0' && text[i] <= '9' ? '0' : text[i]) != kMoment[i]) return false;
+    }
+    return true;
+  }
   // Moments and the system's user differ from run to run.
   std::string told(const std::string& arguments) const {
     const std::string output = run(arguments).output;
-    return std::regex_replace(output, std::regex("[0-9/]{10} [0-9:]{8}(, |  +)[a-z_][a-z0-9_-]*"),
-                              "MOMENT$1QUI");
+    std::string told;
+    for (std::size_t at = 0; at < output.size();) {
+      if (!is_moment(std::string_view(output).substr(at))) {
+        told += output[at++];
+        continue;
+      }
+      const std::size_t between = at + kMoment.size();
+      const std::size_t name = output.find_first_not_of(", ", between);
+      told += "MOMENT" + output.substr(between, name - between) + "QUI";
+      at = std::min(output.find_first_of(" ,)\n", name), output.size());
+    }
+    return told;
   }
   void import(const std::string& table, const std::string& file) const {
     write("t.csv", table);
