@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "app/velanor/card_history.h"
+#include "app/velanor/checks_dock.h"
 #include "app/velanor/help_window.h"
 #include "app/velanor/server_address.h"
 #include "qt/message_sheet.h"
@@ -51,6 +52,10 @@ MainWindow::MainWindow(store::Database& database, QWidget* parent)
   setCentralWidget(pages_);
   history_ = new CardHistory(*component_, database, this);
   connect(history_, &CardHistory::told, this, &MainWindow::tell);
+  checks_ = new ChecksDock(*component_, database, this);
+  connect(checks_, &ChecksDock::told, this, &MainWindow::tell);
+  addDockWidget(Qt::BottomDockWidgetArea, checks_);
+  checks_->hide();
   make_menus();
   make_status_bar();
   update_title();
@@ -119,6 +124,9 @@ void MainWindow::make_menus() {
   quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
   connect(quit, &QAction::triggered, this, &MainWindow::quit_asked);
   history_->add_to(*menuBar()->addMenu("Histori&que"));
+  QAction* checks = menuBar()->addMenu("Afficha&ge")->addAction("&Contrôles");
+  checks->setShortcut(QKeySequence(Qt::Key_F8));
+  connect(checks, &QAction::triggered, checks_, &ChecksDock::check);
   QMenu* help = menuBar()->addMenu("A&ide");
   QAction* guide = help->addAction("&Guide");
   guide->setShortcut(QKeySequence(Qt::Key_F1));

@@ -16,6 +16,7 @@ class QStackedWidget;
 namespace velanor::app {
 
 class CardHistory;
+class ChecksDock;
 class HelpWindow;
 
 // Shows one database, which must outlive it. Before `start` it shows an empty page, on which the program
@@ -81,6 +82,7 @@ class MainWindow : public QMainWindow, private control::UserRights {
   qt::ControleVelanorWidget* component_;
   control::Client client_;
   CardHistory* history_;
+  ChecksDock* checks_;
   QStackedWidget* pages_;
   QMenu* recent_ = nullptr;
   QAction* backups_ = nullptr;
