@@ -111,11 +111,11 @@ TEST_F(ChecksOfAYear, AWarningOfAnAmendmentLeadsToItsLine) {
 }
 
 TEST_F(ChecksOfAYear, WhatIsMendedAndSavedIsToldNoMore) {
-  clerk_.open_card("00002");
+  const std::string profile(database_.OpenFile("VELANORO")->Read("000010012026")(19));
+  clerk_.open_card("00001");
   press_f8();
   ASSERT_GE(line_of("00002", kProfile), 0);
-  change([](store::DbRecord& card) { card.set(19, "001"); });
-  clerk_.open_card("00001");
+  change([&](store::DbRecord& card) { card.set(19, profile); });
   clerk_.put("Txt_HorMensEtab", "140");
   clerk_.click("Cmd_OK");
   settle();

@@ -1,6 +1,7 @@
 // A host leads the component to a card, from wherever it stands.
 #include <gtest/gtest.h>
 
+#include "card/record/named_fields.h"
 #include "control/hearing.h"
 #include "control/user_acts.h"
 #include "support/failing_database.h"
