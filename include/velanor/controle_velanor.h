@@ -98,6 +98,9 @@ class ControleVelanor {
   // The working record of the card that is open: what saving would start from. Empty before
   // `init`.
   const store::DbRecord& card_in_hand() const;
+  // Where an attribute of a card is entered or shown: a box, or the list that has a line for each of its
+  // values. Null for what is on no page of the card, and before `init`. It may be out of use just now.
+  screen::Control* place_of(int attribute);
   // The window was destroyed while the component called it: closes the files at once. What is still
   // under way in the component may only unwind; nothing is told any more.
   void abandon();

@@ -61,6 +61,8 @@ class ControleVelanorWidget : public QWidget {
   screen::Screen& screen();
   // The working record of the card that is open.
   const store::DbRecord& card_in_hand() const;
+  // Where an attribute of a card is entered or shown, as ControleVelanor tells it.
+  screen::Control* place_of(int attribute);
   // The widget that shows a control, and null where there is none.
   QWidget* widget_of(const screen::Control& control) const;
   // The message box that waits for its answer, or null. What it is made of is the widget's own affair.

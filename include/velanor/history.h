@@ -28,6 +28,8 @@ class History {
   virtual ~History() = default;
   // Who writes from now on: the name of the system's user until a host hands in another.
   virtual void set_author(std::string_view name) = 0;
+  // The same as it was set, or as it is kept where nobody has; "" where a store does not know.
+  virtual std::string author() { return {}; }
   // The oldest first, the last one as it is stored now; empty for a record that never was.
   virtual std::vector<Version> versions(std::string_view file, std::string_view id) = 0;
   // The files that hold a record or have a version of one, by name.

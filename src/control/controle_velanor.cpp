@@ -95,6 +95,9 @@ const store::DbRecord& ControleVelanor::card_in_hand() const {
   static const store::DbRecord kNone;
   return parts_->rules ? parts_->rules->card.draft.record() : kNone;
 }
+screen::Control* ControleVelanor::place_of(int attribute) {
+  return parts_->rules ? parts_->rules->validation.place_of({.number = attribute}) : nullptr;
+}
 bool ControleVelanor::closed() const { return parts_->closed; }
 
 void ControleVelanor::init() {

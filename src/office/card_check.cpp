@@ -1,6 +1,7 @@
 #include "office/card_check.h"
 
 #include <algorithm>
+#include <optional>
 #include <set>
 
 #include "card/record/amendment_columns.h"
@@ -22,7 +23,7 @@ template <typename Visit>
 void each_element(const DbRecord& card, const card::Field& field, const Visit& visit) {
   for (int v = 1; v <= card.Count(field.number); ++v) {
     for (int s = 1; s <= card.Count(field.number, v); ++s) {
-      if (const auto text = element(card, field, v, s); !text.empty()) visit(text);
+      if (const auto text = element(card, field, v, s); !text.empty()) visit(text, v);
     }
   }
 }
@@ -35,8 +36,10 @@ class Examination {
 
   std::vector<card::Fault> faults() {
     check_id();
-    for (card::Fault& found : card::faults_of(card_, codec_, references_.reference_day()))
-      faults_.push_back(std::move(found));
+    for (card::Fault& found : card::faults_of(card_, codec_, references_.reference_day())) {
+      // Where the screen leaves the caret alone: what no box can mend is mended among the amendments.
+      faults_.push_back(found.field.number == 0 ? about(card::kEffective, found, found.line) : found);
+    }
     check_order();
     for (card::Fault& found : card::faults_of_dates(card_, today_)) faults_.push_back(std::move(found));
     check_fields();
@@ -45,13 +48,14 @@ class Examination {
   }
 
  private:
-  void fault(std::string pattern, std::string_view value = {}) {
-    faults_.emplace_back(std::move(pattern), std::string(value));
+  void fault(const card::Field& field, std::string pattern, std::string_view value = {}, int line = 0) {
+    faults_.push_back(about(field, card::Fault(std::move(pattern), std::string(value)), line));
   }
 
   void check_id();
   void check_order();
   void check_fields();
+  std::optional<card::Fault> fault_of(const card::Field& field, std::string_view text) const;
 
   const card::References& references_;
   const card::Codec& codec_;
@@ -63,35 +67,36 @@ class Examination {
 
 void Examination::check_id() {
   if (!text::is_digits(id_) || !card::is_record_id(id_))
-    return fault("L'identifiant n'est pas un code de salarié, un code d'entité et une année.");
+    return fault({}, "L'identifiant n'est pas un code de salarié, un code d'entité et une année.");
   const auto entity = card::entity_of(id_);
   if (!references_.has("ASSOCIATION", entity)) faults_.push_back(card::unknown_entity(entity));
   const auto establishment = element(card_, card::kEstablishment);
   if (!establishment.empty() && !establishment.starts_with(entity))
-    fault("L'établissement « … » n'est pas de l'entité de la fiche.", establishment);
+    fault(card::kEstablishment, "L'établissement « … » n'est pas de l'entité de la fiche.", establishment);
 }
 
 void Examination::check_order() {
   const int amendments = card::lines_of(card_, card::kEffective);
   for (int i = 2; i <= amendments; ++i) {
     if (day(card_, card::kEffective, i - 1) >= day(card_, card::kEffective, i))
-      return fault("Les dates d'effet des avenants ne se suivent pas.");
+      return fault(card::kEffective, "Les dates d'effet des avenants ne se suivent pas.", {}, i);
   }
+}
+
+std::optional<card::Fault> Examination::fault_of(const card::Field& field, std::string_view text) const {
+  if (auto found = card::fault_of(field, text)) return found;
+  if (!field.list.empty() && !references_.has(field.list, text)) return card::unknown_code(field, text);
+  if (!references_.fits(field.list, text)) return card::unfit_code(field, text);
+  return std::nullopt;
 }
 
 // A text that is met again in the same field is told once.
 void Examination::check_fields() {
   for (const card::Field& field : card::card_fields()) {
     std::set<std::string_view> told;
-    each_element(card_, field, [&](std::string_view text) {
+    each_element(card_, field, [&](std::string_view text, int line) {
       if (!told.insert(text).second) return;
-      if (auto found = card::fault_of(field, text)) {
-        faults_.push_back(std::move(*found));
-      } else if (!field.list.empty() && !references_.has(field.list, text)) {
-        faults_.push_back(card::unknown_code(field, text));
-      } else if (!references_.fits(field.list, text)) {
-        faults_.push_back(card::unfit_code(field, text));
-      }
+      if (auto found = fault_of(field, text)) faults_.push_back(about(field, std::move(*found), line));
     });
   }
 }

@@ -22,6 +22,10 @@ class CardCheck {
   // Every fault of a card; the rules of saving in the words of the screen.
   std::vector<card::Fault> faults_of(std::string_view id, const store::DbRecord& card) const;
 
+  // Day numbers: the reference date of the budget (0: none), and today.
+  int reference_day() const { return references_.reference_day(); }
+  int today() const { return today_; }
+
  private:
   card::References references_;
   std::unique_ptr<entry::UtilSaisie> entry_;

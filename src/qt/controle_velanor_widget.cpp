@@ -64,6 +64,10 @@ control::Opening ControleVelanorWidget::reload() {
   return stage_->lead([](ControleVelanor& component) { return component.reload(); });
 }
 
+screen::Control* ControleVelanorWidget::place_of(int attribute) {
+  return stage_->component().place_of(attribute);
+}
+
 QWidget* ControleVelanorWidget::widget_of(const screen::Control& control) const {
   View* view = stage_->view_of(control);
   return view ? &view->widget() : nullptr;

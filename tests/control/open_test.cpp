@@ -1,6 +1,7 @@
 // A host leads the component to a card, from wherever it stands.
 #include <gtest/gtest.h>
 
+#include "card/record/named_fields.h"
 #include "control/hearing.h"
 #include "control/user_acts.h"
 #include "support/failing_database.h"
@@ -178,6 +179,24 @@ TEST_F(OpenTest, WhoAnswersNoKeepsEverythingThatWasBegun) {
     EXPECT_EQ(standing(at.office.component), stood);
     EXPECT_EQ(at.office.component.screen().top().focus(), focus);
   }
+}
+
+// But for the places that are out of use on this card.
+TEST_F(OpenTest, EveryFieldOfACardHasAPlaceOnItsPages) {
+  At at(kOpen);
+  for (const card::Field& field : card::card_fields()) {
+    SCOPED_TRACE(field.name);
+    screen::Control* place = at.office.component.place_of(field.number);
+    ASSERT_NE(place, nullptr);
+    EXPECT_EQ(dynamic_cast<screen::CommandButton*>(place), nullptr) << "it would begin something";
+    if (!place->usable()) continue;
+    EXPECT_EQ(at.office.hand.focus(*place), "");
+    EXPECT_EQ(at.office.component.screen().top().focus(), place);
+  }
+  EXPECT_EQ(at.office.component.place_of(card::kHourlyRate.number), &at.office.ui.Lst_TxHor);
+  EXPECT_EQ(at.office.component.place_of(card::kItemBase.number), &at.office.ui.Lst_DatEffet);
+  EXPECT_EQ(at.office.component.place_of(card::kResult1.number), nullptr);
+  EXPECT_FALSE(at.office.component.modified());
 }
 
 TEST_F(OpenTest, WhatDoesNotExistChangesNothingAndIsSaid) {

@@ -1,5 +1,7 @@
 // What check says of a base that somebody else has changed, from outside.
+#include "office/asides.h"
 #include "store/sqlite/connection.h"
+#include "velanor/sqlite_database.h"
 #include "velanorctl/program.h"
 
 namespace velanor::app {
@@ -32,6 +34,41 @@ TEST_F(Check, TellsWhatIsDerivedAndMakesItAnewOnRequest) {
   EXPECT_EQ(repaired.output.find("Ce qui se déduit des enregistrements a été refait.\n"), 0u);
   EXPECT_EQ(repaired.status, 0) << repaired.output;
   EXPECT_EQ(run("check --store base").status, 0);
+}
+
+// The same base with a warning, then set aside, then with a fault besides.
+TEST_F(Check, WarnsOnRequestOfWhatIsNoFault) {
+  constexpr const char* kWarning = "000010012026 : L'âge au début du contrat est invraisemblable : ";
+  const auto change_card = [this](int attribute, const std::string& text) {
+    store::SqliteDatabase base(folder_.file("base"));
+    store::DbRecord card = base.OpenFile("VELANORO")->Read("000010012026");
+    card.set(attribute, text.empty() ? text : std::string(card(8)));
+    base.put("VELANORO", "000010012026", card);
+  };
+  change_card(9, "as the start");
+  EXPECT_EQ(run("check --store base").output.find("Avertissements"), std::string::npos);
+  Outcome check = run("check --warnings --store base");
+  EXPECT_EQ(check.status, 0);
+  EXPECT_NE(check.output.find(kWarning), std::string::npos) << check.output;
+  EXPECT_NE(check.output.find("mis de côté : 0.\n979 sur 979 fiches complètes.\n"), std::string::npos)
+      << check.output;
+  {
+    store::SqliteDatabase base(folder_.file("base"));
+    office::set_aside(base, "000010012026", {office::WarningKind::kBirth, "anne", 21000});
+  }
+  ASSERT_EQ(run("backup copie --store base").status, 0);
+  ASSERT_EQ(run("copy --from copie --to autre").status, 0);
+  ASSERT_EQ(run("export remarques.csv --file BUDGETREMARQUES --store autre").status, 0);
+  ASSERT_EQ(run("import remarques.csv --file BUDGETREMARQUES --store base").status, 0);
+  for (const char* base : {"copie", "autre", "base"}) {
+    check = run(std::string("check --warnings --store ") + base);
+    EXPECT_EQ(check.output.find(kWarning), std::string::npos) << base;
+    EXPECT_NE(check.output.find("mis de côté : 1.\n"), std::string::npos) << check.output;
+  }
+  change_card(19, "");
+  check = run("check --warnings --store base");
+  EXPECT_EQ(check.status, 1);
+  EXPECT_NE(check.output.find("978 sur 979 fiches complètes.\n"), std::string::npos) << check.output;
 }
 
 TEST_F(Check, SeesCalculationsWithoutACard) {

@@ -5,21 +5,16 @@
 #include <QMessageBox>
 
 #include "app/velanor/deleted_cards_dialog.h"
+#include "app/velanor/shown_year.h"
 #include "app/velanor/versions_dialog.h"
 #include "qt/strings.h"
 #include "text/failure.h"
-#include "text/utf8.h"
 
 namespace velanor::app {
 namespace {
 
 using control::State;
 using qt::from_qt, qt::to_qt;
-
-std::string text_of(screen::Form& form, const char* name) {
-  const auto* control = dynamic_cast<const screen::TextControl*>(form.find(name));
-  return control ? std::string(text::trim(control->text())) : std::string();
-}
 
 }  // namespace
 
@@ -50,12 +45,6 @@ void CardHistory::update() {
                            : "Ces données ne sont qu'en mémoire : elles n'ont pas d'historique";
   versions_->setToolTip(versions_->isEnabled() ? "Les versions de la fiche ouverte" : why);
   deleted_->setToolTip(kept ? "Les fiches supprimées de l'entité et de l'année" : why);
-}
-
-// What stands there also while a card is open.
-CardHistory::Place CardHistory::place() const {
-  screen::Form& form = component_.screen().base();
-  return {text_of(form, "Txt_Asso"), text_of(form, "Cbo_Periode")};
 }
 
 // Why nothing can be brought back now; "" where it can.
@@ -92,8 +81,8 @@ void CardHistory::show_versions() try {
 
 void CardHistory::show_deleted() try {
   if (!is_free()) return;
-  const Place at = place();
-  if (at.entity.empty() || at.year.empty())
+  const ShownYear at = shown_year(component_);
+  if (!at.is_chosen())
     return emit told("Choisissez d'abord l'entité et l'année dont vous cherchez une fiche supprimée.");
   auto* dialog = new DeletedCardsDialog(database_, at.entity, at.year, locked(false), component_.window());
   connect(dialog, &DeletedCardsDialog::brought_back, this, &CardHistory::open_again, Qt::QueuedConnection);

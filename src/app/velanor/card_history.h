@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QObject>
-#include <string>
 
 #include "velanor/controle_velanor_widget.h"
 
@@ -24,11 +23,6 @@ class CardHistory : public QObject {
   void told(const QString& sentence);
 
  private:
-  // The entity and the year that are on the screen; "" where none is chosen.
-  struct Place {
-    std::string entity, year;
-  };
-  Place place() const;
   QString locked(bool for_open_card) const;
   bool is_free();
   void update();

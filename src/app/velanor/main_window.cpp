@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "app/velanor/card_history.h"
+#include "app/velanor/checks_dock.h"
 #include "app/velanor/employees_dock.h"
 #include "app/velanor/help_window.h"
 #include "app/velanor/server_address.h"
@@ -58,6 +59,10 @@ MainWindow::MainWindow(store::Database& database, QWidget* parent)
   connect(employees_, &EmployeesDock::told, this, &MainWindow::tell);
   addDockWidget(Qt::LeftDockWidgetArea, employees_);
   employees_->hide();
+  checks_ = new ChecksDock(*component_, database, this);
+  connect(checks_, &ChecksDock::told, this, &MainWindow::tell);
+  addDockWidget(Qt::BottomDockWidgetArea, checks_);
+  checks_->hide();
   make_menus();
   make_status_bar();
   update_title();
@@ -144,6 +149,9 @@ void MainWindow::make_menus() {
   connect(quit, &QAction::triggered, this, &MainWindow::quit_asked);
   employees_->add_to(*menuBar()->addMenu("Emplo&yés"));
   history_->add_to(*menuBar()->addMenu("Histori&que"));
+  QAction* checks = menuBar()->addMenu("Afficha&ge")->addAction("&Contrôles");
+  checks->setShortcut(QKeySequence(Qt::Key_F8));
+  connect(checks, &QAction::triggered, checks_, &ChecksDock::check);
   QMenu* help = menuBar()->addMenu("A&ide");
   QAction* guide = help->addAction("&Guide");
   guide->setShortcut(QKeySequence(Qt::Key_F1));

@@ -17,6 +17,7 @@ namespace velanor::app {
 
 class CardHistory;
 class EmployeesDock;
+class ChecksDock;
 class HelpWindow;
 
 // Shows one database, which must outlive it. Before `start` it shows an empty page, on which the program
@@ -92,6 +93,7 @@ class MainWindow : public QMainWindow, private control::UserRights {
   CardHistory* history_;
   EmployeesDock* employees_;
   Layout layout_;
+  ChecksDock* checks_;
   QStackedWidget* pages_;
   QMenu* recent_ = nullptr;
   QAction* backups_ = nullptr;

@@ -2,15 +2,15 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
+#include <map>
 #include <string>
 #include <vector>
 
 #include "app/velanorctl/commands.h"
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/progress.h"
-#include "exchange/columns.h"
 #include "office/calculations.h"
-#include "office/card_check.h"
+#include "office/checking.h"
 #include "office/fault_list.h"
 #include "store/sqlite/failure.h"
 #include "velanor/sqlite_database.h"
@@ -40,7 +40,7 @@ int report_records(const std::vector<store::SqliteDatabase::DamagedRecord>& dama
 
 struct Options {
   StoreOptions store;
-  bool repair = false;
+  bool repair = false, warnings = false;
 };
 
 std::string counted(int count, const std::string& noun) {
@@ -48,35 +48,58 @@ std::string counted(int count, const std::string& noun) {
 }
 
 // A damaged card has been told already.
-void check_card(std::string_view id, store::DbFile& cards, const office::CardCheck& check,
-                office::FaultList& list) try {
-  if (const auto card = cards.find(id)) list.add(id, check.faults_of(id, *card));
-} catch (const store::sqlite::DamagedRecord&) {
-}
-
-int check_records(store::Database& database) {
-  const office::CardCheck check(database);
-  office::FaultList list;
-  for (const card::Fault& fault : check.faults_of_references()) std::cout << fault.sentence() << "\n";
-  const auto cards = database.OpenFile(exchange::kCardFile);
-  const store::DbResult ids =
-      database.Select(store::DbQuery("SSELECT VELANORO PAR 0", exchange::kCardFile, "0").encoded());
-  {
-    Progress progress("Vérification", static_cast<std::size_t>(ids.DCount()));
-    for (int i = 1; i <= ids.DCount(); ++i) {
-      progress.step();
-      check_card(ids(i), *cards, check, list);
+void look_at_all(office::Checking& checking) {
+  Progress progress("Vérification", static_cast<std::size_t>(checking.cards()));
+  while (!checking.done()) {
+    progress.step();
+    try {
+      checking.step();
+    } catch (const store::sqlite::DamagedRecord&) {
     }
   }
+}
+
+void print(const office::FaultList& list) {
   for (const office::FaultList::Kind* kind : list.most_frequent_first()) {
     std::cout << counted(kind->cards, "fiche") << " : " << kind->sentence << "\n";
     for (const std::string& line : kind->lines) std::cout << line << "\n";
     std::cout << "\n";
   }
+}
+
+// The faults, or the warnings that nobody has set aside.
+office::FaultList list_of(const std::vector<office::Finding>& findings, bool faults) {
+  office::FaultList list;
+  std::map<std::string, std::vector<card::Fault>> by_card;
+  for (const office::Finding& finding : findings) {
+    if (finding.is_fault() == faults && !finding.aside) by_card[finding.id].push_back(finding.fault);
+  }
+  for (const auto& [id, told] : by_card) list.add(id, told);
+  return list;
+}
+
+void print_warnings(const office::Checking& checking, const std::vector<office::Finding>& findings) {
+  const office::FaultList warnings = list_of(findings, false);
+  std::cout << "Avertissements\n\n";
+  print(warnings);
+  const auto aside = std::count_if(findings.begin(), findings.end(),
+                                   [](const office::Finding& finding) { return finding.aside.has_value(); });
+  std::cout << "Avertissements : " << warnings.faults() << ", mis de côté : " << aside << ".\n"
+            << office::completeness(checking.complete(), checking.cards()) << ".\n";
+}
+
+int check_records(store::Database& database, bool warnings) {
+  office::Checking checking(database, {});
+  for (const card::Fault& fault : checking.faults_of_references()) std::cout << fault.sentence() << "\n";
+  look_at_all(checking);
+  const std::vector<office::Finding> findings = checking.take_findings();
+  const office::FaultList list = list_of(findings, true);
+  print(list);
   const auto lost = office::calculations_without_card(database);
   for (const std::string& sentence : lost) std::cout << sentence << "\n";
-  const int faults = list.faults() + static_cast<int>(check.faults_of_references().size() + lost.size());
-  std::cout << "Fiches vérifiées : " << ids.DCount() << ", fiches en faute : " << list.cards()
+  if (warnings) print_warnings(checking, findings);
+  const int faults = list.faults() + static_cast<int>(checking.faults_of_references().size() + lost.size());
+  std::cout << "Fiches vérifiées : " << checking.cards() << ", fiches en faute : " << list.cards()
             << ", fautes : " << faults << ".\n";
   return faults == 0 ? 0 : 1;
 }
@@ -94,7 +117,7 @@ void repair(store::SqliteDatabase& database) {
   std::cout << "Ce qui se déduit des enregistrements a été refait.\n";
 }
 
-int check_all(store::Database& database) {
+int check_all(store::Database& database, bool warnings) {
   auto* file = dynamic_cast<store::SqliteDatabase*>(&database);
   int status = 0;
   database.in_one_view([&] {
@@ -105,7 +128,7 @@ int check_all(store::Database& database) {
     }
     // A damaged reference file ends it: every card would seem wrong.
     try {
-      status = std::max(status, check_records(database));
+      status = std::max(status, check_records(database, warnings));
     } catch (const store::sqlite::DamagedRecord&) {
       std::cout
           << "Les fiches n'ont pas été vérifiées : rétablissez d'abord les enregistrements endommagés.\n";
@@ -116,10 +139,10 @@ int check_all(store::Database& database) {
 
 int check(const Options& options) {
   const StoreOptions& store = options.store;
-  if (!is_file(store)) return check_all(*open_named_store(store));
+  if (!is_file(store)) return check_all(*open_named_store(store), options.warnings);
   const auto database = open_to_examine(store.url);
   if (options.repair) repair(*database);
-  return check_all(*database);
+  return check_all(*database, options.warnings);
 }
 
 }  // namespace
@@ -132,6 +155,9 @@ void add_check(CLI::App& program, int& status) {
   command->add_flag(
       "--reparer", options->repair,
       "Refait d'abord, d'un seul tenant, ce qui se déduit des enregistrements : index, déclencheurs");
+  command->add_flag("--warnings", options->warnings,
+                    "Dit aussi les avertissements, qui ne changent pas le statut de sortie, et combien de "
+                    "fiches sont complètes");
   command->footer(
       "Les fautes sont rangées par sorte, les plus fréquentes d'abord. Statut de sortie : 0 rien n'est en\n"
       "faute, 1 une fiche ou un fichier de référence est en faute, 3 la base elle-même est endommagée.");

@@ -1,7 +1,9 @@
 #include "card/commands/validation.h"
 
+#include <algorithm>
 #include <utility>
 
+#include "card/record/amendment_columns.h"
 #include "card/record/record_layout.h"
 #include "control/session/years.h"
 #include "entry/decimal.h"
@@ -21,6 +23,28 @@ screen::Control* Validation::control_of(const card::Field& field) const {
     if (own == field) return control;
   }
   return record_.box_of(field);
+}
+
+// Beside what is told of a card that is saved: there buttons are named, which begin an entry when they are
+// pressed.
+screen::Control* Validation::place_of(const card::Field& field) const {
+  if (const auto column = card::column_of(field); column < card::kAmendmentColumns.size())
+    return ui_.amendment_lists()[column];
+  const bool item =
+      std::find(card::kItemColumns.begin(), card::kItemColumns.end(), field) != card::kItemColumns.end();
+  if (item) return &ui_.Lst_DatEffet;
+  const std::pair<card::Field, screen::Control*> kOwn[] = {
+      {card::kActivity, &ui_.Lst_Activites},
+      {card::kContractType, ui_.Opt_CDD.value() ? &ui_.Opt_CDD : &ui_.Opt_CDI},
+      {card::kStaffKind, ui_.Opt_Prod.value() ? &ui_.Opt_Prod : &ui_.Opt_Admin},
+      {card::kBranchEntry, &ui_.Txt_DateBranche},
+      {card::kContractNature, &ui_.Cbo_NatureContrat},
+      {card::kEducation, &ui_.Cbo_EtudeAidant},
+  };
+  for (const auto& [own, control] : kOwn) {
+    if (own == field) return control;
+  }
+  return control_of(field);
 }
 
 void Validation::VerifZone() {

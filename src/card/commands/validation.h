@@ -20,6 +20,9 @@ class Validation {
   // Judges what is on the screen. The first fault speaks, takes the focus and sets `Erreur`.
   void VerifZone();
 
+  // Where a field of the card is entered, or the list that has its lines; null: nowhere.
+  screen::Control* place_of(const card::Field& field) const;
+
  private:
   // Where a fault is mended; null: nowhere on its own.
   screen::Control* control_of(const card::Field& field) const;

@@ -20,7 +20,8 @@ bool goes_on(const store::DbRecord& card, std::span<const Field> columns) {
 std::vector<Fault> faults_of_cut_lines(const store::DbRecord& card) {
   std::vector<Fault> faults;
   if (goes_on(card, kActivityColumns))
-    faults.emplace_back("Des lignes d'activité suivent une activité vide : l'écran ne les montre pas.", "");
+    faults.push_back(about(
+        kActivity, Fault("Des lignes d'activité suivent une activité vide : l'écran ne les montre pas.")));
   if (goes_on(card, kAmendmentAttributes))
     faults.emplace_back("Des lignes d'avenant suivent une date d'effet vide : l'écran ne les montre pas.",
                         "");

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "card/record/item_hours.h"
 #include "entry/decimal.h"
 
 namespace velanor::card {
@@ -133,11 +134,8 @@ void Draft::put_monthly_time(int line, std::string_view text) { put(kMonthlyTime
 std::string Draft::item_hours(int line) const {
   const int value = line + 1;
   if (element(record_, kItemCode, value, 1).empty()) return {};
-  std::int64_t sum = 0;
-  for (int s = 1; !element(record_, kItemCode, value, s).empty(); ++s) {
-    if (reading_->labels.is_hours_item(element(record_, kItemCode, value, s)))
-      sum += figure(record_, kItemBase, value, s);
-  }
+  const std::int64_t sum =
+      card::item_hours(record_, value, [this](auto code) { return reading_->labels.is_hours_item(code); });
   return entry::format_decimal(sum, 2, 2);
 }
 

@@ -25,11 +25,19 @@ class Fault {
 
   // What it is about; a field without a number: nothing on its own.
   Field field = {};
+  // Which value of it, from 1: the line of a list; 0: none in particular.
+  int line = 0;
   // A value that is emptied, for a right one to be entered.
   bool is_a_wrong_value = false;
 
  private:
   std::string pattern_, value_;
 };
+
+inline Fault about(const Field& field, Fault fault, int line = 0) {
+  fault.field = field;
+  fault.line = line;
+  return fault;
+}
 
 }  // namespace velanor::card

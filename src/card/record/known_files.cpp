@@ -16,8 +16,8 @@ namespace {
 const std::vector<std::string_view>& names() {
   static const auto kNames = [] {
     std::vector<std::string_view> all(control::kFileNames.begin(), control::kFileNames.end());
-    // Those that are not kept open.
-    for (const char* name : {"ETABLISSEMENT", "BUDGETHISTORCUMUL", "BUDGETDETAILCALCUL"})
+    // Those that are not kept open, and what is kept beside the cards.
+    for (const char* name : {"ETABLISSEMENT", "BUDGETHISTORCUMUL", "BUDGETDETAILCALCUL", "BUDGETREMARQUES"})
       all.emplace_back(name);
     return all;
   }();
@@ -35,6 +35,7 @@ constexpr IdShape kIds[] = {
     {"VELANORO", kRecordIdLength, 8},
     {"BUDGETHISTORCUMUL", kRecordIdLength, 8},
     {"BUDGETDETAILCALCUL", kRecordIdLength + kMonthLength, 10},
+    {"BUDGETREMARQUES", kRecordIdLength, 8},
     {"ASSOCIATION", kEntityCodeLength},
     {"ETABLISSEMENT", kEntityCodeLength + kOwnCodeLength, 4},
     {"ACTIVITES", kEntityCodeLength + kOwnCodeLength, 4},

@@ -1,4 +1,4 @@
-// The files that the component uses, and how their codes are built.
+// The files that the component uses, that of the remarks on its cards, and how their codes are built.
 #pragma once
 
 #include <optional>

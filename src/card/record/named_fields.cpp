@@ -25,7 +25,7 @@ constexpr FlagWord kFlagWords[] = {
 };
 
 Fault fault(const Field& field, const std::string& is_wrong, std::string_view value) {
-  return Fault(std::string(field.noun) + " " + is_wrong + " : « … ».", std::string(value));
+  return about(field, Fault(std::string(field.noun) + " " + is_wrong + " : « … ».", std::string(value)));
 }
 
 std::optional<Fault> fault_of_length(const Field& field, std::string_view shown) {

@@ -95,14 +95,14 @@ std::string References::completed(std::string_view list, std::string_view code,
 }
 
 Fault unknown_code(const Field& field, std::string_view code) {
-  return Fault(std::string(field.noun) + " « … » n'existe pas dans " + file_of(field.list) + ".",
-               std::string(code));
+  return about(field, Fault(std::string(field.noun) + " « … » n'existe pas dans " + file_of(field.list) + ".",
+                            std::string(code)));
 }
 
 Fault unfit_code(const Field& field, std::string_view code) {
-  return Fault(
-      std::string(field.noun) + " « … » ne convient pas. " + std::string(fit_of(field.list)->refusal),
-      std::string(code));
+  return about(field, Fault(std::string(field.noun) + " « … » ne convient pas. " +
+                                std::string(fit_of(field.list)->refusal),
+                            std::string(code)));
 }
 
 Fault unknown_entity(std::string_view entity) {

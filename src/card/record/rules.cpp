@@ -120,8 +120,8 @@ std::vector<Fault> faults_of(const store::DbRecord& card, const Codec& codec, st
   }
   for (int i = 1; i <= facts.amendments; ++i) {
     if (element(card, kItemCode, i).empty())
-      faults.emplace_back("Aucun détail n'a été saisi pour l'avenant du ….",
-                          codec.shown(card, kEffective, i));
+      faults.push_back(about(
+          {}, Fault("Aucun détail n'a été saisi pour l'avenant du ….", codec.shown(card, kEffective, i)), i));
   }
   return faults;
 }

@@ -115,6 +115,12 @@ void PostgresBackend::set_author(std::string_view name) {
   author_ = clean_text(*author_);  // what was cut in the middle of a character
 }
 
+// Who has not been named writes under the name of the session.
+std::string PostgresBackend::author() {
+  if (author_) return *author_;
+  return clean_text(session().connection().run("SELECT convert_to(session_user, 'UTF8')").bytes(0, 0));
+}
+
 // ---- Sessions.
 
 Session& PostgresBackend::session() {

@@ -37,6 +37,7 @@ class PostgresBackend : public Backend {
   bool may_write() const { return may_write_; }
   std::vector<std::string> files();
   void set_author(std::string_view name);
+  std::string author();
 
   // Runs reads on a connection, once more on a new one when it turns out to be lost. They must be such that
   // it does no harm when they are begun twice.

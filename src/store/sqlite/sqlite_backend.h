@@ -48,6 +48,7 @@ class SqliteBackend : public Backend {
   // What to tell of a record whose checksum does not hold: that, and which version is sound.
   DamagedRecord damaged(std::string_view file, std::string_view id);
   void set_author(std::string_view name) { author_ = clean_text(name); }
+  const std::string& author() const { return author_; }
   // See History::restore.
   void lay_down(std::string_view file, std::string_view id, const std::vector<Version>& versions);
 

@@ -16,6 +16,7 @@ class SqliteHistory : public History {
   explicit SqliteHistory(SqliteBackend& backend) : backend_(backend) {}
 
   void set_author(std::string_view name) override { backend_.set_author(name); }
+  std::string author() override { return backend_.author(); }
   std::vector<Version> versions(std::string_view file, std::string_view id) override;
   std::vector<std::string> files() override;
   std::vector<std::string> deleted(std::string_view file, std::string_view id_suffix) override;
