@@ -142,7 +142,9 @@ TEST_F(ChecksOfAYear, NothingIsDoneWhileAMessageWaits) {
   clerk_.open_card("00001");
   press_f8();
   choose(kReason);
-  clerk_.at_next_message([this](qt::MessageSheet& sheet) {
+  bool waited = false;
+  clerk_.at_next_message([&](qt::MessageSheet& sheet) {
+    waited = true;
     key(Qt::Key_Return);
     EXPECT_EQ(window_.component().card_id(), "000010012026");
     EXPECT_EQ(clerk_.status(), "Terminez d'abord ce qui est ouvert sur la fiche.");
@@ -152,7 +154,7 @@ TEST_F(ChecksOfAYear, NothingIsDoneWhileAMessageWaits) {
   });
   clerk_.click("Cmd_Supp");
   settle();
-  EXPECT_EQ(clerk_.said.size(), 0u);
+  EXPECT_TRUE(waited);
 }
 
 TEST_F(ChecksOfAYear, AKindIsSetAsideShownAndTakenBack) {

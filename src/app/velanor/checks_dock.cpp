@@ -7,12 +7,15 @@
 #include <QCheckBox>
 #include <QElapsedTimer>
 #include <QHBoxLayout>
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMainWindow>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <utility>
 
 #include "app/velanor/plain_table.h"
 #include "qt/strings.h"
@@ -105,6 +108,7 @@ void ChecksDock::lay_out() {
   column->addWidget(table_, 1);
   column->setContentsMargins(6, 2, 6, 4);
   setWidget(body);
+  table_->setMinimumHeight(2 * table_->verticalHeader()->defaultSectionSize());
   table_->installEventFilter(this);
 }
 
@@ -119,10 +123,19 @@ void ChecksDock::check() {
   if (!shown_year(component_).is_chosen())
     return emit told("Choisissez d'abord l'entité et l'année dont vous contrôlez les fiches.");
   if (QWidget* focus = QApplication::focusWidget(); focus && !isAncestorOf(focus)) came_from_ = focus;
-  show();
+  show_at_first();
   raise();
   table_->setFocus();
   renew();
+}
+
+// The card keeps the place; who wants more lines draws the dock up.
+void ChecksDock::show_at_first() {
+  if (std::exchange(placed_, true)) return show();
+  show();
+  constexpr int kLines = 9;  // title, heading and headings among them
+  if (auto* host = qobject_cast<QMainWindow*>(parentWidget()))
+    host->resizeDocks({this}, {kLines * table_->verticalHeader()->defaultSectionSize()}, Qt::Vertical);
 }
 
 // ---- Looking at the cards.

@@ -40,6 +40,7 @@ class ChecksDock : public QDockWidget {
  private:
   void lay_out();
   bool is_free();
+  void show_at_first();
   void renew();
   void renew_if_shown();
   void look_on();
@@ -62,6 +63,7 @@ class ChecksDock : public QDockWidget {
   std::vector<office::Finding> findings_;
   std::vector<std::size_t> lines_;  // of the table: which finding
   int damaged_ = 0;
+  bool placed_ = false;
   QPointer<QWidget> came_from_;
   QLabel* heading_;
   PlainTable* table_;
