@@ -7,7 +7,7 @@
 namespace velanor {
 
 Rules::Rules(card::CardScreen& card_ui, screen::Screen& forms, entry::UtilSaisie& entry,
-             store::Database& database, commands::TellCardEvent tell)
+             store::Database& database, const commands::TellCardEvent& tell)
     : ui(card_ui),
       screen(forms),
       procedure(database),

@@ -30,7 +30,7 @@ namespace velanor {
 // What works on the store: made by `init`, when the database is known.
 struct Rules {
   Rules(card::CardScreen& ui, screen::Screen& screen, entry::UtilSaisie& entry, store::Database& database,
-        commands::TellCardEvent tell);
+        const commands::TellCardEvent& tell);
   void bind();
   control::Standing standing() const;
   // Something would be lost with the card that is open.

@@ -262,6 +262,11 @@ TEST_F(TableBesideTheCard, CopiesAndExportsWhatIsShown) {
   EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(0600));
 }
 
+TEST_F(TableBesideTheCard, AnExportTakesNoBasesPlace) {
+  EXPECT_THROW(dock().export_to(QString::fromStdString(folder_.file("base"))), store::DbError);
+  EXPECT_TRUE(store::SqliteDatabase::is_at(folder_.file("base")));
+}
+
 TEST_F(TableBesideTheCard, KeepsItsColumnsAndItsPlaceForTheNextWindow) {
   action("Secteur").setChecked(true);
   table().sortByColumn(0, Qt::DescendingOrder);

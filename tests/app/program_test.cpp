@@ -285,7 +285,7 @@ TEST_F(ProgramTest, ABackupTakesThePlaceOfTheBaseWhenThatIsConfirmed) {
     MainWindow& window = *program.windows().front();
     Clerk clerk(window);
     clerk.open_card("00001");
-    const std::string text = clerk.widget<QLineEdit>("Txt_HorMensEtab").text().toStdString();
+    std::string text = clerk.widget<QLineEdit>("Txt_HorMensEtab").text().toStdString();
     clerk.answer_next(Answer::Yes);
     clerk.click("Cmd_Annul");
     return text;

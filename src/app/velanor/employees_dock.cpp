@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <fstream>
 
+#include "app/velanorctl/export_target.h"
 #include "exchange/columns.h"
 #include "exchange/csv.h"
 #include "qt/strings.h"
@@ -554,6 +555,7 @@ void EmployeesDock::ask_export() {
 }
 
 void EmployeesDock::export_to(const QString& path) const {
+  refuse_export_target(from_qt(path));
   store::sqlite::UnfinishedFile file(from_qt(path));
   {
     std::ofstream out(file.path(), std::ios::binary);

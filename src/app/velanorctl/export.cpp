@@ -2,11 +2,11 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 
 #include "app/velanorctl/commands.h"
+#include "app/velanorctl/export_target.h"
 #include "app/velanorctl/guarded_output.h"
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/progress.h"
@@ -14,7 +14,6 @@
 #include "exchange/csv.h"
 #include "exchange/export_csv.h"
 #include "store/sqlite/unfinished_file.h"
-#include "velanor/sqlite_database.h"
 
 namespace velanor::app {
 namespace {
@@ -63,23 +62,8 @@ void write_to_output(const Options& options) {
   write(options, std::cout);
 }
 
-// A table takes the place of an older one, and of nothing else.
-void refuse_target(const std::string& path) {
-  namespace fs = std::filesystem;
-  std::error_code none;
-  const fs::file_status there = fs::symlink_status(path, none);
-  const auto refused = [&](const char* why) {
-    return store::DbError(store::kStoreFailure, "Le tableau « " + path + " » n'a pas été écrit : " + why);
-  };
-  if (fs::is_symlink(there)) throw refused("c'est un lien. Donnez le nom du fichier lui-même.");
-  if (fs::exists(there) && !fs::is_regular_file(there))
-    throw refused(
-        "ce n'est pas un fichier ordinaire. Donnez un autre nom, ou « - » pour la sortie standard.");
-  if (store::SqliteDatabase::is_at(path)) throw refused("c'est une base de fiches. Donnez un autre nom.");
-}
-
 void write_table(const Options& options) {
-  refuse_target(options.table);
+  refuse_export_target(options.table);
   store::sqlite::UnfinishedFile file(options.table);
   {
     std::ofstream out(file.path(), std::ios::binary);

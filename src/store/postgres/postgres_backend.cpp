@@ -55,7 +55,7 @@ std::string erase_statement(std::size_t count) {
   std::string sql = "SELECT ";
   for (std::size_t i = 0; i < count; ++i) {
     const std::string id = std::to_string(2 * i + 4), tail = std::to_string(2 * i + 5);
-    sql.append(i == 0 ? "" : ", ").append("velanor.put($1, $" + id + ", $" + tail);
+    sql.append(i == 0 ? "" : ", ").append("velanor.put($1, $").append(id).append(", $").append(tail);
     sql.append(", NULL, 0, ''::bytea, $2, $3, 0)");
   }
   return sql;
@@ -323,6 +323,7 @@ void PostgresBackend::erase_each(std::string_view file, const std::vector<std::s
   if (ids.empty()) return;
   const std::string sql = erase_statement(ids.size());
   std::vector<std::string> tails;
+  tails.reserve(ids.size());
   for (const std::string& id : ids) tails.push_back(reversed(id));
   Parameters parameters{file, std::optional<std::string_view>(author_), change_};
   for (std::size_t i = 0; i < ids.size(); ++i) parameters.insert(parameters.end(), {ids[i], tails[i]});

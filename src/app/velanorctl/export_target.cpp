@@ -1,0 +1,23 @@
+#include "app/velanorctl/export_target.h"
+
+#include <filesystem>
+
+#include "velanor/sqlite_database.h"
+
+namespace velanor::app {
+
+void refuse_export_target(const std::string& path) {
+  namespace fs = std::filesystem;
+  std::error_code none;
+  const fs::file_status there = fs::symlink_status(path, none);
+  const auto refused = [&](const char* why) {
+    return store::DbError(store::kStoreFailure, "Le tableau « " + path + " » n'a pas été écrit : " + why);
+  };
+  if (fs::is_symlink(there)) throw refused("c'est un lien. Donnez le nom du fichier lui-même.");
+  if (fs::exists(there) && !fs::is_regular_file(there))
+    throw refused(
+        "ce n'est pas un fichier ordinaire. Donnez un autre nom, ou « - » pour la sortie standard.");
+  if (store::SqliteDatabase::is_at(path)) throw refused("c'est une base de fiches. Donnez un autre nom.");
+}
+
+}  // namespace velanor::app
