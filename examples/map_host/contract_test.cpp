@@ -11,11 +11,11 @@ namespace {
 
 // The database with the files that it keeps its records in.
 struct Shelf {
-  Files files;
+  Files kept;
 };
 class MapDatabase : private Shelf, public StoreDatabase {
  public:
-  MapDatabase() : StoreDatabase(std::make_unique<MapBackend>(files)) {}
+  MapDatabase() : StoreDatabase(std::make_unique<MapBackend>(kept)) {}
 };
 
 INSTANTIATE_TEST_SUITE_P(Map, StoreContract,

@@ -70,7 +70,7 @@ class Clerk {
     must(found != nullptr, "There is no such control: " + std::string(name));
     return *found;
   }
-  static void did(const screen::Refusal& refusal) { must(refusal.empty(), refusal); }
+  static void did(const screen::Refusal& refusal) { must(refusal.empty(), refusal.why()); }
 
   screen::Screen& screen_;
   screen::Hand hand_;

@@ -17,6 +17,8 @@ void must(bool holds, const std::string& sentence) {
   if (!holds) throw std::runtime_error(sentence);
 }
 
+void did(const screen::Refusal& refusal) { must(refusal.empty(), refusal.why()); }
+
 }  // namespace
 
 std::string SelfTest::play() {
@@ -51,8 +53,8 @@ void SelfTest::open_a_card() {
 std::string SelfTest::enter_birth(std::string_view text) {
   auto& box = dynamic_cast<screen::TextBox&>(*window_.cards().screen().base().find("Txt_DatNais"));
   screen::Hand hand(window_.cards().screen());
-  hand.replace_text(box, text);
-  hand.leave();
+  did(hand.replace_text(box, text));
+  did(hand.leave());
   return box.text();
 }
 
@@ -101,7 +103,7 @@ void SelfTest::close_under_a_question() {
     asked = true;
     window_.close();
   });
-  screen::Hand(window_.cards().screen()).click(*window_.cards().screen().base().find("Cmd_Supp"));
+  did(screen::Hand(window_.cards().screen()).click(*window_.cards().screen().base().find("Cmd_Supp")));
   must(asked, "The component deletes without a question.");
   must(!window_.isVisible(), "The window was not closed.");
   must(stored() == before_, "The card in the store is not as it was.");
