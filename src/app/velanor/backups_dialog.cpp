@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QDateTime>
 #include <QFileInfo>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
 #include <QMessageBox>
@@ -12,6 +11,7 @@
 #include <QVBoxLayout>
 
 #include "app/velanor/plain_table.h"
+#include "app/velanor/taking_row.h"
 #include "qt/strings.h"
 #include "text/failure.h"
 
@@ -43,27 +43,18 @@ BackupsDialog::BackupsDialog(const QString& base, QWidget* parent)
   setWindowTitle("Sauvegardes – " + QFileInfo(base).fileName());
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowModality(Qt::WindowModal);
-  auto* close = new QPushButton("&Fermer");
-  close->setDefault(true);
-  take_->setAutoDefault(false);
   auto* remark = new QLabel(
       backups_.empty()
           ? "Il n'y a pas encore de sauvegarde : la première se fait à l'ouverture de la base."
           : "Une sauvegarde se fait à la première ouverture de chaque jour ; trente sont gardées.");
-  remark->setWordWrap(true);
-  auto* buttons = new QHBoxLayout;
-  buttons->addWidget(remark, 1);
-  buttons->addWidget(take_);
-  buttons->addWidget(close);
   auto* column = new QVBoxLayout(this);
   column->addWidget(list_);
-  column->addLayout(buttons);
+  column->addLayout(taking_row(*this, *remark, *take_));
   for (const auto& backup : backups_)
     list_->add({moment(backup), size_of(backup), QFileInfo(to_qt(backup.path)).fileName()});
   list_->fit();
   connect(list_, &QTableWidget::itemSelectionChanged, this, [this] { take_->setEnabled(chosen()); });
   connect(take_, &QPushButton::clicked, this, &BackupsDialog::take);
-  connect(close, &QPushButton::clicked, this, &QDialog::reject);
   take_->setEnabled(false);
   list_->choose(0);
   resize(760, 380);

@@ -1,12 +1,12 @@
 #include "app/velanor/deleted_cards_dialog.h"
 
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QVBoxLayout>
 
 #include "app/velanor/plain_table.h"
+#include "app/velanor/taking_row.h"
 #include "exchange/columns.h"
 #include "office/versions.h"
 #include "qt/strings.h"
@@ -29,20 +29,11 @@ DeletedCardsDialog::DeletedCardsDialog(store::Database& database, const std::str
   setWindowTitle("Fiches supprimées – entité " + to_qt(entity) + ", année " + to_qt(year));
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowModality(Qt::WindowModal);
-  auto* close = new QPushButton("&Fermer");
-  close->setDefault(true);
-  take_->setAutoDefault(false);
-  remark_->setWordWrap(true);
-  auto* buttons = new QHBoxLayout;
-  buttons->addWidget(remark_, 1);
-  buttons->addWidget(take_);
-  buttons->addWidget(close);
   auto* column = new QVBoxLayout(this);
   column->addWidget(list_);
-  column->addLayout(buttons);
+  column->addLayout(taking_row(*this, *remark_, *take_));
   connect(list_, &QTableWidget::itemSelectionChanged, this, &DeletedCardsDialog::update_button);
   connect(take_, &QPushButton::clicked, this, &DeletedCardsDialog::bring_back);
-  connect(close, &QPushButton::clicked, this, &QDialog::reject);
   read();
   resize(680, 380);
   list_->setFocus();

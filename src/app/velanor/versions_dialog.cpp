@@ -1,6 +1,5 @@
 #include "app/velanor/versions_dialog.h"
 
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
@@ -8,6 +7,7 @@
 #include <utility>
 
 #include "app/velanor/plain_table.h"
+#include "app/velanor/taking_row.h"
 #include "exchange/columns.h"
 #include "office/record_changes.h"
 #include "office/versions.h"
@@ -44,23 +44,14 @@ VersionsDialog::VersionsDialog(store::Database& database, std::string id, const 
   setWindowTitle("Historique – " + title);
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowModality(Qt::WindowModal);
-  auto* close = new QPushButton("&Fermer");
-  close->setDefault(true);
-  take_->setAutoDefault(false);
-  remark_->setWordWrap(true);
-  auto* buttons = new QHBoxLayout;
-  buttons->addWidget(remark_, 1);
-  buttons->addWidget(take_);
-  buttons->addWidget(close);
   auto* column = new QVBoxLayout(this);
   column->addWidget(heading("&Versions, la plus récente d'abord", list_));
   column->addWidget(list_, 2);
   column->addWidget(heading("&Ce que cette version a changé", changes_));
   column->addWidget(changes_, 3);
-  column->addLayout(buttons);
+  column->addLayout(taking_row(*this, *remark_, *take_));
   connect(list_, &QTableWidget::itemSelectionChanged, this, &VersionsDialog::show_changes);
   connect(take_, &QPushButton::clicked, this, &VersionsDialog::bring_back);
-  connect(close, &QPushButton::clicked, this, &QDialog::reject);
   read();
   resize(860, 560);
   list_->setFocus();
