@@ -1,7 +1,6 @@
 #include "app/velanor/deleted_cards_dialog.h"
 
 #include <QLabel>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -10,7 +9,6 @@
 #include "exchange/columns.h"
 #include "office/versions.h"
 #include "qt/strings.h"
-#include "text/failure.h"
 
 namespace velanor::app {
 
@@ -64,23 +62,18 @@ void DeletedCardsDialog::update_button() {
                                   : locked_);
 }
 
-void DeletedCardsDialog::bring_back() try {
-  const office::DeletedCard* card = chosen();
-  if (!card) return;
-  office::bring_back(database_, exchange::kCardFile, card->id, card->versions,
-                     card->versions[*card->content]);
-  emit brought_back(to_qt(entity_), to_qt(year_), to_qt(card->employee), to_qt(card->name));
-  accept();
-} catch (const store::DbError& error) {
-  if (error.number() != store::kConflict) {
-    QMessageBox::critical(this, windowTitle(), to_qt(text::failure_sentence(error)));
-    return;
-  }
-  QMessageBox::information(
-      this, windowTitle(),
-      "Ce code vient d'être repris par quelqu'un d'autre : rien n'a été rétabli. La liste "
-      "est relue.");
-  read();
+void DeletedCardsDialog::bring_back() {
+  const auto take = [this] {
+    const office::DeletedCard* card = chosen();
+    if (!card) return;
+    office::bring_back(database_, exchange::kCardFile, card->id, card->versions,
+                       card->versions[*card->content]);
+    emit brought_back(to_qt(entity_), to_qt(year_), to_qt(card->employee), to_qt(card->name));
+    accept();
+  };
+  take_back(*this, take,
+            "Ce code vient d'être repris par quelqu'un d'autre : rien n'a été rétabli. La liste est relue.",
+            [this] { read(); });
 }
 
 }  // namespace velanor::app

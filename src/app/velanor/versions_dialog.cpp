@@ -1,7 +1,6 @@
 #include "app/velanor/versions_dialog.h"
 
 #include <QLabel>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <utility>
@@ -12,7 +11,6 @@
 #include "office/record_changes.h"
 #include "office/versions.h"
 #include "qt/strings.h"
-#include "text/failure.h"
 #include "text/utf8.h"
 
 namespace velanor::app {
@@ -91,22 +89,19 @@ void VersionsDialog::show_changes() {
   changes_->fit();
 }
 
-void VersionsDialog::bring_back() try {
-  const Version* version = chosen();
-  if (!version) return;
-  office::bring_back(database_, exchange::kCardFile, id_, versions_, *version);
-  emit brought_back(to_qt(office::moment_of(*version)));
-  accept();
-} catch (const store::DbError& error) {
-  if (error.number() != store::kConflict) {
-    QMessageBox::critical(this, windowTitle(), to_qt(text::failure_sentence(error)));
-    return;
-  }
-  QMessageBox::information(
-      this, windowTitle(),
-      "Cette fiche vient d'être enregistrée par quelqu'un d'autre : rien n'a été repris. "
-      "Son historique est relu, choisissez à nouveau.");
-  read();
+void VersionsDialog::bring_back() {
+  const auto take = [this] {
+    const Version* version = chosen();
+    if (!version) return;
+    office::bring_back(database_, exchange::kCardFile, id_, versions_, *version);
+    emit brought_back(to_qt(office::moment_of(*version)));
+    accept();
+  };
+  take_back(
+      *this, take,
+      "Cette fiche vient d'être enregistrée par quelqu'un d'autre : rien n'a été repris. Son historique est "
+      "relu, choisissez à nouveau.",
+      [this] { read(); });
 }
 
 }  // namespace velanor::app
