@@ -98,6 +98,10 @@ class ControleVelanor {
   // The working record of the card that is open: what saving would start from. Empty before
   // `init`.
   const store::DbRecord& card_in_hand() const;
+  // The card that is open as it reads now: what its boxes hold, its lines, and in its place among them the
+  // amendment that is being entered, as soon as its date could stand. What no encoding reads is "". Empty
+  // where none is open. Throws store::DbError where a reference file cannot be read.
+  store::DbRecord card_as_entered() const;
   // Where an attribute of a card is entered or shown: a box, or the list that has a line for each of its
   // values. Null for what is on no page of the card, and before `init`. It may be out of use just now.
   screen::Control* place_of(int attribute);

@@ -61,6 +61,8 @@ class ControleVelanorWidget : public QWidget {
   screen::Screen& screen();
   // The working record of the card that is open.
   const store::DbRecord& card_in_hand() const;
+  // The card that is open as it reads now, as ControleVelanor tells it.
+  store::DbRecord card_as_entered() const;
   // Where an attribute of a card is entered or shown, as ControleVelanor tells it.
   screen::Control* place_of(int attribute);
   // The widget that shows a control, and null where there is none.
@@ -94,6 +96,9 @@ class ControleVelanorWidget : public QWidget {
   void card_id_changed(const QString& id);
   void card_title_changed(const QString& title);
   void modified_changed(bool modified);
+
+  // An act is over, and all that came of it has been told.
+  void acted();
 
   // The user has left. The widget may be destroyed at once.
   void left();

@@ -90,6 +90,10 @@ class CardListener {
   // The component's state, the id or title of the card, or whether it is modified is otherwise than at the
   // last time. Once an act, after all that it did.
   virtual void state_changed() {}
+  // An act is over, and all that came of it has been told: what is entered on the screen may read otherwise
+  // (see ControleVelanor::card_as_entered). Also where nothing came of it; what a listener does here is an
+  // act in its turn.
+  virtual void act_over() {}
 };
 
 // What came of leading a component to a card.

@@ -189,6 +189,14 @@ bool AmendmentLines::refuse(std::string_view message, screen::Control& caret) {
   return false;
 }
 
+bool AmendmentLines::date_is_taken() const {
+  const card::CardScreen& ui = on_.ui;
+  for (int line = 0; line < ui.Lst_DatEffet.count(); ++line) {
+    if (line != on_.card.edited_line && ui.Lst_DatEffet.line(line) == ui.Txt_DatEffet.text()) return true;
+  }
+  return false;
+}
+
 bool AmendmentLines::date_is_valid() {
   card::CardScreen& ui = on_.ui;
   if (ui.Txt_DatEffet.is_empty()) return refuse("La date d'effet est obligatoire.", ui.Txt_DatEffet);
@@ -199,10 +207,7 @@ bool AmendmentLines::date_is_valid() {
     ui.set_focus(ui.Txt_DatEffet);
     return false;
   }
-  bool taken = false;
-  for (int line = 0; line < ui.Lst_DatEffet.count(); ++line)
-    taken |= line != on_.card.edited_line && ui.Lst_DatEffet.line(line) == ui.Txt_DatEffet.text();
-  if (!taken) return true;
+  if (!date_is_taken()) return true;
   on_.screen.refuse("Vous ne pouvez pas affecter deux lignes de détail à la même date d'effet.");
   ui.Txt_DatEffet.set_text({});
   ui.set_focus(ui.Txt_DatEffet);
@@ -247,14 +252,29 @@ card::AmendmentText AmendmentLines::entered_line() const {
   return line;
 }
 
-int AmendmentLines::add_line(card::AmendmentText line) {
-  card::Draft& draft = on_.card.draft;
+std::pair<int, card::AmendmentText> AmendmentLines::new_line(const card::Draft& draft) const {
+  card::AmendmentText line = entered_line();
   const int position = draft.position_for(day(on_.ui.Txt_DatEffet.text()));
   if (position < draft.amendments())
     line.shown[card::column_of(card::kMonthlyTime)] = entry::format_pattern(on_.ui.Txt_HorMensEtab.text(), 2);
-  draft.insert_amendment(position, line);
+  return {position, std::move(line)};
+}
+
+int AmendmentLines::add_line() {
+  const auto [position, line] = new_line(on_.card.draft);
+  on_.card.draft.insert_amendment(position, line);
   insert_line(position, line);
   return position;
+}
+
+void AmendmentLines::put_entry(card::Draft& draft) const {
+  if (!enters() || day(on_.ui.Txt_DatEffet.text()) == 0 || date_is_taken()) return;
+  if (!on_.card.AjoutDetail) {
+    draft.change_amendment(on_.card.edited_line, entered_line());
+    return;
+  }
+  const auto [position, line] = new_line(draft);
+  draft.insert_amendment(position, line);
 }
 
 int AmendmentLines::change_line(const card::AmendmentText& line) {
@@ -270,7 +290,7 @@ void AmendmentLines::Cmd_OkDetail_Click() {
   if (!entry_is_valid()) return;
   ui.Txt_Categorie.show_whole(text::upper(ui.Txt_Categorie.text()));
   if (ui.Cbo_NouvMes.is_empty()) ui.Cbo_NouvMes.set_text("NON");
-  const int position = on_.card.AjoutDetail ? add_line(entered_line()) : change_line(entered_line());
+  const int position = on_.card.AjoutDetail ? add_line() : change_line(entered_line());
   on_.card.current_line = position + 1;
   end_entry();
   size_scroll_bar();

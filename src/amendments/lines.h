@@ -45,6 +45,10 @@ class AmendmentLines {
   bool modified() const;
   // Ends the entry of a line, if there is one, without a question.
   void give_up();
+  bool enters() const { return on_.card.enters_amendment(); }
+  // Puts the line under edit where it would stand if it were confirmed now; nothing where none is, or where
+  // its date is not one that it could stand under. The draft is a copy of the card's.
+  void put_entry(card::Draft& draft) const;
 
  private:
   void Cmd_AjDetail_Click();
@@ -86,7 +90,11 @@ class AmendmentLines {
   template <typename Fill>
   void fill_entry(Fill fill);
   card::AmendmentText entered_line() const;
-  int add_line(card::AmendmentText line);
+  // Under another line's date.
+  bool date_is_taken() const;
+  int add_line();
+  // Where a new line stands in a draft, and how.
+  std::pair<int, card::AmendmentText> new_line(const card::Draft& draft) const;
   int change_line(const card::AmendmentText& line);
   // The lists get a line (or lose it), and show it.
   void insert_line(int position, const card::AmendmentText& line);

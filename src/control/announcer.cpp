@@ -15,10 +15,11 @@ void Announcer::stop() {
   events_.clear();
 }
 
-bool Announcer::has_news() { return standing_ && (!events_.empty() || standing_() != told_); }
+bool Announcer::has_news() { return standing_ && (!events_.empty() || acted_ || standing_() != told_); }
 
 // What a listener does is an act, too; its news wait until the others have heard what there was before.
 void Announcer::act_over() {
+  acted_ = true;
   if (telling_) return;
   const auto alive = shared_from_this();
   {
@@ -28,11 +29,18 @@ void Announcer::act_over() {
   if (failure_) std::rethrow_exception(std::exchange(failure_, nullptr));
 }
 
-void Announcer::tell_next() {
-  if (events_.empty()) {
-    told_ = standing_();
-    return tell([](CardListener& listener) { listener.state_changed(); });
+void Announcer::tell_standing() {
+  Standing now = standing_();
+  if (now == told_) {
+    acted_ = false;
+    return tell([](CardListener& listener) { listener.act_over(); });
   }
+  told_ = std::move(now);
+  tell([](CardListener& listener) { listener.state_changed(); });
+}
+
+void Announcer::tell_next() {
+  if (events_.empty()) return tell_standing();
   const commands::CardEvent event = std::move(events_.front());
   events_.pop_front();
   const Card card{event.id, event.title};

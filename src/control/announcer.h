@@ -40,6 +40,7 @@ class Announcer : public std::enable_shared_from_this<Announcer> {
  private:
   bool has_news();
   void tell_next();
+  void tell_standing();
   void tell(const std::function<void(CardListener&)>& news);
 
   std::function<Standing()> standing_;  // empty when it is of no use any more
@@ -48,6 +49,7 @@ class Announcer : public std::enable_shared_from_this<Announcer> {
   Standing told_;
   std::exception_ptr failure_;
   bool telling_ = false;
+  bool acted_ = false;  // what the listeners have yet to hear
 };
 
 }  // namespace velanor::control

@@ -95,6 +95,9 @@ const store::DbRecord& ControleVelanor::card_in_hand() const {
   static const store::DbRecord kNone;
   return parts_->rules ? parts_->rules->card.draft.record() : kNone;
 }
+store::DbRecord ControleVelanor::card_as_entered() const {
+  return parts_->rules && !parts_->closed ? parts_->rules->as_entered() : store::DbRecord();
+}
 screen::Control* ControleVelanor::place_of(int attribute) {
   return parts_->rules ? parts_->rules->validation.place_of({.number = attribute}) : nullptr;
 }

@@ -85,6 +85,13 @@ control::Standing Rules::standing() const {
   return {state, {card.file ? card.file->id() : "", commands.title()}, modified()};
 }
 
+store::DbRecord Rules::as_entered() const {
+  if (!card.open) return {};
+  card::Draft entered = record.entered();
+  lines.put_entry(entered);
+  return entered.record();
+}
+
 void Rules::leave_card() {
   hours_form.give_up();
   item_form.give_up();

@@ -35,6 +35,8 @@ struct Rules {
   control::Standing standing() const;
   // Something would be lost with the card that is open.
   bool modified() const;
+  // The card that is open as it reads now, the line under edit included.
+  store::DbRecord as_entered() const;
   // Gives up what is entered, form by form and line by line, and the card, without a question.
   void leave_card();
   forms::ItemContext item_context() const;

@@ -47,6 +47,9 @@ screen::Screen& ControleVelanorWidget::screen() { return stage_->screen(); }
 const store::DbRecord& ControleVelanorWidget::card_in_hand() const {
   return stage_->component().card_in_hand();
 }
+store::DbRecord ControleVelanorWidget::card_as_entered() const {
+  return stage_->component().card_as_entered();
+}
 
 control::State ControleVelanorWidget::state() const { return stage_->component().state(); }
 QString ControleVelanorWidget::card_id() const { return to_qt(stage_->component().card_id()); }

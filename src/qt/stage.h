@@ -83,6 +83,7 @@ class ControleVelanorWidget::Stage : public QObject,
   void card_saved_elsewhere(const control::Card& card, const std::string& author) override;
   void card_deleted_elsewhere(const control::Card& card, const std::string& author) override;
   void state_changed() override;
+  void act_over() override;
 
   control::HelpViewer* help = nullptr;
   std::function<void(std::exception_ptr)> failed;

@@ -99,6 +99,8 @@ void ControleVelanorWidget::Stage::state_changed() {
   tell_if_new(told_modified_, component_.modified(), &Widget::modified_changed);
 }
 
+void ControleVelanorWidget::Stage::act_over() { tell(&ControleVelanorWidget::acted); }
+
 // ---- What others write.
 
 void ControleVelanorWidget::Stage::listen_to_others() {

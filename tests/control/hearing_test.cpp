@@ -332,6 +332,39 @@ TEST_F(HearingTest, OfAnActThatFailsIsToldWhatWasDone) {
   }
 }
 
+// ---- What is entered.
+
+TEST_F(HearingTest, TheCardAsItReadsIsThereBeforeItIsConfirmed) {
+  class Following : public control::CardListener {
+   public:
+    explicit Following(ControleVelanor& component) : component_(component) { component.listen(*this); }
+    void act_over() override { card = component_.card_as_entered(); }
+    store::DbRecord card;
+
+   private:
+    ControleVelanor& component_;
+  } following(office_.component);
+  const auto dates = [&] { return std::string(following.card(12)); };
+  act(kOpen);
+  EXPECT_EQ(following.card.encoded(), office_.component.card_in_hand().encoded());
+  const std::string lines = dates();
+  act({type("Txt_NomAidant", "ROUX")});
+  EXPECT_EQ(following.card(1), "ROUX");
+  act({page(1), click("Cmd_AjDetail"), type("Txt_DatEffet", "15/0")});
+  EXPECT_EQ(dates(), lines) << "no date yet";
+  act({type("Txt_DatEffet", office_.ui.Lst_DatEffet.items().front().c_str())});
+  EXPECT_EQ(dates(), lines) << "another line stands there";
+  act({type("Txt_DatEffet", "15/11/2026"), type("Txt_TxHor", "14,5")});
+  EXPECT_EQ(following.card.Count(12), office_.component.card_in_hand().Count(12) + 1);
+  EXPECT_EQ(following.card(17, following.card.Count(17)), "14500");
+  act({click("Cmd_AnnulDetail"), edit("Lst_DatEffet", 0), type("Txt_TxHor", "13")});
+  EXPECT_EQ(dates(), lines);
+  EXPECT_EQ(following.card(17, 1), "13000");
+  act({click("Cmd_AnnulDetail"), click("Cmd_Annul")});
+  EXPECT_EQ(following.card.encoded(), "");
+  office_.component.ignore(following);
+}
+
 // ---- Listeners.
 
 TEST_F(HearingTest, AListenerMayLeadTheComponentOn) {
