@@ -75,6 +75,20 @@ class ControleVelanor {
   // the store: it then stays on the screen.
   control::Opening reload();
 
+  // ---- Taking back what was confirmed on the card that is open, and doing it again.
+
+  // The step that would be taken back, or done again, in the words of the screen: "ligne du 01/03/2026
+  // supprimée". "" where there is none: also while a line, or a form over the card, is being entered, for
+  // that is confirmed or abandoned where it is, and on a card that cannot be changed. Steps end with the
+  // card.
+  std::string undo_name() const;
+  std::string redo_name() const;
+  // What has just been typed is judged first, as when a field is left, and is a step then. The user is led to
+  // what has changed. False where there was no such step, or where what was typed cannot stand. Throws
+  // store::DbError where a reference file cannot be read.
+  bool undo();
+  bool redo();
+
   // ---- What others write meanwhile, where the database hears of it (see store::Database::news).
 
   // Becomes readable when there is something to hear; -1 where nothing ever comes.

@@ -57,6 +57,12 @@ class ControleVelanorWidget : public QWidget {
   control::Opening open(const QString& entity, const QString& year, const QString& employee);
   control::Opening reload();
 
+  // ---- Steps back and forth, as the component's; none while a message of the host's waits.
+  QString undo_name() const;
+  QString redo_name() const;
+  bool undo();
+  bool redo();
+
   // ---- The screen.
   screen::Screen& screen();
   // The working record of the card that is open.

@@ -22,6 +22,7 @@ class ActivityLines {
   bool modified() const { return enters() && entered() != begun_; }
   // Ends the entry of a line, if there is one.
   void give_up();
+  bool enters() const { return card_.AjoutActivite || changed_line_ >= 0; }
 
  private:
   void Cmd_AjAct_Click();
@@ -33,7 +34,6 @@ class ActivityLines {
   bool entry_is_valid();
   void add_line();
   void change_line();
-  bool enters() const { return card_.AjoutActivite || changed_line_ >= 0; }
   std::pair<std::string, std::string> entered() const {
     return {ui_.Cbo_Activites.text(), ui_.Txt_Pourc.text()};
   }

@@ -44,10 +44,11 @@ void AmendmentLines::bind() {
   };
 }
 
-void AmendmentLines::show_all() {
+void AmendmentLines::show_all(const card::Draft& draft) {
+  std::vector<card::AmendmentText> lines;
+  for (int line = 0; line < draft.amendments(); ++line) lines.push_back(draft.amendment(line));
   for (screen::ListBox* list : on_.ui.amendment_lists()) list->clear();
-  for (int line = 0; line < on_.card.draft.amendments(); ++line)
-    insert_line(line, on_.card.draft.amendment(line));
+  for (std::size_t line = 0; line < lines.size(); ++line) insert_line(static_cast<int>(line), lines[line]);
   size_scroll_bar();
 }
 

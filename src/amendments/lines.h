@@ -34,8 +34,8 @@ class AmendmentLines {
 
   void bind();
 
-  // The lists show the amendments of the draft.
-  void show_all();
+  // The lists show the amendments of a draft; where the store fails, those that they showed before.
+  void show_all(const card::Draft& draft);
   // The scroll bar follows the number of lines.
   void size_scroll_bar();
   // The whole line becomes the selected one; -1: none.

@@ -13,7 +13,10 @@ struct ControleVelanor::Parts {
       : surroundings(given),
         screen(ui, given.toolkit),
         announcer(std::make_shared<control::Announcer>([this] { return standing(); })) {
-    screen.when_acted([announcer = announcer] { announcer->act_over(); });
+    screen.when_acted([this, announcer = announcer] {
+      if (rules && !closed) rules->note_step();
+      announcer->act_over();
+    });
   }
   ~Parts() { announcer->stop(); }
   Parts(const Parts&) = delete;
@@ -22,6 +25,7 @@ struct ControleVelanor::Parts {
   control::Standing standing() const { return rules && !closed ? rules->standing() : control::Standing(); }
   void make_rules();
   void start();
+  bool go(Rules::Step step);
   void bind_frame();
   void Mnu_Sommaire_Click();
   void Ong_FichPers_Click();
@@ -71,6 +75,21 @@ control::Opening ControleVelanor::reload() {
   if (parts_->closed) return control::Opening::not_started();
   if (parts_->screen.acting()) return control::Opening::busy();
   return parts_->rules->guide.reload();
+}
+
+std::string ControleVelanor::undo_name() const {
+  return parts_->closed ? std::string() : parts_->rules->step_name(Rules::Step::kBack);
+}
+std::string ControleVelanor::redo_name() const {
+  return parts_->closed ? std::string() : parts_->rules->step_name(Rules::Step::kForth);
+}
+bool ControleVelanor::undo() { return parts_->go(Rules::Step::kBack); }
+bool ControleVelanor::redo() { return parts_->go(Rules::Step::kForth); }
+
+bool ControleVelanor::Parts::go(Rules::Step step) {
+  bool gone = false;
+  if (!closed && !screen.acting()) screen.act([&] { gone = rules->go(step); });
+  return gone;
 }
 
 int ControleVelanor::news_descriptor() const {

@@ -10,6 +10,7 @@
 #include "card/commands/card_commands.h"
 #include "card/commands/card_fields.h"
 #include "card/commands/card_record.h"
+#include "card/commands/card_undo.h"
 #include "card/commands/validation.h"
 #include "card/screen/card_screen.h"
 #include "card/screen/card_state.h"
@@ -32,13 +33,25 @@ struct Rules {
   Rules(card::CardScreen& ui, screen::Screen& screen, entry::UtilSaisie& entry, store::Database& database,
         const commands::TellCardEvent& tell);
   void bind();
+  void hear(const commands::CardEvent& event);
   control::Standing standing() const;
   // Something would be lost with the card that is open.
   bool modified() const;
   // The card that is open as it reads now, the line under edit included.
   store::DbRecord as_entered() const;
+  // Nothing of a card that can be changed is being entered.
+  bool settled() const;
+  // A text is under the user's hand: it is no step yet.
+  bool typing() const;
+  // An act is over: what it did to the card is a step that can be taken back.
+  void note_step();
+  enum class Step { kBack, kForth };
+  std::string step_name(Step step) const;
+  // Judges what has been typed as a click elsewhere would. False where there is no such step now.
+  bool go(Step step);
   // Gives up what is entered, form by form and line by line, and the card, without a question.
   void leave_card();
+  void lead_to(const card::CardAct& act);
   forms::ItemContext item_context() const;
   void open_items(std::function<void(const amendments::AmendmentLines::MonthlyTime&)> closed);
 
@@ -59,6 +72,7 @@ struct Rules {
   amendments::AmendmentLines lines;
   amendments::ActivityLines activities;
   commands::CardRecord record;
+  commands::CardUndo steps;
   commands::Validation validation;
   commands::CardCommands commands;
   commands::CardFields card_fields;

@@ -67,6 +67,19 @@ control::Opening ControleVelanorWidget::reload() {
   return stage_->lead([](ControleVelanor& component) { return component.reload(); });
 }
 
+QString ControleVelanorWidget::undo_name() const {
+  return stage_->idle() ? to_qt(stage_->component().undo_name()) : QString();
+}
+QString ControleVelanorWidget::redo_name() const {
+  return stage_->idle() ? to_qt(stage_->component().redo_name()) : QString();
+}
+bool ControleVelanorWidget::undo() {
+  return stage_->step([](ControleVelanor& component) { return component.undo(); });
+}
+bool ControleVelanorWidget::redo() {
+  return stage_->step([](ControleVelanor& component) { return component.redo(); });
+}
+
 screen::Control* ControleVelanorWidget::place_of(int attribute) {
   return stage_->component().place_of(attribute);
 }

@@ -187,11 +187,21 @@ control::Opening ControleVelanorWidget::Stage::lead(
     const std::function<control::Opening(ControleVelanor&)>& to) {
   if (component_.closed()) return control::Opening::not_started();
   if (!idle()) return control::Opening::busy();
-  const KeepAlive alive(*this);
   control::Opening opening = control::Opening::not_started();
-  const auto failure = run([&] { opening = to(component_); });
-  if (failure) std::rethrow_exception(failure);
+  run_for_host([&] { opening = to(component_); });
   return opening;
+}
+
+bool ControleVelanorWidget::Stage::step(const std::function<bool(ControleVelanor&)>& to) {
+  bool done = false;
+  if (idle()) run_for_host([&] { done = to(component_); });
+  return done;
+}
+
+void ControleVelanorWidget::Stage::run_for_host(const std::function<void()>& rules) {
+  const KeepAlive alive(*this);
+  const auto failure = run(rules);
+  if (failure) std::rethrow_exception(failure);
 }
 
 bool ControleVelanorWidget::Stage::press(screen::Control& control) {

@@ -44,6 +44,12 @@ class ControleVelanorWidget::Stage : public QObject,
 
   // An act of the host's, which opens a card.
   control::Opening lead(const std::function<control::Opening(ControleVelanor&)>& to);
+  // One that takes a step back or forth; false where nobody acts now.
+  bool step(const std::function<bool(ControleVelanor&)>& to);
+  // Nothing waits, and nothing is under way.
+  bool idle() const {
+    return widget_ && !at_work() && messages_.empty() && !component_.closed() && !screen().finished();
+  }
 
   // False while the program itself moves the focus.
   bool step_focus(bool forward);
@@ -102,9 +108,7 @@ class ControleVelanorWidget::Stage : public QObject,
   std::optional<screen::Answer> put(const Asked& asked, const std::function<void(const MessageSheet&)>& read);
   // The rules are at work, or what is shown follows them.
   bool at_work() const { return screen().acting() || following_; }
-  bool idle() const {
-    return widget_ && !at_work() && messages_.empty() && !component_.closed() && !screen().finished();
-  }
+  void run_for_host(const std::function<void()>& rules);
   QWidget* make_pages(const screen::Form& form) const;
   void add_form(screen::Form& form, Sheet* sheet, QWidget& pages);
   void control_changed();

@@ -16,6 +16,8 @@ class TextEdit : public QLineEdit {
   std::function<bool(QKeyEvent&)> on_key;
 
  protected:
+  // What it cannot take back or do again itself is left to the window around it.
+  bool event(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
 };
 

@@ -70,7 +70,7 @@ int play(const Game& game) {
             << " a second; cards saved: " << score.saved << " (" << score.created
             << " new), lines added: " << score.added << ", failures survived: " << score.failures
             << ", ways out proved: " << score.ways_out << ", led to cards: " << score.led
-            << "\n1 passed, 0 failed\n";
+            << ", steps back and forth: " << score.steps << "\n1 passed, 0 failed\n";
   return 0;
 }
 

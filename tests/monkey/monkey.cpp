@@ -1,5 +1,7 @@
 #include "monkey/monkey.h"
 
+#include "monkey/steps.h"
+
 namespace velanor::test {
 
 Monkey::Monkey(store::MemoryDatabase& base, Store kind, std::uint64_t seed)
@@ -112,8 +114,9 @@ bool Monkey::attempt(const std::function<void()>& what, bool asks) {
   if (kind_ == Store::kFailing && once_in(asks ? 15 : 60)) failing_.fail_at(1 + below(once_in(2) ? 4 : 40));
   try {
     what();
-  } catch (const store::DbError&) {
-    if (failing_.failures() == failures_) throw;  // nobody made it fail
+  } catch (const store::DbError& error) {
+    // Nobody made it fail, nor was there another clerk.
+    if (failing_.failures() == failures_ && error.number() != store::kConflict) throw;
     // As the window does, which goes on.
     office_->component.screen().top().settle_focus();
   }
@@ -189,7 +192,16 @@ std::string Monkey::act() {
     return {};
   }
   if (std::string breach = invariants_.check(*office_, done); !breach.empty()) return breach;
+  if (std::string breach = steps(); !breach.empty()) return breach;
   return done.store_failed && once_in(2) ? way_out() : std::string();
+}
+
+std::string Monkey::steps() {
+  if (kind_ == Store::kFailing || !once_in(30)) return {};
+  note("back and forth");
+  if (const std::string breach = walk_steps(*office_, score_.steps); !breach.empty())
+    return "steps: " + breach;
+  return invariants_.check(*office_, {.control = "steps"});
 }
 
 // ---- The way out.

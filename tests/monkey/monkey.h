@@ -21,6 +21,7 @@ struct Score {
   long failures = 0;  // of the store, after which everything went on
   long ways_out = 0;  // proved after a failure
   long led = 0;       // to a card, from wherever it stood
+  long steps = 0;     // taken back and done again
 };
 
 class Monkey {
@@ -67,6 +68,8 @@ class Monkey {
   void lead();
   void other_clerk();
 
+  // Everything back and forth now and then; the breach, or nothing.
+  std::string steps();
   // Gives up whatever is open; why that did not work, or nothing.
   std::string way_out();
   std::string press_way_out(screen::Control& button);

@@ -26,10 +26,11 @@ class StandingWatch {
   // Takes over what stands there now; after the checks of every act.
   void remember(Office& office, const Act& act);
 
- private:
-  // Everything on the card that the user could have changed, and what is being entered.
+  // Everything on the card that the user could have changed.
   using Sight = std::vector<std::string>;
   static Sight card_of(Office& office);
+
+ private:
   // Of each entry that is open what it holds: one may stand on another.
   using Entries = std::map<std::string, Sight>;
   static Entries entries_of(Office& office);

@@ -1,5 +1,7 @@
 #include "card/commands/card_record.h"
 
+#include <algorithm>
+
 #include "card/record/activity_line.h"
 #include "card/record/element.h"
 #include "card/record/record_compare.h"
@@ -25,12 +27,12 @@ CardRecord::CardRecord(const Ground& on)
               {&ui_.Txt_PlafSecu, kCeiling},   {&ui_.Txt_AssSS, kSocialBase},
               {&ui_.Txt_DatFin, kContractEnd}, {&ui_.Txt_ChargMutContrat, kMutualCharge}},
       shares_{{&ui_.Txt_MutSalContrat, kMutualEmployee}, {&ui_.Txt_MutPatContrat, kMutualEmployer}},
-      draft_as_opened_(card_.draft) {
+      opened_{card_.draft, {}} {
   for (const Group group : {Group::kNameBox, Group::kEstablishmentBoxes, Group::kContractKey,
                             Group::kEmployee, Group::kEndReasonBox, Group::kMutual}) {
-    for (const screen::Control* control : ui_.group(group)) {
-      if (auto* box = dynamic_cast<const screen::TextControl*>(control)) boxes_.push_back(box);
-      if (auto* option = dynamic_cast<const screen::OptionButton*>(control)) options_.push_back(option);
+    for (screen::Control* control : ui_.group(group)) {
+      if (auto* box = dynamic_cast<screen::TextControl*>(control)) boxes_.push_back(box);
+      if (auto* option = dynamic_cast<screen::OptionButton*>(control)) options_.push_back(option);
     }
   }
 }
@@ -41,7 +43,7 @@ void CardRecord::ChargerAidant() {
   const screen::Scope loading(card_.loading);
   load_options();
   for (const auto& [box, field] : fields_) box->show_whole(card_.draft.shown(field));
-  load_activities();
+  show_activities(card_.draft.all_activities());
   load_amendments();
   load_end_reason();
   ui_.Cmd_Detail.set_enabled(true);
@@ -70,11 +72,10 @@ void CardRecord::load_options() {
   ui_.Opt_Admin.set_value(!production);
 }
 
-void CardRecord::load_activities() {
-  for (int line = 0; line < card_.draft.activities(); ++line) {
-    const ActivityText activity = card_.draft.activity(line);
+void CardRecord::show_activities(const std::vector<ActivityText>& activities) {
+  ui_.Lst_Activites.clear();
+  for (const ActivityText& activity : activities)
     ui_.Lst_Activites.add(activity_line(activity.label, activity.share));
-  }
 }
 
 // The monthly time of production staff is that of their items.
@@ -82,7 +83,7 @@ void CardRecord::load_amendments() {
   Draft& card = card_.draft;
   for (int line = 0; !ui_.Opt_Admin.value() && line < card.amendments(); ++line)
     card.put_monthly_time(line, card.item_hours(line));
-  amendments_.show_all();
+  amendments_.show_all(card);
 }
 
 void CardRecord::load_end_reason() {
@@ -151,13 +152,56 @@ std::vector<std::string> CardRecord::entries() const {
   return entries;
 }
 
-void CardRecord::take_as_opened() {
-  draft_as_opened_ = card_.draft;
-  entries_as_opened_ = entries();
+void CardRecord::take_as_opened() { opened_ = shown(); }
+
+bool CardRecord::is_shown(const Shown& card) const {
+  return entries() == card.entries && same_record(card_.draft.record(), card.draft.record());
 }
 
-bool CardRecord::modified() const {
-  return entries() != entries_as_opened_ || !same_record(card_.draft.record(), draft_as_opened_.record());
+bool CardRecord::reads_otherwise(const screen::Control& box, const Shown& card) const {
+  const auto at = std::find(boxes_.begin(), boxes_.end(), &box);
+  return at != boxes_.end() && (*at)->text() != card.entries[static_cast<std::size_t>(at - boxes_.begin())];
+}
+
+std::string CardRecord::difference_from(const Shown& card) const {
+  for (std::size_t i = 0; i < boxes_.size(); ++i) {
+    const screen::Label* const label = boxes_[i]->label();
+    if (boxes_[i]->text() != card.entries[i] && label)
+      return label->caption() + " (" + boxes_[i]->text() + ")";
+  }
+  return {};
+}
+
+// ---- Back to what was shown.
+
+void CardRecord::show(const Shown& card) {
+  const screen::Scope loading(card_.loading);
+  const std::vector<ActivityText> activities = card.draft.all_activities();
+  amendments_.show_all(card.draft);
+  card_.draft = card.draft;
+  show_activities(activities);
+  show_entries(card.entries);
+  ui_.Cbo_MotifFin.set_enabled(!ui_.Txt_DatFin.is_empty());
+}
+
+// Codes before the labels, which follow them by themselves; a label that says something else says it last.
+// What an agreement alone has a place for comes behind the agreement.
+void CardRecord::show_entries(const std::vector<std::string>& entries) {
+  for (std::size_t i = 0; i < options_.size(); ++i) {
+    if (!entries[boxes_.size() + i].empty()) options_[i]->set_value(true);
+  }
+  for (std::size_t i = 0; i < boxes_.size(); ++i) {
+    if (dynamic_cast<screen::TextBox*>(boxes_[i])) boxes_[i]->show_whole(entries[i]);
+  }
+  for (std::size_t i = 0; i < boxes_.size(); ++i) show_entry(*boxes_[i], entries[i]);
+}
+
+// A line that was chosen by itself is chosen again.
+void CardRecord::show_entry(screen::TextControl& box, const std::string& text) {
+  auto* combo = dynamic_cast<screen::ComboBox*>(&box);
+  const bool alone = combo == &ui_.Cbo_NatureContrat || combo == &ui_.Cbo_EtudeAidant;
+  if (alone && text != box.text()) combo->set_index(text.empty() ? -1 : combo->find(text));
+  box.show_whole(text);
 }
 
 }  // namespace velanor::commands

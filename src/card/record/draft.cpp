@@ -63,6 +63,12 @@ ActivityText Draft::activity(int line) const {
   return {std::string(element(record_, kActivity, value)), shown(kActivity, value), shown(kShare, value)};
 }
 
+std::vector<ActivityText> Draft::all_activities() const {
+  std::vector<ActivityText> all;
+  for (int line = 0; line < activities(); ++line) all.push_back(activity(line));
+  return all;
+}
+
 void Draft::add_activity(std::string_view code, std::string_view share) {
   const int value = activities() + 1;
   end_columns(record_, kActivityColumns, value - 1);

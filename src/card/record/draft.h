@@ -62,6 +62,7 @@ class Draft {
   // ---- Activities.
   int activities() const { return lines_of(record_, kActivity); }
   ActivityText activity(int line) const;
+  std::vector<ActivityText> all_activities() const;
   void add_activity(std::string_view code, std::string_view share);
   void change_share(int line, std::string_view share);
   void remove_activity(int line);
