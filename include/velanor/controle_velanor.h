@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -88,6 +89,22 @@ class ControleVelanor {
   // store::DbError where a reference file cannot be read.
   bool undo();
   bool redo();
+
+  // ---- What helps while entering, beside what the controls hold and say.
+
+  // "Reste à répartir : 33,33 %", of the split of activities; "" where no card is open.
+  std::string split_told() const;
+  // "Total des heures : 151,67", of the payroll items on the screen; "" where none are. Throws store::DbError
+  // where the items' file cannot be read.
+  std::string hours_told() const;
+  // Puts what remains of the split into the line that is being entered, or else on the line that is selected.
+  // Both, and the next, are what a clerk would do: a sentence why not, "" where it is done. Throw
+  // store::DbError.
+  std::string put_remainder();
+  // Gives the amendment that is selected, which has no payroll items, those of the one before it.
+  std::string repeat_items();
+  // The field that the user's hand is on; nothing where it is on none that is stored.
+  std::optional<control::FieldPlace> field_in_hand() const;
 
   // ---- What others write meanwhile, where the database hears of it (see store::Database::news).
 

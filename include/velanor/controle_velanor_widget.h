@@ -5,6 +5,7 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "velanor/controle_velanor.h"
 
@@ -62,6 +63,11 @@ class ControleVelanorWidget : public QWidget {
   QString redo_name() const;
   bool undo();
   bool redo();
+
+  // ---- What helps while entering, as the component's; the pages show by themselves what it tells.
+  QString put_remainder();
+  QString repeat_items();
+  std::optional<control::FieldPlace> field_in_hand() const;
 
   // ---- The screen.
   screen::Screen& screen();

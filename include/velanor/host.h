@@ -60,6 +60,13 @@ struct Card {
                       // has none
 };
 
+// A field of a card, as a host may look it up in the versions of its record.
+struct FieldPlace {
+  int attribute = 0;
+  std::string line;  // "" for a single field; else the stored date of effect of its amendment, or the code of
+                     // its activity
+};
+
 // Hears what becomes of the cards on the screen, in the order in which it came to be.
 //
 // Everything is told when the act that did it is over: the rules have returned, the window shows what there

@@ -23,6 +23,8 @@ class ActivityLines {
   // Ends the entry of a line, if there is one.
   void give_up();
   bool enters() const { return card_.AjoutActivite || changed_line_ >= 0; }
+  // -1: none, or a new one.
+  int edited_line() const { return changed_line_; }
 
  private:
   void Cmd_AjAct_Click();

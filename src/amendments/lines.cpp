@@ -331,12 +331,28 @@ void AmendmentLines::Cmd_Detail_Click() {
   const int line = line_in_hand();
   if (line < 0) return;
   on_.card.current_line = line + 1;
-  open_items_([this, line](const MonthlyTime& monthly_time) {
-    if (!monthly_time) return;
-    on_.card.draft.put_monthly_time(line, *monthly_time);
-    on_.ui.Lst_DureMens.replace(line, *monthly_time);
-    on_.ui.Txt_DureMens.show_whole(*monthly_time);
-  });
+  open_items_([this, line](const MonthlyTime& monthly_time) { take_monthly_time(line, monthly_time); });
+}
+
+void AmendmentLines::take_monthly_time(int line, const MonthlyTime& monthly_time) {
+  if (!monthly_time) return;
+  on_.card.draft.put_monthly_time(line, *monthly_time);
+  on_.ui.Lst_DureMens.replace(line, *monthly_time);
+  on_.ui.Txt_DureMens.show_whole(*monthly_time);
+}
+
+std::string AmendmentLines::repeat_items(int line) {
+  card::Draft& draft = on_.card.draft;
+  if (!draft.items(line).empty()) return "Cet avenant a déjà des rubriques.";
+  const auto before = line > 0 ? draft.items(line - 1) : std::vector<card::ItemText>();
+  if (before.empty()) return "L'avenant précédent n'a pas de rubriques à reprendre.";
+  card::Draft with_items = draft;
+  with_items.put_items(line, before);
+  const MonthlyTime time = on_.ui.Opt_Admin.value() ? MonthlyTime() : with_items.item_hours(line);
+  draft = std::move(with_items);
+  take_monthly_time(line, time);
+  on_.ui.set_focus(on_.ui.Lst_DatEffet);
+  return {};
 }
 
 }  // namespace velanor::amendments

@@ -49,6 +49,8 @@ class AmendmentLines {
   // Puts the line under edit where it would stand if it were confirmed now; nothing where none is, or where
   // its date is not one that it could stand under. The draft is a copy of the card's.
   void put_entry(card::Draft& draft) const;
+  // A line without payroll items gets those of the line before it. A sentence why not, or "".
+  std::string repeat_items(int line);
 
  private:
   void Cmd_AjDetail_Click();
@@ -99,6 +101,8 @@ class AmendmentLines {
   // The lists get a line (or lose it), and show it.
   void insert_line(int position, const card::AmendmentText& line);
   void remove_line(int position);
+  // What its items make of it, where they do.
+  void take_monthly_time(int line, const MonthlyTime& monthly_time);
   std::int64_t day(std::string_view date) const;
 
   Ground on_;

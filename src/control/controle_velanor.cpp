@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "control/announcer.h"
+#include "control/field_in_hand.h"
 #include "control/rules.h"
 
 namespace velanor {
@@ -26,6 +27,7 @@ struct ControleVelanor::Parts {
   void make_rules();
   void start();
   bool go(Rules::Step step);
+  std::string aid(const std::function<std::string(Rules&)>& what);
   void bind_frame();
   void Mnu_Sommaire_Click();
   void Ong_FichPers_Click();
@@ -90,6 +92,32 @@ bool ControleVelanor::Parts::go(Rules::Step step) {
   bool gone = false;
   if (!closed && !screen.acting()) screen.act([&] { gone = rules->go(step); });
   return gone;
+}
+
+std::string ControleVelanor::split_told() const {
+  return parts_->closed ? std::string() : parts_->rules->aids.split();
+}
+std::string ControleVelanor::hours_told() const {
+  return parts_->closed ? std::string() : parts_->rules->aids.hours();
+}
+std::string ControleVelanor::put_remainder() {
+  return parts_->aid([](Rules& rules) { return rules.aids.put_remainder(rules.states.year_is_open()); });
+}
+std::string ControleVelanor::repeat_items() {
+  return parts_->aid([](Rules& rules) { return rules.aids.repeat_items(rules.states.year_is_open()); });
+}
+
+std::string ControleVelanor::Parts::aid(const std::function<std::string(Rules&)>& what) {
+  if (closed || screen.acting()) return control::Opening::busy().why;
+  std::string why;
+  screen.act([&] { why = what(*rules); });
+  return why;
+}
+
+std::optional<control::FieldPlace> ControleVelanor::field_in_hand() const {
+  if (parts_->closed || !parts_->rules->card.open || &parts_->screen.top() != &parts_->ui) return std::nullopt;
+  const Rules& rules = *parts_->rules;
+  return control::field_in_hand(parts_->ui, rules.card, rules.activities, rules.validation);
 }
 
 int ControleVelanor::news_descriptor() const {

@@ -37,7 +37,8 @@ Rules::Rules(card::CardScreen& card_ui, screen::Screen& forms, entry::UtilSaisie
       card_fields({ui, card, states, procedure, lists, grids, screen}),
       guide({ui, card, procedure, years, screen, [this] { return !modified() || commands.may_give_up(); },
              [this] { leave_card(); }}),
-      others({ui, card, procedure, lists, [this] { return commands.title(); }, tell}) {}
+      others({ui, card, procedure, lists, [this] { return commands.title(); }, tell}),
+      aids({ui, card, lines, activities, item_form.ui(), screen}) {}
 
 void Rules::hear(const commands::CardEvent& event) {
   using Kind = commands::CardEvent::Kind;

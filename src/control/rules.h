@@ -17,6 +17,7 @@
 #include "card/screen/states.h"
 #include "control/announcer.h"
 #include "control/card_guide.h"
+#include "control/entry_aids.h"
 #include "control/other_clerks.h"
 #include "control/session/procedure.h"
 #include "control/session/years.h"
@@ -78,6 +79,7 @@ struct Rules {
   commands::CardFields card_fields;
   control::CardGuide guide;
   control::OtherClerks others;
+  control::EntryAids aids;
 };
 
 }  // namespace velanor

@@ -80,6 +80,16 @@ bool ControleVelanorWidget::redo() {
   return stage_->step([](ControleVelanor& component) { return component.redo(); });
 }
 
+QString ControleVelanorWidget::put_remainder() {
+  return stage_->aid([](ControleVelanor& component) { return component.put_remainder(); });
+}
+QString ControleVelanorWidget::repeat_items() {
+  return stage_->aid([](ControleVelanor& component) { return component.repeat_items(); });
+}
+std::optional<control::FieldPlace> ControleVelanorWidget::field_in_hand() const {
+  return stage_->component().field_in_hand();
+}
+
 screen::Control* ControleVelanorWidget::place_of(int attribute) {
   return stage_->component().place_of(attribute);
 }

@@ -198,6 +198,13 @@ bool ControleVelanorWidget::Stage::step(const std::function<bool(ControleVelanor
   return done;
 }
 
+QString ControleVelanorWidget::Stage::aid(const std::function<std::string(ControleVelanor&)>& what) {
+  if (!idle()) return to_qt(control::Opening::busy().why);
+  std::string why;
+  run_for_host([&] { why = what(component_); });
+  return to_qt(why);
+}
+
 void ControleVelanorWidget::Stage::run_for_host(const std::function<void()>& rules) {
   const KeepAlive alive(*this);
   const auto failure = run(rules);
@@ -279,6 +286,24 @@ void ControleVelanorWidget::Stage::report(const std::exception_ptr& failure) {
 void ControleVelanorWidget::Stage::refresh() {
   const Scope placing(placing_);
   for (const OpenForm& open : forms_) open.views->refresh();
+  show_asides();
+}
+
+// What the controls do not hold: it stands beside them where their page has a place for it. What cannot be
+// read is not told.
+void ControleVelanorWidget::Stage::show_asides() {
+  const auto told = [&](const auto& tell) {
+    std::string text;
+    run([&] { text = tell(); });
+    return to_qt(text);
+  };
+  const std::pair<const char*, QString> kAsides[] = {
+      {"split_told", told([&] { return component_.split_told(); })},
+      {"hours_told", told([&] { return component_.hours_told(); })},
+  };
+  for (const auto& [name, text] : kAsides) {
+    for (QLabel* label : boards_->findChildren<QLabel*>(name)) label->setText(text);
+  }
 }
 
 // A form that was just opened has the focus on its first control.

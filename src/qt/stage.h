@@ -46,6 +46,8 @@ class ControleVelanorWidget::Stage : public QObject,
   control::Opening lead(const std::function<control::Opening(ControleVelanor&)>& to);
   // One that takes a step back or forth; false where nobody acts now.
   bool step(const std::function<bool(ControleVelanor&)>& to);
+  // One that helps the user to enter something; why not, or "".
+  QString aid(const std::function<std::string(ControleVelanor&)>& what);
   // Nothing waits, and nothing is under way.
   bool idle() const {
     return widget_ && !at_work() && messages_.empty() && !component_.closed() && !screen().finished();
@@ -116,6 +118,7 @@ class ControleVelanorWidget::Stage : public QObject,
   void tell(Signal signal, const Values&... values);
   std::exception_ptr run(const std::function<void()>& rules);
   void refresh();
+  void show_asides();
   void place_focus();
   Arrival arrival_at(const screen::Control& control) const;
   void keep_focus();

@@ -5,6 +5,7 @@
 #include "card/record/element.h"
 #include "card/record/record_layout.h"
 #include "office/deleted_cards.h"
+#include "office/field_history.h"
 #include "sqlite/temporary_folder.h"
 #include "velanor/memory_database.h"
 #include "velanor/sqlite_database.h"
@@ -98,6 +99,42 @@ TEST_F(BringingBack, DeletedCardsAreThoseOfTheEntityAndYearThatAreNotThere) {
   ASSERT_EQ(deleted.size(), 1U);
   EXPECT_EQ(deleted.front().employee, "00010");
   EXPECT_EQ(deleted.front().name, "MARTIN JEANNE");
+}
+
+// ---- One field.
+
+TEST_F(BringingBack, AFieldTellsWhatItReadBeforeOfItsOwnLine) {
+  database_.history()->set_author("marie");
+  DbRecord card = this->card("10000", "");
+  set_element(card, card::kEffective, 1, "20455");
+  write(card);
+  const auto was = [&](int attribute, const char* line) {
+    std::vector<std::string> texts;
+    for (const FieldWas& past : field_history(database_, kId, {attribute, line})) {
+      EXPECT_EQ(past.until.size(), 10U);
+      EXPECT_EQ(past.author, "marie");
+      texts.push_back(past.value);
+    }
+    return texts;
+  };
+  const auto months = [&](const char* date) { return was(card::kMonthlyTime.number, date); };
+  EXPECT_TRUE(months("20455").empty());
+  set_element(card, card::kMonthlyTime, 1, "7583");
+  write(card);
+  // Another line comes before it, and one field changes that has nothing to do with it.
+  card.Insert(card::kEffective.number, 1, "20000");
+  card.Insert(card::kMonthlyTime.number, 1, "5000");
+  write(card);
+  set_element(card, card::kName, "");
+  write(card);
+  set_element(card, card::kMonthlyTime, 2, "15167");
+  set_element(card, card::kName, "ROUX");
+  write(card);
+  EXPECT_EQ(months("20455"), (std::vector<std::string>{"75,83", "100,00"}));
+  EXPECT_TRUE(months("20000").empty());
+  EXPECT_EQ(was(card::kName.number, ""), (std::vector<std::string>{"", "MARTIN JEANNE"}));
+  const FieldWas empty{"", "12/03/2026", "marie"};
+  EXPECT_EQ(empty.text(), "était vide jusqu'au 12/03/2026 (marie)");
 }
 
 }  // namespace
