@@ -62,7 +62,7 @@ class TableBesideTheCard : public testing::Test {
     settle();
   }
   void search(const QString& text) {
-    action("Chercher").trigger();
+    action("Rechercher").trigger();
     settle();
     type(text);
   }
@@ -140,7 +140,7 @@ TEST_F(TableBesideTheCard, AsksAsTheComponentAsksAndKeepsWhatIsNotSaved) {
   EXPECT_EQ(clerk_.status(), "La fiche ouverte est restée à l'écran.");
   EXPECT_TRUE(window_.component().modified());
   clerk_.answer_next(Answer::Yes);
-  action("Chercher").trigger();
+  action("Rechercher").trigger();
   press(Qt::Key_Return);
   EXPECT_EQ(open(), "000140012026");
 }
@@ -299,7 +299,7 @@ TEST_F(TableBesideTheCard, OnANarrowWindowItComesWhenCalledAndGoesWhenACardIsOpe
   Clerk clerk(narrow);
   clerk.type("Txt_Asso", "001");
   for (QAction* action : narrow.findChildren<QAction*>()) {
-    if (action->text().remove('&').startsWith("Chercher")) action->trigger();
+    if (action->text().remove('&').startsWith("Rechercher")) action->trigger();
   }
   settle();
   EXPECT_TRUE(dock->isVisible());

@@ -73,7 +73,7 @@ class PastOfCards : public testing::Test {
 };
 
 TEST_F(PastOfCards, TheOpenCardIsTakenBackToAnEarlierVersion) {
-  EXPECT_FALSE(action("De la fiche ouverte").isEnabled());
+  EXPECT_FALSE(action("Historique de la fiche").isEnabled());
   save_hours("140");
   save_hours("130");
   clerk_.open_card("00001");

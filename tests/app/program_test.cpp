@@ -2,8 +2,11 @@
 #include "app/velanor/program.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
+#include <QListWidget>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSettings>
 #include <QTemporaryDir>
@@ -11,6 +14,8 @@
 
 #include "app/clerk.h"
 #include "app/velanor/backups_dialog.h"
+#include "app/velanor/new_base_dialog.h"
+#include "app/velanor/start_page.h"
 #include "store/sqlite/backups.h"
 #include "support/as_nobody.h"
 #include "velanor/sqlite_database.h"
@@ -58,7 +63,7 @@ class ProgramTest : public testing::Test {
   }
   // The first window, on demonstration data.
   MainWindow& start(Program& program, const char* name) const {
-    EXPECT_TRUE(program.start(named(base(name))));
+    program.start(named(base(name)));
     return *program.windows().front();
   }
   // A further window, as the menu of the first opens it.
@@ -68,24 +73,10 @@ class ProgramTest : public testing::Test {
     EXPECT_TRUE(until([&] { return program.windows().size() > before; })) << path.toStdString();
     return *program.windows().back();
   }
-  static qt::MessageSheet& sheet(MainWindow& window) {
-    auto* found = window.findChild<qt::MessageSheet*>();
-    EXPECT_NE(found, nullptr);
-    return *found;
-  }
   static std::vector<std::string> titles(const Program& program) {
     std::vector<std::string> titles;
     for (MainWindow* window : program.windows()) titles.push_back(Clerk(*window).title());
     return titles;
-  }
-  // Presses a button of the next box of the toolkit's own.
-  static void press_in_next_box(QMessageBox::StandardButton button, QString& text) {
-    QTimer::singleShot(0, qApp, [button, &text] {
-      auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-      if (!box) return press_in_next_box(button, text);
-      text = box->text();
-      box->button(button)->click();
-    });
   }
 
   QTemporaryDir folder_;
@@ -93,58 +84,168 @@ class ProgramTest : public testing::Test {
 
 // ---- Several windows.
 
-TEST_F(ProgramTest, ADeclinedWindowTakesNoOtherWithItNorAMessageThatWaitsThere) {
+TEST_F(ProgramTest, ABaseWithoutItsListsIsToldOverTheWindowThatIsOpenAndLosesNothingThere) {
   Program program;
   MainWindow& first = start(program, "fiches.db");
   Clerk clerk(first);
   clerk.open_card("00001");
   clerk.at_next_message([&](qt::MessageSheet& question) {
-    MainWindow& second = open(program, empty_base("vide.db"));
-    sheet(second).button(Answer::No)->click();
-    settle();
-    sheet(second).button(Answer::Ok)->click();
-    EXPECT_TRUE(until([&] { return program.windows().size() == 1; }));
+    emit first.open_asked(empty_base("vide.db"));
+    EXPECT_TRUE(until([&] { return first.findChild<QMessageBox*>(); }));
+    auto* box = first.findChild<QMessageBox*>();
+    EXPECT_TRUE(box->text().contains("vide.db » ne peut pas être ouverte")) << box->text().toStdString();
+    box->accept();
     EXPECT_EQ(first.component().open_message(), &question);
     question.button(Answer::No)->click();
   });
   clerk.click("Cmd_Supp");
-  EXPECT_TRUE(first.isVisible());
+  EXPECT_EQ(program.windows().size(), 1U);
   EXPECT_EQ(clerk.title(), "00001 HUET FABIENNE – fiches.db – Fiches du personnel");
 }
 
-TEST_F(ProgramTest, AnEmptyFirstWindowMayBeDeclinedWhileAnotherIsOpen) {
-  Program program;
-  ASSERT_TRUE(program.start(named(empty_base("vide.db"))));
-  MainWindow& first = *program.windows().front();
-  MainWindow& second = open(program, base("fiches.db"));
-  sheet(first).button(Answer::No)->click();
-  settle();
-  sheet(first).button(Answer::Ok)->click();
-  EXPECT_TRUE(until([&] { return program.windows().size() == 1; }));
-  EXPECT_EQ(program.windows().front(), &second);
-  Clerk(second).open_card("00001");
-}
+// ---- The start page.
 
-TEST_F(ProgramTest, AnEmptyWindowIsClosedWithoutAQuestion) {
+TEST_F(ProgramTest, WithoutABaseTheStartPageIsThereAndAWindowOpensOneInItsPlace) {
   Program program;
-  ASSERT_TRUE(program.start(named(empty_base("vide.db"))));
-  program.windows().front()->close();
-  EXPECT_TRUE(until([&] { return program.windows().empty(); }));
-}
-
-TEST_F(ProgramTest, AnEmptyBaseIsFilledWhenThatIsWanted) {
-  Program program;
-  ASSERT_TRUE(program.start(named(empty_base("vide.db"))));
+  program.start({});
   MainWindow& window = *program.windows().front();
-  sheet(window).button(Answer::Yes)->click();
-  settle();
+  EXPECT_FALSE(window.has_base());
+  EXPECT_TRUE(window.start_page().isVisible());
+  emit window.open_asked(base("fiches.db"));
+  ASSERT_TRUE(until([&] { return window.has_base(); }));
+  EXPECT_EQ(program.windows().size(), 1U);
   Clerk(window).open_card("00001");
 }
+
+TEST_F(ProgramTest, WhatFailsAtTheStartIsToldOnTheStartPageWhichGoesOn) {
+  for (const char* name : {"absente.db", "vide.db"}) {
+    SCOPED_TRACE(name);
+    if (QString(name) == "vide.db") empty_base(name);
+    Program program;
+    program.start(named(path(name)));
+    MainWindow& window = *program.windows().front();
+    EXPECT_TRUE(window.start_page().isVisible());
+    EXPECT_TRUE(
+        window.start_page().failure().startsWith("La base « " + path(name) + " » ne peut pas être ouverte"))
+        << window.start_page().failure().toStdString();
+    emit window.open_asked(base((QString("fiches-") + name).toUtf8()));
+    ASSERT_TRUE(until([&] { return window.has_base(); }));
+    EXPECT_EQ(window.start_page().failure(), "");
+  }
+}
+
+TEST_F(ProgramTest, RecentBasesAreOpenedAndTakenOffByTheKeyboard) {
+  const QString away = path("clef/fiches.db"), one = base("une.db");
+  Settings().remember(one);
+  Settings().remember(away);
+  Settings().set_last({});
+  Program program;
+  program.start({});
+  MainWindow& window = *program.windows().front();
+  auto& list = *window.findChild<QListWidget*>("start_recent");
+  window.activateWindow();
+  ASSERT_TRUE(until([&] { return list.hasFocus(); }));
+  EXPECT_TRUE(list.item(0)->text().contains("Introuvable")) << list.item(0)->text().toStdString();
+  const auto press = [&](Qt::Key key) {
+    QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+    QCoreApplication::sendEvent(&list, &event);
+    settle();
+  };
+  press(Qt::Key_Return);
+  EXPECT_FALSE(window.start_page().failure().isEmpty());
+  press(Qt::Key_Delete);
+  EXPECT_EQ(Settings().recent(), QStringList{one});
+  press(Qt::Key_Return);
+  ASSERT_TRUE(until([&] { return window.has_base(); }));
+  EXPECT_EQ(Clerk(window).title(), "une.db – Fiches du personnel");
+}
+
+TEST_F(ProgramTest, ClosingTheBaseAsksAndLeadsBackToTheStartPageAlsoAtTheNextStart) {
+  {
+    Program program;
+    MainWindow& window = start(program, "fiches.db");
+    Clerk clerk(window);
+    clerk.open_card("00001");
+    clerk.answer_next(Answer::No);
+    emit window.base_close_asked();
+    ASSERT_TRUE(until([&] { return clerk.said.size() == 1; }));
+    settle();
+    EXPECT_TRUE(window.has_base());
+    clerk.answer_next(Answer::Yes);
+    emit window.base_close_asked();
+    ASSERT_TRUE(until([&] { return !window.has_base(); }));
+    EXPECT_TRUE(window.start_page().isVisible());
+    EXPECT_EQ(Clerk(window).title(), "Fiches du personnel");
+    window.close();
+    EXPECT_TRUE(until([&] { return program.windows().empty(); }));
+  }
+  Program program;
+  program.start({});
+  EXPECT_FALSE(program.windows().front()->has_base());
+}
+
+TEST_F(ProgramTest, TheExampleIsACopyOfItsOwn) {
+  Program program;
+  program.start({});
+  MainWindow& window = *program.windows().front();
+  emit window.example_asked();
+  ASSERT_TRUE(until([&] { return window.has_base(); }));
+  EXPECT_TRUE(QFileInfo(Settings().recent().front()).fileName().startsWith("exemple-"));
+  Clerk(window).open_card("00001");
+}
+
+TEST_F(ProgramTest, ANewBaseIsMadeOfTheTablesOfAFolderOrNotAtAll) {
+  Program program;
+  program.start({});
+  MainWindow& window = *program.windows().front();
+  QDir().mkpath(path("tableaux"));
+  const auto write = [&](const char* name, const QByteArray& text) {
+    QFile file(path("tableaux/") + name);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(text);
+  };
+  write("SECTEUR.csv", "id;1\n001;Nord\n001;Sud\n");
+  write("notes.csv", "rien\n");
+  emit window.new_base_asked();
+  ASSERT_TRUE(until([&] { return window.findChild<NewBaseDialog*>(); }));
+  QPointer<NewBaseDialog> dialog = window.findChild<NewBaseDialog*>();
+  const auto text = [&](const char* name) { return dialog->findChild<QLabel*>(name)->text().toStdString(); };
+  const auto go_on = [&] { dialog->findChild<QPushButton*>("new_base_go_on")->click(); };
+  dialog->findChild<QLineEdit*>("new_base_path")->setText(base("une.db"));
+  go_on();
+  EXPECT_EQ(text("new_base_told"), "Ce fichier existe déjà, et n'est pas remplacé. Donnez un autre nom.");
+  dialog->findChild<QLineEdit*>("new_base_path")->setText(path("neuve.db"));
+  dialog->findChild<QAbstractButton*>("new_tables")->click();
+  dialog->findChild<QLineEdit*>("new_base_folder")->setText(path("tableaux"));
+  const auto report = [&] {
+    return dialog->findChild<QPlainTextEdit*>("new_base_report")->toPlainText().toStdString();
+  };
+  go_on();
+  ASSERT_TRUE(until([&] { return !report().empty(); }));
+  EXPECT_NE(report().find("SECTEUR.csv:3 : l'identifiant « 001 » est déjà dans une ligne au-dessus"),
+            std::string::npos)
+      << report();
+  EXPECT_NE(report().find("notes.csv"), std::string::npos);
+  go_on();
+  ASSERT_TRUE(until([&] { return dialog->findChild<QPushButton*>("new_base_go_on")->isEnabled(); }));
+  EXPECT_FALSE(QFile::exists(path("neuve.db")));
+  write("SECTEUR.csv", "id;1\n001;Nord\n002;Sud\n");
+  go_on();
+  ASSERT_TRUE(until([&] { return text("new_base_told").starts_with("Les tableaux sont justes."); }));
+  EXPECT_FALSE(QFile::exists(path("neuve.db"))) << "nothing is written before it is wanted";
+  go_on();
+  ASSERT_TRUE(until([&] { return window.has_base(); }));
+  EXPECT_EQ(Clerk(window).title(), "neuve.db – Fiches du personnel");
+  store::SqliteDatabase made(path("neuve.db").toStdString());
+  EXPECT_EQ(made.OpenFile("SECTEUR")->Read("002")(1), "Sud");
+}
+
+// ---- Several bases.
 
 TEST_F(ProgramTest, ABaseThatIsOpenAlreadyComesToTheFront) {
   Program program;
   const QString one = base("une.db");
-  ASSERT_TRUE(program.start(named(one)));
+  program.start(named(one));
   MainWindow& first = *program.windows().front();
   MainWindow& second = open(program, base("deux.db"));
   ASSERT_TRUE(until([&] { return second.isActiveWindow(); }));
@@ -156,7 +257,7 @@ TEST_F(ProgramTest, ABaseThatIsOpenAlreadyComesToTheFront) {
 
 TEST_F(ProgramTest, WhatCannotBeOpenedIsToldAndNoWindowGoes) {
   Program program;
-  ASSERT_TRUE(program.start(named(base("fiches.db"))));
+  program.start(named(base("fiches.db")));
   QFile other(path("lettre.txt"));
   ASSERT_TRUE(other.open(QIODevice::WriteOnly));
   other.write(QByteArray(200, 'x'));
@@ -317,7 +418,7 @@ TEST_F(ProgramTest, AProtectedBaseIsConsultedAndSaysSo) {
   fs::permissions(folder_.path().toStdString(), fs::perms::all);
   const test::AsNobody nobody;
   Program program;
-  ASSERT_TRUE(program.start(named(file)));
+  program.start(named(file));
   Clerk clerk(*program.windows().front());
   EXPECT_EQ(clerk.title(), "fiches.db – Consultation seule – Fiches du personnel");
   EXPECT_EQ(clerk.mode(), "Consultation seule");
@@ -335,14 +436,14 @@ TEST_F(ProgramTest, TheFirstOpeningOfADayMakesABackupAndOneThatFailsIsTold) {
   const auto backups = store::sqlite::Backups::beside(file.toStdString());
   for (int opening = 0; opening < 2; ++opening) {
     Program program;
-    ASSERT_TRUE(program.start(named(file)));
+    program.start(named(file));
     EXPECT_TRUE(until([&] { return backups.newest_first().size() == 1; }));
   }
   EXPECT_NO_THROW(store::sqlite::verify_backup(backups.newest_first().front().path));
   const QString other = base("autres.db");
   QFile(other + ".sauvegardes").open(QIODevice::WriteOnly);
   Program program;
-  ASSERT_TRUE(program.start(named(other)));
+  program.start(named(other));
   Clerk clerk(*program.windows().front());
   EXPECT_TRUE(until([&] { return !clerk.status().empty(); }));
   EXPECT_EQ(clerk.status().find("La sauvegarde du jour n'a pas été faite. Le dossier de sauvegarde « "), 0u)
@@ -354,7 +455,7 @@ TEST_F(ProgramTest, ABaseThatOthersCanReadIsRemarkedOn) {
   QFile::setPermissions(file, QFile::permissions(file) | QFile::ReadOther);
   QFile::setPermissions(folder_.path(), QFile::permissions(folder_.path()) | QFile::ExeOther);
   Program program;
-  ASSERT_TRUE(program.start(named(file)));
+  program.start(named(file));
   EXPECT_NE(Clerk(*program.windows().front()).status().find("peut être lue par d'autres utilisateurs"),
             std::string::npos);
 }
@@ -365,18 +466,18 @@ TEST_F(ProgramTest, TheBaseThatWasInUseLastIsOpenedAgainUnlessOneIsNamed) {
   const QString one = base("une.db"), two = base("deux.db");
   {
     Program program;
-    ASSERT_TRUE(program.start(named(one)));
+    program.start(named(one));
     open(program, two).close();
     program.windows().front()->close();
     EXPECT_TRUE(until([&] { return program.windows().empty(); }));
   }
   {
     Program program;
-    ASSERT_TRUE(program.start({}));
+    program.start({});
     EXPECT_EQ(titles(program), std::vector<std::string>{"une.db – Fiches du personnel"});
   }
   Program program;
-  ASSERT_TRUE(program.start(named(two)));
+  program.start(named(two));
   EXPECT_EQ(titles(program), std::vector<std::string>{"deux.db – Fiches du personnel"});
 }
 
@@ -384,14 +485,11 @@ TEST_F(ProgramTest, ALastBaseThatIsAwayIsToldAndStaysTheLast) {
   const QString away = path("clef/fiches.db");
   Settings().remember(away);
   Program program;
-  QString said;
-  press_in_next_box(QMessageBox::No, said);
-  EXPECT_FALSE(program.start({}));
-  EXPECT_TRUE(said.startsWith("La base « " + away + " » ne peut pas être ouverte.")) << said.toStdString();
+  program.start({});
+  const MainWindow& window = *program.windows().front();
+  EXPECT_TRUE(window.start_page().failure().startsWith("La base « " + away + " » ne peut pas être ouverte."))
+      << window.start_page().failure().toStdString();
   EXPECT_EQ(Settings().last(), away);
-  press_in_next_box(QMessageBox::Yes, said);
-  EXPECT_TRUE(program.start({}));
-  EXPECT_EQ(titles(program), std::vector<std::string>{"velanor.db – Fiches du personnel"});
 }
 
 TEST_F(ProgramTest, TheFilesThatAnEarlierVersionRememberedAreTakenOver) {
@@ -409,13 +507,13 @@ TEST_F(ProgramTest, AWindowStandsWhereTheLastOneStoodAndASecondOneDoesNotCoverIt
   const QRect place(40, 50, 1300, 660);
   {
     Program program;
-    ASSERT_TRUE(program.start(named(one)));
+    program.start(named(one));
     program.windows().front()->setGeometry(place);
     program.windows().front()->close();
     EXPECT_TRUE(until([&] { return program.windows().empty(); }));
   }
   Program program;
-  ASSERT_TRUE(program.start(named(one)));
+  program.start(named(one));
   MainWindow& first = *program.windows().front();
   EXPECT_EQ(first.geometry().topLeft(), place.topLeft());
   MainWindow& second = open(program, base("deux.db"));

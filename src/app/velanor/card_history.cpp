@@ -4,6 +4,7 @@
 #include <QMenu>
 #include <QMessageBox>
 
+#include "app/velanor/busy.h"
 #include "app/velanor/deleted_cards_dialog.h"
 #include "app/velanor/shown_year.h"
 #include "app/velanor/versions_dialog.h"
@@ -22,8 +23,8 @@ CardHistory::CardHistory(qt::ControleVelanorWidget& component, store::Database& 
     : QObject(parent),
       component_(component),
       database_(database),
-      versions_(new QAction("De la &fiche ouverte…", this)),
-      deleted_(new QAction("Fiches &supprimées…", this)) {
+      versions_(new QAction("&Historique de la fiche…", this)),
+      deleted_(new QAction("Fiches suppri&mées…", this)) {
   versions_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_H));
   connect(versions_, &QAction::triggered, this, &CardHistory::show_versions);
   connect(deleted_, &QAction::triggered, this, &CardHistory::show_deleted);
@@ -63,9 +64,9 @@ QString CardHistory::locked(bool for_open_card) const {
 
 // A menu is alive also where the component waits for an answer.
 bool CardHistory::is_free() {
-  const bool busy = component_.open_message() || component_.open_sheet();
-  if (busy) emit told("Terminez d'abord ce qui est ouvert sur la fiche.");
-  return !busy;
+  const bool free = !app::is_busy(component_);
+  if (!free) emit told(kFinishFirst);
+  return free;
 }
 
 void CardHistory::show_versions() try {

@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/velanor/busy.h"
 #include "app/velanor/plain_table.h"
 #include "qt/strings.h"
 #include "store/sqlite/failure.h"
@@ -113,9 +114,9 @@ void ChecksDock::lay_out() {
 }
 
 bool ChecksDock::is_free() {
-  const bool busy = component_.open_message() || component_.open_sheet() || component_.screen().acting();
-  if (busy) emit told("Terminez d'abord ce qui est ouvert sur la fiche.");
-  return !busy;
+  const bool free = !app::is_busy(component_);
+  if (!free) emit told(kFinishFirst);
+  return free;
 }
 
 void ChecksDock::check() {

@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <fstream>
 
+#include "app/velanor/busy.h"
 #include "app/velanorctl/export_target.h"
 #include "exchange/columns.h"
 #include "exchange/csv.h"
@@ -101,7 +102,7 @@ EmployeesDock::EmployeesDock(qt::ControleVelanorWidget& component, store::Databa
       table_(new QTableView),
       count_(new QLabel),
       all_(new QCheckBox("Tous les employés, toutes les entités et années")),
-      columns_(new QMenu("&Colonnes", this)) {
+      columns_(new QMenu("&Colonnes du tableau", this)) {
   setObjectName("employees");
   setAllowedAreas(Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea);
   make_content();
@@ -210,19 +211,28 @@ void EmployeesDock::set_columns(const QByteArray& columns) {
   model_->sort(header->sortIndicatorSection(), header->sortIndicatorOrder());
 }
 
-void EmployeesDock::add_to(QMenu& menu) {
-  connect(add(menu, "&Chercher un employé", QKeySequence(Qt::CTRL | Qt::Key_F)), &QAction::triggered, this,
+void EmployeesDock::add_search_to(QMenu& menu) {
+  connect(add(menu, "&Rechercher un employé", QKeySequence(Qt::CTRL | Qt::Key_F)), &QAction::triggered, this,
           &EmployeesDock::search);
-  connect(add(menu, "Fiche &suivante", QKeySequence(Qt::ALT | Qt::Key_Down)), &QAction::triggered, this,
+}
+
+void EmployeesDock::add_steps_to(QMenu& menu) {
+  connect(add(menu, "Fiche sui&vante", QKeySequence(Qt::ALT | Qt::Key_Down)), &QAction::triggered, this,
           [this] { step(Step::kNext); });
   connect(add(menu, "Fiche &précédente", QKeySequence(Qt::ALT | Qt::Key_Up)), &QAction::triggered, this,
           [this] { step(Step::kPrevious); });
-  menu.addSeparator();
+}
+
+void EmployeesDock::add_view_to(QMenu& menu) {
   QAction* shown = toggleViewAction();
   shown->setText("&Tableau des employés");
   menu.addAction(shown);
   menu.addMenu(columns_);
-  connect(menu.addAction("&Exporter le tableau…"), &QAction::triggered, this, &EmployeesDock::ask_export);
+}
+
+void EmployeesDock::add_export_to(QMenu& menu) {
+  connect(menu.addAction("&Exporter le tableau des employés…"), &QAction::triggered, this,
+          &EmployeesDock::ask_export);
 }
 
 // ---- What it follows.
@@ -363,7 +373,14 @@ void EmployeesDock::keeping_place(const std::function<void()>& change) {
   update_count();
 }
 
+int EmployeesDock::cards_of(const ShownYear& at) const {
+  const bool read =
+      employees_ && read_once_ && employees_->reach() == office::Employees::Reach{at.entity, at.year};
+  return read ? employees_->count() : -1;
+}
+
 void EmployeesDock::update_count() {
+  emit counted();
   if (!employees_ || !read_once_) return count_->clear();
   if (employees_->reach() == kNobody)
     return count_->setText("Choisissez une entité et une année budgétaire.");
@@ -457,9 +474,9 @@ bool EmployeesDock::is_busy() const { return component_.open_message() != nullpt
 
 // A menu is alive also where the component waits for an answer.
 bool EmployeesDock::is_free() {
-  const bool busy = component_.open_message() || component_.open_sheet();
-  if (busy) emit told("Terminez d'abord ce qui est ouvert sur la fiche.");
-  return !busy;
+  const bool free = !app::is_busy(component_);
+  if (!free) emit told(kFinishFirst);
+  return free;
 }
 
 void EmployeesDock::choose(int row) {

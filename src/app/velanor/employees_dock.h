@@ -10,6 +10,8 @@
 #include <memory>
 
 #include "app/velanor/employees_model.h"
+#include "app/velanor/shown_year.h"
+#include "app/velanor/work_bar.h"
 #include "velanor/controle_velanor_widget.h"
 
 class QAction;
@@ -31,7 +33,12 @@ class EmployeesDock : public QDockWidget {
   // Both outlive it.
   EmployeesDock(qt::ControleVelanorWidget& component, store::Database& database, QWidget* parent);
   ~EmployeesDock() override;
-  void add_to(QMenu& menu);
+  // What it offers to the menus: to look for somebody, to go on from card to card, how it is shown, and to
+  // export it.
+  void add_search_to(QMenu& menu);
+  void add_steps_to(QMenu& menu);
+  void add_view_to(QMenu& menu);
+  void add_export_to(QMenu& menu);
   // The component has started. Throws store::DbError.
   void start();
   // Whether the window holds it beside the whole component.
@@ -41,12 +48,18 @@ class EmployeesDock : public QDockWidget {
   // Which columns are shown, how wide, and what sorts them, as the toolkit puts it down.
   QByteArray columns() const;
   void set_columns(const QByteArray& columns);
+  // Shows there what takes long.
+  void set_work_bar(WorkBar& bar) { work_bar_ = &bar; }
+  // The cards of an entity and year, as it has read them; -1 where it has not.
+  int cards_of(const ShownYear& at) const;
   // Writes what is shown as a table. Throws store::DbError.
   void export_to(const QString& path) const;
 
  signals:
   // What happened, or what stands in the way, in a sentence.
   void told(const QString& sentence);
+  // Cards were read.
+  void counted();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -97,6 +110,7 @@ class EmployeesDock : public QDockWidget {
   QCheckBox* all_;
   QMenu* columns_;
   QTimer look_, examine_;
+  WorkBar* work_bar_ = nullptr;
   std::unique_ptr<store::News> news_;
   QSocketNotifier* others_ = nullptr;
   QPointer<QWidget> before_;  // had the focus before the filter

@@ -4,12 +4,12 @@
 #include <QIcon>
 #include <QLibraryInfo>
 #include <QLocale>
-#include <QPalette>
 #include <QTranslator>
 #include <clocale>
 #include <iostream>
 #include <optional>
 
+#include "app/velanor/appearance.h"
 #include "app/velanor/play.h"
 #include "app/velanor/program.h"
 #include "app/velanorctl/open_store.h"
@@ -74,34 +74,17 @@ QIcon own_icon() {
   return icon;
 }
 
-QPalette dark_palette() {
-  const QColor window(45, 47, 51), base(30, 32, 35), text(232, 232, 232), dim(135, 138, 143),
-      accent(61, 126, 214);
-  QPalette palette(window);
-  palette.setColor(QPalette::Base, base);
-  // A field that is out of use is told by its ground, not only by its text.
-  palette.setColor(QPalette::Disabled, QPalette::Base, window);
-  palette.setColor(QPalette::AlternateBase, QColor(37, 39, 43));
-  palette.setColor(QPalette::ToolTipBase, window);
-  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText})
-    palette.setColor(role, text);
-  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-    palette.setColor(QPalette::Disabled, role, dim);
-  palette.setColor(QPalette::PlaceholderText, dim);
-  palette.setColor(QPalette::Highlight, accent);
-  palette.setColor(QPalette::HighlightedText, Qt::white);
-  palette.setColor(QPalette::Link, QColor(120, 175, 250));
-  return palette;
-}
-
 int run(QApplication& application, const Options& options) {
   if (!options.play.empty()) {
+    if (options.dark) show_dark();
     const auto store = open_store(options.store);
     return play_on_window(*store,
                           {QString::fromStdString(options.play), QString::fromStdString(options.shots)});
   }
-  Program program;
-  return program.start(options.store) ? application.exec() : kFailed;
+  Appearance appearance(options.dark);
+  Program program(&appearance);
+  program.start(options.store);
+  return application.exec();
 }
 
 int parse_and_run(QApplication& application, int argc, char** argv) {
@@ -114,7 +97,6 @@ int parse_and_run(QApplication& application, int argc, char** argv) {
     return end_of_parsing(program, end);
   }
   if (!options.base.empty()) options.store.url = options.base;
-  if (options.dark) QApplication::setPalette(dark_palette());
   return run(application, options);
 }
 

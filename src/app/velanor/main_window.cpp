@@ -2,11 +2,11 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QComboBox>
 #include <QFileDialog>
-#include <QFileIconProvider>
 #include <QFileInfo>
 #include <QLabel>
-#include <QMenuBar>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QScreen>
 #include <QStackedWidget>
@@ -14,11 +14,19 @@
 #include <QTimer>
 #include <utility>
 
+#include "app/velanor/busy.h"
 #include "app/velanor/card_history.h"
 #include "app/velanor/checks_dock.h"
 #include "app/velanor/employees_dock.h"
+#include "app/velanor/file_dialogs.h"
 #include "app/velanor/help_window.h"
+#include "app/velanor/menu_bar.h"
+#include "app/velanor/menus.h"
 #include "app/velanor/server_address.h"
+#include "app/velanor/shown_year.h"
+#include "app/velanor/start_page.h"
+#include "app/velanor/work_bar.h"
+#include "app/velanor/workplace.h"
 #include "qt/message_sheet.h"
 #include "qt/strings.h"
 #include "screen/scope.h"
@@ -30,160 +38,173 @@ constexpr qsizetype kEmployeeCode = 5;  // characters, with which the id of a ca
 constexpr int kWidth = 1264, kEmployeesWidth = 490;
 const QString kTitle = QStringLiteral("Fiches du personnel");
 
-// The toolkit's translation leaves these out.
-class FrenchKinds : public QFileIconProvider {
- public:
-  QString type(const QFileInfo& file) const override {
-    if (file.isDir()) return QStringLiteral("Dossier");
-    return file.suffix() == QLatin1String("db") ? QStringLiteral("Base") : QStringLiteral("Fichier");
-  }
-};
-
 QString by(const QString& author) { return author.isEmpty() ? author : " (" + author + ")"; }
-
-QFileIconProvider& french_kinds() {
-  static FrenchKinds kinds;
-  return kinds;
-}
 
 }  // namespace
 
-MainWindow::MainWindow(store::Database& database, QWidget* parent)
-    : QMainWindow(parent), component_(new qt::ControleVelanorWidget), pages_(new QStackedWidget) {
-  pages_->addWidget(new QWidget);
-  pages_->addWidget(component_);
+MainWindow::MainWindow(QWidget* parent)
+    : QMainWindow(parent), pages_(new QStackedWidget), start_page_(new StartPage) {
+  setMenuBar(new MenuBar);
+  pages_->addWidget(start_page_);
   setCentralWidget(pages_);
-  history_ = new CardHistory(*component_, database, this);
-  connect(history_, &CardHistory::told, this, &MainWindow::tell);
-  employees_ = new EmployeesDock(*component_, database, this);
-  connect(employees_, &EmployeesDock::told, this, &MainWindow::tell);
-  addDockWidget(Qt::LeftDockWidgetArea, employees_);
-  employees_->hide();
-  checks_ = new ChecksDock(*component_, database, this);
-  connect(checks_, &ChecksDock::told, this, &MainWindow::tell);
-  addDockWidget(Qt::BottomDockWidgetArea, checks_);
-  checks_->hide();
-  make_menus();
+  make_start_page();
   make_status_bar();
+  make_menus();
   update_title();
-  component_->DroitsUtilisateur(*this);
-  component_->TheClient(client_);
-  component_->TheDatabase(database);
-  connect(component_, &qt::ControleVelanorWidget::left, this, &QWidget::close);
-  connect(component_, &qt::ControleVelanorWidget::help_asked, this, &MainWindow::show_help);
-  connect(component_, &qt::ControleVelanorWidget::message_opened, this, &MainWindow::end_message,
+  // Where it no longer waits for anything the keyboard is elsewhere.
+  connect(qApp, &QApplication::focusChanged, this, &MainWindow::wipe_what_no_longer_holds,
           Qt::QueuedConnection);
-  // By then the rules have answered, or asked once more.
-  connect(component_, &qt::ControleVelanorWidget::message_closed, this, &MainWindow::go_on_leaving,
-          Qt::QueuedConnection);
-  follow_card();
   const bool wide = screen()->availableGeometry().width() >= kWidth + kEmployeesWidth;
   resize(wide ? kWidth + kEmployeesWidth : kWidth, 680);
 }
 
-// The component looks at what stands around it until its end.
-MainWindow::~MainWindow() { delete component_; }
+MainWindow::MainWindow(store::Database& database, QWidget* parent) : MainWindow(parent) { take(database); }
 
-bool MainWindow::is_started() const { return pages_->currentWidget() == component_; }
+MainWindow::~MainWindow() {
+  menus_.reset();
+  workplace_.reset();
+}
+
+qt::ControleVelanorWidget& MainWindow::component() const { return *workplace_->component; }
+
+bool MainWindow::is_started() const { return workplace_ && pages_->currentWidget() == workplace_->component; }
+
+// ---- The database.
+
+void MainWindow::take(store::Database& database, Connection connection) {
+  workplace_ = std::make_unique<Workplace>(database, *this);
+  workplace_->connection = std::move(connection);
+  pages_->addWidget(workplace_->component);
+  follow_place();
+  follow_card();
+}
 
 void MainWindow::start() {
-  pages_->setCurrentWidget(component_);
+  pages_->setCurrentWidget(workplace_->component);
   try {
-    component_->init();
+    workplace_->component->init();
+    make_menus();
+    start_docks();
   } catch (...) {
-    pages_->setCurrentIndex(0);
+    release();
     throw;
   }
-  start_docks();
+  start_page_->show_failure({});
+  update_count();
 }
 
 // A window that is too narrow for both keeps the component whole.
 void MainWindow::start_docks() {
-  employees_->start();
-  employees_->set_columns(layout_.employees);
+  EmployeesDock& employees = *workplace_->employees;
+  employees.start();
+  employees.set_columns(layout_.employees);
   if (layout_.docks.isEmpty() || !restoreState(layout_.docks)) {
-    employees_->setVisible(employees_->has_cards());
-    resizeDocks({employees_}, {kEmployeesWidth}, Qt::Horizontal);
+    employees.setVisible(employees.has_cards());
+    resizeDocks({&employees}, {kEmployeesWidth}, Qt::Horizontal);
   }
-  if (!employees_->has_room()) employees_->hide();
+  if (!employees.has_room()) employees.hide();
+}
+
+void MainWindow::release() {
+  layout_ = layout_now();
+  menus_.reset();
+  work_->clear();
+  workplace_.reset();
+  pages_->setCurrentWidget(start_page_);
+  source_.clear();
+  mode_->clear();
+  has_backups_ = false;
+  tell({});
+  make_menus();
+  update_count();
+  update_title();
+  start_page_->take_focus();
 }
 
 MainWindow::Layout MainWindow::layout_now() const {
-  return is_started() ? Layout{saveState(), employees_->columns()} : layout_;
+  return is_started() ? Layout{saveState(), workplace_->employees->columns()} : layout_;
 }
 
-void MainWindow::ask_before_start(const screen::Message& message, std::function<void(screen::Answer)> then) {
-  auto* sheet = new qt::MessageSheet(message, *pages_->widget(0));
-  connect(sheet, &qt::MessageSheet::answered, this,
-          [this, sheet, then = std::move(then)](screen::Answer answer) {
-            sheet->disconnect(this);
-            sheet->hide();
-            sheet->deleteLater();
-            QTimer::singleShot(0, this, [then, answer] { then(answer); });
-          });
-  sheet->show();
-  sheet->focus_preset();
+void MainWindow::follow_place() {
+  using Component = qt::ControleVelanorWidget;
+  Component* component = workplace_->component;
+  connect(workplace_->history, &CardHistory::told, this, &MainWindow::tell);
+  connect(workplace_->employees, &EmployeesDock::told, this, &MainWindow::tell);
+  connect(workplace_->employees, &EmployeesDock::counted, this, &MainWindow::update_count);
+  connect(workplace_->checks, &ChecksDock::told, this, &MainWindow::tell);
+  workplace_->employees->set_work_bar(*work_);
+  connect(component, &Component::left, this, &QWidget::close);
+  connect(component, &Component::help_asked, this, &MainWindow::show_help);
+  connect(component, &Component::message_opened, this, &MainWindow::end_message, Qt::QueuedConnection);
+  // By then the rules have answered, or asked once more.
+  connect(component, &Component::message_closed, this, &MainWindow::go_on_leaving, Qt::QueuedConnection);
+  // Entity and year have no signal of their own; their fields have.
+  if (auto* entity = component->findChild<QLineEdit*>("Txt_Asso"))
+    connect(entity, &QLineEdit::textChanged, this, &MainWindow::update_count, Qt::QueuedConnection);
+  if (auto* year = component->findChild<QComboBox*>("Cbo_Periode"))
+    connect(year, &QComboBox::currentTextChanged, this, &MainWindow::update_count, Qt::QueuedConnection);
 }
 
-// ---- Menus and titles.
+// ---- The start page, menus and titles.
+
+// What is asked for may take the page away, so it is done when its event is over.
+void MainWindow::make_start_page() {
+  connect(start_page_, &StartPage::file_asked, this, &MainWindow::ask_file, Qt::QueuedConnection);
+  connect(start_page_, &StartPage::open_asked, this, &MainWindow::open_asked, Qt::QueuedConnection);
+  connect(start_page_, &StartPage::new_base_asked, this, &MainWindow::new_base_asked, Qt::QueuedConnection);
+  connect(start_page_, &StartPage::example_asked, this, &MainWindow::example_asked, Qt::QueuedConnection);
+  connect(start_page_, &StartPage::server_asked, this, &MainWindow::server_asked, Qt::QueuedConnection);
+  connect(start_page_, &StartPage::forget_asked, this, &MainWindow::forget_asked);
+}
 
 void MainWindow::make_menus() {
-  QMenu* file = menuBar()->addMenu("&Fichier");
-  QAction* open = file->addAction("&Ouvrir…");
-  open->setShortcut(QKeySequence::Open);
-  connect(open, &QAction::triggered, this, &MainWindow::ask_file);
-  connect(file->addAction("Se &connecter à un serveur…"), &QAction::triggered, this,
-          &MainWindow::server_asked);
-  recent_ = file->addMenu("Bases &récentes");
-  recent_->setEnabled(false);
-  recent_->setToolTipsVisible(true);
-  backups_ = file->addAction("Reprendre une &sauvegarde…");
-  backups_->setEnabled(false);
-  connect(backups_, &QAction::triggered, this, &MainWindow::backups_asked);
-  file->addSeparator();
-  QAction* shut = file->addAction("&Fermer la fenêtre");
-  shut->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_W));
-  connect(shut, &QAction::triggered, this, &QWidget::close);
-  QAction* quit = file->addAction("&Quitter");
-  quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
-  connect(quit, &QAction::triggered, this, &MainWindow::quit_asked);
-  employees_->add_to(*menuBar()->addMenu("Emplo&yés"));
-  history_->add_to(*menuBar()->addMenu("Histori&que"));
-  QAction* checks = menuBar()->addMenu("Afficha&ge")->addAction("&Contrôles");
-  checks->setShortcut(QKeySequence(Qt::Key_F8));
-  connect(checks, &QAction::triggered, checks_, &ChecksDock::check);
-  QMenu* help = menuBar()->addMenu("A&ide");
-  QAction* guide = help->addAction("&Guide");
-  guide->setShortcut(QKeySequence(Qt::Key_F1));
-  connect(guide, &QAction::triggered, this, [this] { show_help("Velanor.htm", kTitle); });
-  connect(help->addAction("À &propos…"), &QAction::triggered, this, &MainWindow::show_about);
+  menus_.reset();
+  menus_ = std::make_unique<Menus>(*this, workplace_.get(), appearance_);
+  menus_->set_recent(recent_);
+  menus_->set_backups(has_backups_);
+}
+
+void MainWindow::set_appearance(Appearance& appearance) {
+  appearance_ = &appearance;
+  make_menus();
 }
 
 // Labels of their own: the toolkit's messages are wiped by every menu that is passed over.
 void MainWindow::make_status_bar() {
-  told_ = new QLabel;
-  told_->setObjectName("told");
+  const auto label = [](const char* name, const QString& spoken) {
+    auto* made = new QLabel;
+    made->setObjectName(name);
+    made->setAccessibleName(spoken);
+    made->setTextFormat(Qt::PlainText);
+    return made;
+  };
+  told_ = label("told", {});
   told_->setContentsMargins(8, 0, 0, 0);
+  where_ = label("where", {});
+  mode_ = label("mode", {});
+  work_ = new WorkBar;
   statusBar()->addWidget(told_, 1);
-  mode_ = new QLabel;
-  mode_->setObjectName("mode");
+  statusBar()->addPermanentWidget(work_);
+  statusBar()->addPermanentWidget(where_);
   statusBar()->addPermanentWidget(mode_);
 }
 
 void MainWindow::set_source(const QString& path) {
-  if (is_server(path)) {
-    source_ = ServerAddress::of(path).name();
-    return update_title();
-  }
+  const bool server = is_server(path);
   const QFileInfo file(path);
-  source_ = path.isEmpty() ? QStringLiteral("Démonstration") : file.fileName();
-  if (!path.isEmpty()) folder_ = file.absolutePath();
-  backups_->setEnabled(!path.isEmpty());
+  source_ = server           ? ServerAddress::of(path).name()
+            : path.isEmpty() ? QStringLiteral("Démonstration")
+                             : file.fileName();
+  has_backups_ = !server && !path.isEmpty();
+  if (has_backups_) folder_ = file.absolutePath();
+  menus_->set_backups(has_backups_);
   update_title();
+  update_count();
 }
 
 void MainWindow::set_read_only() {
-  backups_->setEnabled(false);
+  has_backups_ = false;
+  menus_->set_backups(false);
   mode_->setText("Consultation seule");
   mode_->setToolTip("Cette base est protégée en écriture : rien ne peut y être enregistré.");
   tell("Cette base est protégée en écriture : les fiches se consultent, rien ne peut être enregistré.");
@@ -192,34 +213,39 @@ void MainWindow::set_read_only() {
 
 // The card first: a narrow place for titles cuts their end.
 void MainWindow::update_title() {
-  QStringList parts{component_->card_title(), source_, mode_->text(), kTitle};
+  QStringList parts{workplace_ ? component().card_title() : QString(), source_, mode_->text(), kTitle};
   parts.removeAll(QString());
   for (QString& part : parts) part.replace("[*]", "[*][*]");
   parts.first() += "[*]";
   setWindowTitle(parts.join(" – "));
-  setWindowModified(component_->modified());
+  setWindowModified(workplace_ && component().modified());
+}
+
+// The base, the entity and year on the screen, and how many cards they have.
+void MainWindow::update_count() {
+  if (!is_started()) return where_->clear();
+  QStringList parts{source_};
+  if (const ShownYear at = shown_year(component()); at.is_chosen()) {
+    parts << "Entité " + qt::to_qt(at.entity) + ", " + qt::to_qt(at.year);
+    const int cards = workplace_->employees->cards_of(at);
+    if (cards >= 0) parts << QString::number(cards) + (cards > 1 ? " fiches" : " fiche");
+  }
+  where_->setText(parts.join(" · "));
 }
 
 void MainWindow::set_recent(const QStringList& files) {
-  recent_->clear();
-  recent_->setEnabled(!files.isEmpty());
-  for (const QString& path : files) {
-    QAction* entry =
-        recent_->addAction(is_server(path) ? ServerAddress::of(path).name() : QFileInfo(path).fileName());
-    entry->setToolTip(path);
-    connect(entry, &QAction::triggered, this, [this, path] { emit open_asked(path); });
-  }
+  recent_ = files;
+  menus_->set_recent(files);
+  start_page_->set_recent(files);
 }
 
 void MainWindow::ask_file() {
-  auto* dialog = new QFileDialog(this, "Ouvrir une base", folder_, "Bases (*.db);;Tous les fichiers (*)");
-  dialog->setAttribute(Qt::WA_DeleteOnClose);
-  dialog->setIconProvider(&french_kinds());
-  dialog->setFileMode(QFileDialog::ExistingFile);
-  dialog->resize(820, 480);
+  auto* dialog = open_dialog(*this, "Ouvrir une base", folder_, "Bases (*.db);;Tous les fichiers (*)");
   connect(dialog, &QFileDialog::fileSelected, this, &MainWindow::open_asked);
   dialog->open();
 }
+
+void MainWindow::show_guide() { show_help("Velanor.htm", kTitle); }
 
 void MainWindow::show_help(const QString& page, const QString& title) {
   if (!help_) help_ = new HelpWindow(this);
@@ -236,33 +262,40 @@ void MainWindow::show_about() {
   box->open();
 }
 
+void MainWindow::set_full_screen(bool on) { on ? showFullScreen() : showNormal(); }
+
 // ---- What the component tells.
 
 void MainWindow::follow_card() {
   using Component = qt::ControleVelanorWidget;
-  connect(component_, &Component::card_title_changed, this, &MainWindow::update_title);
-  connect(component_, &Component::modified_changed, this, &MainWindow::update_title);
-  connect(component_, &Component::card_opened, this, [this] { tell({}); });
-  connect(component_, &Component::card_saved, this,
+  Component* component = workplace_->component;
+  connect(component, &Component::card_title_changed, this, &MainWindow::update_title);
+  connect(component, &Component::modified_changed, this, &MainWindow::update_title);
+  connect(component, &Component::card_opened, this, [this] { tell({}); });
+  connect(component, &Component::card_saved, this,
           [this](const QString&, const QString& title) { tell("Fiche " + title + " enregistrée"); });
-  connect(component_, &Component::card_deleted, this,
+  connect(component, &Component::card_deleted, this,
           [this](const QString&, const QString& title) { tell("Fiche " + title + " supprimée"); });
-  connect(component_, &Component::card_copied, this,
+  connect(component, &Component::card_copied, this,
           [this](const QString&, const QString& title, const QString& copy) {
             tell("Fiche " + title + " copiée sur le code " + copy.left(kEmployeeCode));
           });
-  connect(component_, &Component::card_saved_elsewhere, this,
+  connect(component, &Component::card_saved_elsewhere, this,
           [this](const QString&, const QString&, const QString& author) {
             tell("Cette fiche vient d'être enregistrée sur un autre poste" + by(author) +
                  " ; l'enregistrer ici réunira les modifications.");
           });
-  connect(component_, &Component::card_deleted_elsewhere, this,
+  connect(component, &Component::card_deleted_elsewhere, this,
           [this](const QString&, const QString&, const QString& author) {
             tell("Cette fiche vient d'être supprimée sur un autre poste" + by(author) + ".");
           });
 }
 
-void MainWindow::tell(const QString& sentence) const { told_->setText(sentence); }
+void MainWindow::tell(const QString& sentence) { told_->setText(sentence); }
+
+void MainWindow::wipe_what_no_longer_holds() {
+  if (told_->text() == kFinishFirst && !(is_started() && is_busy(component()))) tell({});
+}
 
 // ---- Leaving.
 
@@ -291,15 +324,15 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 }
 
 bool MainWindow::would_ask() const {
-  if (leaves_ || !is_started() || component_->screen().finished()) return false;
-  return component_->state() != control::State::kNone || component_->open_message();
+  if (leaves_ || !is_started() || component().screen().finished()) return false;
+  return component().state() != control::State::kNone || component().open_message();
 }
 
 bool MainWindow::may_leave(Leaving leaving) {
   if (!would_ask()) return true;
   bring_forward();
   if (asking_to_leave_) return false;
-  if (component_->open_message()) {
+  if (component().open_message()) {
     leaving_ = leaving;
     end_message();
     return false;
@@ -309,7 +342,7 @@ bool MainWindow::may_leave(Leaving leaving) {
 
 bool MainWindow::asks_and_may_leave() {
   const screen::Scope asking(asking_to_leave_);
-  return component_->ask({.title = kTitle.toStdString(),
+  return component().ask({.title = kTitle.toStdString(),
                           .text =
                               "Une fiche est ouverte : ce qui n'est pas enregistré sera perdu.\r\nQuitter "
                               "quand même ?",
@@ -320,13 +353,16 @@ bool MainWindow::asks_and_may_leave() {
 
 // The rules may answer with one more message.
 void MainWindow::end_message() {
-  qt::MessageSheet* sheet = leaving_ == Leaving::kNot ? nullptr : component_->open_message();
+  qt::MessageSheet* sheet = leaving_ == Leaving::kNot || !workplace_ ? nullptr : component().open_message();
   if (sheet) emit sheet->answered(sheet->closing_answer());
 }
 
 void MainWindow::go_on_leaving() {
-  if (component_->open_message()) return;
+  if (!workplace_ || component().open_message()) return;
   switch (std::exchange(leaving_, Leaving::kNot)) {
+    case Leaving::kBase:
+      emit base_close_asked();
+      break;
     case Leaving::kClosing:
       QTimer::singleShot(0, this, &QWidget::close);
       break;

@@ -1,11 +1,11 @@
 #include "app/velanor/program.h"
 
 #include <QApplication>
+#include <QDate>
 #include <QDir>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QPointer>
-#include <QScopeGuard>
 #include <QStandardPaths>
 #include <algorithm>
 #include <optional>
@@ -13,9 +13,12 @@
 #include "app/velanor/backups_dialog.h"
 #include "app/velanor/daily_backup.h"
 #include "app/velanor/main_window.h"
+#include "app/velanor/new_base_dialog.h"
 #include "app/velanor/place.h"
 #include "app/velanor/server_dialog.h"
-#include "demo/demo.h"
+#include "app/velanor/start_page.h"
+#include "app/velanor/work_bar.h"
+#include "qt/strings.h"
 #include "screen/scope.h"
 #include "text/failure.h"
 #include "velanor/sqlite_database.h"
@@ -23,111 +26,218 @@
 namespace velanor::app {
 namespace {
 
+using qt::from_qt, qt::to_qt;
+
 const QString kTitle = QStringLiteral("Fiches du personnel");
 
-QString own_database() {
+QString own_folder() {
   const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
   QDir().mkpath(folder);
-  return QDir(folder).filePath("velanor.db");
+  return folder;
 }
 
-// The records that the component reads at its start are missing.
-bool is_empty(store::Database& database) { return !database.OpenFile("TABLES")->find("FINCONTRAT"); }
+// One of today's, under a name that is free.
+QString example_path() {
+  const QString stem = "exemple-" + QDate::currentDate().toString(Qt::ISODate);
+  const QDir own(own_folder());
+  for (int number = 1;; ++number) {
+    const QString name = (number == 1 ? stem : stem + "-" + QString::number(number)) + ".db";
+    if (!own.exists(name)) return own.filePath(name);
+  }
+}
 
-void fill(store::Database& database) {
-  QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-  const auto restore = qScopeGuard([] { QGuiApplication::restoreOverrideCursor(); });
-  database.in_one_change([&] {
-    StoreSink sink(
-        [&](auto file, auto id, const auto& record) { database.OpenFile(file)->write(id, record); });
-    demo::fill(sink);
+StoreOptions naming(const QString& path) {
+  StoreOptions options;
+  options.url = from_qt(path);
+  return options;
+}
+
+Connection connection_to(const StoreOptions& options) {
+  return [options] { return open_store(options, IfMissing::kFail); };
+}
+
+// The component does not start without them.
+void refuse_unusable(store::Database& database, const QString& path) {
+  const auto missing = missing_lists(database);
+  if (missing.empty()) return;
+  QStringList names;
+  for (const std::string& name : missing) names << to_qt(name);
+  throw store::DbError(
+      store::kStoreFailure,
+      from_qt(
+          "La base « " + path + " » ne peut pas être ouverte : il lui manque des listes du fichier TABLES (" +
+          names.join(", ") +
+          "). Importez-les par « velanorctl import », ou faites une base avec vos tableaux par « Nouvelle "
+          "base… »."));
+}
+
+}  // namespace
+
+struct Program::Desk {
+  std::unique_ptr<store::Database> store = {};
+  Connection connection = {};
+  QString path = {};  // "" for the demonstration data in memory
+  Place place = {};
+  std::unique_ptr<MainWindow> window = {};
+  std::unique_ptr<DailyBackup> backup = {};
+  std::optional<Turns::Seat> seat = {};
+};
+
+// A window that is taken away while it asks may be the last one in sight, and is not the end.
+Program::Program(Appearance* appearance) : appearance_(appearance) {
+  QGuiApplication::setQuitOnLastWindowClosed(false);
+}
+Program::~Program() = default;
+
+// ---- Opening.
+
+void Program::start(const StoreOptions& options) {
+  MainWindow& window = *new_desk().window;
+  const QString named = to_qt(options.url), last = settings_.last();
+  if (options.demo) {
+    if (const QString failure = open_file(options, {}, window); !failure.isEmpty())
+      tell_failure(window, failure);
+  } else if (!named.isEmpty()) {
+    open(named, window);
+  } else if (!last.isEmpty()) {
+    // One that is away for the moment, on another machine or a key, stays the last for the next start.
+    open(last, window);
+  }
+}
+
+void Program::open(const QString& path, MainWindow& asker) {
+  settings_.set_place(asker.saveGeometry());
+  if (is_server(path)) {
+    const ServerAddress address = ServerAddress::of(path);
+    if (const QString failure = open_server(address, asker); !failure.isEmpty())
+      ask_server(address, asker, failure);
+    return;
+  }
+  if (const QString failure = open_file(naming(path), path, asker); !failure.isEmpty())
+    tell_failure(asker, failure);
+}
+
+QString Program::open_file(const StoreOptions& options, const QString& named, MainWindow& asker) try {
+  const bool file = is_file(options);
+  const QString path = file ? QFileInfo(to_qt(path_of(options.url))).absoluteFilePath() : QString();
+  if (const Desk* desk = file ? desk_on(path) : nullptr) return desk->window->bring_forward(), QString();
+  auto store = open_store(options, IfMissing::kFail);
+  refuse_unusable(*store, named);
+  put(desk_for(asker), std::move(store), path, file ? connection_to(options) : Connection());
+  return {};
+} catch (const std::exception& error) {
+  return to_qt(text::failure_sentence(error));
+}
+
+Program::Desk& Program::new_desk() {
+  auto made = std::make_unique<Desk>();
+  made->window = std::make_unique<MainWindow>();
+  Desk& desk = *desks_.emplace_back(std::move(made));
+  MainWindow& window = *desk.window;
+  if (appearance_) window.set_appearance(*appearance_);
+  window.set_recent(settings_.recent());
+  follow(window);
+  window.set_layout({settings_.docks(), settings_.employees()});
+  desk.place.give_to(window, settings_.place());
+  window.show();
+  return desk;
+}
+
+// Whoever asks for something may be gone when it is done, so it is done when his event is over.
+void Program::follow(MainWindow& window) {
+  const QPointer<MainWindow> asker(&window);
+  const auto when = [&](auto signal, auto act) { connect(&window, signal, this, act, Qt::QueuedConnection); };
+  const auto asked = [asker, this](void (Program::*act)(MainWindow&)) {
+    return [asker, this, act] {
+      if (asker) (this->*act)(*asker);
+    };
+  };
+  when(&MainWindow::open_asked, [this, asker](const QString& path) {
+    if (asker) open(path, *asker);
   });
+  when(&MainWindow::new_base_asked, asked(&Program::make_base));
+  when(&MainWindow::example_asked, asked(&Program::open_example));
+  when(&MainWindow::base_close_asked, asked(&Program::close_base));
+  when(&MainWindow::reopen_asked, asked(&Program::reopen));
+  when(&MainWindow::server_asked, [this, asker] {
+    if (asker) ask_server(proposed_server(), *asker);
+  });
+  when(&MainWindow::quit_asked, [this] { quit(); });
+  connect(&window, &MainWindow::forget_asked, this, &Program::forget);
+  connect(&window, &MainWindow::backups_asked, this, [this, asker] { show_backups(*asker); });
+  connect(&window, &MainWindow::closed, this, [this, asker] { closed(*asker); });
 }
 
-void tell_failure(QWidget& window, const QString& sentence) {
+Program::Desk& Program::desk_for(MainWindow& asker) {
+  Desk* own = desk_of(asker);
+  return own && !own->store ? *own : new_desk();
+}
+
+void Program::put(Desk& desk, std::unique_ptr<store::Database> store, const QString& path,
+                  const Connection& connection) try {
+  MainWindow& window = *desk.window;
+  desk.store = std::move(store);
+  desk.path = path;
+  desk.connection = connection;
+  window.take(*desk.store, connection);
+  desk.seat.emplace(turns_, window);
+  window.set_source(path);
+  window.start();
+  if (desk.store->read_only()) window.set_read_only();
+  if (!path.isEmpty()) remember(path);
+  look_after(desk);
+} catch (...) {
+  clear(desk);
+  throw;
+}
+
+void Program::clear(Desk& desk) {
+  desk.seat.reset();
+  if (desk.window->has_base()) desk.window->release();
+  desk.backup.reset();
+  desk.store.reset();
+  desk.path.clear();
+}
+
+// What can only be told, in the window that has come up.
+void Program::look_after(Desk& desk) {
+  const auto* base = dynamic_cast<const store::SqliteDatabase*>(desk.store.get());
+  if (base == nullptr || base->read_only()) return;
+  if (const std::string remark = base->remark(); !remark.empty()) desk.window->tell(to_qt(remark));
+  desk.backup = std::make_unique<DailyBackup>(desk.path);
+  connect(desk.backup.get(), &DailyBackup::failed, desk.window.get(), &MainWindow::tell);
+  desk.backup->start();
+}
+
+void Program::tell_failure(MainWindow& window, const QString& sentence) {
+  if (!window.has_base()) return window.start_page().show_failure(sentence);
   auto* box = new QMessageBox(QMessageBox::Critical, kTitle, sentence, QMessageBox::Ok, &window);
   box->setAttribute(Qt::WA_DeleteOnClose);
   box->open();
 }
 
-constexpr const char* kCannotBeUsed =
-    "Une base vide ne peut pas être ouverte : importez d'abord vos fichiers de référence par la "
-    "commande velanorctl import, puis relancez le programme.";
-
-}  // namespace
-
-struct Program::Desk {
-  std::unique_ptr<store::Database> store;
-  QString path;  // "" for the demonstration data in memory
-  Place place;
-  std::unique_ptr<MainWindow> window;
-  std::unique_ptr<DailyBackup> backup = {};
-  std::optional<Turns::Seat> seat = {};
-  bool started = false;
-};
-
-// A window that is taken away while it asks may be the last one in sight, and is not the end.
-Program::Program() { QGuiApplication::setQuitOnLastWindowClosed(false); }
-Program::~Program() = default;
-
-// ---- Opening.
-
-bool Program::start(const StoreOptions& options) try {
-  const QString named = QString::fromStdString(options.url);
-  if (!options.demo && is_server(named)) return start_on_server(ServerAddress::of(named));
-  if (options.demo || !options.url.empty()) {
-    const QString path = options.demo ? QString() : QString::fromStdString(path_of(options.url));
-    return show(open_desk(options, path, IfMissing::kFail)), true;
-  }
-  const QString last = settings_.last();
-  return last.isEmpty() || last == own_database() ? open_own() : open_last(last);
-} catch (const std::exception& error) {
-  QMessageBox::critical(nullptr, kTitle, QString::fromStdString(text::failure_sentence(error)));
-  return false;
+void Program::remember(const QString& path) {
+  settings_.remember(path);
+  for (MainWindow* window : windows()) window->set_recent(settings_.recent());
 }
 
-bool Program::open_own() {
-  StoreOptions own;
-  const QString path = own_database();
-  own.url = path.toStdString();
-  return show(open_desk(own, path, IfMissing::kCreate)), true;
-}
-
-// One that is away for the moment, on another machine or a key, stays the last for the next start.
-bool Program::open_last(const QString& path) try {
-  if (is_server(path)) return start_on_server(ServerAddress::of(path)) || open_own_instead();
-  StoreOptions options;
-  options.url = path.toStdString();
-  return show(open_desk(options, path, IfMissing::kFail)), true;
-} catch (const std::exception& error) {
-  return open_own_instead(QString::fromStdString(text::failure_sentence(error)) + "\n\n");
-}
-
-bool Program::open_own_instead(const QString& why) {
-  const QString question =
-      why + "C'est la base ouverte en dernier. Voulez-vous ouvrir à sa place votre propre base ?";
-  return QMessageBox::question(nullptr, kTitle, question) == QMessageBox::Yes && open_own();
+void Program::forget(const QString& path) {
+  settings_.forget(path);
+  for (MainWindow* window : windows()) window->set_recent(settings_.recent());
 }
 
 // ---- Servers.
 
-QString Program::open_server(const ServerAddress& address) try {
+QString Program::open_server(const ServerAddress& address, MainWindow& asker) try {
   if (const Desk* desk = desk_on(address.url())) return desk->window->bring_forward(), QString();
-  StoreOptions options;
-  options.url = address.url_with_password().toStdString();
-  show(open_desk(options, address.url(), IfMissing::kFail));
+  const StoreOptions options = naming(address.url_with_password());
+  auto store = open_store(options, IfMissing::kFail);
+  refuse_unusable(*store, address.name());
+  put(desk_for(asker), std::move(store), address.url(), connection_to(options));
   settings_.set_server(address.url());
   return {};
 } catch (const std::exception& error) {
-  return QString::fromStdString(text::failure_sentence(error));
-}
-
-bool Program::start_on_server(const ServerAddress& address) {
-  const QString failure = open_server(address);
-  if (failure.isEmpty()) return true;
-  ServerDialog dialog(address, [this](const ServerAddress& asked) { return open_server(asked); });
-  dialog.show_failure(failure);
-  return dialog.exec() == QDialog::Accepted;
+  return to_qt(text::failure_sentence(error));
 }
 
 ServerAddress Program::proposed_server() const {
@@ -138,126 +248,66 @@ ServerAddress Program::proposed_server() const {
 void Program::ask_server(const ServerAddress& proposed, MainWindow& asker, const QString& failure) {
   settings_.set_place(asker.saveGeometry());
   auto* dialog = new ServerDialog(
-      proposed, [this](const ServerAddress& asked) { return open_server(asked); }, &asker);
+      proposed, [this, &asker](const ServerAddress& asked) { return open_server(asked, asker); }, &asker);
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   if (!failure.isEmpty()) dialog->show_failure(failure);
   dialog->open();
 }
 
-// ---- Opening beside others.
+// ---- New bases.
 
-void Program::open(const QString& path, MainWindow& asker) try {
-  if (is_server(path)) {
-    const ServerAddress address = ServerAddress::of(path);
-    settings_.set_place(asker.saveGeometry());
-    if (const QString failure = open_server(address); !failure.isEmpty()) ask_server(address, asker, failure);
-    return;
-  }
-  if (const Desk* desk = desk_on(path)) return desk->window->bring_forward();
-  StoreOptions options;
-  options.url = path.toStdString();
-  settings_.set_place(asker.saveGeometry());
-  show(open_desk(options, path, IfMissing::kFail));
-} catch (const std::exception& error) {
-  tell_failure(asker, QString::fromStdString(text::failure_sentence(error)));
-}
-
-Program::Desk& Program::open_desk(const StoreOptions& options, const QString& path, IfMissing if_missing) {
-  auto desk = std::make_unique<Desk>();
-  desk->store = open_store(options, if_missing);
-  desk->path = path.isEmpty() || is_server(path) ? path : QFileInfo(path).absoluteFilePath();
-  desk->window = std::make_unique<MainWindow>(*desk->store);
-  return *desks_.emplace_back(std::move(desk));
-}
-
-// Whoever asks for something may be gone when it is done, so it is done when his event is over.
-void Program::show(Desk& desk) {
-  MainWindow& window = *desk.window;
-  window.set_source(desk.path);
-  window.set_recent(settings_.recent());
-  if (desk.store->read_only()) window.set_read_only();
-  const QPointer<MainWindow> asker(&window);
+void Program::make_base(MainWindow& asker) {
+  auto* dialog =
+      new NewBaseDialog(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation), &asker);
   connect(
-      &window, &MainWindow::open_asked, this,
-      [this, asker](const QString& path) {
+      dialog, &NewBaseDialog::made, this,
+      [this, asker = QPointer<MainWindow>(&asker)](const QString& path) {
         if (asker) open(path, *asker);
       },
       Qt::QueuedConnection);
-  connect(&window, &MainWindow::backups_asked, this, [this, asker] { show_backups(*asker); });
-  connect(
-      &window, &MainWindow::server_asked, this,
-      [this, asker] {
-        if (asker) ask_server(proposed_server(), *asker);
-      },
-      Qt::QueuedConnection);
-  connect(&window, &MainWindow::quit_asked, this, &Program::quit, Qt::QueuedConnection);
-  connect(&window, &MainWindow::closed, this, [this, asker] { closed(*asker); });
-  desk.seat.emplace(turns_, window);
-  window.set_layout({settings_.docks(), settings_.employees()});
-  desk.place.give_to(window, settings_.place());
-  window.show();
-  begin(desk);
+  dialog->open();
 }
 
-void Program::begin(Desk& desk) try {
-  if (is_empty(*desk.store)) return offer_demonstration(desk);
-  desk.window->start();
-  desk.started = true;
-  if (!desk.path.isEmpty()) remember(desk.path);
-  look_after(desk);
-} catch (const std::exception& error) {
-  give_up(desk, text::failure_sentence(error));
-}
-
-// What can only be told, in the window that has come up.
-void Program::look_after(Desk& desk) {
-  const auto* base = dynamic_cast<const store::SqliteDatabase*>(desk.store.get());
-  if (base == nullptr || base->read_only()) return;
-  if (const std::string remark = base->remark(); !remark.empty())
-    desk.window->tell(QString::fromStdString(remark));
-  desk.backup = std::make_unique<DailyBackup>(desk.path);
-  connect(desk.backup.get(), &DailyBackup::failed, desk.window.get(), &MainWindow::tell);
-  desk.backup->start();
-}
-
-void Program::give_up(Desk& desk, const std::string& sentence) {
-  MainWindow& window = *desk.window;
-  window.ask_before_start({.title = kTitle.toStdString(), .text = sentence},
-                          [&window](screen::Answer) { window.leave(); });
-}
-
-// The component does not start on an empty database.
-void Program::offer_demonstration(Desk& desk) {
-  if (desk.store->read_only()) return give_up(desk, kCannotBeUsed);
-  const screen::Message offer{
-      .title = kTitle.toStdString(),
-      .text =
-          "Cette base est vide.\r\nVoulez-vous y mettre les données de démonstration (trois entités "
-          "fictives et leur personnel) ?",
-      .icon = screen::Icon::Question,
-      .buttons = screen::Buttons::YesNo,
-      .preset = screen::Answer::Yes};
-  desk.window->ask_before_start(offer, [this, &desk](screen::Answer answer) {
-    if (answer != screen::Answer::Yes) return give_up(desk, kCannotBeUsed);
-    try {
-      fill(*desk.store);
-    } catch (const std::exception& error) {
-      return give_up(desk, text::failure_sentence(error));
-    }
-    begin(desk);
+void Program::open_example(MainWindow& asker) {
+  if (example_) return;
+  const QString path = example_path();
+  example_ = std::make_unique<Task>([file = from_qt(path)](Task::Report& report) {
+    store::SqliteDatabase::build(file, [&](store::SqliteDatabase& database) {
+      put_example(database, Example::kWhole, [&](double part) { report.part(part); });
+      return true;
+    });
   });
-}
-
-void Program::remember(const QString& path) {
-  settings_.remember(path);
-  for (MainWindow* window : windows()) window->set_recent(settings_.recent());
+  Task* task = example_.get();
+  const QPointer<MainWindow> window(&asker);
+  const auto end = [this, window, task] {
+    if (window) window->work_bar().done(*task);
+    example_.reset();
+  };
+  const auto show = [window, task](double part) {
+    if (window)
+      window->work_bar().show_part(*task, "Création de l'exemple", part, [task] { task->cancel(); });
+  };
+  connect(task, &Task::progressed, this, show);
+  connect(task, &Task::done, this, [this, end, window, path] {
+    end();
+    if (!window) return;
+    open(path, *window);
+    if (Desk* desk = desk_on(path)) desk->window->tell("Une copie de l'exemple, dans « " + path + " »");
+  });
+  connect(task, &Task::cancelled, this, end);
+  connect(task, &Task::failed, this, [this, end, window](const QString& sentence) {
+    end();
+    if (window) tell_failure(*window, sentence);
+  });
+  show(-1);
+  task->start();
 }
 
 // ---- Backups.
 
 void Program::show_backups(MainWindow& window) try {
   const Desk* desk = desk_of(window);
-  if (!desk || window.component().open_message()) return;
+  if (!desk || !desk->store || window.component().open_message()) return;
   if (window.component().modified())
     return window.tell(
         "Enregistrez ou annulez d'abord la fiche ouverte : reprendre une sauvegarde la ferme.");
@@ -275,34 +325,53 @@ void Program::show_backups(MainWindow& window) try {
 }
 
 void Program::take_backup(MainWindow& window, const QString& backup, const QString& moment) {
-  if (window.component().modified() || window.component().open_message()) return;
-  const auto at = std::find_if(desks_.begin(), desks_.end(),
-                               [&](const auto& desk) { return desk->window.get() == &window; });
-  const QString path = (*at)->path;
-  settings_.set_place(window.saveGeometry());
-  desks_.erase(at);
+  Desk* desk = desk_of(window);
+  if (!desk || !desk->store || window.component().modified() || window.component().open_message()) return;
+  const QString path = desk->path;
+  clear(*desk);
   QString failure, told;
   try {
-    const std::string aside = store::SqliteDatabase::restore(backup.toStdString(), path.toStdString());
+    const std::string aside = store::SqliteDatabase::restore(from_qt(backup), from_qt(path));
     told = "Sauvegarde du " + moment + " reprise. L'ancienne base est gardée sous « " +
-           QFileInfo(QString::fromStdString(aside)).fileName() + " ».";
+           QFileInfo(to_qt(aside)).fileName() + " ».";
   } catch (const std::exception& error) {
-    failure = QString::fromStdString(text::failure_sentence(error));
+    failure = to_qt(text::failure_sentence(error));
   }
-  try {
-    StoreOptions options;
-    options.url = path.toStdString();
-    Desk& desk = open_desk(options, path, IfMissing::kFail);
-    show(desk);
-    desk.window->tell(told);
-    if (!failure.isEmpty()) tell_failure(*desk.window, failure);
-  } catch (const std::exception& error) {
-    QMessageBox::critical(nullptr, kTitle, QString::fromStdString(text::failure_sentence(error)));
-    if (desks_.empty()) QCoreApplication::quit();
-  }
+  open(path, window);
+  if (!window.has_base()) return;
+  window.tell(told);
+  if (!failure.isEmpty()) tell_failure(window, failure);
 }
 
 // ---- Closing.
+
+void Program::close_base(MainWindow& window) {
+  Desk* desk = desk_of(window);
+  if (!desk || !desk->store || !window.may_leave(MainWindow::Leaving::kBase)) return;
+  // The question ran an event loop.
+  desk = desk_of(window);
+  if (!desk || !desk->store) return;
+  if (desks_.size() > 1) return window.leave();
+  clear(*desk);
+  settings_.set_last({});
+}
+
+void Program::reopen(MainWindow& window) {
+  Desk* desk = desk_of(window);
+  if (!desk || !desk->store || window.component().state() != control::State::kNone ||
+      window.component().open_message())
+    return;
+  const QString path = desk->path;
+  auto store = std::move(desk->store);
+  desk->seat.reset();
+  window.release();
+  desk->backup.reset();
+  try {
+    put(*desk, std::move(store), path, Connection(desk->connection));
+  } catch (const std::exception& error) {
+    tell_failure(window, to_qt(text::failure_sentence(error)));
+  }
+}
 
 void Program::quit() {
   if (quitting_) return;
@@ -324,13 +393,13 @@ void Program::closed(MainWindow& window) {
   const MainWindow::Layout layout = window.layout_now();
   settings_.set_docks(layout.docks);
   settings_.set_employees(layout.employees);
-  if (const Desk* desk = desk_of(window); desk && desk->started && !desk->path.isEmpty())
+  if (const Desk* desk = desk_of(window); desk && desk->store && !desk->path.isEmpty())
     settings_.set_last(desk->path);
   QMetaObject::invokeMethod(
-      this, [this, gone = QPointer<MainWindow>(&window)] { forget(gone); }, Qt::QueuedConnection);
+      this, [this, gone = QPointer<MainWindow>(&window)] { drop(gone); }, Qt::QueuedConnection);
 }
 
-void Program::forget(const MainWindow* window) {
+void Program::drop(const MainWindow* window) {
   const auto is_gone = [&](const auto& desk) { return desk->window.get() == window; };
   desks_.erase(std::remove_if(desks_.begin(), desks_.end(), is_gone), desks_.end());
   if (desks_.empty()) QCoreApplication::quit();

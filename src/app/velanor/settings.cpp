@@ -42,4 +42,11 @@ void Settings::remember(const QString& path) {
   set_last(path);
 }
 
+void Settings::forget(const QString& path) {
+  QStringList files = recent();
+  files.removeAll(path);
+  settings_.setValue("recent", files);
+  if (last() == path) set_last({});
+}
+
 }  // namespace velanor::app

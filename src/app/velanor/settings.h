@@ -16,12 +16,18 @@ class Settings {
   // The databases opened lately, the latest first: paths, and URLs of servers without a password.
   QStringList recent() const { return settings_.value("recent").toStringList(); }
   void remember(const QString& path);
-  // The database that was in use last; "" when there was none.
+  void forget(const QString& path);
+  // The database that was in use at the end of the last run; "" when there was none.
   QString last() const { return settings_.value("last").toString(); }
   void set_last(const QString& path) { settings_.setValue("last", path); }
   // The server that was asked for last, as a URL without a password.
   QString server() const { return settings_.value("server").toString(); }
   void set_server(const QString& url) { settings_.setValue("server", url); }
+  // The colours and the size of the text, by names that `Appearance` knows; "" where none were chosen.
+  QString colours() const { return settings_.value("colours").toString(); }
+  void set_colours(const QString& name) { settings_.setValue("colours", name); }
+  int text_size() const { return settings_.value("text_size").toInt(); }
+  void set_text_size(int percent) { settings_.setValue("text_size", percent); }
   // Size and place of a window, as the toolkit puts them down.
   QByteArray place() const { return settings_.value("place").toByteArray(); }
   void set_place(const QByteArray& place) { settings_.setValue("place", place); }

@@ -2,7 +2,6 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <fstream>
 #include <iostream>
 
 #include "app/velanorctl/commands.h"
@@ -13,7 +12,6 @@
 #include "card/record/known_files.h"
 #include "exchange/csv.h"
 #include "exchange/export_csv.h"
-#include "store/sqlite/unfinished_file.h"
 
 namespace velanor::app {
 namespace {
@@ -63,13 +61,7 @@ void write_to_output(const Options& options) {
 }
 
 void write_table(const Options& options) {
-  refuse_export_target(options.table);
-  store::sqlite::UnfinishedFile file(options.table);
-  {
-    std::ofstream out(file.path(), std::ios::binary);
-    write(options, out);
-  }
-  file.complete();
+  write_export(options.table, [&](std::ostream& out) { write(options, out); });
 }
 
 }  // namespace

@@ -1,7 +1,9 @@
 #include "app/velanorctl/export_target.h"
 
 #include <filesystem>
+#include <fstream>
 
+#include "store/sqlite/unfinished_file.h"
 #include "velanor/sqlite_database.h"
 
 namespace velanor::app {
@@ -18,6 +20,24 @@ void refuse_export_target(const std::string& path) {
     throw refused(
         "ce n'est pas un fichier ordinaire. Donnez un autre nom, ou « - » pour la sortie standard.");
   if (store::SqliteDatabase::is_at(path)) throw refused("c'est une base de fiches. Donnez un autre nom.");
+}
+
+void write_export(const std::string& path, const std::function<void(std::ostream&)>& write) {
+  refuse_export_target(path);
+  store::sqlite::UnfinishedFile file(path);
+  {
+    std::ofstream out(file.path(), std::ios::binary);
+    write(out);
+    out.flush();
+    if (!out) {
+      throw store::DbError(
+          store::kStoreFailure,
+          "Le tableau « " + path +
+              " » n'a pas pu être écrit. Vérifiez la place sur le disque et votre droit d'écrire "
+              "dans ce dossier.");
+    }
+  }
+  file.complete();
 }
 
 }  // namespace velanor::app

@@ -1,6 +1,8 @@
 // Where a table may be written.
 #pragma once
 
+#include <functional>
+#include <ostream>
 #include <string>
 
 namespace velanor::app {
@@ -8,5 +10,8 @@ namespace velanor::app {
 // A table takes the place of an older one, and of nothing else: throws store::DbError where a link, a base,
 // or what is no ordinary file stands there.
 void refuse_export_target(const std::string& path);
+
+// Writes a table there (mode 0600): all of it, or nothing. Throws store::DbError, and what `write` throws.
+void write_export(const std::string& path, const std::function<void(std::ostream&)>& write);
 
 }  // namespace velanor::app

@@ -1,0 +1,16 @@
+// Whether the component waits for something, while the menus and docks around it are alive.
+#pragma once
+
+#include "velanor/controle_velanor_widget.h"
+
+namespace velanor::app {
+
+// What is told to whoever asks for something meanwhile; it is wiped when it no longer holds.
+inline const QString kFinishFirst = QStringLiteral("Terminez d'abord ce qui est ouvert sur la fiche.");
+
+// A message, a form, or an act of the rules.
+inline bool is_busy(qt::ControleVelanorWidget& component) {
+  return component.open_message() || component.open_sheet() || component.screen().acting();
+}
+
+}  // namespace velanor::app

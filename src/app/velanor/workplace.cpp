@@ -1,0 +1,33 @@
+#include "app/velanor/workplace.h"
+
+#include <QMainWindow>
+
+#include "app/velanor/card_history.h"
+#include "app/velanor/checks_dock.h"
+#include "app/velanor/employees_dock.h"
+
+namespace velanor::app {
+
+Workplace::Workplace(store::Database& given, QMainWindow& window)
+    : database(given),
+      component(new qt::ControleVelanorWidget(&window)),
+      history(new CardHistory(*component, database, &window)),
+      employees(new EmployeesDock(*component, database, &window)),
+      checks(new ChecksDock(*component, database, &window)) {
+  window.addDockWidget(Qt::LeftDockWidgetArea, employees);
+  employees->hide();
+  window.addDockWidget(Qt::BottomDockWidgetArea, checks);
+  checks->hide();
+  component->DroitsUtilisateur(*this);
+  component->TheClient(client_);
+  component->TheDatabase(database);
+}
+
+Workplace::~Workplace() {
+  delete component;
+  delete checks;
+  delete employees;
+  delete history;
+}
+
+}  // namespace velanor::app

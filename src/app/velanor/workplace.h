@@ -1,0 +1,38 @@
+// What stands on a window while a base is open: the component, and what the program has around it.
+#pragma once
+
+#include "app/velanor/connection.h"
+#include "velanor/controle_velanor_widget.h"
+#include "velanor/host.h"
+
+class QMainWindow;
+
+namespace velanor::app {
+
+class CardHistory;
+class ChecksDock;
+class EmployeesDock;
+
+// Puts its docks on the window, hidden; the window places the component. Takes all of it off again at its
+// end, the component first, for it looks at what stands around it. Database and window outlive it.
+class Workplace : private control::UserRights {
+ public:
+  Workplace(store::Database& database, QMainWindow& window);
+  ~Workplace() override;
+  Workplace(const Workplace&) = delete;
+  Workplace& operator=(const Workplace&) = delete;
+
+  store::Database& database;
+  Connection connection;  // set by who opened the database
+  qt::ControleVelanorWidget* const component;
+  CardHistory* const history;
+  EmployeesDock* const employees;
+  ChecksDock* const checks;
+
+ private:
+  std::string rights(std::string_view) override { return {}; }
+
+  control::Client client_;
+};
+
+}  // namespace velanor::app
