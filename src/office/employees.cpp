@@ -9,6 +9,7 @@
 #include "control/session/card_id.h"
 #include "entry/decimal.h"
 #include "exchange/columns.h"
+#include "office/hours.h"
 #include "store/select/collation.h"
 #include "text/fold.h"
 #include "text/number.h"
@@ -53,24 +54,6 @@ std::string_view staff(std::string_view letter) {
   return letter == card::kProduction       ? "Production"
          : letter == card::kAdministrative ? "Administration"
                                            : letter;
-}
-
-// The line that holds on a day, -1 for none.
-int line_in_force(const card::Draft& card, int today) {
-  int line = -1;
-  for (int l = 0; l < card.amendments(); ++l) {
-    const auto from = entry::stored_day(element(card.record(), card::kEffective, l + 1));
-    if (from && *from <= today) line = l;
-  }
-  return line;
-}
-
-// As the screen shows it: that of administrative staff is entered, that of the others the sum of their items.
-std::optional<std::int64_t> hours_of(const card::Draft& card, int line) {
-  if (line < 0) return std::nullopt;
-  const bool entered = element(card.record(), card::kStaffKind) == card::kAdministrative;
-  return entered ? entry::parse_decimal(element(card.record(), card::kMonthlyTime, line + 1), 0)
-                 : entry::parse_decimal(card.item_hours(line), 2);
 }
 
 std::string faults_text(int faults) {
@@ -124,14 +107,7 @@ std::vector<std::uint32_t> Texts::places(Kind kind) const {
 // ---- Reading.
 
 Employees::Employees(store::Database& database, const entry::Clock& clock)
-    : database_(database),
-      clock_(clock),
-      today_(*entry::day_number(clock())),
-      entry_(entry::make_util_saisie(clock)),
-      procedure_(database) {
-  procedure_.OuvrirFichiers();
-  reading_ = std::make_unique<card::Reading>(card::Reading{card::Codec(*entry_), card::Labels(procedure_)});
-}
+    : database_(database), clock_(clock), today_(*entry::day_number(clock())), reading_(database, clock) {}
 
 store::DbResult Employees::select(std::string_view criterion) const {
   const std::string file(exchange::kCardFile);
@@ -226,22 +202,24 @@ bool Employees::examine(int most) {
 
 void Employees::examine(Row& row) try {
   if (!check_) check_ = std::make_unique<CardCheck>(database_, clock_);
-  const auto record = procedure_.file(control::File::kCards).find(row.id);
+  const auto record = reading_.file(control::File::kCards).find(row.id);
   if (!record) return;  // gone meanwhile
-  const card::Draft card(*reading_, *record);
-  put_hours(row, card);
+  put_hours(row, *record);
   put_faults(row, static_cast<int>(check_->faults_of(row.id, *record).size()));
 } catch (const store::DbError&) {
   // It could not be read; the others may.
   put(row, Column::kState, "illisible");
 }
 
-void Employees::put_hours(Row& row, const card::Draft& card) {
-  const auto hours = hours_of(card, line_in_force(card, today_));
+void Employees::put_hours(Row& row, const store::DbRecord& card) {
+  const int line = InForce(card).on(today_);
+  if (line < 0) return;
+  const auto hours = monthly_hours(
+      card, line, [this](std::string_view code) { return reading_.labels_of_codes().is_hours_item(code); });
   if (!hours) return;
   put_number(row, Column::kHours, *hours);
-  const std::int64_t full = figure(card.record(), card::kEstablishmentHours);
-  if (full > 0 && *hours >= 0) put_number(row, Column::kFullTime, (*hours * 100 + full / 2) / full);
+  if (const auto part = full_time(*hours, figure(card, card::kEstablishmentHours)))
+    put_number(row, Column::kFullTime, *part);
 }
 
 void Employees::put_faults(Row& row, int faults) {

@@ -11,11 +11,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "card/record/draft.h"
-#include "control/session/procedure.h"
 #include "office/card_check.h"
+#include "office/card_reading.h"
 #include "velanor/database.h"
-#include "velanor/util_saisie.h"
 
 namespace velanor::office {
 
@@ -145,15 +143,13 @@ class Employees {
   void put_number(Row& row, Column column, std::int64_t value);
   void put_date(Row& row, Column column, std::string_view stored);
   void examine(Row& row);
-  void put_hours(Row& row, const card::Draft& card);
+  void put_hours(Row& row, const store::DbRecord& card);
   void put_faults(Row& row, int faults);
 
   store::Database& database_;
   entry::Clock clock_;
   int today_;
-  std::unique_ptr<entry::UtilSaisie> entry_;
-  control::Procedure procedure_;
-  std::unique_ptr<card::Reading> reading_;
+  CardReading reading_;
   std::unique_ptr<CardCheck> check_;
   Labels establishments_, sectors_, agreements_;
   Reach reach_;

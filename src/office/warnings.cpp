@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "card/record/element.h"
-#include "card/record/item_hours.h"
 #include "card/record/record_compare.h"
 #include "card/record/reference_layout.h"
+#include "office/hours.h"
 #include "text/fold.h"
 #include "text/number.h"
 #include "text/utf8.h"
@@ -82,7 +82,6 @@ struct Look {
   void look_at_activities();
   void look_at_january();
   void look_at_months();
-  std::int64_t monthly_hours(int amendment) const;
   void look_at_hours();
   void look_at_rates();
   void look_at_age();
@@ -147,21 +146,15 @@ void Look::look_at_months() {
   }
 }
 
-// As the screen shows them: the monthly time of production staff is that of their items.
-std::int64_t Look::monthly_hours(int amendment) const {
-  if (element(card, card::kStaffKind) != card::kProduction)
-    return figure(card, card::kMonthlyTime, amendment);
-  return card::item_hours(card, amendment,
-                          [this](std::string_view code) { return hours_items.contains(code); });
-}
-
 void Look::look_at_hours() {
   const std::int64_t most = figure(card, card::kEstablishmentHours);
+  const auto is_hours = [this](std::string_view code) { return hours_items.contains(code); };
   for (int i = 1; most > 0 && i <= amendments; ++i) {
-    if (const std::int64_t hours = monthly_hours(i); hours > most)
+    const auto hours = monthly_hours(card, i - 1, is_hours);
+    if (hours && *hours > most)
       warn(WarningKind::kHours, card::kMonthlyTime,
            "Les heures mensuelles dépassent celles de l'établissement : ….",
-           shown(card::kMonthlyTime, hours) + " pour " + shown(card::kEstablishmentHours, most), i);
+           shown(card::kMonthlyTime, *hours) + " pour " + shown(card::kEstablishmentHours, most), i);
   }
 }
 

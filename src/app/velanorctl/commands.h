@@ -19,6 +19,7 @@ void add_import(CLI::App& program, int& status);
 void add_export(CLI::App& program, int& status);
 void add_select(CLI::App& program, int& status);
 void add_show(CLI::App& program, int& status);
+void add_year(CLI::App& program, int& status);
 void add_check(CLI::App& program, int& status);
 void add_backup(CLI::App& program, int& status);
 void add_restore(CLI::App& program, int& status);

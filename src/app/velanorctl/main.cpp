@@ -17,9 +17,10 @@ using namespace velanor::app;
 constexpr int kFailed = 1;
 
 constexpr void (*kCommands[])(CLI::App&, int&) = {
-    add_play,          add_demo,   add_import,    add_export,      add_select, add_show,
-    add_check,         add_backup, add_restore,   add_history,     add_diff,   add_restore_version,
-    add_purge_history, add_copy,   add_employees, add_setup_server};
+    add_play,      add_demo,        add_import,          add_export,        add_select,
+    add_show,      add_year,        add_check,           add_backup,        add_restore,
+    add_history,   add_diff,        add_restore_version, add_purge_history, add_copy,
+    add_employees, add_setup_server};
 
 int parse_and_run(CLI::App& program, int argc, char** argv, const int& status) try {
   program.parse(argc, argv);
