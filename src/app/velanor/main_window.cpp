@@ -27,6 +27,7 @@
 #include "app/velanor/start_page.h"
 #include "app/velanor/work_bar.h"
 #include "app/velanor/workplace.h"
+#include "app/velanor/year_dock.h"
 #include "qt/message_sheet.h"
 #include "qt/strings.h"
 #include "screen/scope.h"
@@ -101,6 +102,7 @@ void MainWindow::start_docks() {
   if (layout_.docks.isEmpty() || !restoreState(layout_.docks)) {
     employees.setVisible(employees.has_cards());
     resizeDocks({&employees}, {kEmployeesWidth}, Qt::Horizontal);
+    workplace_->year->setVisible(workplace_->year->has_room());
   }
   if (!employees.has_room()) employees.hide();
 }

@@ -18,6 +18,7 @@
 #include "app/velanor/table_dialogs.h"
 #include "app/velanor/workplace.h"
 #include "app/velanor/year_actions.h"
+#include "app/velanor/year_dock.h"
 
 namespace velanor::app {
 namespace {
@@ -129,6 +130,7 @@ void Menus::make_view(Appearance* appearance) {
   QMenu& view = *add_menu("Afficha&ge");
   if (place_) {
     place_->employees->add_view_to(view);
+    view.addAction(place_->year->action());
     QAction* checks = place_->checks->toggleViewAction();
     checks->setText("C&ontrôles");
     view.addAction(checks);

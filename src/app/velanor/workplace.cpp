@@ -5,6 +5,7 @@
 #include "app/velanor/card_history.h"
 #include "app/velanor/checks_dock.h"
 #include "app/velanor/employees_dock.h"
+#include "app/velanor/year_dock.h"
 
 namespace velanor::app {
 
@@ -13,11 +14,15 @@ Workplace::Workplace(store::Database& given, QMainWindow& window)
       component(new qt::ControleVelanorWidget(&window)),
       history(new CardHistory(*component, database, &window)),
       employees(new EmployeesDock(*component, database, &window)),
-      checks(new ChecksDock(*component, database, &window)) {
+      checks(new ChecksDock(*component, database, &window)),
+      year(new YearDock(*component, database, &window)) {
   window.addDockWidget(Qt::LeftDockWidgetArea, employees);
   employees->hide();
   window.addDockWidget(Qt::BottomDockWidgetArea, checks);
   checks->hide();
+  window.addDockWidget(Qt::BottomDockWidgetArea, year);
+  window.splitDockWidget(year, checks, Qt::Vertical);
+  year->hide();
   component->DroitsUtilisateur(*this);
   component->TheClient(client_);
   component->TheDatabase(database);
@@ -25,6 +30,7 @@ Workplace::Workplace(store::Database& given, QMainWindow& window)
 
 Workplace::~Workplace() {
   delete component;
+  delete year;
   delete checks;
   delete employees;
   delete history;

@@ -12,6 +12,7 @@ namespace velanor::app {
 class CardHistory;
 class ChecksDock;
 class EmployeesDock;
+class YearDock;
 
 // Puts its docks on the window, hidden; the window places the component. Takes all of it off again at its
 // end, the component first, for it looks at what stands around it. Database and window outlive it.
@@ -28,6 +29,7 @@ class Workplace : private control::UserRights {
   CardHistory* const history;
   EmployeesDock* const employees;
   ChecksDock* const checks;
+  YearDock* const year;
 
  private:
   std::string rights(std::string_view) override { return {}; }
