@@ -115,7 +115,8 @@ std::string ControleVelanor::Parts::aid(const std::function<std::string(Rules&)>
 }
 
 std::optional<control::FieldPlace> ControleVelanor::field_in_hand() const {
-  if (parts_->closed || !parts_->rules->card.open || &parts_->screen.top() != &parts_->ui) return std::nullopt;
+  if (parts_->closed || !parts_->rules->card.open || &parts_->screen.top() != &parts_->ui)
+    return std::nullopt;
   const Rules& rules = *parts_->rules;
   return control::field_in_hand(parts_->ui, rules.card, rules.activities, rules.validation);
 }

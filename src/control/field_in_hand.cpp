@@ -37,7 +37,9 @@ std::optional<FieldPlace> field_in_hand(card::CardScreen& ui, const card::CardSt
   const auto entries = ui.amendment_entries();
   for (std::size_t c = 0; c < lists.size(); ++c) {
     if (lists[c] != focus && entries[c] != focus) continue;
-    const int line = card.AjoutDetail ? -1 : card.edited_line >= 0 ? card.edited_line : ui.Lst_DatEffet.index();
+    const int line = card.AjoutDetail        ? -1
+                     : card.edited_line >= 0 ? card.edited_line
+                                             : ui.Lst_DatEffet.index();
     return of_line(card, card::kAmendmentColumns[c], card::kEffective, line);
   }
   if (focus == &ui.Lst_Activites || holds(ui.group(card::Group::kActivityEntry), *focus)) {

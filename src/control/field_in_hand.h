@@ -11,8 +11,8 @@
 
 namespace velanor::control {
 
-// That of the control that has the focus; of a list, or of the entry of a line, with its line. Nothing for what
-// is no field of the card, and for a line that is new.
+// That of the control that has the focus; of a list, or of the entry of a line, with its line. Nothing for
+// what is no field of the card, and for a line that is new.
 std::optional<FieldPlace> field_in_hand(card::CardScreen& ui, const card::CardState& card,
                                         const amendments::ActivityLines& activities,
                                         const commands::Validation& validation);

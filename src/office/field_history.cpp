@@ -20,7 +20,8 @@ bool is_of_split(int attribute) {
 // Nothing where the version has no such line.
 std::optional<std::string> value_in(const DbRecord& card, const CardField& field) {
   if (field.line.empty()) return std::string(card(field.attribute));
-  const card::Field key = is_of_split(field.attribute) ? card::Field(card::kActivity) : card::Field(card::kEffective);
+  const card::Field key =
+      is_of_split(field.attribute) ? card::Field(card::kActivity) : card::Field(card::kEffective);
   for (int line = 1; line <= card::lines_of(card, key); ++line) {
     if (element(card, key, line) == field.line) return std::string(card(field.attribute, line));
   }
@@ -29,8 +30,8 @@ std::optional<std::string> value_in(const DbRecord& card, const CardField& field
 
 std::string shown(const CardField& field, std::string_view stored) {
   const auto entry = entry::make_util_saisie();
-  const store::Position at = field.line.empty() ? store::Position{field.attribute}
-                                                : store::Position{field.attribute, 1};
+  const store::Position at =
+      field.line.empty() ? store::Position{field.attribute} : store::Position{field.attribute, 1};
   return exchange::write_field(card::Codec(*entry),
                                {.position = at, .named = card::card_field(field.attribute)}, stored);
 }
@@ -41,8 +42,7 @@ std::string FieldWas::text() const {
   return "était " + (value.empty() ? "vide" : value) + " jusqu'au " + until + " (" + author + ")";
 }
 
-std::vector<FieldWas> field_history(store::Database& database, std::string_view id,
-                                    const CardField& field) {
+std::vector<FieldWas> field_history(store::Database& database, std::string_view id, const CardField& field) {
   const auto versions = versions_of(database, exchange::kCardFile, id);
   std::vector<FieldWas> past;
   std::optional<std::string> before;

@@ -17,15 +17,16 @@ struct FieldWas {
   std::string text() const;
 };
 
-// A field of a card: of a line by the stored date of effect of its amendment, or the code of its activity ("" for
-// a single field).
+// A field of a card: of a line by the stored date of effect of its amendment, or the code of its activity (""
+// for a single field).
 struct CardField {
   int attribute = 0;
   std::string line;
 };
 
-// The latest change first; none where the field has always read as it is stored now. A line is the same in each
-// version that has one of its date or code. Throws store::DbError, also for a database that keeps no versions.
+// The latest change first; none where the field has always read as it is stored now. A line is the same in
+// each version that has one of its date or code. Throws store::DbError, also for a database that keeps no
+// versions.
 std::vector<FieldWas> field_history(store::Database& database, std::string_view id, const CardField& field);
 
 }  // namespace velanor::office

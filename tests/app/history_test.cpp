@@ -77,7 +77,7 @@ TEST_F(PastOfCards, TheOpenCardIsTakenBackToAnEarlierVersion) {
   save_hours("140");
   save_hours("130");
   clerk_.open_card("00001");
-  auto* dialog = opened<VersionsDialog>("De la fiche ouverte");
+  auto* dialog = opened<VersionsDialog>("Historique de la fiche");
   ASSERT_NE(dialog, nullptr);
   QTableWidget& versions = table(*dialog, "Versions de la fiche");
   ASSERT_EQ(versions.rowCount(), 3);
@@ -99,7 +99,7 @@ TEST_F(PastOfCards, WhatIsNotSavedStandsInTheWayOfAnEarlierVersion) {
   save_hours("140");
   clerk_.open_card("00001");
   clerk_.put("Txt_HorMensEtab", "99");
-  auto* dialog = opened<VersionsDialog>("De la fiche ouverte");
+  auto* dialog = opened<VersionsDialog>("Historique de la fiche");
   table(*dialog, "Versions de la fiche").selectRow(1);
   EXPECT_FALSE(button(*dialog, "Reprendre").isEnabled());
   button(*dialog, "Fermer").click();
@@ -110,7 +110,7 @@ TEST_F(PastOfCards, WhatIsNotSavedStandsInTheWayOfAnEarlierVersion) {
 TEST_F(PastOfCards, SomebodyElsesSaveMeanwhileIsNotOverwritten) {
   save_hours("140");
   clerk_.open_card("00001");
-  auto* dialog = opened<VersionsDialog>("De la fiche ouverte");
+  auto* dialog = opened<VersionsDialog>("Historique de la fiche");
   QTableWidget& versions = table(*dialog, "Versions de la fiche");
   versions.selectRow(1);
   store::DbRecord theirs = *stored();
@@ -151,9 +151,99 @@ TEST_F(PastOfCards, AYearThatIsOverIsReadAlone) {
   store::DbRecord card = window_.component().card_in_hand();
   card.set(5, "Albi");
   database_.put("VELANORO", window_.component().card_id().toStdString(), card);
-  auto* dialog = opened<VersionsDialog>("De la fiche ouverte");
+  auto* dialog = opened<VersionsDialog>("Historique de la fiche");
   table(*dialog, "Versions de la fiche").selectRow(1);
   EXPECT_FALSE(button(*dialog, "Reprendre").isEnabled());
+}
+
+// ---- Steps of the open card, and what helps to enter it.
+
+TEST_F(PastOfCards, StepsAreNamedInTheMenuAndGoBackAndForth) {
+  QAction& undo = action("Annuler");
+  QAction& redo = action("Rétablir");
+  const auto text = [](const QAction& action) { return action.text().remove('&').toStdString(); };
+  clerk_.open_card("00001");
+  EXPECT_FALSE(undo.isEnabled());
+  clerk_.put("Txt_HorMensEtab", "140");
+  EXPECT_EQ(text(undo), "Annuler : Horaire de l'établissement (151,67 → 140,00)");
+  undo.trigger();
+  EXPECT_EQ(hours(), "151,67");
+  EXPECT_EQ(clerk_.status(), "Annulé : Horaire de l'établissement (151,67 → 140,00)");
+  EXPECT_FALSE(window_.isWindowModified());
+  EXPECT_FALSE(undo.isEnabled());
+  redo.trigger();
+  EXPECT_EQ(hours(), "140,00");
+  // While a line is being entered there is none.
+  clerk_.click("Cmd_AjAct");
+  EXPECT_FALSE(undo.isEnabled());
+  EXPECT_EQ(text(undo), "Annuler");
+  clerk_.click("Cmd_AnnulAct");
+  EXPECT_TRUE(undo.isEnabled());
+  // Nor while a message waits.
+  bool enabled = true;
+  clerk_.at_next_message([&](qt::MessageSheet& sheet) {
+    enabled = undo.isEnabled();
+    undo.trigger();
+    sheet.button(screen::Answer::No)->click();
+  });
+  clerk_.click("Cmd_Annul");
+  EXPECT_FALSE(enabled);
+  EXPECT_EQ(hours(), "140,00");
+}
+
+TEST_F(PastOfCards, TheCardThatWasDeletedLastComesBackFromTheStatusBarOrByTheSameKey) {
+  auto& restore = *window_.findChild<QPushButton*>("restore");
+  const auto before = stored();
+  const auto give_up = [&] {
+    clerk_.answer_next(screen::Answer::Yes);
+    clerk_.click("Cmd_Annul");
+  };
+  const auto remove = [&] {
+    clerk_.open_card("00001");
+    EXPECT_TRUE(restore.isHidden());
+    clerk_.answer_next(screen::Answer::Yes);
+    clerk_.click("Cmd_Supp");
+    settle();
+    ASSERT_FALSE(stored());
+  };
+  remove();
+  EXPECT_FALSE(restore.isHidden());
+  restore.click();
+  EXPECT_EQ(stored(), before);
+  EXPECT_EQ(window_.component().card_id().toStdString(), "000010012026");
+  EXPECT_TRUE(restore.isHidden());
+  give_up();
+  remove();
+  EXPECT_EQ(action("Annuler").text().remove('&').toStdString().rfind("Annuler : fiche 00001 ", 0), 0U);
+  action("Annuler").trigger();
+  EXPECT_EQ(stored(), before);
+  give_up();
+  // Somebody has made a card of the code meanwhile: it stays.
+  remove();
+  store::DbRecord other = *before;
+  other.set(1, "AUTREMENT");
+  database_.put("VELANORO", "000010012026", other);
+  action("Annuler").trigger();
+  EXPECT_EQ(stored(), other);
+  // Another card on the screen: the key is its own again.
+  database_.OpenFile("VELANORO")->DeleteRecord("000010012026");
+  clerk_.open_card("00002");
+  EXPECT_FALSE(action("Annuler").isEnabled());
+}
+
+TEST_F(PastOfCards, AFieldTellsWhatItWasAndTheSplitWhatItLeaves) {
+  save_hours("140");
+  EXPECT_FALSE(action("Historique du champ").isEnabled());
+  clerk_.open_card("00001");
+  clerk_.widget("Txt_HorMensEtab").setFocus(Qt::TabFocusReason);
+  action("Historique du champ").trigger();
+  EXPECT_EQ(clerk_.status().rfind("Horaire de l'établissement : était 151,67 jusqu'au ", 0), 0U);
+  clerk_.widget("Txt_NomAidant").setFocus(Qt::TabFocusReason);
+  action("Historique du champ").trigger();
+  EXPECT_EQ(clerk_.status(), "Nom : n'a pas changé depuis que la fiche est gardée.");
+  EXPECT_EQ(clerk_.widget<QLabel>("split_told").text(), "Tout est réparti");
+  action("Reste de la répartition").trigger();
+  EXPECT_EQ(clerk_.status(), "Choisissez d'abord une activité de la liste.");
 }
 
 }  // namespace

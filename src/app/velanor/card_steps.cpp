@@ -59,8 +59,7 @@ bool CardSteps::can_take_back_deletion() const {
 
 void CardSteps::update() {
   const bool deletion = can_take_back_deletion();
-  const QString back =
-      deletion ? "fiche " + deleted_title_ + " supprimée" : component_.undo_name();
+  const QString back = deletion ? "fiche " + deleted_title_ + " supprimée" : component_.undo_name();
   const QString forth = component_.redo_name();
   undo_->setText(named("&Annuler", back));
   redo_->setText(named("&Rétablir", forth));
@@ -106,9 +105,8 @@ void CardSteps::take_back_deletion() try {
     return emit told("La fiche " + deleted_title_ + " existe déjà de nouveau.");
   office::bring_back(database_, exchange::kCardFile, from_qt(id), versions, versions[versions.size() - 2]);
   deleted_id_.clear();
-  const control::Opening opening =
-      component_.open(id.mid(kEmployeeCode, kEntityCode), id.mid(kEmployeeCode + kEntityCode),
-                      id.left(kEmployeeCode));
+  const control::Opening opening = component_.open(
+      id.mid(kEmployeeCode, kEntityCode), id.mid(kEmployeeCode + kEntityCode), id.left(kEmployeeCode));
   const QString done = "Fiche " + deleted_title_ + " rétablie";
   emit told(opening.is_open() ? done : done + ". " + to_qt(opening.why));
 } catch (const std::exception& error) {

@@ -10,8 +10,8 @@ class QMenu;
 
 namespace velanor::app {
 
-// Works on the component as its clerk would; a deleted card is brought back from the versions of the database,
-// where it keeps any, as long as no other card has been opened.
+// Works on the component as its clerk would; a deleted card is brought back from the versions of the
+// database, where it keeps any, as long as no other card has been opened.
 class CardSteps : public QObject {
   Q_OBJECT
 

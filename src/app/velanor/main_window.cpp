@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QScreen>
 #include <QStackedWidget>
 #include <QStatusBar>
@@ -15,7 +16,9 @@
 #include <utility>
 
 #include "app/velanor/busy.h"
+#include "app/velanor/card_aids.h"
 #include "app/velanor/card_history.h"
+#include "app/velanor/card_steps.h"
 #include "app/velanor/checks_dock.h"
 #include "app/velanor/employees_dock.h"
 #include "app/velanor/file_dialogs.h"
@@ -185,7 +188,14 @@ void MainWindow::make_status_bar() {
   where_ = label("where", {});
   mode_ = label("mode", {});
   work_ = new WorkBar;
-  statusBar()->addWidget(told_, 1);
+  restore_ = new QPushButton("Rétablir la fiche");
+  restore_->setObjectName("restore");
+  restore_->setToolTip("Remet la fiche qui vient d'être supprimée (Ctrl+Z)");
+  restore_->setFocusPolicy(Qt::NoFocus);
+  restore_->hide();
+  statusBar()->addWidget(told_);
+  statusBar()->addWidget(restore_);
+  statusBar()->addWidget(new QWidget, 1);
   statusBar()->addPermanentWidget(work_);
   statusBar()->addPermanentWidget(where_);
   statusBar()->addPermanentWidget(mode_);
@@ -276,8 +286,13 @@ void MainWindow::follow_card() {
   connect(component, &Component::card_opened, this, [this] { tell({}); });
   connect(component, &Component::card_saved, this,
           [this](const QString&, const QString& title) { tell("Fiche " + title + " enregistrée"); });
-  connect(component, &Component::card_deleted, this,
-          [this](const QString&, const QString& title) { tell("Fiche " + title + " supprimée"); });
+  connect(workplace_->steps, &CardSteps::told, this, &MainWindow::tell);
+  connect(workplace_->steps, &CardSteps::deleted, this, [this](const QString& sentence) {
+    tell(sentence);
+    restore_->show();
+  });
+  connect(restore_, &QAbstractButton::clicked, workplace_->steps, &CardSteps::take_back_deletion);
+  connect(workplace_->aids, &CardAids::told, this, &MainWindow::tell);
   connect(component, &Component::card_copied, this,
           [this](const QString&, const QString& title, const QString& copy) {
             tell("Fiche " + title + " copiée sur le code " + copy.left(kEmployeeCode));
@@ -293,7 +308,10 @@ void MainWindow::follow_card() {
           });
 }
 
-void MainWindow::tell(const QString& sentence) { told_->setText(sentence); }
+void MainWindow::tell(const QString& sentence) {
+  told_->setText(sentence);
+  restore_->hide();
+}
 
 void MainWindow::wipe_what_no_longer_holds() {
   if (told_->text() == kFinishFirst && !(is_started() && is_busy(component()))) tell({});

@@ -9,6 +9,7 @@
 #include "velanor/controle_velanor_widget.h"
 
 class QLabel;
+class QPushButton;
 class QStackedWidget;
 
 namespace velanor::app {
@@ -117,6 +118,7 @@ class MainWindow : public QMainWindow {
   QStringList recent_;
   Layout layout_;
   QLabel *told_, *where_, *mode_;
+  QPushButton* restore_;  // the card that was deleted last, as long as that is told
   WorkBar* work_;
   QString source_, folder_;
   bool has_backups_ = false;

@@ -9,7 +9,9 @@
 
 #include "app/velanor/appearance.h"
 #include "app/velanor/card_actions.h"
+#include "app/velanor/card_aids.h"
 #include "app/velanor/card_history.h"
+#include "app/velanor/card_steps.h"
 #include "app/velanor/checks_dock.h"
 #include "app/velanor/employees_dock.h"
 #include "app/velanor/main_window.h"
@@ -81,6 +83,8 @@ void Menus::make_file() {
 
 void Menus::make_edit() {
   QMenu& edit = *add_menu("Éd&ition");
+  place_->steps->add_to(edit);
+  edit.addSeparator();
   QAction* copy = add(edit, "&Copier le tableau", {}, this, [this] {
     // When the menu has given the keyboard back.
     QTimer::singleShot(0, this, &Menus::copy_table);
@@ -102,6 +106,8 @@ void Menus::copy_table() {
 void Menus::make_card() {
   QMenu& card = *add_menu("Fiche");
   (new CardActions(*place_->component, this))->add_to(card);
+  card.addSeparator();
+  place_->aids->add_to(card);
   card.addSeparator();
   place_->employees->add_steps_to(card);
   card.addSeparator();

@@ -2,7 +2,9 @@
 
 #include <QMainWindow>
 
+#include "app/velanor/card_aids.h"
 #include "app/velanor/card_history.h"
+#include "app/velanor/card_steps.h"
 #include "app/velanor/checks_dock.h"
 #include "app/velanor/employees_dock.h"
 #include "app/velanor/year_dock.h"
@@ -13,6 +15,8 @@ Workplace::Workplace(store::Database& given, QMainWindow& window)
     : database(given),
       component(new qt::ControleVelanorWidget(&window)),
       history(new CardHistory(*component, database, &window)),
+      steps(new CardSteps(*component, database, &window)),
+      aids(new CardAids(*component, database, &window)),
       employees(new EmployeesDock(*component, database, &window)),
       checks(new ChecksDock(*component, database, &window)),
       year(new YearDock(*component, database, &window)) {
@@ -33,6 +37,8 @@ Workplace::~Workplace() {
   delete year;
   delete checks;
   delete employees;
+  delete aids;
+  delete steps;
   delete history;
 }
 

@@ -9,7 +9,9 @@ class QMainWindow;
 
 namespace velanor::app {
 
+class CardAids;
 class CardHistory;
+class CardSteps;
 class ChecksDock;
 class EmployeesDock;
 class YearDock;
@@ -27,6 +29,8 @@ class Workplace : private control::UserRights {
   Connection connection;  // set by who opened the database
   qt::ControleVelanorWidget* const component;
   CardHistory* const history;
+  CardSteps* const steps;
+  CardAids* const aids;
   EmployeesDock* const employees;
   ChecksDock* const checks;
   YearDock* const year;

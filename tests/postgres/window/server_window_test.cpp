@@ -104,7 +104,7 @@ class ServerWindow : public testing::Test {
 
 TEST_F(ServerWindow, TheDialogKeepsWhatWasTypedTellsWhatFailedAndForgetsThePassword) {
   Program program;
-  ASSERT_TRUE(program.start(named(url())));
+  program.start(named(url()));
   MainWindow& first = *program.windows().front();
   EXPECT_NE(Clerk(first).title().find(base_ + " sur "), std::string::npos) << Clerk(first).title();
   ServerDialog& dialog = ask(first);
@@ -162,7 +162,7 @@ TEST_F(ServerWindow, TheProgramOpensTheUrlThatItIsGiven) {
 
 TEST_F(ServerWindow, OneThatIsOpenAlreadyComesToTheFront) {
   Program program;
-  ASSERT_TRUE(program.start(named(url())));
+  program.start(named(url()));
   emit program.windows().front()->open_asked(ServerAddress::of(url()).url());
   settle();
   EXPECT_EQ(program.windows().size(), 1u);
@@ -170,7 +170,7 @@ TEST_F(ServerWindow, OneThatIsOpenAlreadyComesToTheFront) {
 
 TEST_F(ServerWindow, WhatAnotherClerkSavesIsToldQuietlyUnderWhatIsBeingTyped) {
   Program program;
-  ASSERT_TRUE(program.start(named(url("clerk"))));
+  program.start(named(url("clerk")));
   MainWindow& window = *program.windows().front();
   Clerk clerk(window);
   clerk.open_card("00001");
@@ -210,7 +210,7 @@ TEST_F(ServerWindow, WhatAnotherClerkSavesIsToldQuietlyUnderWhatIsBeingTyped) {
 
 TEST_F(ServerWindow, NewsWaitForTheAnswerToAMessage) {
   Program program;
-  ASSERT_TRUE(program.start(named(url("clerk"))));
+  program.start(named(url("clerk")));
   Clerk clerk(*program.windows().front());
   clerk.open_card("00001");
   store::PostgresDatabase anne(server_.url(base_, "anne"));
