@@ -122,10 +122,16 @@ void Employees::read_labels() {
 }
 
 bool Employees::read(const Reach& reach) {
+  if (!begin(reach)) return false;
+  read_on(read_.DCount());
+  return true;
+}
+
+bool Employees::begin(const Reach& reach) {
   today_ = *entry::day_number(clock_());
   const auto found =
       select(reach.is_all() ? std::string() : " AVEC 0 = " + store::quoted_end(reach.entity + reach.year));
-  if (has_read_ && reach == reach_ && found.same_rows(read_)) return false;
+  if (has_read_ && reach == reach_ && found.same_rows(read_) && next_ > read_.DCount()) return false;
   read_labels();
   check_.reset();
   rows_.clear();
@@ -134,11 +140,20 @@ bool Employees::read(const Reach& reach) {
   reach_ = reach;
   read_ = found;
   has_read_ = true;
+  next_ = 1;
   rows_.reserve(static_cast<std::size_t>(found.DCount()));
-  for (int i = 1; i <= found.DCount(); ++i) {
-    if (card::is_record_id(found(i, 1))) rows_.push_back(row_of(found, i));
-  }
   return true;
+}
+
+bool Employees::read_on(int most) {
+  for (; most > 0 && next_ <= read_.DCount(); --most, ++next_) {
+    if (card::is_record_id(read_(next_, 1))) rows_.push_back(row_of(read_, next_));
+  }
+  return next_ <= read_.DCount();
+}
+
+double Employees::part_read() const {
+  return read_.DCount() == 0 ? 1 : static_cast<double>(next_ - 1) / read_.DCount();
 }
 
 // A row that is new stands at the end, and an old one too, to be examined again.
@@ -198,6 +213,10 @@ void Employees::put_date(Row& row, Column column, std::string_view stored) {
 bool Employees::examine(int most) {
   for (; most > 0 && examined_ < rows_.size(); --most) examine(rows_[examined_++]);
   return examined_ < rows_.size();
+}
+
+double Employees::part_examined() const {
+  return rows_.empty() ? 1 : static_cast<double>(examined_) / static_cast<double>(rows_.size());
 }
 
 void Employees::examine(Row& row) try {

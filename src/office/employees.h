@@ -109,10 +109,19 @@ class Employees {
 
   // False, and nothing done, where the store answers as it did the last time.
   bool read(const Reach& reach);
-  // Reads one card anew, that was written or deleted; false where it is none of these.
+  // The same in steps: `begin` asks the store, `read_on` makes of its answer at most so many rows and needs
+  // the store no more; false when none is left. Meanwhile there are the rows made so far.
+  bool begin(const Reach& reach);
+  bool read_on(int most);
+  // The part of the rows that are made, from 0 to 1.
+  double part_read() const;
+  // Reads one card anew, that was written or deleted; false where it is none of these. Not between `begin`
+  // and the end of `read_on`.
   bool renew(std::string_view id);
   // The next cards, at most so many; false when none is left. A damaged card is told as such.
   bool examine(int most);
+
+  double part_examined() const;
 
   const Reach& reach() const { return reach_; }
   int today() const { return today_; }
@@ -155,6 +164,7 @@ class Employees {
   Reach reach_;
   store::DbResult read_;
   bool has_read_ = false;
+  int next_ = 1;              // record of what was found that is no row yet
   std::size_t examined_ = 0;  // rows before it
   std::vector<Row> rows_;
   std::array<Texts, kColumns> texts_;

@@ -1,8 +1,19 @@
 // One window of the program: what it tells of the card, and how it closes.
 #include <QApplication>
+#include <QComboBox>
+#include <QFile>
 #include <QMenuBar>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTabBar>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <set>
 
 #include "app/clerk.h"
+#include "app/velanor/consult_dialog.h"
+#include "app/velanor/import_dialog.h"
+#include "app/velanor/table_export_dialog.h"
 #include "app/velanorctl/open_store.h"
 #include "demo/demo.h"
 #include "velanor/memory_database.h"
@@ -161,6 +172,181 @@ TEST_F(OneWindow, ClosesWithTheFormOfTheItemsOpen) {
   EXPECT_EQ(clerk.said, std::vector{kLossQuestion});
   EXPECT_FALSE(window->isVisible());
   delete window;
+}
+
+// ---- The menus.
+
+class Menu : public OneWindow {
+ protected:
+  QAction& entry(const QString& text) {
+    for (QAction* action : window_.findChildren<QAction*>()) {
+      if (action->text().remove('&').startsWith(text)) return *action;
+    }
+    throw std::logic_error("there is no such entry");
+  }
+  std::string alive() {
+    std::string names;
+    for (const char* name :
+         {"Nouvelle fiche", "Enregistrer", "Abandonner", "Copier la fiche", "Supprimer la fiche"})
+      names += entry(name).isEnabled() ? std::string(name).substr(0, 1) : "-";
+    return names;
+  }
+};
+
+TEST_F(Menu, ACommandIsAliveExactlyWhenItsButtonCanBeClicked) {
+  EXPECT_EQ(alive(), "-----");
+  clerk_.type("Txt_Asso", "001");
+  EXPECT_EQ(alive(), "N----");
+  clerk_.type("Txt_Aidant", "00001");
+  EXPECT_EQ(alive(), "-EACS");
+  clerk_.click("Cmd_AjAct");
+  EXPECT_EQ(alive(), "-----") << "a line is being entered";
+  clerk_.click("Cmd_AnnulAct");
+  EXPECT_EQ(alive(), "-EACS");
+  clerk_.at_next_message([&](qt::MessageSheet& question) {
+    EXPECT_EQ(alive(), "-----") << "a message waits";
+    question.button(Answer::No)->click();
+  });
+  entry("Supprimer la fiche").trigger();
+  EXPECT_EQ(alive(), "-EACS");
+  static_cast<screen::ListBox&>(*window_.component().screen().base().find("Lst_DatEffet")).set_index(0);
+  clerk_.click("Cmd_Detail");
+  ASSERT_NE(window_.component().open_sheet(), nullptr);
+  settle();
+  EXPECT_EQ(alive(), "-----") << "a form stands above";
+}
+
+TEST_F(Menu, SavingLeavesTheFieldFirstAndAbandoningAsks) {
+  clerk_.open_card("00001");
+  clerk_.type("Txt_DatNais", "99");
+  clerk_.answer_next(Answer::Ok);
+  entry("Enregistrer").trigger();
+  ASSERT_EQ(clerk_.said.size(), 1U) << "the date that was begun is refused";
+  EXPECT_EQ(window_.component().state(), control::State::kEditing);
+  clerk_.put("Txt_DatNais", "16101975");
+  clerk_.put("Txt_HorMensEtab", "99");
+  clerk_.answer_next(Answer::No);
+  entry("Abandonner").trigger();
+  EXPECT_EQ(window_.component().state(), control::State::kEditing);
+  entry("Enregistrer").trigger();
+  EXPECT_EQ(clerk_.status(), "Fiche 00001 HUET FABIENNE enregistrée");
+}
+
+TEST_F(Menu, TheYearIsChangedOnlyWhileNoCardIsOpen) {
+  const auto year = [&] { return clerk_.widget<QComboBox>("Cbo_Periode").currentText().toStdString(); };
+  clerk_.type("Txt_Asso", "001");
+  settle();
+  EXPECT_FALSE(entry("Année suivante").isEnabled());
+  entry("Année précédente").trigger();
+  EXPECT_EQ(year(), "2025");
+  settle();
+  EXPECT_TRUE(entry("Année suivante").isEnabled());
+  clerk_.type("Txt_Aidant", "00001");
+  settle();
+  EXPECT_FALSE(entry("Année suivante").isEnabled());
+  EXPECT_FALSE(entry("Année précédente").isEnabled());
+}
+
+// The letters that the component answers are pressed all day.
+TEST_F(Menu, NoKeysAreUsedTwiceAndNoLetterIsTheComponents) {
+  std::set<QString> seen, letters;
+  for (const QAction* action : window_.findChildren<QAction*>()) {
+    const QString keys = action->shortcut().toString();
+    EXPECT_TRUE(keys.isEmpty() || seen.insert(keys).second) << keys.toStdString();
+  }
+  const auto letter = [](const QString& text) { return QKeySequence::mnemonic(text).toString(); };
+  for (const auto* label : window_.component().findChildren<QLabel*>()) letters.insert(letter(label->text()));
+  for (const auto* button : window_.component().findChildren<QAbstractButton*>())
+    letters.insert(letter(button->text()));
+  for (const auto* bar : window_.component().findChildren<QTabBar*>()) {
+    for (int tab = 0; tab < bar->count(); ++tab) letters.insert(letter(bar->tabText(tab)));
+  }
+  letters.erase(QString());
+  ASSERT_GT(letters.size(), 10U);
+  for (const QAction* menu : window_.menuBar()->actions()) {
+    const QString own = letter(menu->text());
+    EXPECT_TRUE(own.isEmpty() || letters.insert(own).second) << menu->text().toStdString();
+  }
+}
+
+TEST_F(Menu, WhatWasToldOfAWaitingMessageIsWipedWithIt) {
+  clerk_.open_card("00001");
+  clerk_.at_next_message([&](qt::MessageSheet& question) {
+    entry("Consulter").trigger();
+    EXPECT_EQ(clerk_.status(), "Terminez d'abord ce qui est ouvert sur la fiche.");
+    question.button(Answer::No)->click();
+  });
+  clerk_.click("Cmd_Supp");
+  settle();
+  EXPECT_EQ(clerk_.status(), "");
+}
+
+// ---- Tables.
+
+TEST_F(Menu, ATableIsJudgedThenImportedInOneGoAndNotUnderAnOpenCard) {
+  const QTemporaryDir folder;
+  const QString path = folder.filePath("SECTEUR.csv");
+  const auto write = [&](const QByteArray& text) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(text);
+  };
+  clerk_.open_card("00001");
+  entry("Importer une table").trigger();
+  EXPECT_EQ(window_.findChild<ImportDialog*>(), nullptr);
+  clerk_.answer_next(Answer::Yes);
+  clerk_.click("Cmd_Annul");
+  entry("Importer une table").trigger();
+  auto* dialog = window_.findChild<ImportDialog*>();
+  ASSERT_NE(dialog, nullptr);
+  dialog->findChild<QLineEdit*>("import_path")->setText(path);
+  EXPECT_EQ(dialog->findChild<QComboBox*>("import_file")->currentData().toString(), "SECTEUR");
+  auto& go_on = *dialog->findChild<QPushButton*>("import_go_on");
+  const auto report = [&] {
+    return dialog->findChild<QPlainTextEdit*>("import_report")->toPlainText().toStdString();
+  };
+  write("id;1\n001;Centre\n001;Bourg\n");
+  go_on.click();
+  EXPECT_NE(report().find("SECTEUR.csv:3 : l'identifiant « 001 » est déjà"), std::string::npos) << report();
+  write("id;1\n001;Le bourg\n777;Littoral\n");
+  go_on.click();
+  EXPECT_NE(report().find("SECTEUR.csv : 1 enregistrement à créer, 1 à modifier, 0 inchangé"),
+            std::string::npos)
+      << report();
+  EXPECT_NE(report().find("crée 777"), std::string::npos) << report();
+  EXPECT_FALSE(database_.OpenFile("SECTEUR")->find("777")) << "a rehearsal writes nothing";
+  bool reopened = false;
+  QObject::connect(&window_, &MainWindow::reopen_asked, &window_, [&] { reopened = true; });
+  go_on.click();
+  EXPECT_EQ(database_.OpenFile("SECTEUR")->Read("777")(1), "Littoral");
+  EXPECT_TRUE(reopened);
+  dialog->close();
+}
+
+TEST_F(Menu, ATableIsConsultedAndFilteredAndExported) {
+  entry("Consulter une table").trigger();
+  auto* dialog = window_.findChild<ConsultDialog*>();
+  ASSERT_NE(dialog, nullptr);
+  auto& file = *dialog->findChild<QComboBox*>("table_file");
+  EXPECT_EQ(file.findData("VELANORO"), -1);
+  file.setCurrentIndex(file.findData("COMMUNES"));
+  dialog->findChild<QLineEdit*>("table_filter")->setText("orleans 45");
+  const auto* rows = dialog->findChild<QTableView*>("table_rows")->model();
+  ASSERT_GT(rows->rowCount(), 0);
+  ASSERT_LT(rows->rowCount(), 50);
+  dialog->close();
+  settle();
+  const QTemporaryDir folder;
+  TableExportDialog out({{}, database_}, database_, nullptr);
+  out.setAttribute(Qt::WA_DeleteOnClose, false);
+  auto& choice = *out.findChild<QComboBox*>("export_file");
+  choice.setCurrentIndex(choice.findData("SECTEUR"));
+  out.export_to(folder.filePath("s.csv"));
+  QFile table(folder.filePath("s.csv"));
+  ASSERT_TRUE(table.open(QIODevice::ReadOnly));
+  EXPECT_TRUE(QString::fromUtf8(table.readAll()).contains("002;Nord"));
+  constexpr auto kOthers = QFileDevice::ReadGroup | QFileDevice::ReadOther;
+  EXPECT_FALSE(table.permissions() & kOthers);
 }
 
 }  // namespace

@@ -63,6 +63,20 @@ class TableOfEmployees : public testing::Test {
   Employees employees_{*database_, [] { return kToday; }};
 };
 
+TEST_F(TableOfEmployees, ReadInStepsItIsTheSameAndOneGivenUpIsReadAnew) {
+  Employees steps(*database_, [] { return kToday; });
+  ASSERT_TRUE(steps.begin(kReach));
+  EXPECT_TRUE(steps.read_on(1));
+  EXPECT_EQ(steps.count(), 1);
+  ASSERT_TRUE(steps.begin(kReach)) << "it was not read to its end";
+  int rounds = 1;
+  while (steps.read_on(1)) ++rounds;
+  EXPECT_EQ(rounds, 4);
+  ASSERT_EQ(steps.count(), employees_.count());
+  for (int row = 0; row < steps.count(); ++row) EXPECT_EQ(steps.id(row), employees_.id(row));
+  EXPECT_FALSE(steps.begin(kReach)) << "nothing has changed";
+}
+
 TEST_F(TableOfEmployees, ShowsCodesByTheirLabelsAndLettersAsWords) {
   ASSERT_EQ(employees_.count(), 4);
   const auto label = [&](const char* file, int attribute) {

@@ -5,6 +5,7 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
+#include <QDir>
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -18,14 +19,14 @@
 #include <QTableView>
 #include <QVBoxLayout>
 #include <algorithm>
-#include <fstream>
+#include <climits>
+#include <utility>
 
 #include "app/velanor/busy.h"
-#include "app/velanorctl/export_target.h"
+#include "app/velanor/file_dialogs.h"
+#include "app/velanorctl/employees_sheet.h"
 #include "exchange/columns.h"
-#include "exchange/csv.h"
 #include "qt/strings.h"
-#include "store/sqlite/unfinished_file.h"
 #include "text/failure.h"
 #include "text/utf8.h"
 
@@ -39,8 +40,11 @@ constexpr int kLeastWidth = 300, kNarrowest = 200;
 constexpr int kEmployee = 5, kEntity = 3;  // characters of the id of a card, before those of the year
 constexpr int kLater = 200;                // milliseconds until what the component is at may be over
 constexpr int kAtOnce = 8;                 // milliseconds of looking at cards between two keys
+constexpr int kFirst = 100, kSlice = 15;   // milliseconds of reading, at first and between two keys
 constexpr Column kFirstShown[] = {Column::kCode, Column::kName,  Column::kContract,
                                   Column::kEnd,  Column::kHours, Column::kState};
+
+const QString kWorkbooks = QStringLiteral("Classeurs (*.xlsx)");
 
 // Of which there are no cards: nothing is chosen on the screen.
 const office::Employees::Reach kNobody{"-", "-"};
@@ -109,8 +113,10 @@ EmployeesDock::EmployeesDock(qt::ControleVelanorWidget& component, store::Databa
   make_columns();
   look_.setSingleShot(true);
   examine_.setSingleShot(true);
+  read_on_.setSingleShot(true);
   connect(&look_, &QTimer::timeout, this, [this] { look(Look::kIfElsewhere); });
   connect(&examine_, &QTimer::timeout, this, &EmployeesDock::examine);
+  connect(&read_on_, &QTimer::timeout, this, [this] { read_further(kSlice); });
   hide();
 }
 
@@ -306,30 +312,66 @@ void EmployeesDock::read(Look look) try {
   const auto wanted = reach();
   const bool same = read_once_ && wanted == employees_->reach();
   if (same && look == Look::kIfElsewhere) return;
+  if (!reading_) reading_ = place_now();
+  examine_.stop();
+  // Where it fails half way nothing is shown of what was read.
+  model_->show(nullptr);
   const bool long_work = wanted.is_all();
   if (long_work) QGuiApplication::setOverrideCursor(Qt::WaitCursor);
   const auto restore = qScopeGuard([long_work] {
     if (long_work) QGuiApplication::restoreOverrideCursor();
   });
-  keeping_place([&] {
-    // Where it fails half way nothing is shown of what was read.
-    model_->show(nullptr);
-    const auto shown = qScopeGuard([this] { model_->show(employees_.get()); });
-    employees_->read(wanted);
-    read_once_ = true;
-  });
-  examine_.start(0);
+  employees_->begin(wanted);
+  read_once_ = true;
+  emit counted();
+  read_further(kFirst);
 } catch (const std::exception& error) {
+  end_reading();
   emit told(to_qt(text::failure_sentence(error)));
+}
+
+// Needs the store no more, so it goes on whatever the component is at.
+void EmployeesDock::read_further(int milliseconds) {
+  QElapsedTimer since;
+  since.start();
+  constexpr int kRows = 64;
+  bool more = employees_->read_on(kRows);
+  while (more && since.elapsed() < milliseconds) more = employees_->read_on(kRows);
+  if (!more) return end_reading();
+  const double part = employees_->part_read();
+  count_->setText(QString("Lecture : %1 %").arg(static_cast<int>(part * 100)));
+  if (work_bar_) work_bar_->show_part(*this, "Lecture des fiches", part, [this] { end_reading(); });
+  read_on_.start(0);
+}
+
+// Also where not all was read: the rows that there are can be worked with.
+void EmployeesDock::end_reading() {
+  read_on_.stop();
+  if (work_bar_) work_bar_->done(*this);
+  model_->show(employees_.get());
+  if (const auto place = std::exchange(reading_, std::nullopt)) put_back(*place);
+  examine_.start(0);
+  emit counted();
+  if (std::exchange(opens_when_read_, false)) open_row(std::max(table_->currentIndex().row(), 0));
+}
+
+// What is asked for needs all rows now.
+void EmployeesDock::complete_reading() {
+  if (!reading_) return;
+  while (employees_->read_on(INT_MAX)) {
+  }
+  end_reading();
 }
 
 void EmployeesDock::renew_card(const QString& id) try {
   if (!employees_ || !read_once_) return;
+  complete_reading();
   bool renewed = false;
   keeping_place([&] {
     renewed = employees_->renew(from_qt(id));
     model_->renew();
   });
+  emit counted();
   if (renewed) examine_.start(0);
 } catch (const std::exception& error) {
   emit told(to_qt(text::failure_sentence(error)));
@@ -337,7 +379,7 @@ void EmployeesDock::renew_card(const QString& id) try {
 
 // Between two keys, so that nobody waits for it.
 void EmployeesDock::examine() try {
-  if (!employees_) return;
+  if (!employees_ || reading_) return;
   if (is_busy()) return examine_.start(kLater);
   QElapsedTimer since;
   since.start();
@@ -345,8 +387,15 @@ void EmployeesDock::examine() try {
   while (more && since.elapsed() < kAtOnce) more = employees_->examine(1);
   if (more) {
     model_->cells_changed();
+    if (work_bar_) {
+      work_bar_->show_part(*this, "Heures et fautes des fiches", employees_->part_examined(), [this] {
+        examine_.stop();
+        work_bar_->done(*this);
+      });
+    }
     examine_.start(0);
   } else {
+    if (work_bar_) work_bar_->done(*this);
     keeping_place([this] { model_->renew(); });
   }
   update_count();
@@ -354,23 +403,32 @@ void EmployeesDock::examine() try {
   emit told(to_qt(text::failure_sentence(error)));
 }
 
-void EmployeesDock::keeping_place(const std::function<void()>& change) {
-  QSet<QString> chosen;
+EmployeesDock::Place EmployeesDock::place_now() const {
+  Place place;
   for (const QModelIndex& row : table_->selectionModel()->selectedRows())
-    chosen.insert(model_->id(row.row()));
-  const QString current = model_->id(table_->currentIndex().row());
-  const int scrolled = table_->verticalScrollBar()->value();
-  change();
+    place.chosen.insert(model_->id(row.row()));
+  place.current = model_->id(table_->currentIndex().row());
+  place.scrolled = table_->verticalScrollBar()->value();
+  return place;
+}
+
+void EmployeesDock::put_back(Place place) {
   QItemSelection again;
-  for (int row = 0; !chosen.isEmpty() && row < model_->rowCount(); ++row) {
-    if (chosen.remove(model_->id(row))) again.select(model_->index(row, 0), model_->index(row, 0));
+  for (int row = 0; !place.chosen.isEmpty() && row < model_->rowCount(); ++row) {
+    if (place.chosen.remove(model_->id(row))) again.select(model_->index(row, 0), model_->index(row, 0));
   }
   using Selection = QItemSelectionModel;
-  if (const int row = model_->row_of(current); row >= 0)
+  if (const int row = model_->row_of(place.current); row >= 0)
     table_->selectionModel()->setCurrentIndex(model_->index(row, number(Column::kName)), Selection::NoUpdate);
   table_->selectionModel()->select(again, Selection::ClearAndSelect | Selection::Rows);
-  table_->verticalScrollBar()->setValue(scrolled);
+  table_->verticalScrollBar()->setValue(place.scrolled);
   update_count();
+}
+
+void EmployeesDock::keeping_place(const std::function<void()>& change) {
+  const Place place = place_now();
+  change();
+  put_back(place);
 }
 
 int EmployeesDock::cards_of(const ShownYear& at) const {
@@ -380,7 +438,7 @@ int EmployeesDock::cards_of(const ShownYear& at) const {
 }
 
 void EmployeesDock::update_count() {
-  emit counted();
+  if (reading_) return;
   if (!employees_ || !read_once_) return count_->clear();
   if (employees_->reach() == kNobody)
     return count_->setText("Choisissez une entité et une année budgétaire.");
@@ -413,7 +471,12 @@ bool EmployeesDock::key_in_filter(const QKeyEvent& key) {
     choose(std::clamp(table_->currentIndex().row() + by, 0, model_->rowCount() - 1));
   };
   constexpr int kPage = 10;
-  if (is_enter(key)) return open_row(std::max(table_->currentIndex().row(), 0)), true;
+  if (is_enter(key)) {
+    // While the table is being read it is meant for what will stand there.
+    if (reading_) return opens_when_read_ = true;
+    return open_row(std::max(table_->currentIndex().row(), 0)), true;
+  }
+  opens_when_read_ = false;
   if (key.key() == Qt::Key_Escape) {
     filter_->text().isEmpty() ? go_back() : filter_->clear();
     return true;
@@ -506,6 +569,7 @@ void EmployeesDock::open_row(int row) try {
 void EmployeesDock::step(Step step) {
   if (!is_free() || !employees_) return;
   read(Look::kIfElsewhere);
+  complete_reading();
   const bool next = step == Step::kNext;
   if (model_->rowCount() == 0) return emit told("Le tableau des employés ne montre aucune fiche.");
   const int here = model_->row_of(last_id_);
@@ -555,48 +619,40 @@ void EmployeesDock::copy() const {
 void EmployeesDock::ask_export() {
   if (!is_free() || !employees_) return;
   read(Look::kIfElsewhere);
-  auto* dialog = new QFileDialog(window(), "Exporter le tableau des employés", "employes.csv",
-                                 "Tableaux (*.csv);;Tous les fichiers (*)");
-  dialog->setAttribute(Qt::WA_DeleteOnClose);
-  dialog->setAcceptMode(QFileDialog::AcceptSave);
-  dialog->setDefaultSuffix("csv");
-  connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& path) {
-    try {
-      export_to(path);
-      emit told(QString("%1 lignes écrites dans « %2 »").arg(model_->rowCount()).arg(path));
-    } catch (const std::exception& error) {
-      emit told(to_qt(text::failure_sentence(error)));
-    }
-  });
+  auto* dialog =
+      save_dialog(*window(), "Exporter le tableau des employés", QDir::home().filePath("employes.xlsx"),
+                  kWorkbooks + ";;Tableaux (*.csv)", "xlsx");
+  connect(dialog, &QFileDialog::filterSelected, dialog,
+          [dialog](const QString& kind) { dialog->setDefaultSuffix(kind == kWorkbooks ? "xlsx" : "csv"); });
+  connect(dialog, &QFileDialog::fileSelected, this, &EmployeesDock::export_to);
   dialog->open();
 }
 
-void EmployeesDock::export_to(const QString& path) const {
-  refuse_export_target(from_qt(path));
-  store::sqlite::UnfinishedFile file(from_qt(path));
-  {
-    std::ofstream out(file.path(), std::ios::binary);
-    const auto columns = shown_columns();
-    std::vector<std::string> cells;
-    for (const int column : columns)
-      cells.emplace_back(office::kTitles[static_cast<std::size_t>(column)].title);
-    out << exchange::kByteOrderMark;
-    exchange::write_row(out, cells, ';');
-    for (int row = 0; row < model_->rowCount(); ++row) {
-      cells.clear();
-      for (const int column : columns) cells.push_back(model_->cell(row, column));
-      exchange::write_row(out, cells, ';');
-    }
-    out.flush();
-    if (!out) {
-      throw store::DbError(
-          store::kStoreFailure,
-          "Le tableau « " + from_qt(path) +
-              " » n'a pas pu être écrit. Vérifiez la place sur le disque et votre droit d'écrire "
-              "dans ce dossier.");
-    }
-  }
-  file.complete();
+// The table as it stands now is written beside the window; what is done to it meanwhile is not in it.
+void EmployeesDock::export_to(const QString& path) {
+  if (export_) return emit told("Une exportation est en cours : attendez-la, ou annulez-la.");
+  complete_reading();
+  std::vector<Column> columns;
+  for (const int column : shown_columns()) columns.push_back(Column(column));
+  auto sheet = std::make_shared<EmployeesSheet>(sheet_of(*employees_, model_->rows(), columns));
+  const auto rows = sheet->rows.size();
+  export_ = std::make_unique<Task>([sheet, file = from_qt(path)](Task::Report& report) {
+    write_sheet(file, *sheet, [&](double part) { report.part(part); });
+  });
+  Task* task = export_.get();
+  const auto end = [this, task](const QString& sentence) {
+    if (work_bar_) work_bar_->done(*task);
+    export_.reset();
+    emit told(sentence);
+  };
+  connect(task, &Task::progressed, this, [this, task](double part) {
+    if (work_bar_) work_bar_->show_part(*task, "Exportation", part, [task] { task->cancel(); });
+  });
+  connect(task, &Task::done, this,
+          [end, rows, path] { end(QString("%1 lignes écrites dans « %2 »").arg(rows).arg(path)); });
+  connect(task, &Task::cancelled, this, [end] { end("Exportation arrêtée : rien n'a été écrit."); });
+  connect(task, &Task::failed, this, end);
+  task->start();
 }
 
 }  // namespace velanor::app

@@ -5,12 +5,15 @@
 #include <QDockWidget>
 #include <QElapsedTimer>
 #include <QPointer>
+#include <QSet>
 #include <QTimer>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "app/velanor/employees_model.h"
 #include "app/velanor/shown_year.h"
+#include "app/velanor/task.h"
 #include "app/velanor/work_bar.h"
 #include "velanor/controle_velanor_widget.h"
 
@@ -52,8 +55,8 @@ class EmployeesDock : public QDockWidget {
   void set_work_bar(WorkBar& bar) { work_bar_ = &bar; }
   // The cards of an entity and year, as it has read them; -1 where it has not.
   int cards_of(const ShownYear& at) const;
-  // Writes what is shown as a table. Throws store::DbError.
-  void export_to(const QString& path) const;
+  // Writes what is shown as a table, a workbook or CSV by its name, beside the window; tells what came of it.
+  void export_to(const QString& path);
 
  signals:
   // What happened, or what stands in the way, in a sentence.
@@ -85,7 +88,17 @@ class EmployeesDock : public QDockWidget {
   void renew_card(const QString& id);
   void hear_others();
   void examine();
+  void read_further(int milliseconds);
+  void end_reading();
+  void complete_reading();
   // Selection and scroll stay where they are, by the cards they stand on.
+  struct Place {
+    QSet<QString> chosen;
+    QString current;
+    int scrolled = 0;
+  };
+  Place place_now() const;
+  void put_back(Place place);
   void keeping_place(const std::function<void()>& change);
   void update_count();
   void show_reach();
@@ -109,7 +122,10 @@ class EmployeesDock : public QDockWidget {
   QLabel* count_;
   QCheckBox* all_;
   QMenu* columns_;
-  QTimer look_, examine_;
+  QTimer look_, read_on_, examine_;
+  std::optional<Place> reading_;  // while it goes on: where to go back to
+  bool opens_when_read_ = false;  // Enter was pressed meanwhile
+  std::unique_ptr<Task> export_;  // while it goes on
   WorkBar* work_bar_ = nullptr;
   std::unique_ptr<store::News> news_;
   QSocketNotifier* others_ = nullptr;

@@ -32,6 +32,8 @@ class EmployeesModel : public QAbstractTableModel {
   int row_of(const QString& id) const;
   int total() const { return employees_ ? employees_->count() : 0; }
   std::string cell(int row, int column) const;
+  // Of the employees, as they are shown.
+  const std::vector<int>& rows() const { return shown_; }
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;

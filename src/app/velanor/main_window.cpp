@@ -239,7 +239,10 @@ void MainWindow::update_count() {
   QStringList parts{source_};
   if (const ShownYear at = shown_year(component()); at.is_chosen()) {
     parts << "Entité " + qt::to_qt(at.entity) + ", " + qt::to_qt(at.year);
-    const int cards = workplace_->employees->cards_of(at);
+    // A dock that is hidden reads nothing; the list of the component knows them too.
+    int cards = workplace_->employees->cards_of(at);
+    const auto* list = component().findChild<QComboBox*>("Cbo_Aidant");
+    if (cards < 0 && list) cards = list->count();
     if (cards >= 0) parts << QString::number(cards) + (cards > 1 ? " fiches" : " fiche");
   }
   where_->setText(parts.join(" · "));

@@ -35,7 +35,8 @@ QAction* add(QMenu& menu, const QString& text, const QKeySequence& keys, Receive
 
 }  // namespace
 
-Menus::Menus(MainWindow& window, Workplace* place, Appearance* appearance) : window_(window), place_(place) {
+Menus::Menus(MainWindow& window, Workplace* place, Appearance* appearance)
+    : QObject(&window), window_(window), place_(place) {
   make_file();
   if (place_) {
     make_edit();

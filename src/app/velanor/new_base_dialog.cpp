@@ -48,7 +48,7 @@ NewBaseDialog::NewBaseDialog(const QString& folder, QWidget* parent)
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowModality(Qt::WindowModal);
   auto* column = new QVBoxLayout(this);
-  column->addLayout(make_place(folder));
+  column->addLayout(make_place(QFileInfo(folder).isDir() ? folder : QDir::homePath()));
   column->addLayout(make_contents());
   report_->setReadOnly(true);
   report_->setObjectName("new_base_report");
@@ -67,7 +67,7 @@ NewBaseDialog::NewBaseDialog(const QString& folder, QWidget* parent)
   connect(work_, &TaskRunner::ended, this, &NewBaseDialog::tell);
   column->addLayout(make_buttons());
   update();
-  resize(kWidth, sizeHint().height());
+  resize(kWidth, 1);
   path_->setFocus();
   path_->selectAll();
 }

@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QCommandLinkButton>
-#include <QDir>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -25,11 +24,8 @@ QString name_of(const QString& base) {
   return is_server(base) ? ServerAddress::of(base).name() : QFileInfo(base).fileName();
 }
 
-// From the user's own folder on, where it stands there.
 QString place_of(const QString& base) {
-  if (is_server(base)) return "Sur un serveur";
-  const QString folder = QFileInfo(base).absolutePath(), home = QDir::homePath();
-  return folder == home || folder.startsWith(home + "/") ? "~" + folder.mid(home.size()) : folder;
+  return is_server(base) ? "Sur un serveur" : QFileInfo(base).absolutePath();
 }
 
 bool is_missing(const QString& base) { return !is_server(base) && !QFileInfo::exists(base); }

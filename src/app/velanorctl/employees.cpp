@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "app/velanorctl/commands.h"
+#include "app/velanorctl/employees_sheet.h"
 #include "app/velanorctl/open_store.h"
 #include "app/velanorctl/progress.h"
 #include "app/velanorctl/table.h"
@@ -17,7 +18,7 @@ using office::Employees;
 
 struct Options {
   StoreOptions store;
-  std::string entity, year, sort;
+  std::string entity, year, sort, workbook;
   std::vector<std::string> words;
 };
 
@@ -68,7 +69,17 @@ int employees(const Options& options) {
   Employees employees(*database);
   database->in_one_view([&] { read(employees, {options.entity, options.year}); });
   const office::Filter filter(CLI::detail::join(options.words, " "), employees.today());
-  print(employees, filter.filtered(employees, employees.sorted(sorting)));
+  const auto rows = filter.filtered(employees, employees.sorted(sorting));
+  if (options.workbook.empty()) return print(employees, rows), 0;
+  if (!is_workbook(options.workbook)) {
+    throw store::DbError(store::kStoreFailure,
+                         "Le nom du classeur « " + options.workbook + " » doit finir par « .xlsx ».");
+  }
+  Progress progress("Écriture du classeur");
+  write_sheet(options.workbook, sheet_of(employees, rows, columns_of(employees)),
+              [&](double part) { progress.part(part); });
+  std::cout << "Classeur « " << options.workbook << " » : " << rows.size()
+            << (rows.size() > 1 ? " lignes.\n" : " ligne.\n");
   return 0;
 }
 
@@ -87,6 +98,10 @@ void add_employees(CLI::App& program, int& status) {
       ->add_option("--tri", options->sort,
                    "La colonne qui range les lignes, « -COLONNE » à l'envers ; sinon Nom")
       ->type_name("COLONNE");
+  command
+      ->add_option("--xlsx", options->workbook,
+                   "Écrit le tableau dans ce classeur de tableur, au lieu de l'afficher")
+      ->type_name("FICHIER");
   command
       ->add_option(
           "FILTRE", options->words,

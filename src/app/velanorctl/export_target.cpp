@@ -22,11 +22,16 @@ void refuse_export_target(const std::string& path) {
   if (store::SqliteDatabase::is_at(path)) throw refused("c'est une base de fiches. Donnez un autre nom.");
 }
 
-void write_export(const std::string& path, const std::function<void(std::ostream&)>& write) {
+void write_export_file(const std::string& path, const std::function<void(const std::string&)>& write) {
   refuse_export_target(path);
   store::sqlite::UnfinishedFile file(path);
-  {
-    std::ofstream out(file.path(), std::ios::binary);
+  write(file.path());
+  file.complete();
+}
+
+void write_export(const std::string& path, const std::function<void(std::ostream&)>& write) {
+  write_export_file(path, [&](const std::string& file) {
+    std::ofstream out(file, std::ios::binary);
     write(out);
     out.flush();
     if (!out) {
@@ -36,8 +41,7 @@ void write_export(const std::string& path, const std::function<void(std::ostream
               " » n'a pas pu être écrit. Vérifiez la place sur le disque et votre droit d'écrire "
               "dans ce dossier.");
     }
-  }
-  file.complete();
+  });
 }
 
 }  // namespace velanor::app

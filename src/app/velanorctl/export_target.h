@@ -13,5 +13,7 @@ void refuse_export_target(const std::string& path);
 
 // Writes a table there (mode 0600): all of it, or nothing. Throws store::DbError, and what `write` throws.
 void write_export(const std::string& path, const std::function<void(std::ostream&)>& write);
+// The same for who writes by a path: of a file that is there, and empty.
+void write_export_file(const std::string& path, const std::function<void(const std::string& file)>& write);
 
 }  // namespace velanor::app
