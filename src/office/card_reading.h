@@ -30,7 +30,15 @@ class CardReading {
  private:
   card::Labels labels() {
     procedure_.OuvrirFichiers();
+    // A component that has started has read these already.
+    control::Variable& shared = procedure_.variable();
+    if (shared.naturecontrat.empty()) shared.naturecontrat = table("NATURECONTRAT");
+    if (shared.diplomes.empty()) shared.diplomes = table("DIPLOMES");
     return card::Labels(procedure_);
+  }
+
+  store::DbRecord table(std::string_view name) const {
+    return file(control::File::kTables).find(name).value_or(store::DbRecord());
   }
 
   std::unique_ptr<entry::UtilSaisie> entry_;

@@ -302,6 +302,8 @@ office::Employees::Reach EmployeesDock::reach() const {
   return is_chosen ? chosen : kNobody;
 }
 
+bool EmployeesDock::reach_is_chosen() const { return reach() != kNobody; }
+
 void EmployeesDock::look(Look look) {
   if (!employees_ || !isVisible()) return;
   if (is_busy()) return look_.start(kLater);
@@ -390,6 +392,7 @@ void EmployeesDock::examine() try {
     if (work_bar_) {
       work_bar_->show_part(*this, "Heures et fautes des fiches", employees_->part_examined(), [this] {
         examine_.stop();
+        when_examined_ = nullptr;
         work_bar_->done(*this);
       });
     }
@@ -399,8 +402,17 @@ void EmployeesDock::examine() try {
     keeping_place([this] { model_->renew(); });
   }
   update_count();
+  if (const auto then = more ? nullptr : std::exchange(when_examined_, nullptr)) then();
 } catch (const std::exception& error) {
+  when_examined_ = nullptr;
   emit told(to_qt(text::failure_sentence(error)));
+}
+
+void EmployeesDock::when_examined(std::function<void()> then) {
+  read(Look::kIfElsewhere);
+  if (!reading_ && !examine_.isActive()) return then();
+  when_examined_ = std::move(then);
+  emit told("Les fiches du tableau sont encore vérifiées…");
 }
 
 EmployeesDock::Place EmployeesDock::place_now() const {
@@ -598,6 +610,28 @@ std::vector<int> EmployeesDock::shown_columns() const {
     if (!header->isSectionHidden(column)) columns.push_back(column);
   }
   return columns;
+}
+
+EmployeesDock::Shown EmployeesDock::shown() const {
+  using office::SheetTable;
+  Shown all;
+  if (!employees_) return all;
+  const auto columns = shown_columns();
+  for (const int column : columns)
+    all.table.columns.push_back({std::string(office::kTitles[static_cast<std::size_t>(column)].title),
+                                 EmployeesModel::holds_figures(Column(column)) ? SheetTable::Holds::kFigures
+                                                                               : SheetTable::Holds::kText});
+  for (int row = 0; row < model_->rowCount(); ++row) {
+    all.table.rows.emplace_back();
+    for (const int column : columns) all.table.rows.back().push_back(model_->cell(row, column));
+    all.ids.push_back(from_qt(model_->id(row)));
+    all.names.push_back(to_qt(model_->cell(row, number(Column::kName))));
+  }
+  all.entity = employees_->reach().entity;
+  all.year = employees_->reach().year;
+  all.filter = filter_->text();
+  all.count = count_->text();
+  return all;
 }
 
 void EmployeesDock::copy() const {

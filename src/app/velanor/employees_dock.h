@@ -15,6 +15,7 @@
 #include "app/velanor/shown_year.h"
 #include "app/velanor/task.h"
 #include "app/velanor/work_bar.h"
+#include "office/card_sheet.h"
 #include "velanor/controle_velanor_widget.h"
 
 class QAction;
@@ -55,6 +56,21 @@ class EmployeesDock : public QDockWidget {
   void set_work_bar(WorkBar& bar) { work_bar_ = &bar; }
   // The cards of an entity and year, as it has read them; -1 where it has not.
   int cards_of(const ShownYear& at) const;
+  // What is shown: rows and columns in their order, with the card and the name of each row, and what they
+  // are of; entity and year are "" for all of them.
+  struct Shown {
+    office::SheetTable table;
+    std::vector<std::string> ids;
+    std::vector<QString> names;
+    std::string entity, year;
+    QString filter, count;
+  };
+  Shown shown() const;
+  // Whether there is an entity and year, or all of them, to show.
+  bool has_reach() const { return employees_ && reach_is_chosen(); }
+  // Reads what is to be shown and calls back when all of its cells are filled in, once; the last who asks.
+  void when_examined(std::function<void()> then);
+
   // Writes what is shown as a table, a workbook or CSV by its name, beside the window; tells what came of it.
   void export_to(const QString& path);
 
@@ -81,6 +97,7 @@ class EmployeesDock : public QDockWidget {
   bool is_free();
 
   office::Employees::Reach reach() const;
+  bool reach_is_chosen() const;
   // Reads what is on the screen, if it is not read already; `anew`: others may have written.
   enum class Look { kIfElsewhere, kAnew };
   void look(Look look);
@@ -127,6 +144,7 @@ class EmployeesDock : public QDockWidget {
   bool opens_when_read_ = false;  // Enter was pressed meanwhile
   std::unique_ptr<Task> export_;  // while it goes on
   WorkBar* work_bar_ = nullptr;
+  std::function<void()> when_examined_;
   std::unique_ptr<store::News> news_;
   QSocketNotifier* others_ = nullptr;
   QPointer<QWidget> before_;  // had the focus before the filter

@@ -61,6 +61,10 @@ std::string EmployeesModel::cell(int row, int column) const {
   return employees_->at(shown_[static_cast<std::size_t>(row)], Column(column)).shown;
 }
 
+bool EmployeesModel::holds_figures(Column column) {
+  return office::kTitles[index_of(column)].decimals > 0 || column == Column::kAmendments;
+}
+
 int EmployeesModel::rowCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : static_cast<int>(shown_.size());
 }
@@ -72,9 +76,8 @@ int EmployeesModel::columnCount(const QModelIndex& parent) const {
 QVariant EmployeesModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) return {};
   if (role == Qt::DisplayRole || role == Qt::ToolTipRole) return to_qt(cell(index.row(), index.column()));
-  const bool number = office::kTitles[static_cast<std::size_t>(index.column())].decimals > 0 ||
-                      Column(index.column()) == Column::kAmendments;
-  if (role == Qt::TextAlignmentRole && number) return static_cast<int>(Qt::AlignRight | Qt::AlignVCenter);
+  if (role == Qt::TextAlignmentRole && holds_figures(Column(index.column())))
+    return static_cast<int>(Qt::AlignRight | Qt::AlignVCenter);
   return {};
 }
 

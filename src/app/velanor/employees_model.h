@@ -34,6 +34,8 @@ class EmployeesModel : public QAbstractTableModel {
   std::string cell(int row, int column) const;
   // Of the employees, as they are shown.
   const std::vector<int>& rows() const { return shown_; }
+  // Whether a column is one of figures, which stand under each other.
+  static bool holds_figures(office::Column column);
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;

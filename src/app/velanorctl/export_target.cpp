@@ -8,12 +8,13 @@
 
 namespace velanor::app {
 
-void refuse_export_target(const std::string& path) {
+void refuse_export_target(const std::string& path, std::string_view what) {
   namespace fs = std::filesystem;
   std::error_code none;
   const fs::file_status there = fs::symlink_status(path, none);
   const auto refused = [&](const char* why) {
-    return store::DbError(store::kStoreFailure, "Le tableau « " + path + " » n'a pas été écrit : " + why);
+    return store::DbError(store::kStoreFailure,
+                          std::string(what) + " « " + path + " » n'a pas été écrit : " + why);
   };
   if (fs::is_symlink(there)) throw refused("c'est un lien. Donnez le nom du fichier lui-même.");
   if (fs::exists(there) && !fs::is_regular_file(there))

@@ -1,0 +1,297 @@
+#include "app/velanor/printing.h"
+
+#include <QAction>
+#include <QDateTime>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMenu>
+#include <QPrintDialog>
+#include <QPrinterInfo>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QStandardPaths>
+#include <QTimer>
+
+#include "app/velanor/card_batch.h"
+#include "app/velanor/employees_dock.h"
+#include "app/velanor/paper/flow.h"
+#include "app/velanor/paper/pdf.h"
+#include "app/velanor/shown_year.h"
+#include "qt/strings.h"
+#include "text/failure.h"
+
+namespace velanor::app {
+namespace {
+
+using paper::Document;
+using qt::from_qt, qt::to_qt;
+using Component = qt::ControleVelanorWidget;
+
+constexpr int kSoon = 200;  // milliseconds; what is over by then shows no progress
+constexpr qsizetype kEmployee = 5;
+const QString kStop = QStringLiteral("&Arrêter le PDF des fiches"),
+              kCards = QStringLiteral("Fiches &affichées en PDF…");
+
+// As a file may be called.
+QString file_name(QString title) {
+  for (QChar& character : title) {
+    if (!character.isPrint() || QStringLiteral("/\\:*?\"<>|").contains(character)) character = u'-';
+  }
+  return title.trimmed() + ".pdf";
+}
+
+}  // namespace
+
+Printing::Printing(Component& component, store::Database& database, EmployeesDock& employees, QObject* parent)
+    : QObject(parent), component_(component), database_(database), employees_(employees) {
+  folder_ = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+  of_card_ = {add("&Imprimer la fiche…", "La fiche ouverte, telle qu'elle est saisie",
+                  [this] { put_card(Way::kPrint); }),
+              add("Ape&rçu de la fiche…", "Les pages de la fiche ouverte, avant de les imprimer",
+                  [this] { put_card(Way::kPreview); }),
+              add("Fiche en &PDF…", "La fiche ouverte dans un fichier", [this] { put_card(Way::kPdf); })};
+  of_card_[0]->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_P));
+  of_card_[1]->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P));
+  of_table_ = {
+      add("Imprimer le &tableau…", "Le tableau des employés, tel qu'il est filtré et trié",
+          [this] { put_table(Way::kPrint); }),
+      add("Aperç&u du tableau…", "Les pages du tableau des employés, avant de les imprimer",
+          [this] { put_table(Way::kPreview); }),
+      add("Tableau en P&DF…", "Le tableau des employés dans un fichier", [this] { put_table(Way::kPdf); })};
+  cards_ =
+      add(kCards, "Toutes les fiches que le tableau des employés montre, telles qu'elles sont enregistrées",
+          [this] { put_cards(); });
+  make_bar();
+  const auto later = [this] { QTimer::singleShot(0, this, &Printing::update); };
+  connect(&component_, &Component::acted, this, &Printing::update);
+  connect(&component_, &Component::state_changed, this, &Printing::update);
+  connect(&component_, &Component::message_opened, this, &Printing::update);
+  connect(&component_, &Component::message_closed, this, later);
+  update();
+}
+
+QAction* Printing::add(const QString& text, const QString& hint, const std::function<void()>& act) {
+  auto* action = new QAction(text, this);
+  action->setToolTip(hint);
+  connect(action, &QAction::triggered, this, [this, act] {
+    try {
+      act();
+    } catch (const std::exception& error) {
+      fail(error);
+    }
+  });
+  return action;
+}
+
+void Printing::add_to(QMenu& menu) {
+  menu.setToolTipsVisible(true);
+  menu.addActions(of_card_);
+  menu.addSeparator();
+  menu.addActions(of_table_);
+  menu.addSeparator();
+  menu.addAction(cards_);
+  connect(&menu, &QMenu::aboutToShow, this, &Printing::update);
+}
+
+void Printing::make_bar() {
+  bar_ = new QWidget;
+  auto* row = new QHBoxLayout(bar_);
+  row->setContentsMargins(0, 0, 0, 0);
+  progress_ = new QProgressBar;
+  progress_->setObjectName("printing_progress");
+  progress_->setAccessibleName("Fiches en PDF");
+  progress_->setFormat("Fiches en PDF : %p %");
+  constexpr int kWidth = 200;
+  progress_->setFixedWidth(kWidth);
+  auto* stop = new QPushButton("Arrêter");
+  stop->setFocusPolicy(Qt::TabFocus);
+  row->addWidget(progress_);
+  row->addWidget(stop);
+  connect(stop, &QPushButton::clicked, this, [this] { end_batch("Le PDF des fiches est abandonné."); });
+  bar_->hide();
+}
+
+void Printing::update() {
+  const bool waits = component_.open_message() != nullptr;
+  for (QAction* action : of_card_) action->setEnabled(!waits && component_.state() != control::State::kNone);
+  for (QAction* action : of_table_) action->setEnabled(!waits && employees_.has_reach());
+  cards_->setEnabled(batch_ || (!waits && employees_.has_reach()));
+  cards_->setText(batch_ ? kStop : kCards);
+}
+
+// A menu is alive also where the component waits for an answer.
+bool Printing::is_free() {
+  const bool busy = component_.open_message() || component_.open_sheet() || component_.screen().acting();
+  if (busy) emit told("Terminez d'abord ce qui est ouvert sur la fiche.");
+  return !busy;
+}
+
+void Printing::fail(const std::exception& error) { emit told(to_qt(text::failure_sentence(error))); }
+
+office::CardReading& Printing::reading() {
+  if (!reading_) reading_ = std::make_unique<office::CardReading>(database_);
+  return *reading_;
+}
+
+paper::Source Printing::source() const {
+  return {base_, QDateTime::currentDateTime().toString("dd/MM/yyyy 'à' HH:mm")};
+}
+
+// ---- What is put on paper.
+
+std::optional<office::CardSheet> Printing::card_now() {
+  if (!is_free() || component_.state() == control::State::kNone) return std::nullopt;
+  const ShownYear at = shown_year(component_);
+  auto sheet =
+      office::sheet_of(reading(), {from_qt(component_.card_id().left(kEmployee)), at.entity, at.year},
+                       component_.card_as_entered());
+  if (sheet.employee.empty()) sheet.employee = "nouvelle";
+  return sheet;
+}
+
+void Printing::put_card(Way way) {
+  const auto sheet = card_now();
+  if (!sheet) return;
+  const bool saved = !component_.modified() && component_.state() != control::State::kCreating;
+  const auto pages = [sheet, saved, from = source()](const QSizeF& size) {
+    auto all = paper::card_pages(*sheet, saved ? paper::Saved::kYes : paper::Saved::kNo, size);
+    paper::put_feet(all, size, from);
+    return all;
+  };
+  put(way, {to_qt("Fiche " + sheet->employee + " " + sheet->year), paper::kUpright, pages});
+}
+
+paper::EmployeeTable Printing::table_now() {
+  const EmployeesDock::Shown shown = employees_.shown();
+  return {shown.table,
+          shown.entity.empty() ? QString() : to_qt(office::entity_title(reading(), shown.entity)),
+          to_qt(shown.year), shown.filter, shown.count};
+}
+
+// When all of its cells are there.
+void Printing::put_table(Way way) {
+  if (!is_free()) return;
+  employees_.when_examined([this, way] {
+    const paper::EmployeeTable table = table_now();
+    if (table.table.rows.empty()) return emit told("Le tableau des employés ne montre aucune fiche.");
+    const auto pages = [table, from = source()](const QSizeF& size) {
+      auto all = paper::table_pages(table, size);
+      paper::put_feet(all, size, from);
+      return all;
+    };
+    put(way, {("Employés " + table.entity + " " + table.year).simplified(), paper::paper_for(table), pages});
+  });
+}
+
+void Printing::put(Way way, const Document& document) {
+  switch (way) {
+    case Way::kPrint:
+      return ask_printer(document);
+    case Way::kPreview:
+      return show_preview(document);
+    case Way::kPdf:
+      return ask_file(document.title, [this, document](const QString& path) { write(document, path); });
+  }
+}
+
+// The toolkit's own files are not written as the house writes them.
+void Printing::ask_printer(const Document& document) {
+  if (QPrinterInfo::availablePrinterNames().isEmpty())
+    return emit told("Aucune imprimante n'est installée sur ce poste ; le PDF, lui, peut être écrit.");
+  const auto printer = std::make_shared<QPrinter>(QPrinter::HighResolution);
+  paper::set_up(*printer, document);
+  auto* dialog = new QPrintDialog(printer.get(), component_.window());
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->setOption(QAbstractPrintDialog::PrintToFile, false);
+  dialog->setOption(QAbstractPrintDialog::PrintPageRange);
+  connect(dialog, qOverload<QPrinter*>(&QPrintDialog::accepted), this, [this, printer, document] {
+    emit told(paper::print(*printer, document) ? "« " + document.title + " » est envoyé à l'imprimante."
+                                               : "L'imprimante n'a rien pris. Vérifiez qu'elle est prête.");
+  });
+  dialog->open();
+}
+
+void Printing::show_preview(const Document& document) {
+  auto* preview = new paper::Preview(document, component_.window());
+  connect(preview, &paper::Preview::print_asked, this, [this, document] { ask_printer(document); });
+  connect(preview, &paper::Preview::pdf_asked, this, [this, document] { put(Way::kPdf, document); });
+  preview->open();
+}
+
+void Printing::ask_file(const QString& title, const std::function<void(const QString& path)>& then) {
+  auto* dialog =
+      new QFileDialog(component_.window(), "Écrire un PDF", QDir(folder_).filePath(file_name(title)),
+                      "Documents (*.pdf);;Tous les fichiers (*)");
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->setAcceptMode(QFileDialog::AcceptSave);
+  dialog->setDefaultSuffix("pdf");
+  connect(dialog, &QFileDialog::fileSelected, this, [this, then](const QString& path) {
+    folder_ = QFileInfo(path).absolutePath();
+    try {
+      then(path);
+    } catch (const std::exception& error) {
+      fail(error);
+    }
+  });
+  dialog->open();
+}
+
+void Printing::write(const Document& document, const QString& path) {
+  const auto pages = document.pages(document.paper);
+  paper::write_document(path, paper::pdf_of(document.title, document.paper, pages));
+  emit told(QString("« %1 » est écrit (%2 %3).")
+                .arg(path)
+                .arg(pages.size())
+                .arg(pages.size() > 1 ? "pages" : "page"));
+}
+
+// ---- Many cards.
+
+void Printing::put_cards() {
+  if (batch_) return end_batch("Le PDF des fiches est abandonné.");
+  if (!is_free()) return;
+  employees_.when_examined([this] {
+    const std::size_t count = employees_.shown().ids.size();
+    if (count == 0) return emit told("Le tableau des employés ne montre aucune fiche.");
+    if (count > CardBatch::kMost) {
+      return emit told(QString("Le tableau montre %1 fiches : filtrez-le, %2 au plus tiennent dans un PDF.")
+                           .arg(count)
+                           .arg(CardBatch::kMost));
+    }
+    ask_file("Fiches du personnel", [this](const QString& path) { begin_batch(path); });
+  });
+}
+
+void Printing::begin_batch(const QString& path) {
+  if (batch_) return;
+  EmployeesDock::Shown shown = employees_.shown();
+  if (shown.ids.empty()) return;
+  batch_ = new CardBatch(component_, database_,
+                         {std::move(shown.ids), std::move(shown.names), table_now(), source(), path}, this);
+  connect(batch_, &CardBatch::progressed, this, [this](double part) {
+    constexpr int kAll = 100;
+    progress_->setValue(static_cast<int>(part * kAll));
+  });
+  connect(batch_, &CardBatch::ended, this, &Printing::end_batch);
+  QTimer::singleShot(kSoon, batch_, [this] {
+    if (bar_) bar_->show();
+  });
+  progress_->setValue(0);
+  batch_->start();
+  update();
+}
+
+void Printing::end_batch(const QString& sentence) {
+  if (!batch_) return;
+  batch_->disconnect(this);
+  batch_->deleteLater();
+  batch_ = nullptr;
+  if (bar_) bar_->hide();
+  update();
+  emit told(sentence);
+}
+
+}  // namespace velanor::app
