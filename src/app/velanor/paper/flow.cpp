@@ -14,7 +14,7 @@ using office::SheetTable;
 using qt::to_qt;
 
 constexpr double kMargin = millimetres(15), kFoot = millimetres(9);
-constexpr double kPad = 4 * kPoint, kGap = 9 * kPoint, kHair = 0.5 * kPoint, kThick = 1 * kPoint;
+constexpr double kPad = 3 * kPoint, kGap = 8 * kPoint, kHair = 0.5 * kPoint, kThick = 1 * kPoint;
 constexpr qsizetype kLongest = 400;  // characters of a text; what is longer is no entry
 const QColor kLine(190, 190, 190), kShade(236, 236, 236);
 
@@ -49,48 +49,70 @@ double widest_word(const QString& text, Style style) {
   return widest;
 }
 
-// What a column needs: without wrapping, and at least.
+// What a column needs: with its heading on one line, with what it holds on one line, and at least.
 struct Need {
-  double natural = 0, least = 0;
+  double wide = 0, natural = 0, least = 0;
   void hold(std::string_view text, Style style) {
-    constexpr double kWord = millimetres(28);  // longer words are broken
     const QString shown = clean(text);
-    const double wide = width_of(shown, style);
-    natural = std::max(natural, wide + 2 * kPad);
-    if (wide + 2 * kPad > least)
-      least = std::max(least, std::min(widest_word(shown, style), kWord) + 2 * kPad);
+    const double width = width_of(shown, style);
+    wide = std::max(wide, width);
+    natural = std::max(natural, width);
+    if (width > least) hold_words(shown, style);
+  }
+  void hold_title(std::string_view text) {
+    const QString shown = clean(text);
+    wide = std::max(wide, width_of(shown, Style::kStrong));
+    hold_words(shown, Style::kStrong);
+    natural = std::max(natural, least);
+  }
+  void hold_words(const QString& text, Style style) {
+    constexpr double kWord = millimetres(28);  // longer words are broken
+    least = std::max(least, std::min(widest_word(text, style), kWord));
+  }
+  void add(double around) {
+    wide += around;
+    natural += around;
+    least += around;
   }
 };
+
+// A text behind figures keeps away from them.
+double inset(const SheetTable& table, std::size_t column) {
+  using enum SheetTable::Holds;
+  const bool behind = column > 0 && table.columns[column - 1].holds == kFigures;
+  return behind && table.columns[column].holds == kText ? 2 * kPad : 0;
+}
 
 std::vector<Need> needs_of(const SheetTable& table) {
   std::vector<Need> needs(table.columns.size());
   for (std::size_t c = 0; c < needs.size(); ++c) {
-    needs[c].hold(table.columns[c].title, Style::kStrong);
+    needs[c].hold_title(table.columns[c].title);
     for (const auto& row : table.rows) needs[c].hold(row[c], Style::kText);
     if (!table.total.empty()) needs[c].hold(table.total[c], Style::kStrong);
+    needs[c].add(2 * kPad + inset(table, c) + kPoint);
   }
   return needs;
 }
 
 double sum(const std::vector<double>& widths) { return std::accumulate(widths.begin(), widths.end(), 0.0); }
 
-// Wide columns give until all fit; where there is room to spare it goes to all alike.
+// Headings are broken first, then wide columns give until all fit; room to spare goes to all alike.
 std::vector<double> widths_of(const std::vector<Need>& needs, double room) {
-  std::vector<double> widths;
-  double least = 0;
+  std::vector<double> wide, natural, least;
   for (const Need& need : needs) {
-    widths.push_back(need.natural);
-    least += need.least;
+    wide.push_back(need.wide);
+    natural.push_back(need.natural);
+    least.push_back(need.least);
   }
-  const double over = sum(widths) - room;
-  const double spare = sum(widths) - least;
+  std::vector<double>& widths = sum(wide) <= room ? wide : natural;
+  const double over = sum(widths) - room, spare = sum(widths) - sum(least);
   for (std::size_t c = 0; c < widths.size(); ++c) {
     if (over <= 0) {
       widths[c] -= over / static_cast<double>(widths.size());
     } else if (over <= spare) {
-      widths[c] -= over * (widths[c] - needs[c].least) / spare;
+      widths[c] -= over * (widths[c] - least[c]) / spare;
     } else {
-      widths[c] = needs[c].least * room / least;
+      widths[c] = least[c] * room / sum(least);
     }
   }
   return widths;
@@ -108,7 +130,7 @@ double Flow::room_of(const QSizeF& paper) { return paper.width() - 2 * kMargin; 
 
 double Flow::natural_width(const SheetTable& table) {
   double width = 0;
-  for (const Need& need : needs_of(table)) width += need.natural;
+  for (const Need& need : needs_of(table)) width += need.wide;
   return width;
 }
 
@@ -197,7 +219,8 @@ std::vector<Flow::Column> Flow::columns_of(const SheetTable& table) const {
   double left = 0;
   for (std::size_t c = 0; c < widths.size(); ++c) {
     const bool figures = table.columns[c].holds == SheetTable::Holds::kFigures;
-    columns.push_back({left, widths[c], figures ? Page::Side::kRight : Page::Side::kLeft});
+    columns.push_back({left + inset(table, c), widths[c] - inset(table, c),
+                       figures ? Page::Side::kRight : Page::Side::kLeft});
     left += widths[c];
   }
   return columns;
@@ -230,7 +253,8 @@ Flow::Row Flow::row_of(const std::vector<std::string>& cells, const std::vector<
   Row row{{}, style};
   qsizetype lines = 1;
   for (std::size_t c = 0; c < cells.size(); ++c) {
-    row.cells.push_back(wrapped(clean(cells[c]), columns[c].width - 2 * kPad, Style::kStrong));
+    row.cells.push_back(
+        wrapped(clean(cells[c]), columns[c].width - 2 * kPad, style == Style::kLabel ? Style::kText : style));
     lines = std::max(lines, row.cells.back().size());
   }
   row.height = static_cast<double>(lines) * line_height(style) + 2 * kPoint;

@@ -25,8 +25,10 @@ Pdf::Pdf(const QString& title, const QSizeF& paper) : buffer_(&bytes_), writer_(
   writer_.setTitle(title);
   writer_.setCreator("Fiches du personnel");
   writer_.setResolution(kPerInch);
-  writer_.setPageSize(QPageSize(paper / kPoint, QPageSize::Point, {}, QPageSize::FuzzyMatch));
-  writer_.setPageOrientation(paper.width() > paper.height() ? QPageLayout::Landscape : QPageLayout::Portrait);
+  const bool across = paper.width() > paper.height();
+  const QSizeF upright = (across ? paper.transposed() : paper) / kPoint;
+  writer_.setPageSize(QPageSize(upright, QPageSize::Point, {}, QPageSize::FuzzyMatch));
+  writer_.setPageOrientation(across ? QPageLayout::Landscape : QPageLayout::Portrait);
   writer_.setPageMargins({});
 }
 
