@@ -25,6 +25,7 @@
 #include "app/velanor/help_window.h"
 #include "app/velanor/menu_bar.h"
 #include "app/velanor/menus.h"
+#include "app/velanor/printing.h"
 #include "app/velanor/server_address.h"
 #include "app/velanor/shown_year.h"
 #include "app/velanor/start_page.h"
@@ -137,7 +138,9 @@ void MainWindow::follow_place() {
   connect(workplace_->employees, &EmployeesDock::told, this, &MainWindow::tell);
   connect(workplace_->employees, &EmployeesDock::counted, this, &MainWindow::update_count);
   connect(workplace_->checks, &ChecksDock::told, this, &MainWindow::tell);
+  connect(workplace_->printing, &Printing::told, this, &MainWindow::tell);
   workplace_->employees->set_work_bar(*work_);
+  workplace_->printing->set_work_bar(*work_);
   connect(component, &Component::left, this, &QWidget::close);
   connect(component, &Component::help_asked, this, &MainWindow::show_help);
   connect(component, &Component::message_opened, this, &MainWindow::end_message, Qt::QueuedConnection);
@@ -225,6 +228,7 @@ void MainWindow::set_read_only() {
 
 // The card first: a narrow place for titles cuts their end.
 void MainWindow::update_title() {
+  if (workplace_) workplace_->printing->set_base(source_);
   QStringList parts{workplace_ ? component().card_title() : QString(), source_, mode_->text(), kTitle};
   parts.removeAll(QString());
   for (QString& part : parts) part.replace("[*]", "[*][*]");

@@ -15,6 +15,7 @@
 #include "app/velanor/checks_dock.h"
 #include "app/velanor/employees_dock.h"
 #include "app/velanor/main_window.h"
+#include "app/velanor/printing.h"
 #include "app/velanor/server_address.h"
 #include "app/velanor/shortcuts_dialog.h"
 #include "app/velanor/table_dialogs.h"
@@ -72,6 +73,8 @@ void Menus::make_file() {
     file.addSeparator();
     backups_ = add(file, "Reprendre une &sauvegarde…", {}, &window_, &MainWindow::backups_asked);
     backups_->setEnabled(false);
+    file.addSeparator();
+    place_->printing->add_to(*file.addMenu("&Imprimer et PDF"));
     file.addSeparator();
     add(file, "Fermer la &base", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_W), &window_,
         &MainWindow::base_close_asked);

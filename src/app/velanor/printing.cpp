@@ -5,21 +5,20 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QHBoxLayout>
-#include <QLabel>
 #include <QMenu>
 #include <QPrintDialog>
 #include <QPrinterInfo>
-#include <QProgressBar>
-#include <QPushButton>
 #include <QStandardPaths>
 #include <QTimer>
 
+#include "app/velanor/busy.h"
 #include "app/velanor/card_batch.h"
 #include "app/velanor/employees_dock.h"
+#include "app/velanor/file_dialogs.h"
 #include "app/velanor/paper/flow.h"
 #include "app/velanor/paper/pdf.h"
 #include "app/velanor/shown_year.h"
+#include "app/velanor/work_bar.h"
 #include "qt/strings.h"
 #include "text/failure.h"
 
@@ -30,10 +29,10 @@ using paper::Document;
 using qt::from_qt, qt::to_qt;
 using Component = qt::ControleVelanorWidget;
 
-constexpr int kSoon = 200;  // milliseconds; what is over by then shows no progress
 constexpr qsizetype kEmployee = 5;
 const QString kStop = QStringLiteral("&Arrêter le PDF des fiches"),
-              kCards = QStringLiteral("Fiches &affichées en PDF…");
+              kCards = QStringLiteral("Fiches &affichées en PDF…"),
+              kGivenUp = QStringLiteral("Le PDF des fiches est abandonné.");
 
 // As a file may be called.
 QString file_name(QString title) {
@@ -64,7 +63,6 @@ Printing::Printing(Component& component, store::Database& database, EmployeesDoc
   cards_ =
       add(kCards, "Toutes les fiches que le tableau des employés montre, telles qu'elles sont enregistrées",
           [this] { put_cards(); });
-  make_bar();
   const auto later = [this] { QTimer::singleShot(0, this, &Printing::update); };
   connect(&component_, &Component::acted, this, &Printing::update);
   connect(&component_, &Component::state_changed, this, &Printing::update);
@@ -96,24 +94,6 @@ void Printing::add_to(QMenu& menu) {
   connect(&menu, &QMenu::aboutToShow, this, &Printing::update);
 }
 
-void Printing::make_bar() {
-  bar_ = new QWidget;
-  auto* row = new QHBoxLayout(bar_);
-  row->setContentsMargins(0, 0, 0, 0);
-  progress_ = new QProgressBar;
-  progress_->setObjectName("printing_progress");
-  progress_->setAccessibleName("Fiches en PDF");
-  progress_->setFormat("Fiches en PDF : %p %");
-  constexpr int kWidth = 200;
-  progress_->setFixedWidth(kWidth);
-  auto* stop = new QPushButton("Arrêter");
-  stop->setFocusPolicy(Qt::TabFocus);
-  row->addWidget(progress_);
-  row->addWidget(stop);
-  connect(stop, &QPushButton::clicked, this, [this] { end_batch("Le PDF des fiches est abandonné."); });
-  bar_->hide();
-}
-
 void Printing::update() {
   const bool waits = component_.open_message() != nullptr;
   for (QAction* action : of_card_) action->setEnabled(!waits && component_.state() != control::State::kNone);
@@ -124,9 +104,9 @@ void Printing::update() {
 
 // A menu is alive also where the component waits for an answer.
 bool Printing::is_free() {
-  const bool busy = component_.open_message() || component_.open_sheet() || component_.screen().acting();
-  if (busy) emit told("Terminez d'abord ce qui est ouvert sur la fiche.");
-  return !busy;
+  const bool free = !is_busy(component_);
+  if (!free) emit told(kFinishFirst);
+  return free;
 }
 
 void Printing::fail(const std::exception& error) { emit told(to_qt(text::failure_sentence(error))); }
@@ -222,12 +202,9 @@ void Printing::show_preview(const Document& document) {
 }
 
 void Printing::ask_file(const QString& title, const std::function<void(const QString& path)>& then) {
-  auto* dialog =
-      new QFileDialog(component_.window(), "Écrire un PDF", QDir(folder_).filePath(file_name(title)),
-                      "Documents (*.pdf);;Tous les fichiers (*)");
-  dialog->setAttribute(Qt::WA_DeleteOnClose);
-  dialog->setAcceptMode(QFileDialog::AcceptSave);
-  dialog->setDefaultSuffix("pdf");
+  QFileDialog* dialog =
+      save_dialog(*component_.window(), "Écrire un PDF", QDir(folder_).filePath(file_name(title)),
+                  "Documents (*.pdf);;Tous les fichiers (*)", "pdf");
   connect(dialog, &QFileDialog::fileSelected, this, [this, then](const QString& path) {
     folder_ = QFileInfo(path).absolutePath();
     try {
@@ -251,7 +228,7 @@ void Printing::write(const Document& document, const QString& path) {
 // ---- Many cards.
 
 void Printing::put_cards() {
-  if (batch_) return end_batch("Le PDF des fiches est abandonné.");
+  if (batch_) return end_batch(kGivenUp);
   if (!is_free()) return;
   employees_.when_examined([this] {
     const std::size_t count = employees_.shown().ids.size();
@@ -271,25 +248,22 @@ void Printing::begin_batch(const QString& path) {
   if (shown.ids.empty()) return;
   batch_ = new CardBatch(component_, database_,
                          {std::move(shown.ids), std::move(shown.names), table_now(), source(), path}, this);
-  connect(batch_, &CardBatch::progressed, this, [this](double part) {
-    constexpr int kAll = 100;
-    progress_->setValue(static_cast<int>(part * kAll));
-  });
+  connect(batch_, &CardBatch::progressed, this, &Printing::show_part);
   connect(batch_, &CardBatch::ended, this, &Printing::end_batch);
-  QTimer::singleShot(kSoon, batch_, [this] {
-    if (bar_) bar_->show();
-  });
-  progress_->setValue(0);
   batch_->start();
   update();
 }
 
+void Printing::show_part(double part) {
+  if (work_bar_) work_bar_->show_part(*batch_, "Fiches en PDF", part, [this] { end_batch(kGivenUp); });
+}
+
 void Printing::end_batch(const QString& sentence) {
   if (!batch_) return;
+  if (work_bar_) work_bar_->done(*batch_);
   batch_->disconnect(this);
   batch_->deleteLater();
   batch_ = nullptr;
-  if (bar_) bar_->hide();
   update();
   emit told(sentence);
 }

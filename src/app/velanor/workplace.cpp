@@ -7,6 +7,7 @@
 #include "app/velanor/card_steps.h"
 #include "app/velanor/checks_dock.h"
 #include "app/velanor/employees_dock.h"
+#include "app/velanor/printing.h"
 #include "app/velanor/year_dock.h"
 
 namespace velanor::app {
@@ -19,7 +20,8 @@ Workplace::Workplace(store::Database& given, QMainWindow& window)
       aids(new CardAids(*component, database, &window)),
       employees(new EmployeesDock(*component, database, &window)),
       checks(new ChecksDock(*component, database, &window)),
-      year(new YearDock(*component, database, &window)) {
+      year(new YearDock(*component, database, &window)),
+      printing(new Printing(*component, database, *employees, &window)) {
   window.addDockWidget(Qt::LeftDockWidgetArea, employees);
   employees->hide();
   window.addDockWidget(Qt::BottomDockWidgetArea, checks);
@@ -34,6 +36,7 @@ Workplace::Workplace(store::Database& given, QMainWindow& window)
 
 Workplace::~Workplace() {
   delete component;
+  delete printing;
   delete year;
   delete checks;
   delete employees;

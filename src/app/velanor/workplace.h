@@ -14,6 +14,7 @@ class CardHistory;
 class CardSteps;
 class ChecksDock;
 class EmployeesDock;
+class Printing;
 class YearDock;
 
 // Puts its docks on the window, hidden; the window places the component. Takes all of it off again at its
@@ -34,6 +35,7 @@ class Workplace : private control::UserRights {
   EmployeesDock* const employees;
   ChecksDock* const checks;
   YearDock* const year;
+  Printing* const printing;
 
  private:
   std::string rights(std::string_view) override { return {}; }
