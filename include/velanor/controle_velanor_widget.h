@@ -122,6 +122,7 @@ class ControleVelanorWidget : public QWidget {
 
  protected:
   void mousePressEvent(QMouseEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
  private:
   class Stage;

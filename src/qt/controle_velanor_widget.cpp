@@ -112,4 +112,11 @@ void ControleVelanorWidget::mousePressEvent(QMouseEvent* event) {
   if (event->button() == Qt::RightButton) stage_->right_press();
 }
 
+// The host may change its colours while the component is on the window.
+void ControleVelanorWidget::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() != QEvent::PaletteChange) return;
+  if (const QPalette now = readable(palette()); now != palette()) setPalette(now);
+}
+
 }  // namespace velanor::qt

@@ -18,6 +18,7 @@
 #include "app/velanor/start_page.h"
 #include "store/sqlite/backups.h"
 #include "support/as_nobody.h"
+#include "support/run_program.h"
 #include "velanor/sqlite_database.h"
 
 namespace velanor::app {
@@ -132,6 +133,30 @@ TEST_F(ProgramTest, WhatFailsAtTheStartIsToldOnTheStartPageWhichGoesOn) {
     ASSERT_TRUE(until([&] { return window.has_base(); }));
     EXPECT_EQ(window.start_page().failure(), "");
   }
+}
+
+// What it reads first is there, and behind that a record is damaged.
+TEST_F(ProgramTest, ABaseWhoseComponentDoesNotStartLeavesTheStartPageUsable) {
+  const QString broken = base("abimee.db");
+  QFile script(path("damage.py"));
+  ASSERT_TRUE(script.open(QIODevice::WriteOnly));
+  script.write(R"py(
+import sqlite3, sys
+base = sqlite3.connect(sys.argv[1])
+base.execute("UPDATE record SET content = x'41' WHERE id = '001' AND file = "
+             "(SELECT number FROM file WHERE name = 'ASSOCIATION')")
+base.commit()
+)py");
+  script.close();
+  ASSERT_EQ(
+      test::run_program("python3 " + script.fileName().toStdString() + " " + broken.toStdString()).status, 0);
+  Program program;
+  program.start(named(broken));
+  MainWindow& window = *program.windows().front();
+  EXPECT_FALSE(window.has_base());
+  EXPECT_FALSE(window.start_page().failure().isEmpty());
+  emit window.open_asked(base("fiches.db"));
+  ASSERT_TRUE(until([&] { return window.has_base(); }));
 }
 
 TEST_F(ProgramTest, RecentBasesAreOpenedAndTakenOffByTheKeyboard) {

@@ -18,7 +18,7 @@ def identity(w):
     """A new card, field after field by the tabulator."""
     w.at("Entité juridique")
     w.key("alt+f")
-    w.at("Ouvrir…")
+    w.at("Nouvelle base…")
     w.key("Escape", "Escape")
     w.fill("Entité juridique", "001")
     w.shows("Entité juridique (libellé)", "Aide aux Familles du Val")

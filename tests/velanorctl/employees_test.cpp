@@ -40,12 +40,14 @@ def cell(name):
     return re.sub(r' s="\d+"', '', found[1]) + ' ' + re.sub('<[^>]*>', '', found[2]) if found else 'none'
 print('formulas', sheet.count('<f>'), 'dates', 'dd/mm/yyyy' in styles, 'frozen', 'state="frozen"' in sheet,
       'filter', re.search('autoFilter ref="([^"]*)"', sheet)[1])
-for name in ('A1', 'A2', 'B2', 'G2', 'H2', 'J2', 'L2', 'M2'): print(name, cell(name))
+for name in ('A1', 'A2', 'B2', 'G2', 'H2', 'L2'): print(name, cell(name))
+# What holds today may be any figure.
+print('J2', cell('J2').rsplit(' ', 1)[0], 'M2', cell('M2').rsplit(' ', 1)[0])
 )py");
   EXPECT_EQ(test::run_program("cd '" + folder_.file("") + "' && python3 read.py").output,
             "formulas 0 dates True frozen True filter A1:M178\n"
             "A1  t=\"inlineStr\" Code\nA2  t=\"inlineStr\" 00001\nB2  t=\"inlineStr\" =1+1\nG2  43795\n"
-            "H2 none\nJ2  128.7\nL2  2\nM2  t=\"inlineStr\" complète\n");
+            "H2 none\nL2  2\nJ2  M2  t=\"inlineStr\"\n");
 }
 
 TEST_F(EmployeesCommand, AWorkbookTakesNoBasesPlaceAndGoesThroughNoLink) {

@@ -89,7 +89,7 @@ Appearance::Appearance(bool dark)
 }
 
 void Appearance::add_to(QMenu& menu) {
-  add_group(menu, "&Couleurs", *colours_);
+  add_group(menu, "Co&uleurs", *colours_);
   add_group(menu, "Taille du te&xte", *sizes_);
 }
 

@@ -84,6 +84,7 @@ void ConsultDialog::make_table() {
   table_->setShowGrid(false);
   table_->setWordWrap(false);
   table_->horizontalHeader()->setHighlightSections(false);
+  table_->horizontalHeader()->setStretchLastSection(true);
   table_->verticalHeader()->hide();
   constexpr int kAir = 6;
   table_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);

@@ -91,7 +91,7 @@ void MainWindow::start() {
     make_menus();
     start_docks();
   } catch (...) {
-    release();
+    pages_->setCurrentWidget(start_page_);
     throw;
   }
   start_page_->show_failure({});

@@ -33,8 +33,8 @@ class MainWindow : public QMainWindow {
 
   // Takes a database, which must outlive the window, or its release. The start page stays until `start`.
   void take(store::Database& database, Connection connection = {});
-  // Starts the component. Throws store::DbError; the window is then on its start page again, and has no
-  // database.
+  // Starts the component. Throws store::DbError; the window is then on its start page again, and the database
+  // is of no use but to be released.
   void start();
   // Back to the start page, without a question: the user has been asked. The database is not used any more.
   void release();

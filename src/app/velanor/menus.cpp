@@ -73,6 +73,7 @@ void Menus::make_file() {
     file.addSeparator();
     backups_ = add(file, "Reprendre une &sauvegarde…", {}, &window_, &MainWindow::backups_asked);
     backups_->setEnabled(false);
+    // What is printed stands here.
     file.addSeparator();
     place_->printing->add_to(*file.addMenu("&Imprimer et PDF"));
     file.addSeparator();
@@ -103,7 +104,9 @@ void Menus::make_edit() {
 void Menus::copy_table() {
   QWidget* focus = window_.focusWidget();
   if (!focus) return;
-  QKeyEvent keys(QEvent::KeyPress, Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+  const bool card = place_->component->isAncestorOf(focus);
+  QKeyEvent keys(QEvent::KeyPress, Qt::Key_C,
+                 card ? Qt::ControlModifier | Qt::ShiftModifier : Qt::KeyboardModifiers(Qt::ControlModifier));
   QCoreApplication::sendEvent(focus, &keys);
 }
 

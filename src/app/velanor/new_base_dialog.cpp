@@ -107,13 +107,11 @@ QLayout* NewBaseDialog::make_contents() {
     choice_->addButton(button, static_cast<int>(which));
     auto* told = new QLabel(hint);
     told->setIndent(24);
-    told->setWordWrap(true);
     lines->addWidget(button);
     lines->addWidget(told);
   };
   add(Contents::kReferenceFiles, "new_reference", "Les &tables de l'exemple, sans fiches",
-      "Conventions, grilles, rubriques, communes… et trois entités fictives. Les fiches s'importent "
-      "ensuite.");
+      "Conventions, grilles, rubriques, communes… Les fiches s'importent ensuite.");
   add(Contents::kExample, "new_example", "L'&exemple entier",
       "Les mêmes tables, et le personnel des trois entités.");
   add(Contents::kTables, "new_tables", "Les ta&bleaux CSV d'un dossier",

@@ -1,6 +1,9 @@
 #include "app/velanor/plain_table.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <algorithm>
 
 namespace velanor::app {
@@ -44,6 +47,17 @@ void PlainTable::fit() {
   constexpr int kWidest = 320, kRoom = 16;
   resizeColumnsToContents();
   for (int c = 0; c + 1 < columnCount(); ++c) setColumnWidth(c, std::min(columnWidth(c) + kRoom, kWidest));
+}
+
+void PlainTable::keyPressEvent(QKeyEvent* event) {
+  if (!event->matches(QKeySequence::Copy)) return QTableWidget::keyPressEvent(event);
+  if (chosen() < 0) return;
+  QStringList titles, cells;
+  for (int c = 0; c < columnCount(); ++c) {
+    titles << horizontalHeaderItem(c)->text();
+    cells << item(chosen(), c)->text().replace('\t', ' ').replace('\n', ' ');
+  }
+  QGuiApplication::clipboard()->setText(titles.join('\t') + "\n" + cells.join('\t') + "\n");
 }
 
 }  // namespace velanor::app

@@ -5,7 +5,7 @@
 
 namespace velanor::app {
 
-// Lines are chosen, cells are not changed; Tab leaves it.
+// Lines are chosen, cells are not changed; Tab leaves it. Ctrl+C copies the chosen line with the headings.
 class PlainTable : public QTableWidget {
  public:
   PlainTable(const QStringList& headings, const QString& name, QWidget* parent = nullptr);
@@ -16,6 +16,9 @@ class PlainTable : public QTableWidget {
   void choose(int line);
   // Columns as wide as what they hold, the last one to the end.
   void fit();
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
 };
 
 }  // namespace velanor::app

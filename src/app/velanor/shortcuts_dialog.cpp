@@ -26,7 +26,7 @@ const Keys kOwnKeys[] = {
     {"Tab, Maj+Tab", "Champ suivant, précédent", "Fiche"},
     {"Alt+lettre soulignée", "Le champ ou le bouton de cette lettre", "Fiche"},
     {"Ctrl+Page suivante, Ctrl+Page précédente", "Page suivante, précédente de la fiche", "Fiche"},
-    {"Bas, Alt+Bas", "Ouvre la liste d'un champ à choix", "Fiche"},
+    {"F4", "Ouvre la liste d'un champ à choix", "Fiche"},
     {"Entrée", "Le bouton où est le curseur ; la réponse proposée d'une question", "Fiche"},
     {"Échap", "Annule la saisie en cours, ou répond non", "Fiche"},
     {"Ctrl+Z", "Rend ce qui vient d'être remplacé dans le champ", "Fiche"},
