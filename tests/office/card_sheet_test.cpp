@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "app/velanorctl/open_store.h"
+#include "card/record/named_fields.h"
 
 namespace velanor::office {
 namespace {
@@ -65,6 +66,20 @@ TEST_F(SheetOfACard, HasEveryAmendmentWithItsItemsAndTheYear) {
   const SheetTable& year = group(all, "Année 2026").tables.at(0);
   EXPECT_EQ(year.rows.size(), 12U);
   EXPECT_EQ(line(year.total), "Année /  /  / 1201,20 / 0,66 / ");
+}
+
+TEST_F(SheetOfACard, LeavesOutNoFieldThatAClerkKnows) {
+  std::string names;
+  for (const SheetGroup& group : sheet(name_).groups) {
+    for (const SheetField& field : group.fields) names += "\n" + field.label;
+    for (const SheetTable& table : group.tables) {
+      for (const auto& column : table.columns) names += "\n" + column.title;
+    }
+  }
+  for (const card::Field& field : card::card_fields()) {
+    if (field == card::kName) continue;  // stands above all groups
+    EXPECT_NE(names.find("\n" + std::string(field.name)), std::string::npos) << field.name;
+  }
 }
 
 // Codes whose files have lost them, a year that is none, a card without a code: all that is there is told.

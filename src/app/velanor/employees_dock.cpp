@@ -410,9 +410,8 @@ void EmployeesDock::examine() try {
 
 void EmployeesDock::when_examined(std::function<void()> then) {
   read(Look::kIfElsewhere);
-  if (!reading_ && !examine_.isActive()) return then();
   when_examined_ = std::move(then);
-  emit told("Les fiches du tableau sont encore vérifiées…");
+  if (!reading_) examine_.start(0);
 }
 
 EmployeesDock::Place EmployeesDock::place_now() const {

@@ -155,6 +155,7 @@ paper::EmployeeTable Printing::table_now() {
 void Printing::put_table(Way way) {
   if (!is_free()) return;
   employees_.when_examined([this, way] {
+    if (!is_free()) return;
     const paper::EmployeeTable table = table_now();
     if (table.table.rows.empty()) return emit told("Le tableau des employés ne montre aucune fiche.");
     const auto pages = [table, from = source()](const QSizeF& size) {
@@ -231,6 +232,7 @@ void Printing::put_cards() {
   if (batch_) return end_batch(kGivenUp);
   if (!is_free()) return;
   employees_.when_examined([this] {
+    if (!is_free()) return;
     const std::size_t count = employees_.shown().ids.size();
     if (count == 0) return emit told("Le tableau des employés ne montre aucune fiche.");
     if (count > CardBatch::kMost) {
