@@ -254,6 +254,13 @@ TEST_F(Menu, NoKeysAreUsedTwiceAndNoLetterIsTheComponents) {
     const QString keys = action->shortcut().toString();
     EXPECT_TRUE(keys.isEmpty() || seen.insert(keys).second) << keys.toStdString();
   }
+  // What is chosen from a list of its own has none.
+  for (const QAction* bar : window_.menuBar()->actions()) {
+    for (const QAction* action : bar->menu()->actions()) {
+      const bool has = action->isSeparator() || action->menu() || !action->shortcut().isEmpty();
+      EXPECT_TRUE(has || action->text().contains('\t')) << action->text().toStdString();
+    }
+  }
   const auto letter = [](const QString& text) { return QKeySequence::mnemonic(text).toString(); };
   for (const auto* label : window_.component().findChildren<QLabel*>()) letters.insert(letter(label->text()));
   for (const auto* button : window_.component().findChildren<QAbstractButton*>())

@@ -6,7 +6,7 @@ done
 folder=$(mktemp -d) || exit 1
 trap 'kill $manager $server 2>/dev/null; rm -rf "$folder"' EXIT
 mkfifo "$folder/display" "$folder/ready"
-Xvfb -displayfd 3 -screen 0 1280x720x24 -nolisten tcp 3>"$folder/display" 2>/dev/null &
+Xvfb -displayfd 3 -screen 0 "${ON_X_SCREEN:-1280x720}x24" -nolisten tcp 3>"$folder/display" 2>/dev/null &
 server=$!
 read -r number <"$folder/display"
 export DISPLAY=":$number" HOME="$folder" XDG_RUNTIME_DIR="$folder" QT_QPA_PLATFORM=xcb

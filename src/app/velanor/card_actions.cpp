@@ -14,13 +14,13 @@ using Component = qt::ControleVelanorWidget;
 
 struct Entry {
   const char *button, *text;
-  Qt::Key key;  // with Ctrl; 0: none
+  Qt::Key key;  // with Ctrl; 0: the button's own letter alone
 };
-constexpr Qt::Key kNone = Qt::Key(0);
+constexpr Qt::Key kOwn = Qt::Key(0);
 constexpr Entry kEntries[] = {
     {"Cmd_Ajout", "&Nouvelle fiche", Qt::Key_N}, {"Cmd_OK", "&Enregistrer", Qt::Key_S},
-    {"Cmd_Annul", "&Abandonner", kNone},         {"Cmd_Copier", "&Copier la fiche", kNone},
-    {"Cmd_Supp", "&Supprimer la fiche…", kNone},
+    {"Cmd_Annul", "&Abandonner", kOwn},          {"Cmd_Copier", "&Copier la fiche", kOwn},
+    {"Cmd_Supp", "&Supprimer la fiche…", kOwn},
 };
 
 }  // namespace
@@ -29,7 +29,12 @@ CardActions::CardActions(Component& component, QObject* parent) : QObject(parent
   for (const Entry& entry : kEntries) {
     auto* button = component_.findChild<QAbstractButton*>(entry.button);
     auto* action = new QAction(entry.text, this);
-    if (entry.key != kNone) action->setShortcut(QKeySequence(Qt::CTRL | entry.key));
+    if (entry.key != kOwn) {
+      action->setShortcut(QKeySequence(Qt::CTRL | entry.key));
+    } else {
+      action->setText(action->text() + '\t' +
+                      QKeySequence::mnemonic(button->text()).toString(QKeySequence::NativeText));
+    }
     action->setAutoRepeat(false);
     connect(action, &QAction::triggered, button, &QAbstractButton::click);
     button->installEventFilter(this);

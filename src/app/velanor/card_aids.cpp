@@ -19,7 +19,7 @@ CardAids::CardAids(Component& component, store::Database& database, QObject* par
     : QObject(parent),
       component_(component),
       database_(database),
-      remainder_(make("Rest&e de la répartition", QKeySequence(Qt::Key_F7),
+      remainder_(make("Rest&e de la répartition", QKeySequence(Qt::Key_F6),
                       "Met ce qui reste à répartir sur l'activité en cours", &CardAids::put_remainder)),
       items_(make("Rubriques de l'avenant &précédent", QKeySequence(Qt::CTRL | Qt::Key_R),
                   "Reprend les rubriques de l'avenant précédent sur celui qui est choisi",

@@ -27,6 +27,7 @@ CardHistory::CardHistory(qt::ControleVelanorWidget& component, store::Database& 
       deleted_(new QAction("Fiches suppri&mées…", this)) {
   versions_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_H));
   connect(versions_, &QAction::triggered, this, &CardHistory::show_versions);
+  deleted_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_G));
   connect(deleted_, &QAction::triggered, this, &CardHistory::show_deleted);
   connect(&component_, &qt::ControleVelanorWidget::card_id_changed, this, &CardHistory::update);
   update();

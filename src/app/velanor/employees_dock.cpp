@@ -232,12 +232,14 @@ void EmployeesDock::add_steps_to(QMenu& menu) {
 void EmployeesDock::add_view_to(QMenu& menu) {
   QAction* shown = toggleViewAction();
   shown->setText("&Tableau des employés");
+  shown->setShortcut(QKeySequence(Qt::Key_F9));
   menu.addAction(shown);
   menu.addMenu(columns_);
 }
 
 void EmployeesDock::add_export_to(QMenu& menu) {
-  connect(menu.addAction("&Exporter le tableau des employés…"), &QAction::triggered, this,
+  const QKeySequence keys(Qt::CTRL | Qt::SHIFT | Qt::Key_L);
+  connect(add(menu, "&Exporter le tableau des employés…", keys), &QAction::triggered, this,
           &EmployeesDock::ask_export);
 }
 

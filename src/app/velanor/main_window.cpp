@@ -40,7 +40,7 @@ namespace velanor::app {
 namespace {
 
 constexpr qsizetype kEmployeeCode = 5;  // characters, with which the id of a card begins
-constexpr int kWidth = 1264, kEmployeesWidth = 490;
+constexpr int kWidth = 1264, kEmployeesWidth = 490, kHeight = 680, kYearHeight = 180;
 const QString kTitle = QStringLiteral("Fiches du personnel");
 
 QString by(const QString& author) { return author.isEmpty() ? author : " (" + author + ")"; }
@@ -59,8 +59,12 @@ MainWindow::MainWindow(QWidget* parent)
   // Where it no longer waits for anything the keyboard is elsewhere.
   connect(qApp, &QApplication::focusChanged, this, &MainWindow::wipe_what_no_longer_holds,
           Qt::QueuedConnection);
-  const bool wide = screen()->availableGeometry().width() >= kWidth + kEmployeesWidth;
-  resize(wide ? kWidth + kEmployeesWidth : kWidth, 680);
+  // Where the screen holds them, the table of the employees and the year of the card have their place.
+  const QSize room = screen()->availableSize();
+  constexpr int kFrame = 40;
+  const bool wide = room.width() >= kWidth + kEmployeesWidth;
+  const bool high = room.height() >= kHeight + kYearHeight + kFrame;
+  resize(wide ? kWidth + kEmployeesWidth : kWidth, high ? kHeight + kYearHeight : kHeight);
 }
 
 MainWindow::MainWindow(store::Database& database, QWidget* parent) : MainWindow(parent) { take(database); }

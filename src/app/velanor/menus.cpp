@@ -64,14 +64,17 @@ void Menus::make_file() {
   add(file, "&Nouvelle base…", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N), &window_,
       &MainWindow::new_base_asked);
   add(file, "&Ouvrir…", QKeySequence::Open, &window_, &MainWindow::ask_file);
-  add(file, "Ouvrir l'&exemple", {}, &window_, &MainWindow::example_asked);
-  add(file, "Se &connecter à un serveur…", {}, &window_, &MainWindow::server_asked);
+  add(file, "Ouvrir l'&exemple", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O), &window_,
+      &MainWindow::example_asked);
+  add(file, "Se &connecter à un serveur…", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), &window_,
+      &MainWindow::server_asked);
   recent_ = file.addMenu("Bases &récentes");
   recent_->setEnabled(false);
   recent_->setToolTipsVisible(true);
   if (place_) {
     file.addSeparator();
-    backups_ = add(file, "Reprendre une &sauvegarde…", {}, &window_, &MainWindow::backups_asked);
+    backups_ = add(file, "Reprendre une &sauvegarde…", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_B),
+                   &window_, &MainWindow::backups_asked);
     backups_->setEnabled(false);
     // What is printed stands here.
     file.addSeparator();
@@ -146,6 +149,7 @@ void Menus::make_view(Appearance* appearance) {
     view.addAction(place_->year->action());
     QAction* checks = place_->checks->toggleViewAction();
     checks->setText("C&ontrôles");
+    checks->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F8));
     view.addAction(checks);
     view.addSeparator();
   }
@@ -162,7 +166,7 @@ void Menus::make_help() {
   add(help, "&Raccourcis clavier", QKeySequence(Qt::CTRL | Qt::Key_F1), &window_,
       [this] { show_shortcuts(window_); });
   help.addSeparator();
-  add(help, "À &propos…", {}, &window_, &MainWindow::show_about);
+  add(help, "À &propos…", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F1), &window_, &MainWindow::show_about);
 }
 
 void Menus::set_recent(const QStringList& bases) {

@@ -52,8 +52,6 @@ Printing::Printing(Component& component, store::Database& database, EmployeesDoc
               add("Ape&rçu de la fiche…", "Les pages de la fiche ouverte, avant de les imprimer",
                   [this] { put_card(Way::kPreview); }),
               add("Fiche en &PDF…", "La fiche ouverte dans un fichier", [this] { put_card(Way::kPdf); })};
-  of_card_[0]->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_P));
-  of_card_[1]->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P));
   of_table_ = {
       add("Imprimer le &tableau…", "Le tableau des employés, tel qu'il est filtré et trié",
           [this] { put_table(Way::kPrint); }),
@@ -63,6 +61,14 @@ Printing::Printing(Component& component, store::Database& database, EmployeesDoc
   cards_ =
       add(kCards, "Toutes les fiches que le tableau des employés montre, telles qu'elles sont enregistrées",
           [this] { put_cards(); });
+  const std::pair<QAction*, QKeyCombination> keys[] = {{of_card_[0], Qt::CTRL | Qt::Key_P},
+                                                       {of_card_[1], Qt::CTRL | Qt::SHIFT | Qt::Key_P},
+                                                       {of_card_[2], Qt::CTRL | Qt::Key_D},
+                                                       {of_table_[0], Qt::CTRL | Qt::Key_I},
+                                                       {of_table_[1], Qt::CTRL | Qt::SHIFT | Qt::Key_I},
+                                                       {of_table_[2], Qt::CTRL | Qt::SHIFT | Qt::Key_D},
+                                                       {cards_, Qt::CTRL | Qt::Key_L}};
+  for (const auto& [action, combination] : keys) action->setShortcut(QKeySequence(combination));
   const auto later = [this] { QTimer::singleShot(0, this, &Printing::update); };
   connect(&component_, &Component::acted, this, &Printing::update);
   connect(&component_, &Component::state_changed, this, &Printing::update);

@@ -23,11 +23,12 @@ void TableDialogs::add_to(QMenu& menu) {
   add("&Consulter une table…", &TableDialogs::consult)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_T));
   menu.addSeparator();
   QAction* import = add("&Importer une table…", &TableDialogs::import);
+  import->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_T));
   if (place_.database.read_only()) {
     import->setEnabled(false);
     import->setToolTip("Cette base est protégée en écriture");
   }
-  add("&Exporter une table…", &TableDialogs::export_table);
+  add("&Exporter une table…", &TableDialogs::export_table)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_M));
 }
 
 void TableDialogs::consult() {
