@@ -101,7 +101,7 @@ YearTable::YearTable(QWidget* parent)
 }
 
 void YearTable::fit_lines() {
-  const int narrowest = fontMetrics().horizontalAdvance("Septembre 0");
+  const int narrowest = fontMetrics().horizontalAdvance("Septembre") + 2 * kAir;
   horizontalHeader()->setMinimumSectionSize(narrowest);
   horizontalHeader()->setFixedHeight(fontMetrics().height() + kAir);
   verticalHeader()->setMinimumSectionSize(1);
