@@ -144,6 +144,20 @@ def delete_and_bring_back(w):
     expect("the card", stored(1, "000650012026"), "BERGER SIMONE")
 
 
+def see_the_year(w):
+    """Of the card that is open, and of what is typed on it."""
+    name = "Année de la fiche, mois par mois"
+    w.key("F7")
+    wait("the year is not there", lambda: w.rows(name)[0])
+    w.key("Escape", "alt+h")
+    w.at(HOURS)
+    w.type("303,34")
+    wait("the year is not that of a full time of 303,34 hours",
+         lambda: [row[0] for row in w.rows(name)][2:4] == ["151,67", "0,50"])
+    w.key("Tab", "ctrl+z")
+    wait("the year did not go back", lambda: w.rows(name)[3][0] == "1,00")
+
+
 def put_on_paper(w, folder):
     """The card that is open."""
     file = os.path.join(folder, "fiche.pdf")
@@ -171,7 +185,7 @@ def main(velanor, folder):
     w.fill("Entité juridique", "001")
     w.shows("Entité juridique (libellé)", "Aide aux Familles du Val")
     keys = find_and_correct(w)
-    for step in (correct_the_next, take_back, mend_what_the_checks_show, delete_and_bring_back):
+    for step in (correct_the_next, take_back, mend_what_the_checks_show, delete_and_bring_back, see_the_year):
         step(w)
     put_on_paper(w, folder)
     w.key("alt+u")
