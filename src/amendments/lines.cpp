@@ -46,6 +46,7 @@ void AmendmentLines::bind() {
 
 void AmendmentLines::show_all(const card::Draft& draft) {
   std::vector<card::AmendmentText> lines;
+  lines.reserve(static_cast<std::size_t>(draft.amendments()));
   for (int line = 0; line < draft.amendments(); ++line) lines.push_back(draft.amendment(line));
   for (screen::ListBox* list : on_.ui.amendment_lists()) list->clear();
   for (std::size_t line = 0; line < lines.size(); ++line) insert_line(static_cast<int>(line), lines[line]);

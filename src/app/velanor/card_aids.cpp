@@ -93,8 +93,7 @@ void CardAids::pop_up(const QStringList& lines, const QStringList& values) {
   menu->setAccessibleName("Historique du champ");
   for (qsizetype i = 0; i < std::min(lines.size(), kLines); ++i) {
     QAction* line = menu->addAction(QString(lines[i]).replace('&', "&&"));
-    const QString value = values[i];
-    connect(line, &QAction::triggered, this, [this, value] {
+    connect(line, &QAction::triggered, this, [this, value = values[i]] {
       QGuiApplication::clipboard()->setText(value);
       emit told("« " + value + " » est copié.");
     });

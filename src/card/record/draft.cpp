@@ -65,6 +65,7 @@ ActivityText Draft::activity(int line) const {
 
 std::vector<ActivityText> Draft::all_activities() const {
   std::vector<ActivityText> all;
+  all.reserve(static_cast<std::size_t>(activities()));
   for (int line = 0; line < activities(); ++line) all.push_back(activity(line));
   return all;
 }
