@@ -13,4 +13,9 @@ inline bool is_busy(qt::ControleVelanorWidget& component) {
   return component.open_message() || component.open_sheet() || component.screen().acting();
 }
 
+// A message waits, perhaps within a change of the base: who would read it on his own account looks again
+// later, after so many milliseconds.
+inline constexpr int kPatience = 100;
+inline bool waits(const qt::ControleVelanorWidget& component) { return component.open_message() != nullptr; }
+
 }  // namespace velanor::app

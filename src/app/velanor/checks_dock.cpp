@@ -33,7 +33,6 @@ using Component = qt::ControleVelanorWidget;
 
 constexpr qsizetype kCodeLength = 5;      // with which the id of a card begins
 constexpr int kSlice = 15, kFirst = 100;  // milliseconds
-constexpr int kPatience = 100;            // between two looks at a message that waits
 
 // As the base notes who writes.
 std::string clerk(store::Database& database) {

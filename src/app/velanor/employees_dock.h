@@ -3,30 +3,23 @@
 #pragma once
 
 #include <QDockWidget>
-#include <QElapsedTimer>
 #include <QPointer>
-#include <QSet>
 #include <QTimer>
 #include <functional>
-#include <memory>
-#include <optional>
 
-#include "app/velanor/employees_model.h"
+#include "app/velanor/employees_export.h"
+#include "app/velanor/employees_reading.h"
+#include "app/velanor/employees_steps.h"
+#include "app/velanor/employees_table.h"
 #include "app/velanor/shown_year.h"
-#include "app/velanor/task.h"
-#include "app/velanor/work_bar.h"
-#include "office/card_sheet.h"
 #include "velanor/controle_velanor_widget.h"
 
-class QAction;
 class QCheckBox;
 class QLabel;
-class QLineEdit;
-class QMenu;
-class QSocketNotifier;
-class QTableView;
 
 namespace velanor::app {
+
+class EmployeesFilter;
 
 // Reads nothing before `start`, and nothing while it is hidden. It opens nothing while the component waits
 // for an answer. On a window too narrow for both it comes when it is called and goes when a card is opened.
@@ -36,7 +29,6 @@ class EmployeesDock : public QDockWidget {
  public:
   // Both outlive it.
   EmployeesDock(qt::ControleVelanorWidget& component, store::Database& database, QWidget* parent);
-  ~EmployeesDock() override;
   // What it offers to the menus: to look for somebody, to go on from card to card, how it is shown, and to
   // export it.
   void add_search_to(QMenu& menu);
@@ -50,10 +42,10 @@ class EmployeesDock : public QDockWidget {
   bool has_cards();
 
   // Which columns are shown, how wide, and what sorts them, as the toolkit puts it down.
-  QByteArray columns() const;
-  void set_columns(const QByteArray& columns);
+  QByteArray columns() const { return table_->columns(); }
+  void set_columns(const QByteArray& columns) { table_->set_columns(columns); }
   // Shows there what takes long.
-  void set_work_bar(WorkBar& bar) { work_bar_ = &bar; }
+  void set_work_bar(WorkBar& bar);
   // The cards of an entity and year, as it has read them; -1 where it has not.
   int cards_of(const ShownYear& at) const;
   // What is shown: rows and columns in their order, with the card and the name of each row, and what they
@@ -67,7 +59,7 @@ class EmployeesDock : public QDockWidget {
   };
   Shown shown() const;
   // Whether there is an entity and year, or all of them, to show.
-  bool has_reach() const { return employees_ && reach_is_chosen(); }
+  bool has_reach() const { return reading_.is_started() && reach() != kNobody; }
   // Reads what is to be shown and calls back when all of its cells are filled in, once; the last who asks.
   void when_examined(std::function<void()> then);
 
@@ -81,76 +73,42 @@ class EmployeesDock : public QDockWidget {
   void counted();
 
  protected:
-  bool eventFilter(QObject* watched, QEvent* event) override;
   void showEvent(QShowEvent* event) override;
 
  private:
-  enum class Step { kNext, kPrevious };
+  using Reach = EmployeesReading::Reach;
+  using Look = EmployeesReading::Look;
+  using Step = EmployeesSteps::Step;
+  // Of which there are no cards: nothing is chosen on the screen.
+  static const Reach kNobody;
 
   void make_content();
-  void make_columns();
+  void join();
   void follow_component();
-  void listen_to_others();
-  bool key_in_filter(const QKeyEvent& key);
-  bool key_in_table(QKeyEvent& key);
-  bool is_busy() const;
+  void follow_others();
   bool is_free();
 
-  office::Employees::Reach reach() const;
-  bool reach_is_chosen() const;
-  // Reads what is on the screen, if it is not read already; `anew`: others may have written.
-  enum class Look { kIfElsewhere, kAnew };
+  Reach reach() const;
   void look(Look look);
-  void read(Look look);
-  void renew_card(const QString& id);
-  void hear_others();
-  void examine();
-  void read_further(int milliseconds);
-  void end_reading();
-  void complete_reading();
-  // Selection and scroll stay where they are, by the cards they stand on.
-  struct Place {
-    QSet<QString> chosen;
-    QString current;
-    int scrolled = 0;
-  };
-  Place place_now() const;
-  void put_back(Place place);
-  void keeping_place(const std::function<void()>& change);
   void update_count();
-  void show_reach();
 
   void search();
   void go_back();
   void typed();
-  void open_row(int row);
   void step(Step step);
-  void choose(int row);
-  std::vector<int> shown_columns() const;
-  void copy() const;
   void ask_export();
 
   qt::ControleVelanorWidget& component_;
   store::Database& database_;
-  std::unique_ptr<office::Employees> employees_;
-  EmployeesModel* model_;
-  QLineEdit* filter_;
-  QTableView* table_;
+  EmployeesTable* table_;
   QLabel* count_;
   QCheckBox* all_;
-  QMenu* columns_;
-  QTimer look_, read_on_, examine_;
-  std::optional<Place> reading_;  // while it goes on: where to go back to
-  bool opens_when_read_ = false;  // Enter was pressed meanwhile
-  std::unique_ptr<Task> export_;  // while it goes on
-  WorkBar* work_bar_ = nullptr;
-  std::function<void()> when_examined_;
-  std::unique_ptr<store::News> news_;
-  QSocketNotifier* others_ = nullptr;
+  EmployeesReading reading_;
+  EmployeesFilter* filter_;
+  EmployeesSteps steps_;
+  EmployeesExport export_;
+  QTimer look_;
   QPointer<QWidget> before_;  // had the focus before the filter
-  QString last_id_;           // the card opened last
-  int last_row_ = -1;         // where it stood
-  bool read_once_ = false;
 };
 
 }  // namespace velanor::app
