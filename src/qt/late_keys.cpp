@@ -1,7 +1,7 @@
 #include "qt/late_keys.h"
 
 #include <QApplication>
-#include <QEvent>
+#include <QKeyEvent>
 #include <QWindow>
 
 namespace velanor::qt {
@@ -37,8 +37,14 @@ bool LateKeys::eventFilter(QObject* watched, QEvent* event) {
         owner_ = widget;
       return false;
     case QEvent::ShortcutOverride:
+      if (!are_late()) heard_ = static_cast<QKeyEvent*>(event)->timestamp();
       return are_late() && !is_owners(watched) && take_back(event);
     case QEvent::KeyPress:
+      // The list went by this very key (Escape): it has had it.
+      if (heard_ != 0 && watched->isWindowType() && are_late() &&
+          static_cast<QKeyEvent*>(event)->timestamp() == heard_)
+        return true;
+      [[fallthrough]];
     case QEvent::KeyRelease:
       return watched->isWindowType() && are_late() && !is_owners(watched) && take_back(event);
     default:

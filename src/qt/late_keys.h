@@ -24,6 +24,7 @@ class LateKeys : public QObject {
   bool take_back(QEvent* event);
 
   QPointer<QWidget> owner_;
+  quint64 heard_ = 0;  // when the last key came that was looked at while its window was there
 };
 
 }  // namespace velanor::qt

@@ -82,6 +82,11 @@ def take_back(w):
     w.key("alt+Down")
     w.shows("Aidant", "00099")
     hours = w.fields()[HOURS]
+    # Escape closes the list, and no more.
+    w.key("alt+t", "Tab", "F4")
+    w.at("Agglomération")
+    w.key("Escape")
+    w.at("Secteur (libellé)")
     w.key("alt+h")
     w.at(HOURS)
     w.type("99")
