@@ -26,8 +26,11 @@ std::size_t searched(const Employees& employees) {
 Filter::Filter(std::string_view typed, int today) {
   for (std::size_t at = 0; at < typed.size();) {
     const std::size_t end = std::min(typed.find(' ', at), typed.size());
-    Term term = term_of(typed.substr(at, end - at), today);
+    const std::string_view word = typed.substr(at, end - at);
+    Term term = term_of(word, today);
     at = end + 1;
+    const std::size_t sign = word.find_first_of(":<>=");
+    if (!term.column && sign != word.npos && sign > 0 && sign + 1 < word.size()) misread_.emplace_back(word);
     // Nothing is asked by what has only been begun.
     if (term.comparison != Comparison::kHolds || !term.folded.empty()) terms_.push_back(std::move(term));
   }

@@ -22,6 +22,8 @@ class Filter {
   // `today` is a day number.
   Filter(std::string_view typed, int today);
 
+  // Words that ask for a column or compare, as it seems, and were taken for texts: "xyz:abc", "fin<99/99".
+  const std::vector<std::string>& misread() const { return misread_; }
   bool is_empty() const { return terms_.empty(); }
   // Those of the rows for which it holds, in their order.
   std::vector<int> filtered(const Employees& employees, const std::vector<int>& rows) const;
@@ -47,6 +49,7 @@ class Filter {
   static void keep(const Term& term, const Employees& employees, std::vector<int>& rows);
 
   std::vector<Term> terms_;
+  std::vector<std::string> misread_;
 };
 
 }  // namespace velanor::office

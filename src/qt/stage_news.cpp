@@ -9,6 +9,7 @@
 
 #include "qt/stage_life.h"
 #include "qt/strings.h"
+#include "qt/text_edit.h"
 
 namespace velanor::qt {
 namespace {
@@ -59,6 +60,10 @@ void ControleVelanorWidget::Stage::tell(Signal signal, const Values&... values) 
 // A card is read from its top.
 void ControleVelanorWidget::Stage::card_opened(const control::Card& card) {
   if (widget_) {
+    // The keys that opened it are no text to be taken back: that would leave the card.
+    for (TextEdit* edit : widget_->findChildren<TextEdit*>()) {
+      if (edit->isUndoAvailable() || edit->isRedoAvailable()) edit->setText(edit->text());
+    }
     for (const QScrollArea* area : widget_->findChildren<QScrollArea*>())
       area->verticalScrollBar()->setValue(0);
   }

@@ -113,6 +113,26 @@ TEST_F(TableBesideTheCard, GoesOnToTheNextCardOfTheTableAsItIsFilteredAndSorted)
   EXPECT_EQ(clerk_.status(), "C'est la première fiche du tableau.");
 }
 
+// The question that leaves a card names no line.
+TEST_F(TableBesideTheCard, DoesNotTakeTheClerkAwayFromALineThatIsBeingEntered) {
+  search("huet");
+  press(Qt::Key_Down);
+  press(Qt::Key_Return);
+  const std::string card = open();
+  clerk_.click("Cmd_AjAct");
+  clerk_.put("Txt_Pourc", "10");
+  action("Fiche suivante").trigger();
+  EXPECT_EQ(open(), card);
+  EXPECT_EQ(clerk_.status(), "Confirmez ou abandonnez d'abord la ligne en cours de saisie.");
+  clerk_.click("Cmd_AnnulAct");
+  EXPECT_EQ(clerk_.status(), "") << "it holds no longer";
+  action("Fiche suivante").trigger();
+  EXPECT_NE(open(), card);
+  filter().setText("xyz:abc");
+  settle();
+  EXPECT_EQ(count(), "0 sur 177 – « xyz:abc » n'est ni une colonne ni une comparaison");
+}
+
 // One that has left the table is followed by what has come up into its place.
 TEST_F(TableBesideTheCard, GoesOnFromWhereASavedCardHasLeftTheTable) {
   search("huet nom:l");

@@ -1,5 +1,6 @@
 // The past of the open card and deleted cards, as a clerk takes them back.
 #include <QAction>
+#include <QComboBox>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QTableWidget>
@@ -229,6 +230,19 @@ TEST_F(PastOfCards, TheCardThatWasDeletedLastComesBackFromTheStatusBarOrByTheSam
   database_.OpenFile("VELANORO")->DeleteRecord("000010012026");
   clerk_.open_card("00002");
   EXPECT_FALSE(action("Annuler").isEnabled());
+}
+
+TEST_F(PastOfCards, TheKeysThatOpenedACardAreNoTextToBeTakenBack) {
+  clerk_.type("Txt_Asso", "001");
+  auto& years = clerk_.widget<QComboBox>("Cbo_Periode");
+  years.setCurrentIndex(1);
+  emit years.activated(1);
+  clerk_.type("Txt_Aidant", "00001");
+  ASSERT_EQ(window_.component().state(), control::State::kReading);
+  auto& code = clerk_.widget<QLineEdit>("Txt_Aidant");
+  EXPECT_FALSE(code.isUndoAvailable());
+  code.undo();
+  EXPECT_EQ(window_.component().state(), control::State::kReading);
 }
 
 TEST_F(PastOfCards, AFieldTellsWhatItWasAndTheSplitWhatItLeaves) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "velanor/controle_velanor_widget.h"
+#include "velanor/screen.h"
 
 namespace velanor::app {
 
@@ -11,6 +12,17 @@ inline const QString kFinishFirst = QStringLiteral("Terminez d'abord ce qui est 
 // A message, a form, or an act of the rules.
 inline bool is_busy(qt::ControleVelanorWidget& component) {
   return component.open_message() || component.open_sheet() || component.screen().acting();
+}
+
+// A line is being entered that would be lost with its card, though the question names the card alone.
+inline const QString kEndLineFirst =
+    QStringLiteral("Confirmez ou abandonnez d'abord la ligne en cours de saisie.");
+inline bool would_lose_line(qt::ControleVelanorWidget& component) {
+  const screen::Form& card = component.screen().base();
+  for (const char* confirm : {"Cmd_OkDetail", "Cmd_OkAct"}) {
+    if (const auto* button = card.find(confirm); button && button->enabled()) return component.modified();
+  }
+  return false;
 }
 
 // A message waits, perhaps within a change of the base: who would read it on his own account looks again

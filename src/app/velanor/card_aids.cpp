@@ -27,6 +27,7 @@ CardAids::CardAids(Component& component, store::Database& database, QObject* par
       history_(make("&Historique du champ", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_H),
                     "Ce que le champ en cours contenait auparavant", &CardAids::show_field_history)) {
   connect(&component_, &Component::acted, this, &CardAids::update);
+  connect(&component_, &Component::message_opened, this, &CardAids::update);
   update();
 }
 
@@ -52,10 +53,11 @@ void CardAids::add_to(QMenu& menu) {
 void CardAids::update() {
   using control::State;
   const State state = component_.state();
-  const bool entered = state == State::kEditing || state == State::kCreating;
+  const bool waits = component_.open_message() != nullptr;
+  const bool entered = !waits && (state == State::kEditing || state == State::kCreating);
   remainder_->setEnabled(entered);
   items_->setEnabled(entered);
-  history_->setEnabled(database_.history() && !component_.card_id().isEmpty());
+  history_->setEnabled(!waits && database_.history() && !component_.card_id().isEmpty());
 }
 
 void CardAids::put_remainder() { emit told(component_.put_remainder()); }
@@ -71,7 +73,7 @@ void CardAids::show_field_history() {
   if (component_.open_message()) return;
   const auto field = component_.field_in_hand();
   const card::Field* const named = field ? card::card_field(field->attribute) : nullptr;
-  if (!named) return emit told("Placez-vous d'abord sur un champ enregistré de la fiche.");
+  if (!named) return emit refused("Placez-vous d'abord sur un champ enregistré de la fiche.");
   const QString name = to_qt(named->name);
   const auto past =
       office::field_history(database_, from_qt(component_.card_id()), {field->attribute, field->line});

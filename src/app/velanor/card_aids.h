@@ -20,14 +20,16 @@ class CardAids : public QObject {
   void add_to(QMenu& menu);
 
  signals:
-  // What happened, or what stands in the way, in a sentence.
+  // What happened, in a sentence, and what stands in the way.
   void told(const QString& sentence);
+  void refused(const QString& why);
 
  private:
   QAction* make(const QString& text, const QKeySequence& keys, const QString& hint, void (CardAids::*act)());
   void update();
   void put_remainder();
   void repeat_items();
+  QString monthly_time() const;
   void show_field_history();
   void pop_up(const QStringList& lines, const QStringList& values);
 

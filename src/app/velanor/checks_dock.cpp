@@ -269,6 +269,7 @@ bool ChecksDock::eventFilter(QObject* watched, QEvent* event) {
 void ChecksDock::open_chosen() try {
   const Finding* finding = chosen();
   if (!finding || !is_free()) return;
+  if (would_lose_line(component_)) return emit told(kEndLineFirst);
   // A copy: while the component asks, the cards may be looked at anew.
   const Finding wanted = *finding;
   const ShownYear at = year_;

@@ -146,6 +146,10 @@ void EmployeesDock::follow_component() {
   connect(&component_, &Component::message_closed, this, soon);
   const auto renew = [this](const QString& id) { reading_.renew_card(id); };
   connect(&component_, &Component::card_saved, this, renew);
+  // One that was deleted may have been brought back.
+  connect(&component_, &Component::card_opened, this, [this, renew](const QString& id) {
+    if (!id.isEmpty() && table_->cards().row_of(id) < 0) renew(id);
+  });
   connect(&component_, &Component::card_deleted, this, renew);
   connect(&component_, &Component::card_copied, this,
           [renew](const QString&, const QString&, const QString& copy) { renew(copy); });
@@ -182,7 +186,10 @@ void EmployeesDock::update_count() {
   const auto reach = reading_.reach();
   if (!reach) return count_->clear();
   if (reach == kNobody) return count_->setText("Choisissez une entité et une année budgétaire.");
-  count_->setText(QString("%1 sur %2").arg(table_->cards().rowCount()).arg(table_->cards().total()));
+  QString told = QString("%1 sur %2").arg(table_->cards().rowCount()).arg(table_->cards().total());
+  if (const QString word = table_->cards().misread(); !word.isEmpty())
+    told += QString(" – « %1 » n'est ni une colonne ni une comparaison").arg(word);
+  count_->setText(told);
 }
 
 // ---- What it is asked for.

@@ -50,6 +50,10 @@ QString EmployeesModel::id(int row) const {
   return to_qt(employees_->id(shown_[static_cast<std::size_t>(row)]));
 }
 
+QString EmployeesModel::misread() const {
+  return filter_.misread().empty() ? QString() : qt::to_qt(filter_.misread().front());
+}
+
 int EmployeesModel::row_of(const QString& id) const {
   const std::string wanted = qt::from_qt(id);
   const auto found =

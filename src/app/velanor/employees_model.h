@@ -29,6 +29,8 @@ class EmployeesModel : public QAbstractTableModel {
 
   // The id of a card that is shown; "" for no row. And back, -1 where it is not shown.
   QString id(int row) const;
+  // The first word of the filter that asked for a column, as it seems, and was taken for a text; "" for none.
+  QString misread() const;
   int row_of(const QString& id) const;
   int total() const { return employees_ ? employees_->count() : 0; }
   std::string cell(int row, int column) const;

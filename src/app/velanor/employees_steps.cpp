@@ -40,6 +40,7 @@ void EmployeesSteps::open(int row) try {
   const QString id = table_.cards().id(row);
   if (id.isEmpty()) return;
   if (is_busy(component_)) return emit told(kFinishFirst);
+  if (would_lose_line(component_)) return emit told(kEndLineFirst);
   const QPointer<EmployeesSteps> self(this);
   const auto opening =
       component_.open(id.mid(kEmployee, kEntity), id.mid(kEmployee + kEntity), id.left(kEmployee));

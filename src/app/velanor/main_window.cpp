@@ -304,6 +304,15 @@ void MainWindow::follow_card() {
   });
   connect(restore_, &QAbstractButton::clicked, workplace_->steps, &CardSteps::take_back_deletion);
   connect(workplace_->aids, &CardAids::told, this, &MainWindow::tell);
+  // What stood in the way does not stand there for ever.
+  connect(workplace_->aids, &CardAids::refused, this, [this](const QString& why) {
+    tell(why);
+    refusal_ = why;
+  });
+  connect(component, &Component::acted, this, [this] {
+    if (const QString why = std::exchange(refusal_, {}); !why.isEmpty() && told_->text() == why) tell({});
+    wipe_what_no_longer_holds();
+  });
   connect(component, &Component::card_copied, this,
           [this](const QString&, const QString& title, const QString& copy) {
             tell("Fiche " + title + " copiée sur le code " + copy.left(kEmployeeCode));
@@ -325,7 +334,9 @@ void MainWindow::tell(const QString& sentence) {
 }
 
 void MainWindow::wipe_what_no_longer_holds() {
-  if (told_->text() == kFinishFirst && !(is_started() && is_busy(component()))) tell({});
+  const bool started = is_started();
+  if (told_->text() == kFinishFirst && !(started && is_busy(component()))) tell({});
+  if (told_->text() == kEndLineFirst && !(started && would_lose_line(component()))) tell({});
 }
 
 // ---- Leaving.

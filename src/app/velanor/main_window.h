@@ -121,6 +121,7 @@ class MainWindow : public QMainWindow {
   QPushButton* restore_;  // the card that was deleted last, as long as that is told
   WorkBar* work_;
   QString source_, folder_;
+  QString refusal_;  // that was told last, until something is done
   bool has_backups_ = false;
   QPointer<HelpWindow> help_;
   Leaving leaving_ = Leaving::kNot;  // as soon as the message that waits is answered

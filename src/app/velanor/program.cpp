@@ -31,7 +31,7 @@ using qt::from_qt, qt::to_qt;
 const QString kTitle = QStringLiteral("Fiches du personnel");
 
 QString own_folder() {
-  const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+  QString folder = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
   QDir().mkpath(folder);
   return folder;
 }

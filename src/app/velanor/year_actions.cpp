@@ -61,7 +61,10 @@ void YearActions::go(Step step) try {
   const int line = line_of(step);
   if (is_busy(component_)) return emit told(kFinishFirst);
   if (component_.state() != control::State::kNone || !years_.usable() || line < 0) return;
-  (void)screen::Hand(component_.screen()).choose(years_, line);
+  screen::Hand hand(component_.screen());
+  if (!hand.choose(years_, line).empty()) return;
+  // What is typed next is the code of an employee.
+  if (auto* employee = component_.screen().base().find("Txt_Aidant")) (void)hand.focus(*employee);
 } catch (const std::exception& error) {
   emit told(qt::to_qt(text::failure_sentence(error)));
 }

@@ -9,6 +9,7 @@
 #include <QScrollBar>
 #include <algorithm>
 
+#include "app/velanor/busy.h"
 #include "app/velanor/hours_calculator.h"
 #include "app/velanor/shown_year.h"
 #include "app/velanor/year_table.h"
@@ -122,7 +123,8 @@ void YearDock::showEvent(QShowEvent* event) {
 
 // Within an act its end is still to come.
 void YearDock::renew() try {
-  if (!isVisible() || component_.screen().acting()) return;
+  if (!isVisible()) return;
+  if (component_.screen().acting()) return soon_.start(kPatience);
   const store::DbRecord card = component_.card_as_entered();
   if (component_.state() == control::State::kNone || card.empty()) return show_none();
   show_card(card);

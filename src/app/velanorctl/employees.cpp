@@ -69,6 +69,10 @@ int employees(const Options& options) {
   Employees employees(*database);
   database->in_one_view([&] { read(employees, {options.entity, options.year}); });
   const office::Filter filter(CLI::detail::join(options.words, " "), employees.today());
+  for (const std::string& word : filter.misread()) {
+    std::cerr << "Remarque : « " << word
+              << " » n'est ni une colonne ni une comparaison, et est cherché comme un texte.\n";
+  }
   const auto rows = filter.filtered(employees, employees.sorted(sorting));
   if (options.workbook.empty()) return print(employees, rows), 0;
   if (!is_workbook(options.workbook)) {
@@ -101,7 +105,9 @@ void add_employees(CLI::App& program, int& status) {
   command
       ->add_option("--xlsx", options->workbook,
                    "Écrit le tableau dans ce classeur de tableur, au lieu de l'afficher")
-      ->type_name("FICHIER");
+      ->type_name("FICHIER")
+      ->check(
+          [](const std::string& file) { return file.empty() ? "le nom du classeur manque" : std::string(); });
   command
       ->add_option(
           "FILTRE", options->words,
