@@ -99,6 +99,8 @@ void MainWindow::start() {
     throw;
   }
   start_page_->show_failure({});
+  // Behind the component it asks for no room.
+  start_page_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
   update_count();
 }
 
@@ -120,6 +122,7 @@ void MainWindow::release() {
   menus_.reset();
   work_->clear();
   workplace_.reset();
+  start_page_->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
   pages_->setCurrentWidget(start_page_);
   source_.clear();
   mode_->clear();
