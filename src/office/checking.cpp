@@ -9,61 +9,98 @@
 namespace velanor::office {
 
 using store::DbRecord;
-namespace {
 
-store::DbResult ids_of(store::Database& database, std::string_view file, std::string_view suffix) {
-  const std::string these = suffix.empty() ? "" : " AVEC 0 = " + store::quoted_end(suffix);
-  return database.Select(
+Checking::Checking(store::Database& database, std::string_view id_suffix, const entry::Clock& clock,
+                   int days_ahead)
+    : database_(database),
+      suffix_(id_suffix),
+      check_(database, clock),
+      warnings_(database, check_.today(), check_.reference_day(), days_ahead),
+      found_(select(exchange::kCardFile)),
+      cards_(database.OpenFile(exchange::kCardFile)),
+      aside_file_(database.OpenFile(kAsidesFile)) {
+  for (int i = 1; i <= found_.DCount(); ++i) ids_.emplace_back(found_(i));
+  std::sort(ids_.begin(), ids_.end());
+  const store::DbResult with_asides = select(kAsidesFile);
+  for (int i = 1; i <= with_asides.DCount(); ++i) read_asides(with_asides(i));
+}
+
+store::DbResult Checking::select(std::string_view file) const {
+  const std::string these = suffix_.empty() ? "" : " AVEC 0 = " + store::quoted_end(suffix_);
+  return database_.Select(
       store::DbQuery("SSELECT " + std::string(file) + these + " PAR 0", file, "0").encoded());
 }
 
-}  // namespace
+bool Checking::is_stale() const { return !select(exchange::kCardFile).same_rows(found_); }
 
-Checking::Checking(store::Database& database, std::string_view id_suffix, const entry::Clock& clock)
-    : check_(database, clock),
-      warnings_(database, check_.today(), check_.reference_day()),
-      ids_(ids_of(database, exchange::kCardFile, id_suffix)),
-      cards_(database.OpenFile(exchange::kCardFile)) {
-  const auto asides = database.OpenFile(kAsidesFile);
-  const store::DbResult with_asides = ids_of(database, kAsidesFile, id_suffix);
-  for (int i = 1; i <= with_asides.DCount(); ++i) {
-    if (auto record = asides->find(with_asides(i))) asides_.emplace(with_asides(i), std::move(*record));
-  }
+void Checking::read_asides(std::string_view id) {
+  if (auto record = aside_file_->find(id)) asides_.insert_or_assign(std::string(id), std::move(*record));
 }
 
 // Behind the card before it is read: a damaged one must not be met again and again.
 bool Checking::step() {
   if (done()) return false;
-  const std::string id(ids_(next_++));
-  if (const auto card = cards_->find(id)) look_at(id, *card);
+  look_at(ids_[next_++]);
   return true;
 }
 
-void Checking::look_at(const std::string& id, const DbRecord& card) {
-  const std::string name(element(card, card::kName));
-  const std::vector<card::Fault> faults = check_.faults_of(id, card);
-  complete_ += faults.empty() ? 1 : 0;
-  for (const card::Fault& fault : faults) findings_.push_back({id, name, fault});
-  for (const Warning& warning : warnings_.of(id, card)) warn(id, name, warning);
-  namesakes_.note(id, card);
+// A card that has come among those looked at is looked at, and one behind them when its turn comes.
+void Checking::renew(std::string_view id) {
+  if (!card::is_record_id(id) || !id.ends_with(suffix_)) return;
+  const auto place = std::lower_bound(ids_.begin(), ids_.end(), id);
+  const auto at = static_cast<std::size_t>(place - ids_.begin());
+  const bool known = place != ids_.end() && *place == id, behind = at >= next_;
+  forget(id);
+  read_asides(id);
+  // One that cannot be read is behind it as well.
+  if (known && !behind) incomplete_.emplace(id), unread_.emplace(id);
+  const bool stands = cards_->find(id).has_value();
+  if (known && !stands) ids_.erase(place), forget(id);
+  if (!known && stands) ids_.emplace(place, id);
+  if (behind) return;
+  if (known != stands) stands ? ++next_ : --next_;
+  if (stands) look_at(std::string(id));
 }
 
-void Checking::warn(const std::string& id, const std::string& name, const Warning& warning) {
+void Checking::forget(std::string_view id) {
+  std::erase_if(findings_, [&](const Finding& finding) { return finding.id == id; });
+  namesakes_.forget(id);
+  for (Ids* ids : {&incomplete_, &unread_}) {
+    if (const auto old = ids->find(id); old != ids->end()) ids->erase(old);
+  }
+  if (const auto old = asides_.find(id); old != asides_.end()) asides_.erase(old);
+}
+
+void Checking::look_at(const std::string& id) {
+  incomplete_.insert(id);
+  unread_.insert(id);
+  const auto card = cards_->find(id);
+  unread_.erase(id);
+  if (!card) return;
+  const std::string name(element(*card, card::kName));
+  const std::vector<card::Fault> faults = check_.faults_of(id, *card);
+  if (faults.empty()) incomplete_.erase(id);
+  for (const card::Fault& fault : faults) findings_.push_back({id, name, fault});
+  for (const Warning& warning : warnings_.of(id, *card)) findings_.push_back(finding(id, name, warning));
+  namesakes_.note(id, *card);
+}
+
+Finding Checking::finding(const std::string& id, const std::string& name, const Warning& warning) const {
   Finding finding{id, name, warning.remark, warning.kind, {}};
   if (const auto record = asides_.find(id); record != asides_.end()) {
     for (Aside& aside : asides_in(record->second, name)) {
       if (aside.kind == warning.kind) finding.aside = std::move(aside);
     }
   }
-  findings_.push_back(std::move(finding));
+  return finding;
 }
 
-std::vector<Finding> Checking::take_findings() {
-  for (const auto& [id, name, warning] : namesakes_.found()) warn(id, name, warning);
-  std::stable_sort(findings_.begin(), findings_.end(), [](const Finding& a, const Finding& b) {
+std::vector<Finding> Checking::in_order(std::vector<Finding> findings) const {
+  for (const auto& [id, name, warning] : namesakes_.found()) findings.push_back(finding(id, name, warning));
+  std::stable_sort(findings.begin(), findings.end(), [](const Finding& a, const Finding& b) {
     return std::tie(a.id, a.warning) < std::tie(b.id, b.warning);
   });
-  return std::move(findings_);
+  return findings;
 }
 
 std::string completeness(int complete, int cards) {

@@ -221,6 +221,14 @@ void Namesakes::note(std::string_view id, const DbRecord& card) {
   std::string key(card::entity_of(id));
   key.append(card::year_of(id)).append(1, '\n').append(birth).append(1, '\n').append(text::folded(name));
   cards_[key].push_back({std::string(id), std::string(element(card, card::kName))});
+  keys_.insert_or_assign(std::string(id), std::move(key));
+}
+
+void Namesakes::forget(std::string_view id) {
+  const auto key = keys_.find(id);
+  if (key == keys_.end()) return;
+  std::erase_if(cards_[key->second], [&](const Card& card) { return card.id == id; });
+  keys_.erase(key);
 }
 
 std::vector<Namesakes::Found> Namesakes::found() const {

@@ -51,7 +51,8 @@ struct Warning {
 // Judges cards one by one. What it says holds for the payroll items as they were when it was made.
 class Warnings {
  public:
-  static constexpr int kDaysAhead = 60;
+  // A contract ends soon when it does within so many days.
+  static constexpr int kDaysAhead = 60, kLeastAhead = 1, kMostAhead = 366;
   // `today` and `reference_day` (the reference date of the budget) are day numbers.
   Warnings(store::Database& database, int today, int reference_day, int days_ahead = kDaysAhead);
 
@@ -68,6 +69,8 @@ class Warnings {
 class Namesakes {
  public:
   void note(std::string_view id, const store::DbRecord& card);
+  // Nothing for a card that was not noted.
+  void forget(std::string_view id);
   struct Found {
     std::string id, name;
     Warning warning;  // kTwoCards
@@ -79,7 +82,8 @@ class Namesakes {
   struct Card {
     std::string id, name;
   };
-  std::map<std::string, std::vector<Card>> cards_;  // by entity, year, name and birth
+  std::map<std::string, std::vector<Card>> cards_;        // by entity, year, name and birth
+  std::map<std::string, std::string, std::less<>> keys_;  // of the cards, by id
 };
 
 }  // namespace velanor::office

@@ -1,7 +1,9 @@
 // The checks under the card, as a clerk goes through them by the keyboard.
 #include <QAction>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QTableWidget>
 
 #include "app/clerk.h"
@@ -110,16 +112,55 @@ TEST_F(ChecksOfAYear, AWarningOfAnAmendmentLeadsToItsLine) {
   EXPECT_EQ(rates.index(), 1);
 }
 
-TEST_F(ChecksOfAYear, WhatIsMendedAndSavedIsToldNoMore) {
-  const std::string profile(database_.OpenFile("VELANORO")->Read("000010012026")(19));
+TEST_F(ChecksOfAYear, TheCardThatIsSavedIsLookedAtAgain) {
+  clerk_.open_card("00001");
+  press_f8();
+  const std::string before = heading();
+  clerk_.put("Txt_HorMensEtab", "1");
+  clerk_.click("Cmd_OK");
+  settle();
+  EXPECT_GE(line_of("00001", "Les heures mensuelles dépassent"), 0) << heading();
+  EXPECT_NE(heading(), before);
+}
+
+TEST_F(ChecksOfAYear, FollowsTheYearOnTheScreenWhatOthersSaveAndTheDays) {
   clerk_.open_card("00001");
   press_f8();
   ASSERT_GE(line_of("00002", kProfile), 0);
-  change([&](store::DbRecord& card) { card.set(19, profile); });
-  clerk_.put("Txt_HorMensEtab", "140");
-  clerk_.click("Cmd_OK");
+  clerk_.answer_next(screen::Answer::Yes);
+  clerk_.click("Cmd_Annul");
   settle();
-  EXPECT_EQ(line_of("00002", kProfile), -1);
+  auto& years = clerk_.widget<QComboBox>("Cbo_Periode");
+  const int year = years.currentIndex();
+  const auto at_year = [&](int index) {
+    years.setFocus();
+    years.setCurrentIndex(index);
+    emit years.activated(index);
+    settle();
+  };
+  at_year(year == 0 ? 1 : 0);
+  EXPECT_TRUE(until([&] { return line_of("00002", kProfile) < 0; })) << heading();
+  at_year(year);
+  EXPECT_TRUE(until([&] { return line_of("00002", kProfile) >= 0; })) << heading();
+
+  const int today = *entry::day_number(entry::system_clock()());
+  store::SqliteDatabase other(folder_.file("base"));
+  store::DbRecord card = stored();
+  card.set(6, "D");
+  card.set(23, std::to_string(today + 90));
+  card.set(24, "01");
+  other.put("VELANORO", kId, card);
+  QEvent back(QEvent::WindowActivate);
+  QCoreApplication::sendEvent(&window_, &back);
+  constexpr const char* kSoon = "Le contrat à durée déterminée finit dans les 100 jours";
+  auto& days = *dock().findChild<QSpinBox*>("days_ahead");
+  days.setValue(100);
+  EXPECT_TRUE(until([&] { return line_of("00002", kSoon) >= 0; })) << heading();
+  EXPECT_EQ(window_.layout_now().days_ahead, 100);
+  card.set(23, std::to_string(today + 101));
+  other.put("VELANORO", kId, card);
+  QCoreApplication::sendEvent(&window_, &back);
+  EXPECT_TRUE(until([&] { return line_of("00002", kSoon) < 0; })) << heading();
 }
 
 TEST_F(ChecksOfAYear, WhoAnswersNoKeepsTheCardThatIsOpen) {

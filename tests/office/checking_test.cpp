@@ -92,6 +92,56 @@ TEST_F(CheckingOfAYear, WhatIsAFaultIsToldOnceAndKnowsItsPlace) {
   }
 }
 
+// Whatever becomes of a card, one that was looked at already and one whose turn is yet to come: what is told
+// in the end is what a check from the start tells.
+TEST_F(CheckingOfAYear, ACardThatIsWrittenMeanwhileIsLookedAtAgain) {
+  const std::string twin = "000000012026", late = "999990012026";
+  const auto cards = database_->OpenFile("VELANORO");
+  for (const int looked_at : {0, 50, 10'000}) {
+    SCOPED_TRACE(looked_at);
+    Checking checking(*database_, "0012026", [] { return entry::Date{1, 3, 2026}; });
+    for (int i = 0; i < looked_at && checking.step(); ++i) {
+    }
+    const auto agrees = [&] {
+      Checking all = Checking(*database_, "0012026", [] { return entry::Date{1, 3, 2026}; });
+      Checking& other = checking;
+      while (all.step()) {
+      }
+      if (!other.done()) return true;
+      const auto expected = all.findings(), told = other.findings();
+      return other.complete() == all.complete() && other.cards() == all.cards() &&
+             std::equal(expected.begin(), expected.end(), told.begin(), told.end(),
+                        [](const Finding& a, const Finding& b) {
+                          return a.id == b.id && a.fault.sentence() == b.fault.sentence() &&
+                                 a.aside.has_value() == b.aside.has_value();
+                        });
+    };
+    const auto renew = [&](std::string_view id) {
+      checking.renew(id);
+      EXPECT_TRUE(agrees()) << id;
+    };
+    change([](DbRecord& card) { card.set(19, ""), card.set(24, "01"), card.set(23, ""); });
+    renew(kCard);
+    for (const std::string& id : {twin, late}) {
+      cards->write(id, cards->Read(kCard));
+      renew(id);
+      renew(kCard);  // the same person
+    }
+    set_aside(*database_, kCard, {WarningKind::kReasonWithoutEnd, "anne", 21000});
+    renew(kCard);
+    while (checking.step()) {
+    }
+    EXPECT_TRUE(agrees());
+    for (const std::string& id : {twin, late}) {
+      cards->DeleteRecord(id);
+      renew(id);
+    }
+    renew(late);
+    renew("999990022026");
+    EXPECT_TRUE(checking.is_stale());
+  }
+}
+
 class SettingAside : public CheckingOfAYear {
  protected:
   void SetUp() override {

@@ -1,7 +1,9 @@
 // What check says of a base that somebody else has changed, from outside.
 #include "office/asides.h"
 #include "store/sqlite/connection.h"
+#include "velanor/date.h"
 #include "velanor/sqlite_database.h"
+#include "velanor/util_saisie.h"
 #include "velanorctl/program.h"
 
 namespace velanor::app {
@@ -69,6 +71,24 @@ TEST_F(Check, WarnsOnRequestOfWhatIsNoFault) {
   check = run("check --warnings --store base");
   EXPECT_EQ(check.status, 1);
   EXPECT_NE(check.output.find("978 sur 979 fiches complètes.\n"), std::string::npos) << check.output;
+}
+
+TEST_F(Check, TakesTheDaysWithinWhichAContractEndsSoon) {
+  {
+    store::SqliteDatabase base(folder_.file("base"));
+    store::DbRecord card = base.OpenFile("VELANORO")->Read("000010012026");
+    card.set(6, "D");
+    card.set(23, std::to_string(*entry::day_number(entry::system_clock()()) + 200));
+    card.set(24, "01");
+    base.put("VELANORO", "000010012026", card);
+  }
+  constexpr const char* kSoon = "000010012026 : Le contrat à durée déterminée finit dans les 201 jours";
+  EXPECT_NE(run("check --warnings --jours 201 --store base").output.find(kSoon), std::string::npos);
+  EXPECT_EQ(run("check --warnings --jours 199 --store base")
+                .output.find("000010012026 : Le contrat à durée déterminée finit dans les 199"),
+            std::string::npos);
+  EXPECT_NE(run("check --jours 60 --store base").status, 0) << "of warnings alone";
+  EXPECT_NE(run("check --warnings --jours 367 --store base").status, 0);
 }
 
 TEST_F(Check, SeesCalculationsWithoutACard) {

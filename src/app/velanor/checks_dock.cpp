@@ -13,12 +13,15 @@
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
 
 #include "app/velanor/busy.h"
+#include "app/velanor/card_news.h"
 #include "app/velanor/plain_table.h"
+#include "exchange/columns.h"
 #include "qt/strings.h"
 #include "store/sqlite/failure.h"
 #include "text/failure.h"
@@ -61,6 +64,7 @@ ChecksDock::ChecksDock(Component& component, store::Database& database, QWidget*
       component_(component),
       database_(database),
       heading_(new QLabel),
+      days_(new QSpinBox),
       table_(new PlainTable({"Fiche", "Nom", "Nature", "Remarque"}, "Contrôles")),
       aside_(new QPushButton),
       stop_(new QPushButton("Arrêter")),
@@ -68,49 +72,83 @@ ChecksDock::ChecksDock(Component& component, store::Database& database, QWidget*
   setObjectName("checks");
   lay_out();
   go_on_.setSingleShot(true);
+  follow_.setSingleShot(true);
   connect(&go_on_, &QTimer::timeout, this, &ChecksDock::look_on);
+  connect(&follow_, &QTimer::timeout, this, &ChecksDock::follow);
   connect(table_, &QTableWidget::itemSelectionChanged, this, &ChecksDock::show_choice);
   connect(table_, &QTableWidget::doubleClicked, this, &ChecksDock::open_chosen);
   connect(aside_, &QPushButton::clicked, this, &ChecksDock::change_aside);
   connect(stop_, &QPushButton::clicked, this, &ChecksDock::stop);
   connect(with_asides_, &QCheckBox::toggled, this, &ChecksDock::show_findings);
-  // When the act is over, so that the card is looked at as it stands then.
-  connect(&component_, &Component::card_saved, this, &ChecksDock::renew_if_shown, Qt::QueuedConnection);
-  connect(&component_, &Component::card_deleted, this, &ChecksDock::renew_if_shown, Qt::QueuedConnection);
-  connect(&component_, &Component::card_copied, this, &ChecksDock::renew_if_shown, Qt::QueuedConnection);
-  connect(
-      &component_, &Component::card_opened, this,
-      [this] {
-        const ShownYear now = shown_year(component_);
-        if (now.entity != year_.entity || now.year != year_.year) renew_if_shown();
-      },
-      Qt::QueuedConnection);
+  connect(days_, &QSpinBox::valueChanged, this, &ChecksDock::renew_all);
+  follow_component();
   show_choice();
+}
+
+void ChecksDock::follow_component() {
+  // When the act is over, so that the card is looked at as it stands then.
+  const auto renew = [this](const QString& id) { renew_card(id); };
+  connect(&component_, &Component::card_saved, this, renew, Qt::QueuedConnection);
+  connect(&component_, &Component::card_deleted, this, renew, Qt::QueuedConnection);
+  connect(
+      &component_, &Component::card_copied, this,
+      [renew](const QString&, const QString&, const QString& copy) { renew(copy); }, Qt::QueuedConnection);
+  app::follow_year(component_, *this, [this] { follow_.start(0); });
+  connect(&component_, &Component::message_closed, this, [this] { follow_.start(0); });
+}
+
+// What is found stands on the reference files as well.
+void ChecksDock::follow_others() {
+  if (news_) return;
+  news_ = new CardNews(component_, database_, this);
+  connect(news_, &CardNews::may_be_written, this, &ChecksDock::renew_if_stale);
+  connect(news_, &CardNews::written, this, [this](const QString& file, const QString& id) {
+    const std::string name = qt::from_qt(file);
+    const bool of_cards = name == exchange::kCardFile || name == office::kAsidesFile;
+    of_cards && !id.isEmpty() ? renew_card(id) : renew_all();
+  });
 }
 
 // No letters are underlined: those of the component are pressed all day.
 void ChecksDock::lay_out() {
   auto* body = new QWidget;
   auto* column = new QVBoxLayout(body);
-  auto* line = new QHBoxLayout;
-  heading_->setObjectName("completeness");
-  heading_->setTextFormat(Qt::PlainText);
-  aside_->setObjectName("aside");
-  aside_->setToolTip(
-      "Ctrl+Suppr dans le tableau : ce genre d'avertissement n'est plus compté pour cette fiche");
-  with_asides_->setObjectName("with_asides");
-  stop_->setVisible(false);
-  line->addWidget(heading_, 1);
-  line->addWidget(stop_);
-  line->addWidget(with_asides_);
-  line->addWidget(aside_);
-  column->addLayout(line);
+  column->addLayout(make_head());
   column->addWidget(table_, 1);
   column->setContentsMargins(6, 2, 6, 4);
   setWidget(body);
   table_->setMinimumHeight(2 * table_->verticalHeader()->defaultSectionSize());
   table_->installEventFilter(this);
+  days_->installEventFilter(this);
 }
+
+QLayout* ChecksDock::make_head() {
+  heading_->setObjectName("completeness");
+  heading_->setTextFormat(Qt::PlainText);
+  auto* soon = new QLabel("Fin de CDD proche :");
+  soon->setBuddy(days_);
+  days_->setObjectName("days_ahead");
+  days_->setAccessibleName("Fin de CDD proche, en jours");
+  days_->setRange(office::Warnings::kLeastAhead, office::Warnings::kMostAhead);
+  days_->setValue(office::Warnings::kDaysAhead);
+  days_->setSuffix(" jours");
+  days_->setKeyboardTracking(false);
+  days_->setToolTip("Avertit des contrats à durée déterminée qui finissent dans ce délai : de 1 à 366 jours");
+  aside_->setObjectName("aside");
+  aside_->setToolTip(
+      "Ctrl+Suppr dans le tableau : ce genre d'avertissement n'est plus compté pour cette fiche");
+  with_asides_->setObjectName("with_asides");
+  stop_->setVisible(false);
+  auto* line = new QHBoxLayout;
+  line->addWidget(heading_, 1);
+  for (QWidget* part : std::initializer_list<QWidget*>{stop_, soon, days_, with_asides_, aside_})
+    line->addWidget(part);
+  return line;
+}
+
+int ChecksDock::days_ahead() const { return days_->value(); }
+
+void ChecksDock::set_days_ahead(int days) { days_->setValue(days); }
 
 bool ChecksDock::is_free() {
   const bool free = !app::is_busy(component_);
@@ -140,36 +178,58 @@ void ChecksDock::show_at_first() {
 
 // ---- Looking at the cards.
 
-void ChecksDock::renew_if_shown() {
-  if (isVisible()) renew();
-}
-
 void ChecksDock::renew() try {
   stop();
+  follow_others();
+  all_anew_ = false;
+  written_.clear();
   year_ = shown_year(component_);
-  if (!year_.is_chosen()) return;
-  damaged_ = 0;
-  checking_ = std::make_unique<office::Checking>(database_, year_.entity + year_.year);
+  if (!year_.is_chosen()) return empty("Choisissez une entité et une année budgétaire.");
+  checking_ = std::make_unique<office::Checking>(database_, year_.entity + year_.year, entry::system_clock(),
+                                                 days_ahead());
   stop_->setVisible(true);
   look_on();
 } catch (const std::exception& error) {
   fail(to_qt(text::failure_sentence(error)));
 }
 
+// One that goes on is brought to its end first: who writes all the time would keep it from ever ending.
+void ChecksDock::follow() {
+  if (!isVisible()) return;
+  if (waits(component_) || component_.screen().acting()) return follow_.start(kPatience);
+  if (shown_year(component_) != year_) return renew();
+  if (all_anew_ && !is_at_work()) renew();
+}
+
+void ChecksDock::showEvent(QShowEvent* event) {
+  QDockWidget::showEvent(event);
+  follow_.start(0);
+}
+
+void ChecksDock::renew_all() {
+  all_anew_ = true;
+  follow_.start(kPatience);
+}
+
+void ChecksDock::renew_if_stale() try {
+  if (all_anew_ || !checking_ || waits(component_) || component_.screen().acting()) return;
+  if (checking_->is_stale()) renew_all();
+} catch (const std::exception& error) {
+  fail(to_qt(text::failure_sentence(error)));
+}
+
+void ChecksDock::renew_card(const QString& id) {
+  if (!checking_) return renew_all();
+  written_ << id;
+  if (isVisible()) go_on_.start(0);
+}
+
 // A message may wait within a change of the base.
 void ChecksDock::look_on() try {
   if (!checking_) return;
-  if (component_.open_message() || component_.screen().acting()) return go_on_.start(kPatience);
-  QElapsedTimer time;
-  time.start();
-  const int enough = checking_->looked_at() == 0 ? kFirst : kSlice;
-  while (!checking_->done() && time.elapsed() < enough) {
-    try {
-      checking_->step();
-    } catch (const store::sqlite::DamagedRecord&) {
-      ++damaged_;
-    }
-  }
+  if (waits(component_) || component_.screen().acting()) return go_on_.start(kPatience);
+  look_at_written();
+  look_at_more();
   if (checking_->done()) return finish();
   heading_->setText("Contrôle en cours : " + QString::number(checking_->looked_at()) + " sur " +
                     counted(checking_->cards(), "fiche"));
@@ -178,27 +238,60 @@ void ChecksDock::look_on() try {
   fail(to_qt(text::failure_sentence(error)));
 }
 
+// A damaged card is counted.
+void ChecksDock::look_at_written() {
+  for (const QString& id : std::exchange(written_, {})) {
+    try {
+      checking_->renew(qt::from_qt(id));
+    } catch (const store::sqlite::DamagedRecord&) {
+    }
+  }
+}
+
+void ChecksDock::look_at_more() {
+  QElapsedTimer time;
+  time.start();
+  const int enough = checking_->looked_at() == 0 ? kFirst : kSlice;
+  while (!checking_->done() && time.elapsed() < enough) {
+    try {
+      checking_->step();
+    } catch (const store::sqlite::DamagedRecord&) {
+    }
+  }
+}
+
 void ChecksDock::stop() {
   go_on_.stop();
   stop_->setVisible(false);
-  if (!std::exchange(checking_, nullptr)) return;
+  if (!is_at_work()) return;
+  checking_.reset();
+  all_anew_ = false;
   heading_->setText("Contrôle arrêté : F8 le recommence");
+}
+
+void ChecksDock::empty(const QString& why) {
+  checking_.reset();
+  findings_.clear();
+  show_findings();
+  heading_->setText(why);
 }
 
 void ChecksDock::finish() {
   heading_of_all_ = to_qt(office::completeness(checking_->complete(), checking_->cards()));
   for (const card::Fault& fault : checking_->faults_of_references())
     heading_of_all_ += " – " + to_qt(fault.sentence());
-  if (damaged_ > 0)
-    heading_of_all_ += " – " + counted(damaged_, "fiche") + " à réparer : « velanorctl check »";
-  findings_ = checking_->take_findings();
-  checking_.reset();
+  if (checking_->unread() > 0)
+    heading_of_all_ += " – " + counted(checking_->unread(), "fiche") + " à réparer : « velanorctl check »";
+  findings_ = checking_->findings();
   stop_->setVisible(false);
   show_findings();
+  if (all_anew_) follow_.start(kPatience);
 }
 
 void ChecksDock::fail(const QString& sentence) {
   stop();
+  checking_.reset();
+  written_.clear();
   heading_->setText(sentence);
 }
 
@@ -245,6 +338,9 @@ void ChecksDock::show_choice() {
 }
 
 bool ChecksDock::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == days_ && event->type() == QEvent::KeyPress &&
+      static_cast<const QKeyEvent&>(*event).key() == Qt::Key_Escape)
+    return table_->setFocus(), true;
   if (watched != table_ || event->type() != QEvent::KeyPress) return QDockWidget::eventFilter(watched, event);
   const auto& key = static_cast<const QKeyEvent&>(*event);
   switch (key.key()) {
@@ -313,10 +409,8 @@ void ChecksDock::change_aside() try {
     aside = office::Aside{kind, clerk(database_), *entry::day_number(entry::system_clock()())};
     office::set_aside(database_, id, *aside);
   }
-  for (Finding& other : findings_) {
-    if (other.id == id && other.warning == kind) other.aside = aside;
-  }
-  show_findings();
+  renew_card(to_qt(id));
+  look_on();
   emit told((aside ? "Mis de côté : " : "N'est plus de côté : ") +
             to_qt(std::string(office::name_of(kind).title)));
 } catch (const std::exception& error) {

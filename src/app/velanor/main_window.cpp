@@ -109,6 +109,7 @@ void MainWindow::start_docks() {
   EmployeesDock& employees = *workplace_->employees;
   employees.start();
   employees.set_columns(layout_.employees);
+  if (layout_.days_ahead > 0) workplace_->checks->set_days_ahead(layout_.days_ahead);
   if (layout_.docks.isEmpty() || !restoreState(layout_.docks)) {
     employees.setVisible(employees.has_cards());
     resizeDocks({&employees}, {kEmployeesWidth}, Qt::Horizontal);
@@ -135,7 +136,9 @@ void MainWindow::release() {
 }
 
 MainWindow::Layout MainWindow::layout_now() const {
-  return is_started() ? Layout{saveState(), workplace_->employees->columns()} : layout_;
+  return is_started()
+             ? Layout{saveState(), workplace_->employees->columns(), workplace_->checks->days_ahead()}
+             : layout_;
 }
 
 void MainWindow::follow_place() {

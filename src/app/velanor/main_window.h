@@ -57,6 +57,7 @@ class MainWindow : public QMainWindow {
   // `start` on.
   struct Layout {
     QByteArray docks, employees;
+    int days_ahead = 0;  // see ChecksDock; 0: not kept
   };
   Layout layout_now() const;
   void set_layout(const Layout& layout) { layout_ = layout; }

@@ -137,7 +137,7 @@ Program::Desk& Program::new_desk() {
   if (appearance_) window.set_appearance(*appearance_);
   window.set_recent(settings_.recent());
   follow(window);
-  window.set_layout({settings_.docks(), settings_.employees()});
+  window.set_layout({settings_.docks(), settings_.employees(), settings_.days_ahead()});
   desk.place.give_to(window, settings_.place());
   window.show();
   return desk;
@@ -393,6 +393,7 @@ void Program::closed(MainWindow& window) {
   const MainWindow::Layout layout = window.layout_now();
   settings_.set_docks(layout.docks);
   settings_.set_employees(layout.employees);
+  settings_.set_days_ahead(layout.days_ahead);
   if (const Desk* desk = desk_of(window); desk && desk->store && !desk->path.isEmpty())
     settings_.set_last(desk->path);
   QMetaObject::invokeMethod(

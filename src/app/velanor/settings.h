@@ -36,6 +36,9 @@ class Settings {
   void set_docks(const QByteArray& docks) { settings_.setValue("docks", docks); }
   QByteArray employees() const { return settings_.value("employees").toByteArray(); }
   void set_employees(const QByteArray& columns) { settings_.setValue("employees", columns); }
+  // Within how many days a contract ends soon; 0 where nothing was chosen.
+  int days_ahead() const { return settings_.value("days_ahead").toInt(); }
+  void set_days_ahead(int days) { settings_.setValue("days_ahead", days); }
 
  private:
   QSettings settings_{"velanor", "velanor"};

@@ -41,6 +41,7 @@ int report_records(const std::vector<store::SqliteDatabase::DamagedRecord>& dama
 struct Options {
   StoreOptions store;
   bool repair = false, warnings = false;
+  int days_ahead = office::Warnings::kDaysAhead;
 };
 
 std::string counted(int count, const std::string& noun) {
@@ -88,8 +89,8 @@ void print_warnings(const office::Checking& checking, const std::vector<office::
             << office::completeness(checking.complete(), checking.cards()) << ".\n";
 }
 
-int check_records(store::Database& database, bool warnings) {
-  office::Checking checking(database, {});
+int check_records(store::Database& database, const Options& options) {
+  office::Checking checking(database, {}, entry::system_clock(), options.days_ahead);
   for (const card::Fault& fault : checking.faults_of_references()) std::cout << fault.sentence() << "\n";
   look_at_all(checking);
   const std::vector<office::Finding> findings = checking.take_findings();
@@ -97,7 +98,7 @@ int check_records(store::Database& database, bool warnings) {
   print(list);
   const auto lost = office::calculations_without_card(database);
   for (const std::string& sentence : lost) std::cout << sentence << "\n";
-  if (warnings) print_warnings(checking, findings);
+  if (options.warnings) print_warnings(checking, findings);
   const int faults = list.faults() + static_cast<int>(checking.faults_of_references().size() + lost.size());
   std::cout << "Fiches vérifiées : " << checking.cards() << ", fiches en faute : " << list.cards()
             << ", fautes : " << faults << ".\n";
@@ -117,7 +118,7 @@ void repair(store::SqliteDatabase& database) {
   std::cout << "Ce qui se déduit des enregistrements a été refait.\n";
 }
 
-int check_all(store::Database& database, bool warnings) {
+int check_all(store::Database& database, const Options& options) {
   auto* file = dynamic_cast<store::SqliteDatabase*>(&database);
   int status = 0;
   database.in_one_view([&] {
@@ -128,7 +129,7 @@ int check_all(store::Database& database, bool warnings) {
     }
     // A damaged reference file ends it: every card would seem wrong.
     try {
-      status = std::max(status, check_records(database, warnings));
+      status = std::max(status, check_records(database, options));
     } catch (const store::sqlite::DamagedRecord&) {
       std::cout
           << "Les fiches n'ont pas été vérifiées : rétablissez d'abord les enregistrements endommagés.\n";
@@ -139,10 +140,10 @@ int check_all(store::Database& database, bool warnings) {
 
 int check(const Options& options) {
   const StoreOptions& store = options.store;
-  if (!is_file(store)) return check_all(*open_named_store(store), options.warnings);
+  if (!is_file(store)) return check_all(*open_named_store(store), options);
   const auto database = open_to_examine(store.url);
   if (options.repair) repair(*database);
-  return check_all(*database, options.warnings);
+  return check_all(*database, options);
 }
 
 }  // namespace
@@ -155,9 +156,16 @@ void add_check(CLI::App& program, int& status) {
   command->add_flag(
       "--reparer", options->repair,
       "Refait d'abord, d'un seul tenant, ce qui se déduit des enregistrements : index, déclencheurs");
-  command->add_flag("--warnings", options->warnings,
-                    "Dit aussi les avertissements, qui ne changent pas le statut de sortie, et combien de "
-                    "fiches sont complètes");
+  auto* warnings = command->add_flag(
+      "--warnings", options->warnings,
+      "Dit aussi les avertissements, qui ne changent pas le statut de sortie, et combien de fiches sont "
+      "complètes");
+  command
+      ->add_option("--jours", options->days_ahead,
+                   "Avec --warnings : avertit des CDD qui finissent dans les N jours, de 1 à 366 ; 60 sinon")
+      ->type_name("N")
+      ->needs(warnings)
+      ->check(CLI::Range(office::Warnings::kLeastAhead, office::Warnings::kMostAhead));
   command->footer(
       "Les fautes sont rangées par sorte, les plus fréquentes d'abord. Statut de sortie : 0 rien n'est en\n"
       "faute, 1 une fiche ou un fichier de référence est en faute, 3 la base elle-même est endommagée.");
