@@ -125,6 +125,7 @@ void ChecksDock::lay_out() {
 QLayout* ChecksDock::make_head() {
   heading_->setObjectName("completeness");
   heading_->setTextFormat(Qt::PlainText);
+  heading_->setWordWrap(true);
   auto* soon = new QLabel("Fin de CDD proche :");
   soon->setBuddy(days_);
   days_->setObjectName("days_ahead");
