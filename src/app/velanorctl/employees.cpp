@@ -39,10 +39,12 @@ void read(Employees& employees, const Employees::Reach& reach) {
 void print(const Employees& employees, const std::vector<int>& rows) {
   const auto columns = columns_of(employees);
   std::vector<std::string> titles;
+  titles.reserve(columns.size());
   for (const office::Column column : columns) titles.emplace_back(office::kTitles[index_of(column)].title);
   TextTable table(std::move(titles));
   for (const int row : rows) {
     std::vector<std::string> cells;
+    cells.reserve(columns.size());
     for (const office::Column column : columns) cells.push_back(printable(employees.at(row, column).shown));
     table.add(std::move(cells));
   }
