@@ -18,7 +18,7 @@ struct Browsing {
     must(office.hand.type(office.ui.Txt_Asso, "001"));
   }
   static void must(const screen::Refusal& why) {
-    if (!why.empty()) throw std::runtime_error(why);
+    if (!why.empty()) throw std::runtime_error(why.why());
   }
   // The next employee of the list, opened as a click on it does.
   void choose() {
