@@ -118,6 +118,17 @@ void ComboEdit::showPopup() {
   before_choice();
   size_list(*view());
   QComboBox::showPopup();
+  put_bar_on_text();
+}
+
+// A text that was not chosen from the list has no line of its own there; Enter is to leave it as it is.
+void ComboEdit::put_bar_on_text() {
+  if (currentIndex() >= 0 || currentText().isEmpty()) return;
+  const int line = findText(currentText(), Qt::MatchExactly | Qt::MatchCaseSensitive);
+  if (line < 0) return;
+  const QModelIndex index = model()->index(line, 0);
+  view()->setCurrentIndex(index);
+  view()->scrollTo(index, QAbstractItemView::PositionAtCenter);
 }
 
 // The keys that open the list; left to the box they would open it past `before_opening`'s sight of them.

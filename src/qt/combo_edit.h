@@ -32,6 +32,7 @@ class ComboEdit : public QComboBox {
 
   // As wide as the lines need, within the window.
   void size_list(QWidget& list) const;
+  void put_bar_on_text();
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;

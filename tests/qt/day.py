@@ -84,7 +84,7 @@ def take_back(w):
     hours = w.fields()[HOURS]
     # Escape closes the list, and no more.
     w.key("alt+t", "Tab", "F4")
-    w.at("Agglomération")
+    w.at("Ouest")
     w.key("Escape")
     w.at("Secteur (libellé)")
     w.key("alt+h")

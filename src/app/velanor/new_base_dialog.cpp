@@ -64,7 +64,10 @@ NewBaseDialog::NewBaseDialog(const QString& folder, QWidget* parent)
   column->addWidget(told_);
   column->addWidget(work_);
   connect(work_, &TaskRunner::changed, this, &NewBaseDialog::update);
-  connect(work_, &TaskRunner::ended, this, &NewBaseDialog::tell);
+  connect(work_, &TaskRunner::ended, this, [this](const QString& sentence) {
+    tell(sentence);
+    if (!sentence.isEmpty()) path_->setFocus();
+  });
   column->addLayout(make_buttons());
   update();
   resize(kWidth, 1);

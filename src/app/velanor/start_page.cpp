@@ -137,7 +137,7 @@ QWidget* StartPage::make_recent() {
   column->setContentsMargins(0, 0, 0, 0);
   recent_title_ = heading("&Bases récentes", 1.1);
   recent_title_->setBuddy(recent_);
-  none_ = new QLabel("Aucune base n'a encore été ouverte.");
+  none_ = new QLabel("Aucune base récente.");
   recent_->setObjectName("start_recent");
   recent_->setAccessibleName("Bases récentes");
   recent_->setAccessibleDescription("Entrée ouvre la base, Suppr l'ôte de la liste");
