@@ -246,15 +246,12 @@ TEST_F(PostgresBase, HostileTextsComeBackAsWrittenOrAreRefusedWithASentence) {
                                "100%_\\",
                                "$1 $$ $body$",
                                "\\x00\\000",
-                               "a\xFE"
-                               "b\xFD"
-                               "c\xFC",
+                               std::string("a\xFE") + "b\xFD" + "c\xFC",
                                std::string("a\0b", 3),
                                "\xC3",
                                "\xED\xA0\x80",
                                "\xF4\x90\x80\x80",
-                               "\xE2\x80\xAE"
-                               "fiche\xE2\x80\x8F",
+                               std::string("\xE2\x80\xAE") + "fiche\xE2\x80\x8F",
                                "\xEF\xBF\xBF",
                                "e\xCC\x81",
                                " ",
@@ -390,7 +387,8 @@ TEST_F(PostgresBase, SelectionsOverKeptFilesCostNoRoundTripUntilSomebodyChangesT
   for (const std::string name : {"RUBSAISIE", "LARGE", "EMPTY"}) {
     SCOPED_TRACE(name);
     const auto agrees = [&](const std::string& conditions) {
-      const std::string statement = "SSELECT " + name + conditions;
+      std::string statement = "SSELECT ";
+      statement.append(name).append(conditions);
       EXPECT_EQ(all_of(*mine, statement, name), all_of(*others, statement, name)) << statement;
     };
     const auto trips_of = [&](const std::function<void()>& act) {
