@@ -3,6 +3,7 @@
 PACKAGES="g++ clang cmake ninja-build ccache clang-format clang-tidy
   libgtest-dev libbenchmark-dev libsqlite3-dev libpq-dev postgresql libcli11-dev pkg-config libxlsxwriter-dev
   qt6-base-dev qt6-tools-dev libgl-dev qt6-translations-l10n fonts-dejavu-core fonts-liberation
+  rapidjson-dev libsimdjson-dev libmsgpack-cxx-dev libprotobuf-dev protobuf-compiler
   poppler-utils xvfb jwm xdotool x11-xkb-utils dbus at-spi2-core python3-pyatspi"
 
 missing_packages() {

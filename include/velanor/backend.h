@@ -30,6 +30,12 @@ struct Row {
 
 enum class Content { kIdsOnly, kRecords };
 
+// A record that was written or removed: its id, and what stands under it now; nothing where it is gone.
+struct Change {
+  std::string_view id;
+  std::optional<std::string_view> encoded;
+};
+
 // Files of records by name. A file that was never written is empty, or an error where the backend knows
 // which files there are. Ids are compared byte by byte. Ids and records handed in are clean and hold for the
 // call alone; those handed out must be clean (see DbRecord::from_encoded for bytes that others may have
@@ -42,6 +48,7 @@ enum class Content { kIdsOnly, kRecords };
 class Backend {
  public:
   using Visit = std::function<void(const Row&)>;
+  using VisitChange = std::function<void(const Change&)>;
 
   virtual ~Backend() = default;
   // Before the first use of a file, as often as it is opened. Throws where the file cannot be used.
@@ -66,6 +73,11 @@ class Backend {
   // or an earlier one. Where every call is a journey, both are to be one.
   virtual std::uint64_t scan_if_changed(std::string_view file, std::optional<std::uint64_t> seen,
                                         const Narrowing& narrowing, Content content, const Visit& visit);
+  // Visits what stands now under each id that was written or removed since the file stood at the revision
+  // `seen`, once each, in any order, and returns the revision of what was visited. Nothing, and nothing
+  // visited, where the backend does not know it any more, or a scan would be cheaper: then that is done.
+  virtual std::optional<std::uint64_t> changes_since(std::string_view file, std::uint64_t seen,
+                                                     const VisitChange& visit);
   // Differs from every earlier answer for the file if the file has changed since, by whichever process: by
   // it a selection that was run before is known to be good still. Undoing a change is a change: what was
   // told inside it is never told again.

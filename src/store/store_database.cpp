@@ -72,6 +72,10 @@ void Backend::erase_each(std::string_view file, const std::vector<std::string>& 
   for (const std::string& id : ids) erase(file, id, Expected::anything());
 }
 
+std::optional<std::uint64_t> Backend::changes_since(std::string_view, std::uint64_t, const VisitChange&) {
+  return std::nullopt;
+}
+
 // Asked before the scan: what changes meanwhile makes what was visited old, not wrong.
 std::uint64_t Backend::scan_if_changed(std::string_view file, std::optional<std::uint64_t> seen,
                                        const Narrowing& narrowing, Content content, const Visit& visit) {
