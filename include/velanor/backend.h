@@ -31,7 +31,7 @@ struct Row {
 enum class Content { kIdsOnly, kRecords };
 
 // A record that was written or removed: its id, and what stands under it now; nothing where it is gone.
-struct Change {
+struct ChangedRow {
   std::string_view id;
   std::optional<std::string_view> encoded;
 };
@@ -48,7 +48,7 @@ struct Change {
 class Backend {
  public:
   using Visit = std::function<void(const Row&)>;
-  using VisitChange = std::function<void(const Change&)>;
+  using VisitChange = std::function<void(const ChangedRow&)>;
 
   virtual ~Backend() = default;
   // Before the first use of a file, as often as it is opened. Throws where the file cannot be used.
