@@ -19,6 +19,8 @@ class MemoryBackend : public Backend {
            const Expected& expected) override;
   bool erase(std::string_view file, std::string_view id, const Expected& expected) override;
   void scan(std::string_view file, const Narrowing& narrowing, Content content, const Visit& visit) override;
+  std::optional<std::uint64_t> changes_since(std::string_view file, std::uint64_t seen,
+                                             const VisitChange& visit) override;
   std::uint64_t revision(std::string_view file) override;
   void in_one_change(const std::function<void()>& writes) override;
   // Nobody else writes meanwhile.

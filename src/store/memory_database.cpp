@@ -70,6 +70,12 @@ void MemoryBackend::scan(std::string_view name, const Narrowing& narrowing, Cont
   if (MemoryFile* found = file(name)) found->scan(narrowing, content, visit);
 }
 
+std::optional<std::uint64_t> MemoryBackend::changes_since(std::string_view name, std::uint64_t seen,
+                                                          const VisitChange& visit) {
+  if (const MemoryFile* found = file(name)) return found->changes_since(seen, visit);
+  return seen == 0 ? std::optional<std::uint64_t>(0) : std::nullopt;
+}
+
 std::uint64_t MemoryBackend::revision(std::string_view name) {
   const MemoryFile* found = file(name);
   return found == nullptr ? 0 : found->revision();

@@ -95,6 +95,26 @@ const std::vector<MemoryRow*>* RowsBySuffix::find(const std::string& suffix) con
   return found == rows_.end() ? nullptr : &found->second;
 }
 
+void RevisionLog::note(std::string_view id) {
+  const auto at = static_cast<std::size_t>(revision_ % kRevisions);
+  if (at == ids_.size()) {
+    ids_.emplace_back(id);
+  } else {
+    ids_[at] = id;
+  }
+  ++revision_;
+}
+
+std::optional<std::vector<std::string_view>> RevisionLog::ids_since(std::uint64_t revision) const {
+  if (revision > revision_ || revision_ - revision > kRevisions) return std::nullopt;
+  std::vector<std::string_view> ids;
+  for (; revision < revision_; ++revision)
+    ids.push_back(ids_[static_cast<std::size_t>(revision % kRevisions)]);
+  std::sort(ids.begin(), ids.end());
+  ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
+  return ids;
+}
+
 std::optional<DbRecord> MemoryFile::find(std::string_view id) const {
   const MemoryRow* row = by_id_.find(id);
   if (row == nullptr) return std::nullopt;
@@ -102,7 +122,8 @@ std::optional<DbRecord> MemoryFile::find(std::string_view id) const {
 }
 
 void MemoryFile::put(std::string_view id, std::string_view encoded) {
-  ++revision_;
+  // Noted first: a change that then fails for want of memory is looked at for nothing, none is missed.
+  log_.note(id);
   MemoryRow* row = by_id_.find(id);
   if (row == nullptr) row = new_row(id);
   arena_.store(row->slot, encoded);
@@ -124,7 +145,7 @@ MemoryRow* MemoryFile::new_row(std::string_view id) {
 void MemoryFile::erase(std::string_view id) {
   MemoryRow* row = by_id_.find(id);
   if (row == nullptr) return;
-  ++revision_;
+  log_.note(id);
   for (auto& [length, index] : by_suffix_) {
     if (index) index->erase(row);
   }
@@ -150,6 +171,17 @@ void MemoryFile::scan(const Narrowing& narrowing, Content content, const Backend
     return;
   }
   by_id_.for_each(narrowing.kind == Narrowing::Kind::kIdPrefix ? narrowing.text : "", visit_this);
+}
+
+std::optional<std::uint64_t> MemoryFile::changes_since(std::uint64_t seen,
+                                                       const Backend::VisitChange& visit) const {
+  const auto ids = log_.ids_since(seen);
+  if (!ids) return std::nullopt;
+  for (const std::string_view id : *ids) {
+    const MemoryRow* row = by_id_.find(id);
+    visit({id, row == nullptr ? std::nullopt : std::optional(arena_.bytes(row->slot))});
+  }
+  return revision();
 }
 
 const RowsBySuffix* MemoryFile::suffix_index(std::size_t length) {

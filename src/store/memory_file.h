@@ -60,6 +60,23 @@ class RowsBySuffix {
   std::unordered_map<std::string, std::vector<MemoryRow*>> rows_;
 };
 
+// Which id each of the latest revisions wrote or removed.
+class RevisionLog {
+ public:
+  static constexpr std::size_t kRevisions = 1024;
+
+  // As the next revision.
+  void note(std::string_view id);
+  std::uint64_t revision() const { return revision_; }
+  // Each id that was noted since the revision, once; nothing where the log does not reach back so far.
+  std::optional<std::vector<std::string_view>> ids_since(std::uint64_t revision) const;
+
+ private:
+  // A ring, made as it fills; revision r stands at (r - 1) % kRevisions.
+  std::vector<std::string> ids_;
+  std::uint64_t revision_ = 0;
+};
+
 // Records lie encoded in an arena. An index of suffixes is built when a scan first asks for its
 // length, and kept from then on.
 class MemoryFile {
@@ -68,8 +85,9 @@ class MemoryFile {
   void put(std::string_view id, std::string_view encoded);
   void erase(std::string_view id);
   void scan(const Narrowing& narrowing, Content content, const Backend::Visit& visit);
+  std::optional<std::uint64_t> changes_since(std::uint64_t seen, const Backend::VisitChange& visit) const;
   std::size_t size() const { return size_; }
-  std::uint64_t revision() const { return revision_; }
+  std::uint64_t revision() const { return log_.revision(); }
 
  private:
   MemoryRow* new_row(std::string_view id);
@@ -83,7 +101,7 @@ class MemoryFile {
   Arena arena_;
   RowsById by_id_;
   std::map<std::size_t, std::optional<RowsBySuffix>> by_suffix_;
-  std::uint64_t revision_ = 0;
+  RevisionLog log_;
 };
 
 }  // namespace velanor::store

@@ -98,6 +98,68 @@ TEST(MemoryFile, AgreesWithAPlainMapThroughRandomWrites) {
   }
 }
 
+// What was changed since any moment, against the states that a map was in.
+TEST(MemoryFile, TellsWhatHasChangedSinceAsFarBackAsItRemembers) {
+  constexpr std::size_t kRemembered = RevisionLog::kRevisions;
+  std::mt19937 random(11);
+  MemoryFile file;
+  std::map<std::string, std::string> plain;
+  std::map<std::uint64_t, std::map<std::string, std::string>> states{{0, {}}};
+  for (int step = 0; step < 5000; ++step) {
+    const std::string id = std::to_string(random() % 300);
+    if (random() % 3 == 0) {
+      file.erase(id);
+      plain.erase(id);
+    } else {
+      file.put(id, plain[id] = std::to_string(step));
+    }
+    if (step % 97 == 0) states[file.revision()] = plain;
+    if (step % 499 != 0) continue;
+    for (const auto& [seen, then] : states) {
+      auto followed = then;
+      std::map<std::string, int> visits;
+      const auto told = file.changes_since(seen, [&](const ChangedRow& change) {
+        const std::string changed(change.id);
+        EXPECT_EQ(++visits[changed], 1) << changed;
+        if (change.encoded) {
+          followed[changed] = *change.encoded;
+        } else {
+          followed.erase(changed);
+        }
+      });
+      ASSERT_EQ(told.has_value(), file.revision() - seen <= kRemembered) << seen;
+      if (!told) {
+        EXPECT_TRUE(visits.empty());
+        continue;
+      }
+      EXPECT_EQ(*told, file.revision());
+      EXPECT_EQ(followed, plain) << "since " << seen;
+      EXPECT_LE(visits.size(), file.revision() - seen);
+    }
+  }
+  EXPECT_EQ(file.changes_since(file.revision() + 1, [](const ChangedRow&) { ADD_FAILURE(); }), std::nullopt);
+}
+
+TEST(MemoryBackend, TellsOfAChangeThatWasUndone) {
+  MemoryBackend backend;
+  EXPECT_EQ(backend.changes_since("SECTEUR", 0, [](const ChangedRow&) { ADD_FAILURE(); }), 0u);
+  EXPECT_EQ(backend.changes_since("SECTEUR", 1, [](const ChangedRow&) { ADD_FAILURE(); }), std::nullopt);
+  backend.put("SECTEUR", "1", record("Aide"), Expected::anything());
+  const std::uint64_t seen = backend.revision("SECTEUR");
+  EXPECT_THROW(backend.in_one_change([&] {
+    backend.put("SECTEUR", "1", record("Soins"), Expected::anything());
+    backend.put("SECTEUR", "2", record("Jardin"), Expected::anything());
+    throw DbError(kStoreFailure, "?");
+  }),
+               DbError);
+  std::map<std::string, std::string> changes;
+  const auto now = backend.changes_since("SECTEUR", seen, [&](const ChangedRow& change) {
+    changes[std::string(change.id)] = change.encoded.value_or("gone");
+  });
+  EXPECT_EQ(now, backend.revision("SECTEUR"));
+  EXPECT_EQ(changes, (std::map<std::string, std::string>{{"1", "Aide"}, {"2", "gone"}}));
+}
+
 TEST(Arena, StaysNearWhatIsStoredWhateverIsRewritten) {
   std::mt19937 random(3);
   Arena arena;
