@@ -1,5 +1,8 @@
 #include "velanor/memory_database.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "store/checked_writes.h"
 #include "store/memory_backend.h"
 
@@ -55,12 +58,13 @@ void MemoryBackend::in_one_change(const std::function<void()>& writes) {
 
 void MemoryBackend::undo() {
   in_change_ = false;
-  for (; !journal_.empty(); journal_.pop_back()) {
-    const auto& before = journal_.back();
-    if (before.record) {
-      put(before.file, before.id, *before.record, Expected::anything());
+  // Nothing of it is left for the next change, whatever gives out here.
+  const std::vector<Before> journal = std::exchange(journal_, {});
+  for (auto before = journal.rbegin(); before != journal.rend(); ++before) {
+    if (before->record) {
+      put(before->file, before->id, *before->record, Expected::anything());
     } else {
-      erase(before.file, before.id, Expected::anything());
+      erase(before->file, before->id, Expected::anything());
     }
   }
 }
@@ -110,8 +114,11 @@ std::vector<std::string> MemoryDatabase::files() { return backend_->files(); }
 
 void MemoryDatabase::for_each(std::string_view file,
                               const std::function<void(std::string_view id, const DbRecord&)>& fn) {
-  backend_->scan(file, {}, Content::kRecords,
-                 [&](const Row& row) { fn(row.id, DbRecord::from_trusted(std::string(row.encoded))); });
+  // What this backend visits stays until it is next written.
+  std::vector<Row> rows;
+  backend_->scan(file, {}, Content::kRecords, [&](const Row& row) { rows.push_back(row); });
+  std::sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) { return a.id < b.id; });
+  for (const Row& row : rows) fn(row.id, DbRecord::from_trusted(std::string(row.encoded)));
 }
 
 }  // namespace velanor::store

@@ -1,99 +1,51 @@
 #include "store/memory_file.h"
 
 #include <algorithm>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <new>
 
 namespace velanor::store {
 namespace {
 
-constexpr std::size_t kRowsPerBlock = 512;
-constexpr std::size_t kMaxSuffixIndexes = 4;
+// Before the bytes of an id and those of its record.
+using IdSize = std::uint32_t;
 
-constexpr std::size_t kPrefetched = 8;
+constexpr std::size_t kEnd = sizeof(std::uint64_t);
+constexpr std::size_t kPrefetched = 12;
+// With each change strings of so many bytes are moved: some more than what a change leaves as a hole.
+constexpr std::size_t kTidied = 6 * 1024;
 
 #if defined(__GNUC__)
-void prefetch(const MemoryRow* row) { __builtin_prefetch(row); }
+// The lines where a record begins and its first attributes stand; the processor fetches what follows.
+void prefetch(const char* bytes) {
+  __builtin_prefetch(bytes);
+  __builtin_prefetch(bytes + 64);
+}
 #else
-void prefetch(const MemoryRow*) {}
+void prefetch(const char*) {}
 #endif
 
-bool is_less(const MemoryRow* row, std::string_view id) { return row->id < id; }
+std::size_t hash_of_id(std::string_view id) { return std::hash<std::string_view>{}(id); }
+
+// Up to eight bytes at the beginning or the end of eight, the others 0.
+std::uint64_t at_beginning(std::string_view text) {
+  std::uint64_t bytes = 0;
+  std::memcpy(&bytes, text.data(), std::min(text.size(), kEnd));
+  return bytes;
+}
+
+std::uint64_t at_end(std::string_view text) {
+  std::array<char, kEnd> bytes{};
+  const std::size_t size = std::min(text.size(), kEnd);
+  std::memcpy(bytes.data() + kEnd - size, text.data() + text.size() - size, size);
+  std::uint64_t result;
+  std::memcpy(&result, bytes.data(), kEnd);
+  return result;
+}
 
 }  // namespace
-
-RowsById::Place RowsById::lower_bound(std::string_view id) const {
-  const auto ends_before = [](const Block& block, std::string_view sought) {
-    return block.back()->id < sought;
-  };
-  const auto block = std::lower_bound(blocks_.begin(), blocks_.end(), id, ends_before);
-  if (block == blocks_.end()) return {blocks_.size(), 0};
-  const auto row = std::lower_bound(block->begin(), block->end(), id, is_less);
-  return {static_cast<std::size_t>(block - blocks_.begin()), static_cast<std::size_t>(row - block->begin())};
-}
-
-MemoryRow* RowsById::find(std::string_view id) const {
-  const Place place = lower_bound(id);
-  if (place.block == blocks_.size()) return nullptr;
-  MemoryRow* row = blocks_[place.block][place.row];
-  return row->id == id ? row : nullptr;
-}
-
-void RowsById::insert(MemoryRow* row) {
-  Place place = lower_bound(row->id);
-  if (place.block == blocks_.size()) {
-    // Behind all others: a full last block is left full, as ids mostly come in order.
-    if (blocks_.empty() || blocks_.back().size() == kRowsPerBlock) blocks_.emplace_back();
-    return blocks_.back().push_back(row);
-  }
-  Block& block = blocks_[place.block];
-  block.insert(block.begin() + static_cast<std::ptrdiff_t>(place.row), row);
-  if (block.size() <= kRowsPerBlock) return;
-  const auto middle = block.begin() + kRowsPerBlock / 2;
-  Block upper(middle, block.end());
-  block.erase(middle, block.end());
-  blocks_.insert(blocks_.begin() + static_cast<std::ptrdiff_t>(place.block) + 1, std::move(upper));
-}
-
-void RowsById::erase(const MemoryRow* row) {
-  const Place place = lower_bound(row->id);
-  Block& block = blocks_[place.block];
-  block.erase(block.begin() + static_cast<std::ptrdiff_t>(place.row));
-  if (block.empty()) blocks_.erase(blocks_.begin() + static_cast<std::ptrdiff_t>(place.block));
-}
-
-template <class Visit>
-void RowsById::for_each(std::string_view prefix, Visit visit) const {
-  Place place = lower_bound(prefix);
-  for (; place.block < blocks_.size(); place = {place.block + 1, 0}) {
-    const Block& block = blocks_[place.block];
-    for (std::size_t i = place.row; i < block.size(); ++i) {
-      // Rows that came in another order lie far from each other.
-      prefetch(block[std::min(i + kPrefetched, block.size() - 1)]);
-      if (!block[i]->id.starts_with(prefix)) return;
-      visit(*block[i]);
-    }
-  }
-}
-
-void RowsBySuffix::insert(MemoryRow* row) {
-  if (row->id.size() < length_) return;
-  auto& rows = rows_[row->id.substr(row->id.size() - length_)];
-  // Mostly behind all others: an index is filled in order.
-  const bool is_last = rows.empty() || rows.back()->id < row->id;
-  rows.insert(is_last ? rows.end() : std::lower_bound(rows.begin(), rows.end(), row->id, is_less), row);
-}
-
-void RowsBySuffix::erase(const MemoryRow* row) {
-  if (row->id.size() < length_) return;
-  const auto found = rows_.find(row->id.substr(row->id.size() - length_));
-  auto& rows = found->second;
-  rows.erase(std::lower_bound(rows.begin(), rows.end(), row->id, is_less));
-  if (rows.empty()) rows_.erase(found);
-}
-
-const std::vector<MemoryRow*>* RowsBySuffix::find(const std::string& suffix) const {
-  const auto found = rows_.find(suffix);
-  return found == rows_.end() ? nullptr : &found->second;
-}
 
 void RevisionLog::note(std::string_view id) {
   const auto at = static_cast<std::size_t>(revision_ % kRevisions);
@@ -115,62 +67,224 @@ std::optional<std::vector<std::string_view>> RevisionLog::ids_since(std::uint64_
   return ids;
 }
 
+std::uint64_t RowTable::end_of(std::string_view id) { return at_end(id); }
+
+RowTable::Row RowTable::next() {
+  if (unused_ != kNone) return unused_;
+  if (highest_ == Arena::kMaxOwner) throw std::bad_alloc();
+  if (highest_ == chunks_.size() * kChunk) chunks_.push_back(std::make_unique<Chunk>());
+  return highest_;
+}
+
+void RowTable::take(Row row, std::string_view id, Arena::Place place) {
+  if (row == unused_) {
+    unused_ = RowTable::place(row);
+  } else {
+    ++highest_;
+  }
+  Chunk& in = chunk(row);
+  in.beginnings[row % kChunk] = at_beginning(id);
+  in.ends[row % kChunk] = at_end(id);
+  in.places[row % kChunk] = place;
+  in.sizes[row % kChunk] = static_cast<std::uint8_t>(std::min<std::size_t>(id.size(), 254) + 1);
+  ++size_;
+}
+
+void RowTable::drop(Row row) {
+  chunk(row).sizes[row % kChunk] = 0;
+  move(row, unused_);
+  unused_ = row;
+  --size_;
+}
+
+std::vector<RowTable::Row> RowTable::rows(const Narrowing& narrowing) const {
+  const bool by_end = narrowing.kind == Narrowing::Kind::kIdSuffix;
+  const bool by_beginning = narrowing.kind == Narrowing::Kind::kIdPrefix;
+  const std::string_view text =
+      by_end || by_beginning ? std::string_view(narrowing.text) : std::string_view();
+  const std::string all(std::min(text.size(), kEnd), '\xFF');
+  const std::uint64_t mask = by_end ? at_end(all) : at_beginning(all);
+  const std::uint64_t wanted = by_end ? at_end(text) : at_beginning(text);
+  std::vector<Row> rows;
+  std::array<Row, kChunk> found;
+  for (std::size_t number = 0; number * kChunk < highest_; ++number) {
+    const Chunk& in = *chunks_[number];
+    const auto& bytes = by_end ? in.ends : in.beginnings;
+    const auto first = static_cast<Row>(number * kChunk);
+    // Without branches: each row is noted, and stays where it is admitted.
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < kChunk; ++i) {
+      found[count] = first + static_cast<Row>(i);
+      count +=
+          static_cast<std::size_t>((bytes[i] & mask) == wanted) & static_cast<std::size_t>(in.sizes[i] != 0);
+    }
+    rows.insert(rows.end(), found.begin(), found.begin() + static_cast<std::ptrdiff_t>(count));
+  }
+  return rows;
+}
+
+std::optional<std::string_view> RowTable::id(Row row, std::array<char, kAllHere>& buffer) const {
+  const Chunk& in = chunk(row);
+  const std::size_t size = in.sizes[row % kChunk] - std::size_t{1};
+  if (size > kAllHere) return std::nullopt;
+  std::memcpy(buffer.data(), &in.beginnings[row % kChunk], kEnd);
+  if (size > kEnd) std::memcpy(buffer.data() + size - kEnd, &in.ends[row % kChunk], kEnd);
+  return std::string_view(buffer.data(), size);
+}
+
+template <class Is>
+RowHash::Row RowHash::find(std::size_t hash, Is is) const {
+  if (slots_.empty()) return kNone;
+  std::size_t slot = hash & (slots_.size() - 1);
+  while (slots_[slot] != kNone && !is(slots_[slot])) slot = next(slot);
+  return slots_[slot];
+}
+
+template <class HashOf>
+void RowHash::make_room(HashOf hash_of) {
+  if ((size_ + 1) * 5 <= slots_.size() * 4) return;
+  std::vector<Row> before(std::max<std::size_t>(2 * slots_.size(), 16), kNone);
+  before.swap(slots_);
+  size_ = 0;
+  for (const Row row : before) {
+    if (row != kNone) insert(hash_of(row), row);
+  }
+}
+
+void RowHash::insert(std::size_t hash, Row row) {
+  std::size_t slot = hash & (slots_.size() - 1);
+  while (slots_[slot] != kNone) slot = next(slot);
+  slots_[slot] = row;
+  ++size_;
+}
+
+template <class HashOf>
+void RowHash::erase(std::size_t hash, Row row, HashOf hash_of) {
+  const std::size_t last = slots_.size() - 1;
+  std::size_t hole = hash & last;
+  while (slots_[hole] != row) hole = next(hole);
+  // A row that was pushed on past the hole comes back to it, else it would not be found any more.
+  for (std::size_t slot = next(hole); slots_[slot] != kNone; slot = next(slot)) {
+    const std::size_t from_home = (slot - hash_of(slots_[slot])) & last;
+    if (from_home < ((slot - hole) & last)) continue;
+    slots_[hole] = slots_[slot];
+    hole = slot;
+  }
+  slots_[hole] = kNone;
+  --size_;
+}
+
+Row MemoryFile::row_at(Arena::Place place) const {
+  const char* bytes = arena_.bytes(place);
+  IdSize id_size;
+  std::memcpy(&id_size, bytes, sizeof id_size);
+  bytes += sizeof id_size;
+  return {{bytes, id_size}, {bytes + id_size, arena_.size(place) - sizeof id_size - id_size}};
+}
+
+std::size_t MemoryFile::hash_of(RowNumber row) const {
+  std::array<char, RowTable::kAllHere> buffer;
+  const auto id = rows_.id(row, buffer);
+  return hash_of_id(id ? *id : row_at(rows_.place(row)).id);
+}
+
+MemoryFile::RowNumber MemoryFile::row_of(std::string_view id, std::size_t hash) const {
+  const std::uint64_t end = RowTable::end_of(id);
+  return hash_.find(
+      hash, [&](RowNumber row) { return rows_.may_be(row, end) && row_at(rows_.place(row)).id == id; });
+}
+
 std::optional<DbRecord> MemoryFile::find(std::string_view id) const {
-  const MemoryRow* row = by_id_.find(id);
-  if (row == nullptr) return std::nullopt;
-  return DbRecord::from_trusted(std::string(arena_.bytes(row->slot)));
+  const RowNumber row = row_of(id, hash_of_id(id));
+  if (row == RowHash::kNone) return std::nullopt;
+  return DbRecord::from_trusted(std::string(row_at(rows_.place(row)).encoded));
 }
 
 void MemoryFile::put(std::string_view id, std::string_view encoded) {
   // Noted first: a change that then fails for want of memory is looked at for nothing, none is missed.
   log_.note(id);
-  MemoryRow* row = by_id_.find(id);
-  if (row == nullptr) row = new_row(id);
-  arena_.store(row->slot, encoded);
+  const std::size_t hash = hash_of_id(id);
+  const RowNumber row = row_of(id, hash);
+  if (row == RowHash::kNone) {
+    insert(id, hash, encoded);
+  } else {
+    rewrite(row, id, encoded);
+  }
+  tidy();
 }
 
-MemoryRow* MemoryFile::new_row(std::string_view id) {
-  if (unused_.empty()) unused_.push_back(&rows_.emplace_back());
-  MemoryRow* row = unused_.back();
-  unused_.pop_back();
-  row->id = id;
-  by_id_.insert(row);
-  for (auto& [length, index] : by_suffix_) {
-    if (index) index->insert(row);
-  }
-  ++size_;
-  return row;
+// Nothing has changed where there is no memory for it.
+void MemoryFile::insert(std::string_view id, std::size_t hash, std::string_view encoded) {
+  hash_.make_room([this](RowNumber row) { return hash_of(row); });
+  const RowNumber row = rows_.next();
+  const Arena::Place place = arena_.allocate(row, sizeof(IdSize) + id.size() + encoded.size());
+  write(place, id, encoded);
+  rows_.take(row, id, place);
+  hash_.insert(hash, row);
+}
+
+void MemoryFile::rewrite(RowNumber row, std::string_view id, std::string_view encoded) {
+  const Arena::Place place = rows_.place(row);
+  const std::size_t size = sizeof(IdSize) + id.size() + encoded.size();
+  if (arena_.resize(place, size)) return write(place, id, encoded);
+  const Arena::Place moved = arena_.allocate(row, size);
+  write(moved, id, encoded);
+  rows_.move(row, moved);
+  arena_.release(place);
+}
+
+void MemoryFile::write(Arena::Place place, std::string_view id, std::string_view encoded) {
+  const auto id_size = static_cast<IdSize>(id.size());
+  char* const bytes = arena_.bytes(place);
+  std::memcpy(bytes, &id_size, sizeof id_size);
+  std::copy(id.begin(), id.end(), bytes + sizeof id_size);
+  std::copy(encoded.begin(), encoded.end(), bytes + sizeof id_size + id.size());
 }
 
 void MemoryFile::erase(std::string_view id) {
-  MemoryRow* row = by_id_.find(id);
-  if (row == nullptr) return;
+  const std::size_t hash = hash_of_id(id);
+  const RowNumber row = row_of(id, hash);
+  if (row == RowHash::kNone) return;
   log_.note(id);
-  for (auto& [length, index] : by_suffix_) {
-    if (index) index->erase(row);
-  }
-  by_id_.erase(row);
-  arena_.release(row->slot);
-  row->id.clear();
-  unused_.push_back(row);
-  --size_;
+  hash_.erase(hash, row, [this](RowNumber other) { return hash_of(other); });
+  arena_.release(rows_.place(row));
+  rows_.drop(row);
+  tidy();
 }
 
-void MemoryFile::scan(const Narrowing& narrowing, Content content, const Backend::Visit& visit) {
-  const auto visit_this = [&](const MemoryRow& row) {
-    visit({row.id, content == Content::kRecords ? arena_.bytes(row.slot) : std::string_view()});
-  };
+void MemoryFile::tidy() {
+  for (std::size_t moved = 0; moved < kTidied;) {
+    const auto string = arena_.move_one();
+    if (!string) return;
+    rows_.move(string->owner, string->place);
+    moved += arena_.size(string->place);
+  }
+}
+
+void MemoryFile::scan(const Narrowing& narrowing, Content content, const Backend::Visit& visit) const {
   if (narrowing.kind == Narrowing::Kind::kId) {
-    if (const MemoryRow* row = by_id_.find(narrowing.text)) visit_this(*row);
+    const RowNumber row = row_of(narrowing.text, hash_of_id(narrowing.text));
+    if (row != RowHash::kNone) visit(row_at(rows_.place(row)));
     return;
   }
-  const bool by_suffix = narrowing.kind == Narrowing::Kind::kIdSuffix && !narrowing.text.empty();
-  if (const auto* index = by_suffix ? suffix_index(narrowing.text.size()) : nullptr) {
-    const auto* rows = index->find(narrowing.text);
-    if (rows != nullptr) std::for_each(rows->begin(), rows->end(), [&](auto* row) { visit_this(*row); });
-    return;
+  const std::vector<RowNumber> rows = rows_.rows(narrowing);
+  content == Content::kIdsOnly ? scan_ids(rows, visit) : scan_records(rows, visit);
+}
+
+void MemoryFile::scan_ids(const std::vector<RowNumber>& rows, const Backend::Visit& visit) const {
+  std::array<char, RowTable::kAllHere> buffer;
+  for (const RowNumber row : rows) {
+    const auto id = rows_.id(row, buffer);
+    visit({id ? *id : row_at(rows_.place(row)).id, {}});
   }
-  by_id_.for_each(narrowing.kind == Narrowing::Kind::kIdPrefix ? narrowing.text : "", visit_this);
+}
+
+// Rows lie a record or more apart: what is visited soon is fetched meanwhile.
+void MemoryFile::scan_records(const std::vector<RowNumber>& rows, const Backend::Visit& visit) const {
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (i + kPrefetched < rows.size()) prefetch(arena_.bytes(rows_.place(rows[i + kPrefetched])));
+    visit(row_at(rows_.place(rows[i])));
+  }
 }
 
 std::optional<std::uint64_t> MemoryFile::changes_since(std::uint64_t seen,
@@ -178,23 +292,10 @@ std::optional<std::uint64_t> MemoryFile::changes_since(std::uint64_t seen,
   const auto ids = log_.ids_since(seen);
   if (!ids) return std::nullopt;
   for (const std::string_view id : *ids) {
-    const MemoryRow* row = by_id_.find(id);
-    visit({id, row == nullptr ? std::nullopt : std::optional(arena_.bytes(row->slot))});
+    const RowNumber row = row_of(id, hash_of_id(id));
+    visit({id, row == RowHash::kNone ? std::nullopt : std::optional(row_at(rows_.place(row)).encoded)});
   }
   return revision();
-}
-
-const RowsBySuffix* MemoryFile::suffix_index(std::size_t length) {
-  auto known = by_suffix_.find(length);
-  if (known == by_suffix_.end()) {
-    // The shortest suffix narrows least.
-    if (by_suffix_.size() >= kMaxSuffixIndexes) by_suffix_.erase(by_suffix_.begin());
-    known = by_suffix_.emplace(length, std::nullopt).first;
-    auto& index = known->second.emplace(length);
-    by_id_.for_each("", [&](MemoryRow& row) { index.insert(&row); });
-    if (!index.is_worth_keeping(size_)) known->second.reset();
-  }
-  return known->second ? &*known->second : nullptr;
 }
 
 }  // namespace velanor::store

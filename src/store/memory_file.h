@@ -1,64 +1,19 @@
 // One file of the in-memory store.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
-#include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "store/arena.h"
 #include "velanor/backend.h"
 
 namespace velanor::store {
-
-// Alone on its cache line: rows are visited in an order that is not that of memory.
-struct alignas(64) MemoryRow {
-  std::string id;
-  Arena::Slot slot;
-};
-
-// Rows in ascending order of their ids, in blocks short enough to insert into.
-class RowsById {
- public:
-  MemoryRow* find(std::string_view id) const;
-  void insert(MemoryRow* row);
-  void erase(const MemoryRow* row);
-  // Calls `visit` with each row whose id begins with the prefix.
-  template <class Visit>
-  void for_each(std::string_view prefix, Visit visit) const;
-
- private:
-  using Block = std::vector<MemoryRow*>;
-  struct Place {
-    std::size_t block, row;
-  };
-  // Where the first row stands whose id is not less.
-  Place lower_bound(std::string_view id) const;
-
-  std::vector<Block> blocks_;
-};
-
-// For one length of suffix: the rows of each suffix, in ascending order of ids.
-class RowsBySuffix {
- public:
-  explicit RowsBySuffix(std::size_t length) : length_(length) {}
-
-  void insert(MemoryRow* row);
-  void erase(const MemoryRow* row);
-  // nullptr: none.
-  const std::vector<MemoryRow*>* find(const std::string& suffix) const;
-  // Where nearly every row has a suffix of its own, an index would cost more than the ids.
-  bool is_worth_keeping(std::size_t rows) const { return rows_.size() < 1024 + rows / 16; }
-
- private:
-  std::size_t length_;
-  std::unordered_map<std::string, std::vector<MemoryRow*>> rows_;
-};
 
 // Which id each of the latest revisions wrote or removed.
 class RevisionLog {
@@ -77,30 +32,107 @@ class RevisionLog {
   std::uint64_t revision_ = 0;
 };
 
-// Records lie encoded in an arena. An index of suffixes is built when a scan first asks for its
-// length, and kept from then on.
+// What is at hand of each row: where it stands in the arena, and of its id the first and the last eight
+// bytes and the size. A search for ids by their beginning or end is a pass over these few bytes, quick
+// enough to need no index; an id of sixteen bytes or less is all there.
+class RowTable {
+ public:
+  using Row = std::uint32_t;
+
+  // Room for one row more; its number until it is taken. A row that was dropped is used again.
+  Row next();
+  void take(Row row, std::string_view id, Arena::Place place);
+  void drop(Row row);
+  std::size_t size() const { return size_; }
+
+  Arena::Place place(Row row) const { return chunk(row).places[row % kChunk]; }
+  void move(Row row, Arena::Place place) { chunk(row).places[row % kChunk] = place; }
+  // Whether the row's id can be this one, which is seldom wrong.
+  bool may_be(Row row, std::uint64_t end_of_id) const { return chunk(row).ends[row % kChunk] == end_of_id; }
+  // The last eight bytes of the id, as `may_be` compares them.
+  static std::uint64_t end_of(std::string_view id);
+
+  // The rows that the narrowing may admit, in order of their numbers. Not for a whole id.
+  std::vector<Row> rows(const Narrowing& narrowing) const;
+  // The id of a row, where it is all here; written to the buffer.
+  static constexpr std::size_t kAllHere = 16;
+  std::optional<std::string_view> id(Row row, std::array<char, kAllHere>& buffer) const;
+
+ private:
+  static constexpr std::size_t kChunk = 256;
+  struct Chunk {
+    std::array<std::uint64_t, kChunk> beginnings{}, ends{};
+    std::array<Arena::Place, kChunk> places{};
+    // One more than the size of the id, at most 255; 0 for a row that is not used.
+    std::array<std::uint8_t, kChunk> sizes{};
+  };
+  Chunk& chunk(Row row) { return *chunks_[row / kChunk]; }
+  const Chunk& chunk(Row row) const { return *chunks_[row / kChunk]; }
+
+  // Chunks, so that nothing is copied when there are more rows.
+  std::vector<std::unique_ptr<Chunk>> chunks_;
+  // Rows above were never used; of those below, the unused ones are chained by their places.
+  Row highest_ = 0;
+  static constexpr Row kNone = UINT32_MAX;
+  Row unused_ = kNone;
+  std::size_t size_ = 0;
+};
+
+// Finds rows by hashes: open addressing, so a look costs little more than one access to memory.
+class RowHash {
+ public:
+  using Row = RowTable::Row;
+  static constexpr Row kNone = UINT32_MAX;
+
+  // The first row of this hash, or one near it, for which `is` holds; kNone where there is none.
+  template <class Is>
+  Row find(std::size_t hash, Is is) const;
+  // Makes room for one row more; `hash_of` tells the hash of a row that is in it.
+  template <class HashOf>
+  void make_room(HashOf hash_of);
+  void insert(std::size_t hash, Row row);
+  template <class HashOf>
+  void erase(std::size_t hash, Row row, HashOf hash_of);
+
+ private:
+  std::size_t next(std::size_t slot) const { return (slot + 1) & (slots_.size() - 1); }
+
+  // A power of two, of which at most four fifths are filled.
+  std::vector<Row> slots_;
+  std::size_t size_ = 0;
+};
+
+// Ids and records lie side by side in an arena.
 class MemoryFile {
  public:
   std::optional<DbRecord> find(std::string_view id) const;
   void put(std::string_view id, std::string_view encoded);
   void erase(std::string_view id);
-  void scan(const Narrowing& narrowing, Content content, const Backend::Visit& visit);
+  // In no order. Where records are asked for, what is visited stays until the file is next written.
+  void scan(const Narrowing& narrowing, Content content, const Backend::Visit& visit) const;
   std::optional<std::uint64_t> changes_since(std::uint64_t seen, const Backend::VisitChange& visit) const;
-  std::size_t size() const { return size_; }
+  std::size_t size() const { return rows_.size(); }
   std::uint64_t revision() const { return log_.revision(); }
+  // The memory of ids and records, without the table of the rows.
+  std::size_t allocated() const { return arena_.allocated(); }
 
  private:
-  MemoryRow* new_row(std::string_view id);
-  // nullptr where an index of the length is not worth keeping.
-  const RowsBySuffix* suffix_index(std::size_t length);
+  using RowNumber = RowTable::Row;
 
-  // Rows stay where they are; an erased one has an empty id until it is used again.
-  std::deque<MemoryRow> rows_;
-  std::vector<MemoryRow*> unused_;
-  std::size_t size_ = 0;
+  Row row_at(Arena::Place place) const;
+  std::size_t hash_of(RowNumber row) const;
+  RowNumber row_of(std::string_view id, std::size_t hash) const;
+  void insert(std::string_view id, std::size_t hash, std::string_view encoded);
+  void rewrite(RowNumber row, std::string_view id, std::string_view encoded);
+  void write(Arena::Place place, std::string_view id, std::string_view encoded);
+  void scan_ids(const std::vector<RowNumber>& rows, const Backend::Visit& visit) const;
+  void scan_records(const std::vector<RowNumber>& rows, const Backend::Visit& visit) const;
+  // A bounded piece of tidying, with each change.
+  void tidy();
+
+  RowTable rows_;
+  RowHash hash_;
   Arena arena_;
-  RowsById by_id_;
-  std::map<std::size_t, std::optional<RowsBySuffix>> by_suffix_;
   RevisionLog log_;
 };
 
