@@ -36,6 +36,12 @@ struct ChangedRow {
   std::optional<std::string_view> encoded;
 };
 
+// Rows that a selection has found, in a form of its own, and the revision of their file.
+struct KeptRows {
+  std::uint64_t revision = 0;
+  std::string bytes;
+};
+
 // Files of records by name. A file that was never written is empty, or an error where the backend knows
 // which files there are. Ids are compared byte by byte. Ids and records handed in are clean and hold for the
 // call alone; those handed out must be clean (see DbRecord::from_encoded for bytes that others may have
@@ -78,6 +84,12 @@ class Backend {
   // visited, where the backend does not know it any more, or a scan would be cheaper: then that is done.
   virtual std::optional<std::uint64_t> changes_since(std::string_view file, std::uint64_t seen,
                                                      const VisitChange& visit);
+  // A backend that outlives the program may keep what a selection has found beside its records, for the next
+  // program to start from: where it stands at a revision that `changes_since` still knows. Given is what was
+  // given last under the name, or nothing. Keeping may be left undone at any time, above all where it would
+  // make anybody wait.
+  virtual std::optional<KeptRows> kept_rows(std::string_view file, std::string_view name);
+  virtual void keep_rows(std::string_view file, std::string_view name, const KeptRows& rows);
   // Differs from every earlier answer for the file if the file has changed since, by whichever process: by
   // it a selection that was run before is known to be good still. Undoing a change is a change: what was
   // told inside it is never told again.
@@ -96,7 +108,7 @@ class StoreDatabase : public Database {
   ~StoreDatabase() override;
 
   std::unique_ptr<DbFile> OpenFile(std::string_view name) override;
-  // A request that was run before answers at once while its file has not changed.
+  // A request that was run before answers at once: what has changed since is taken into its rows.
   DbResult Select(std::string_view request, std::string_view option = {}) override;
   void in_one_change(const std::function<void()>& writes) override;
   void in_one_view(const std::function<void()>& reads) override;

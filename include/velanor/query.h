@@ -1,6 +1,8 @@
 // A selection request and its result.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -29,6 +31,8 @@ class DbQuery : public DbRecord {
   DbQuery(std::string_view statement, std::string_view file, std::string_view attributes);
 };
 
+class Rows;
+
 // The selected records in order. Element (i, k) is attribute k of the request's list for record i, both
 // from 1; its values come as subvalues, (i, k, v), and its own subvalues among them. (i) alone is the
 // whole entry. What is not there reads as "". Cheap to copy: copies share the rows, which do not
@@ -36,27 +40,33 @@ class DbQuery : public DbRecord {
 class DbResult {
  public:
   DbResult();  // empty
-  // Rows as attributes of a record, which is not null.
+  // Of rows as attributes of a record, which is not null.
   explicit DbResult(const std::shared_ptr<const DbRecord>& rows) : DbResult(rows, rows->DCount()) {}
   // With the number of rows said apart: a single row whose only element is empty reads like no row.
-  DbResult(std::shared_ptr<const DbRecord> rows, int count) : rows_(std::move(rows)), count_(count) {}
+  DbResult(const std::shared_ptr<const DbRecord>& rows, int count);
+  // Of what a selection has put together, which is not null, and the revision of its file.
+  DbResult(std::shared_ptr<const Rows> rows, std::uint64_t revision)
+      : rows_(std::move(rows)), revision_(revision) {}
   // Moving copies, so that what was moved from still reads.
   DbResult(const DbResult&) = default;
   DbResult& operator=(const DbResult&) = default;
 
   // Whether both are one answer: a list filled from the other need not be filled anew.
   bool same_rows(const DbResult& other) const { return rows_ == other.rows_; }
+  // Whether nothing else of the file has changed between them either, as far as the database can tell.
+  bool same_state(const DbResult& other) const { return same_rows(other) && revision_ == other.revision_; }
 
-  int DCount() const { return count_; }
-  // Size of the rows' encoded form.
-  std::size_t bytes() const { return rows_->encoded().size(); }
-  std::string_view operator()(int record, int field = kWhole, int value = kWhole) const {
-    return (*rows_)(record, field, value);
-  }
+  int DCount() const;
+  // Size of the rows in memory.
+  std::size_t bytes() const;
+  std::string_view operator()(int record, int field = kWhole, int value = kWhole) const;
+  // The record behind those that the statement's sort keys do not tell from this one, which stand
+  // together: DCount() + 1 after the last. Where no selection has sorted the rows, the next record.
+  int run_end(int record) const;
 
  private:
-  std::shared_ptr<const DbRecord> rows_;
-  int count_ = 0;
+  std::shared_ptr<const Rows> rows_;
+  std::uint64_t revision_ = 0;
 };
 
 }  // namespace velanor::store

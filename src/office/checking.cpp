@@ -31,7 +31,7 @@ store::DbResult Checking::select(std::string_view file) const {
       store::DbQuery("SSELECT " + std::string(file) + these + " PAR 0", file, "0").encoded());
 }
 
-bool Checking::is_stale() const { return !select(exchange::kCardFile).same_rows(found_); }
+bool Checking::is_stale() const { return !select(exchange::kCardFile).same_state(found_); }
 
 void Checking::read_asides(std::string_view id) {
   if (auto record = aside_file_->find(id)) asides_.insert_or_assign(std::string(id), std::move(*record));

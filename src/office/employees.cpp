@@ -131,7 +131,7 @@ bool Employees::begin(const Reach& reach) {
   today_ = *entry::day_number(clock_());
   const auto found =
       select(reach.is_all() ? std::string() : " AVEC 0 = " + store::quoted_end(reach.entity + reach.year));
-  if (has_read_ && reach == reach_ && found.same_rows(read_) && next_ > read_.DCount()) return false;
+  if (has_read_ && reach == reach_ && found.same_state(read_) && next_ > read_.DCount()) return false;
   read_labels();
   check_.reset();
   rows_.clear();

@@ -91,17 +91,22 @@ class MarkScanner {
   char lowest_;
 };
 
-// Attribute `attribute` (from 1) of an encoded record, without indexing it; "" past the end.
-inline std::string_view attribute_text(std::string_view encoded, int attribute) {
-  MarkScanner marks(encoded, 0, kAttributeMark);
+// The part of that number, from 1, between marks from `lowest` upwards; "" past the end.
+inline std::string_view part_text(std::string_view bytes, char lowest, int number) {
+  MarkScanner marks(bytes, 0, lowest);
   std::size_t begin = 0;
-  for (; attribute > 1; --attribute) {
+  for (; number > 1; --number) {
     const std::size_t mark = marks.next();
     if (mark == MarkScanner::kEnd) return {};
     begin = mark + 1;
   }
   const std::size_t end = marks.next();
-  return encoded.substr(begin, end == MarkScanner::kEnd ? end : end - begin);
+  return bytes.substr(begin, end == MarkScanner::kEnd ? end : end - begin);
+}
+
+// An attribute of an encoded record, without indexing it.
+inline std::string_view attribute_text(std::string_view encoded, int attribute) {
+  return part_text(encoded, kAttributeMark, attribute);
 }
 
 }  // namespace velanor::store

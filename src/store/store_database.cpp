@@ -1,11 +1,9 @@
 #include <new>
 
 #include "store/checked_writes.h"
+#include "store/kept_selection.h"
 #include "store/plan.h"
-#include "store/result_cache.h"
 #include "store/select/dictionary.h"
-#include "store/select/evaluator.h"
-#include "store/select/found_rows.h"
 #include "store/select/parser.h"
 #include "text/failure.h"
 #include "velanor/backend.h"
@@ -76,6 +74,10 @@ std::optional<std::uint64_t> Backend::changes_since(std::string_view, std::uint6
   return std::nullopt;
 }
 
+std::optional<KeptRows> Backend::kept_rows(std::string_view, std::string_view) { return std::nullopt; }
+
+void Backend::keep_rows(std::string_view, std::string_view, const KeptRows&) {}
+
 // Asked before the scan: what changes meanwhile makes what was visited old, not wrong.
 std::uint64_t Backend::scan_if_changed(std::string_view file, std::optional<std::uint64_t> seen,
                                        const Narrowing& narrowing, Content content, const Visit& visit) {
@@ -89,30 +91,25 @@ struct StoreDatabase::Engine {
 
   std::unique_ptr<Backend> backend;
   select::Dictionary dictionary;
-  ResultCache cache;
+  KeptSelections kept;
 };
 
 DbResult StoreDatabase::Engine::run(std::string_view request) {
+  if (KeptSelection* known = kept.find(request)) return known->result(*backend);
   const DbRecord query = DbRecord::from_encoded(request);
-  const select::Statement statement = select::parse_statement(query(1), query(2), dictionary);
-  const std::vector<int> attributes = select::parse_attribute_list(query(3));
-  const auto* kept = cache.find(request);
-  const auto seen = kept == nullptr ? std::nullopt : std::optional(kept->revision);
-  select::FoundRows found(statement.sort_keys, attributes);
-  const std::uint64_t revision =
-      backend->scan_if_changed(statement.file, seen, narrowing_of(statement),
-                               content_needed(statement, attributes), [&](const Row& row) {
-                                 if (select::matches(statement, row)) found.add(row);
-                               });
-  if (revision == seen) return kept->result;
-  DbResult result = found.result();
-  cache.keep({std::string(request), revision, result});
+  auto selection = std::make_unique<KeptSelection>(select::parse_statement(query(1), query(2), dictionary),
+                                                   select::parse_attribute_list(query(3)));
+  DbResult result = selection->result(*backend);
+  // A single record is found as fast again.
+  if (narrowing_of(selection->statement()).kind == Narrowing::Kind::kId) return result;
+  kept.add(request, std::move(selection));
+  kept.drop_what_is_too_much();
   return result;
 }
 
 StoreDatabase::StoreDatabase(std::unique_ptr<Backend> backend)
-    : engine_(
-          std::make_unique<Engine>(Engine{.backend = std::move(backend), .dictionary = {}, .cache = {}})) {}
+    : engine_(std::make_unique<Engine>(Engine{.backend = std::move(backend), .dictionary = {}, .kept = {}})) {
+}
 
 StoreDatabase::~StoreDatabase() = default;
 
@@ -132,9 +129,9 @@ void StoreDatabase::in_one_change(const std::function<void()>& writes) { backend
 void StoreDatabase::in_one_view(const std::function<void()>& reads) { backend().in_one_view(reads); }
 
 void StoreDatabase::name_id_part(std::string_view file, std::string_view name, const IdPart& part) {
-  engine_->dictionary.define(
-      file, name,
-      {.attribute = 0, .first = part.first, .count = part.count == 0 ? select::kToTheEnd : part.count});
+  const select::Designator designator{
+      .attribute = 0, .first = part.first, .count = part.count == 0 ? select::kToTheEnd : part.count};
+  if (engine_->dictionary.define(file, name, designator)) engine_->kept.drop_all();
 }
 
 }  // namespace velanor::store

@@ -10,7 +10,6 @@
 #include "store/memory_backend.h"
 #include "store/memory_file.h"
 #include "store/notation.h"
-#include "store/result_cache.h"
 #include "store/select/key_table.h"
 #include "support/failing_database.h"
 
@@ -256,27 +255,6 @@ TEST(Arena, GivesBackWhatIsNotNeededAnyMore) {
   EXPECT_LT(strings.memory_of_each_byte(), 1.25);
   for (std::size_t i = 0; i < 6000; ++i) strings.release(i);
   EXPECT_LT(strings.allocated(), 16'384u);
-}
-
-DbResult result_of(std::size_t bytes) {
-  return DbResult(std::make_shared<const DbRecord>(DbRecord::from_trusted(std::string(bytes, 'x'))));
-}
-
-TEST(ResultCache, KeepsTheLatestWithinItsBounds) {
-  ResultCache many;
-  for (int i = 0; i < 1000; ++i) many.keep({"request " + std::to_string(i), 1, result_of(10)});
-  EXPECT_EQ(many.find("request 0"), nullptr);
-  ASSERT_NE(many.find("request 999"), nullptr);
-  EXPECT_EQ(many.find("request 999")->result(1).size(), 10u);
-
-  ResultCache large;
-  large.keep({"first", 1, result_of(12 << 20)});
-  // The same request again takes the place of its older answer, and counts once.
-  for (int i = 0; i < 9; ++i) large.keep({"second", 2, result_of(12 << 20)});
-  EXPECT_NE(large.find("first"), nullptr);
-  large.keep({"third", 1, result_of(12 << 20)});
-  EXPECT_EQ(large.find("second"), nullptr) << "the one that was not asked for lately";
-  EXPECT_NE(large.find("first"), nullptr);
 }
 
 TEST(KeyTable, NumbersEveryKeyOnceHoweverMany) {

@@ -11,8 +11,8 @@ namespace velanor::store::select {
 
 class Dictionary {
  public:
-  // In place of what the name stood for.
-  void define(std::string_view file, std::string_view name, const Designator& designator);
+  // In place of what the name stood for; whether that was something else.
+  bool define(std::string_view file, std::string_view name, const Designator& designator);
   // nullptr for a name that the file does not have.
   const Designator* find(std::string_view file, std::string_view name) const;
 

@@ -65,11 +65,24 @@ std::string_view text_of(const Designator& designator, const Row& row) {
   return designator.is_whole() ? text : utf8::slice(text, designator.first, designator.count);
 }
 
+namespace {
+
+bool holds(const Criterion& criterion, const Row& row) {
+  const std::string_view text = text_of(criterion.designator, row);
+  return any_of_all(criterion.tests, [&](const Test& test) { return holds(test, text); });
+}
+
+}  // namespace
+
 bool matches(const Statement& statement, const Row& row) {
   if (statement.criteria.empty()) return true;
+  return any_of_all(statement.criteria, [&](const Criterion& criterion) { return holds(criterion, row); });
+}
+
+bool may_match(const Statement& statement, std::string_view id) {
+  if (statement.criteria.empty()) return true;
   return any_of_all(statement.criteria, [&](const Criterion& criterion) {
-    const std::string_view text = text_of(criterion.designator, row);
-    return any_of_all(criterion.tests, [&](const Test& test) { return holds(test, text); });
+    return criterion.designator.attribute != 0 || holds(criterion, {id, {}});
   });
 }
 

@@ -9,15 +9,6 @@ namespace {
 
 constexpr std::size_t kWord = sizeof(std::uint64_t);
 
-// The first eight bytes of a key as a number of the same order.
-std::uint64_t packed_prefix(std::string_view key) {
-  std::uint64_t prefix = 0;
-  for (std::size_t i = 0; i < kWord; ++i) {
-    prefix = prefix << 8 | (i < key.size() ? static_cast<unsigned char>(key[i]) : 0u);
-  }
-  return prefix;
-}
-
 template <class Word>
 std::uint64_t word_at(const char* at) {
   Word word;
@@ -47,6 +38,14 @@ std::uint32_t hash_of(std::string_view key) {
 }
 
 }  // namespace
+
+std::uint64_t packed_prefix(std::string_view key) {
+  std::uint64_t prefix = 0;
+  for (std::size_t i = 0; i < kWord; ++i) {
+    prefix = prefix << 8 | (i < key.size() ? static_cast<unsigned char>(key[i]) : 0u);
+  }
+  return prefix;
+}
 
 std::uint32_t KeyTable::number_of(std::string_view key) {
   const std::uint32_t hash = hash_of(key);
@@ -84,18 +83,35 @@ void KeyTable::grow() {
 }
 
 std::vector<std::uint32_t> KeyTable::sorted() const {
-  struct Entry {
-    std::uint64_t prefix;
-    std::uint32_t number;
-  };
   std::vector<Entry> entries(size());
-  for (std::uint32_t i = 0; i < entries.size(); ++i) entries[i] = {packed_prefix(key(i)), i};
-  std::sort(entries.begin(), entries.end(), [this](const Entry& a, const Entry& b) {
-    return a.prefix != b.prefix ? a.prefix < b.prefix : key(a.number) < key(b.number);
-  });
+  for (std::uint32_t i = 0; i < entries.size(); ++i) entries[i].number = i;
+  sort(entries, 0);
   std::vector<std::uint32_t> numbers(entries.size());
   std::transform(entries.begin(), entries.end(), numbers.begin(), [](const Entry& e) { return e.number; });
   return numbers;
+}
+
+// Eight bytes at a time, for names often begin alike; few that do are compared as they are.
+void KeyTable::sort(std::span<Entry> entries, std::size_t depth) const {
+  constexpr std::size_t kFew = 12, kDeep = 8 * kWord;
+  const auto rest = [&](const Entry& entry) {
+    const std::string_view whole = key(entry.number);
+    return whole.substr(std::min(depth, whole.size()));
+  };
+  if (entries.size() <= kFew || depth >= kDeep) {
+    std::sort(entries.begin(), entries.end(),
+              [&](const Entry& a, const Entry& b) { return rest(a) < rest(b); });
+    return;
+  }
+  for (Entry& entry : entries) entry.prefix = packed_prefix(rest(entry));
+  std::sort(entries.begin(), entries.end(),
+            [](const Entry& a, const Entry& b) { return a.prefix < b.prefix; });
+  for (auto begin = entries.begin(); begin != entries.end();) {
+    const auto end = std::find_if(begin + 1, entries.end(),
+                                  [begin](const Entry& entry) { return entry.prefix != begin->prefix; });
+    if (end - begin > 1) sort({begin, end}, depth + kWord);
+    begin = end;
+  }
 }
 
 }  // namespace velanor::store::select

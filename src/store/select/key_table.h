@@ -3,16 +3,22 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace velanor::store::select {
 
+// The first eight bytes of a key as a number of the same order; short ones as if NUL bytes followed.
+std::uint64_t packed_prefix(std::string_view key);
+
 class KeyTable {
  public:
   // The number of a key, from 0 in the order of their first use.
   std::uint32_t number_of(std::string_view key);
+  // Lives until the next `number_of`.
+  std::string_view key(std::uint32_t number) const;
   std::size_t size() const { return ends_.size(); }
   // Key numbers in ascending byte order of the keys.
   std::vector<std::uint32_t> sorted() const;
@@ -23,7 +29,12 @@ class KeyTable {
     std::uint32_t number_plus_one = 0;
   };
 
-  std::string_view key(std::uint32_t number) const;
+  struct Entry {
+    std::uint64_t prefix = 0;
+    std::uint32_t number = 0;
+  };
+  // By what follows the first `depth` bytes, which are the same in all.
+  void sort(std::span<Entry> entries, std::size_t depth) const;
   std::size_t free_slot(std::uint32_t hash) const;
   void grow();
 

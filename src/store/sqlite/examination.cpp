@@ -107,7 +107,7 @@ void repair(Connection& connection) {
   }
   connection.run("REINDEX");
   // What was kept of earlier selections may have been wrong.
-  connection.run("UPDATE file SET revision = revision + 1");
+  connection.run("UPDATE file SET revision = revision + 1; DELETE FROM kept");
   if (!damages_of(connection).empty() || !disagreements_of(connection).empty()) {
     throw DamagedError(kStoreFailure, "La base « " + connection.path() +
                                           " » ne peut pas être réparée et n'a pas été modifiée. Fermez les "

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "store/sqlite/failure.h"
+#include "store/sqlite/impatient_scope.h"
 #include "store/sqlite/row_sum.h"
 
 namespace velanor::store::sqlite {
@@ -59,29 +60,55 @@ CREATE UNIQUE INDEX history_by_id ON history(file, id, version);
 CREATE INDEX history_of_deletions ON history(file, id) WHERE content IS NULL;
 )sql";
 
-constexpr const char* kSteps[] = {kVersion1, kVersion2};
+// `changed` says which record the last revisions of a file have written or removed; a revision moves by one
+// for each, and by two where an id becomes another, so that there is one that nobody can explain. `kept`
+// holds what was selected. Both only save work: a file without their rows says the same.
+constexpr const char* kVersion3 = R"sql(
+CREATE TABLE changed(
+  slot INTEGER PRIMARY KEY,
+  revision INTEGER NOT NULL,
+  id TEXT NOT NULL
+) STRICT;
+CREATE TABLE kept(
+  number INTEGER PRIMARY KEY,
+  file INTEGER NOT NULL,
+  name BLOB NOT NULL,
+  revision INTEGER NOT NULL,
+  sum INTEGER NOT NULL,
+  content BLOB NOT NULL
+) STRICT;
+CREATE UNIQUE INDEX kept_by_name ON kept(file, name);
+DROP TRIGGER record_inserted;
+DROP TRIGGER record_updated;
+DROP TRIGGER record_deleted;
+CREATE TRIGGER record_inserted AFTER INSERT ON record
+  BEGIN UPDATE file SET revision = revision + 1 WHERE number = NEW.file;
+  INSERT OR REPLACE INTO changed(slot, revision, id)
+    SELECT number * 1024 + revision % 1024, revision, NEW.id FROM file WHERE number = NEW.file; END;
+CREATE TRIGGER record_updated AFTER UPDATE ON record
+  BEGIN UPDATE file SET revision = revision + iif(OLD.file = NEW.file AND OLD.id = NEW.id, 1, 2)
+    WHERE number IN (OLD.file, NEW.file);
+  INSERT OR REPLACE INTO changed(slot, revision, id)
+    SELECT number * 1024 + revision % 1024, revision, NEW.id FROM file WHERE number = NEW.file; END;
+CREATE TRIGGER record_deleted AFTER DELETE ON record
+  BEGIN UPDATE file SET revision = revision + 1 WHERE number = OLD.file;
+  INSERT OR REPLACE INTO changed(slot, revision, id)
+    SELECT number * 1024 + revision % 1024, revision, OLD.id FROM file WHERE number = OLD.file; END;
+)sql";
 
-// A file of the first version that may not be written is read as if it had taken the next step.
+constexpr const char* kSteps[] = {kVersion1, kVersion2, kVersion3};
+
+// A file of an earlier version that may not be written is read as if it had taken the next steps.
 constexpr const char* kVersion1AsRead = R"sql(
 CREATE TEMP VIEW record AS SELECT file, id, tail, content, 1 AS version, '' AS author, 0 AS time, NULL AS sum
   FROM main.record;
 CREATE TEMP VIEW history AS SELECT file, id, 0 AS version, '' AS author, 0 AS time, NULL AS until, content,
   NULL AS sum FROM main.record WHERE 0;
 )sql";
-
-// Within it a call that finds the file taken says so at once.
-class ImpatientScope {
- public:
-  explicit ImpatientScope(Connection& connection) : connection_(connection) {
-    sqlite3_busy_timeout(connection.handle(), 0);
-  }
-  ~ImpatientScope() { sqlite3_busy_timeout(connection_.handle(), connection_.patience()); }
-  ImpatientScope(const ImpatientScope&) = delete;
-  ImpatientScope& operator=(const ImpatientScope&) = delete;
-
- private:
-  Connection& connection_;
-};
+constexpr const char* kVersion2AsRead = R"sql(
+CREATE TEMP VIEW changed AS SELECT 0 AS slot, 0 AS revision, '' AS id WHERE 0;
+CREATE TEMP VIEW kept AS SELECT 0 AS file, x'' AS name, 0 AS revision, 0 AS sum, x'' AS content WHERE 0;
+)sql";
 
 std::int64_t version(Connection& connection) { return connection.number("PRAGMA user_version"); }
 
@@ -113,7 +140,9 @@ void take_steps(Connection& connection, std::span<const char* const> steps) {
 }
 
 void read_older(Connection& connection, std::int64_t known) {
-  if (version(connection) == 1 && known > 1) connection.run(kVersion1AsRead);
+  const std::int64_t version_there = version(connection);
+  if (version_there < 2 && known >= 2) connection.run(kVersion1AsRead);
+  if (version_there < 3 && known >= 3) connection.run(kVersion2AsRead);
 }
 
 // Where the file system cannot do it the file stays as it is, which is as safe and only slower. While another

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "store/sqlite/place.h"
+#include "store/sqlite/row_keeper.h"
 #include "store/sqlite/row_sum.h"
 #include "store/sqlite/schema.h"
 #include "store/sqlite/sqlite_history.h"
@@ -58,6 +59,12 @@ void refuse_moved(const Connection& connection, const std::string& what_was_done
                     " » n'est plus à sa place : son fichier a été déplacé, supprimé ou remplacé "
                     "pendant qu'il était ouvert. " +
                     what_was_done + ". Fermez le programme, remettez le fichier, puis recommencez.");
+}
+
+// Above the revision that the file tells stand the changes that were undone here.
+constexpr int kRoomForWrites = 40;
+std::int64_t told_by_the_file(std::uint64_t revision) {
+  return static_cast<std::int64_t>(revision & ((std::uint64_t{1} << kRoomForWrites) - 1));
 }
 
 // A mode that ends however its scope is left.
@@ -204,7 +211,7 @@ void SqliteBackend::write(const std::function<void(RecordWriter&)>& act) {
   const auto write_one = [&] {
     const auto held = shelf();
     if (!held->writer) held->writer.emplace(held->connection);
-    if (!held->checkpointer) held->checkpointer = std::make_unique<Checkpointer>(held->connection);
+    have_checkpoints(*held);
     act(*held->writer);
   };
   if (!in_change_) return run_change(write_one);
@@ -256,11 +263,60 @@ void SqliteBackend::scan_tails(const File& file, std::string_view suffix, const 
 }
 
 std::uint64_t SqliteBackend::revision(std::string_view file) {
-  constexpr int kRoomForWrites = 40;
   Run run(shelf()->revision);
   run->bind_text(1, file);
   const std::uint64_t written = run->step() ? static_cast<std::uint64_t>(run->number(0)) : 0;
   return written + (undone_ << kRoomForWrites);
+}
+
+std::optional<std::uint64_t> SqliteBackend::changes_since(std::string_view file, std::uint64_t seen,
+                                                          const VisitChange& visit) {
+  const std::uint64_t now = revision(file);
+  if (now == seen) return now;
+  const auto number = this->number(file);
+  if (!number || seen >> kRoomForWrites != undone_ || seen > now) return std::nullopt;
+  const auto ids = changed_ids(*number, told_by_the_file(seen), told_by_the_file(now));
+  if (!ids) return std::nullopt;
+  for (const std::string& id : *ids) {
+    const auto record = find(file, id);
+    visit({id, record ? std::optional<std::string_view>(record->encoded()) : std::nullopt});
+  }
+  return now;
+}
+
+std::optional<std::set<std::string>> SqliteBackend::changed_ids(std::int64_t number, std::int64_t seen,
+                                                                std::int64_t now) {
+  constexpr std::int64_t kRemembered = 1024;
+  if (now - seen > kRemembered) return std::nullopt;
+  const auto held = shelf();
+  if (!held->changed)
+    held->changed.emplace(held->connection, "SELECT revision, id FROM changed WHERE slot = ?1");
+  std::set<std::string> ids;
+  for (std::int64_t revision = seen + 1; revision <= now; ++revision) {
+    Run run(*held->changed);
+    run->bind(1, number * kRemembered + revision % kRemembered);
+    if (!run->step() || run->number(0) != revision) return std::nullopt;
+    ids.emplace(run->bytes(1));
+  }
+  return ids;
+}
+
+std::optional<KeptRows> SqliteBackend::kept_rows(std::string_view file, std::string_view name) {
+  const auto number = this->number(file);
+  auto rows = number ? RowKeeper(shelf()->connection).rows(*number, name) : std::nullopt;
+  if (rows) rows->revision += undone_ << kRoomForWrites;
+  return rows;
+}
+
+// Only what is stored for good, and only where writing waits for nobody.
+void SqliteBackend::keep_rows(std::string_view file, std::string_view name, const KeptRows& rows) {
+  const auto held = shelf();
+  const auto number = this->number(file);
+  if (!number || in_change_ || in_view_ || held->connection.access() != Access::kWrite) return;
+  if (held->connection.moved()) return;
+  have_checkpoints(*held);
+  RowKeeper(held->connection)
+      .keep(*number, name, {static_cast<std::uint64_t>(told_by_the_file(rows.revision)), rows.bytes});
 }
 
 std::vector<std::string> SqliteBackend::files() {
@@ -305,8 +361,10 @@ void SqliteBackend::end_checkpoints() { shelf()->checkpointer.reset(); }
 void SqliteBackend::in_one_view(const std::function<void()>& reads) {
   const auto held = shelf();
   const bool writable = held->connection.access() == Access::kWrite;
-  if (writable && !held->checkpointer) held->checkpointer = std::make_unique<Checkpointer>(held->connection);
+  if (writable) have_checkpoints(*held);
+  const bool outermost = !std::exchange(in_view_, true);
   const OnExit gone([&] {
+    if (outermost) in_view_ = false;
     if (writable) held->checkpointer->reader_gone();
   });
   Statement view(held->connection, "SELECT 1 FROM sqlite_schema");

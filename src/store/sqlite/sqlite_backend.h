@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +34,10 @@ class SqliteBackend : public Backend {
            const Expected& expected) override;
   bool erase(std::string_view file, std::string_view id, const Expected& expected) override;
   void scan(std::string_view file, const Narrowing& narrowing, Content content, const Visit& visit) override;
+  std::optional<std::uint64_t> changes_since(std::string_view file, std::uint64_t seen,
+                                             const VisitChange& visit) override;
+  std::optional<KeptRows> kept_rows(std::string_view file, std::string_view name) override;
+  void keep_rows(std::string_view file, std::string_view name, const KeptRows& rows) override;
   std::uint64_t revision(std::string_view file) override;
 
   // The files that hold records, by name.
@@ -58,6 +63,7 @@ class SqliteBackend : public Backend {
     Shelf(const std::string& path, Missing missing, int patience);
     Connection connection;
     Statement find, ids, records, tails, number, revision;
+    std::optional<Statement> changed;  // once it is asked
     // Once something is written.
     std::optional<RecordWriter> writer;
     std::unique_ptr<Checkpointer> checkpointer;
@@ -70,6 +76,12 @@ class SqliteBackend : public Backend {
   void run_change(const std::function<void()>& writes);
   std::int64_t number_for_writing(RecordWriter& writer, std::string_view file);
   RecordWriter::Hand hand() const { return {author_, clock_()}; }
+  void have_checkpoints(Shelf& shelf) {
+    if (!shelf.checkpointer) shelf.checkpointer = std::make_unique<Checkpointer>(shelf.connection);
+  }
+  // The ids that the revisions behind `seen` have written or removed, up to `now`; nothing where the file
+  // does not know them any more.
+  std::optional<std::set<std::string>> changed_ids(std::int64_t number, std::int64_t seen, std::int64_t now);
   // A file by its name, and by its number.
   struct File {
     std::string_view name;
@@ -90,6 +102,7 @@ class SqliteBackend : public Backend {
   std::string author_;
   // A change of several writes is under way; one of them has failed, and with it the change.
   bool in_change_ = false, broken_ = false;
+  bool in_view_ = false;
   // Changes undone here: what was read inside them must not pass for what comes after.
   std::uint64_t undone_ = 0;
 };

@@ -63,6 +63,8 @@ std::size_t SqliteHistory::purge(std::int64_t before) {
     rows.bind(1, before);
     rows.step();
     gone = static_cast<std::size_t>(backend_.connection().changes());
+    // It may name whom the last trace was purged of.
+    backend_.connection().run("DELETE FROM kept");
   });
   return gone;
 }
