@@ -85,40 +85,36 @@ void KeptSelection::select(Backend& backend) {
 }
 
 bool KeptSelection::patch(Backend& backend) {
-  Rows rows = *rows_;
+  std::shared_ptr<const Rows> rows = rows_;
   std::size_t changes = 0;
-  bool differs = false;
   const auto revision = backend.changes_since(statement_.file, *revision_, [&](const ChangedRow& change) {
     ++changes;
-    differs |= apply(change, rows);
+    if (auto patched = with_change(*rows, change)) rows = std::make_shared<const Rows>(*std::move(patched));
   });
   if (!revision) return false;
-  if (differs) rows_ = std::make_shared<const Rows>(std::move(rows));
+  rows_ = std::move(rows);
   revision_ = revision;
   changes_ += changes;
   if (changes_ > kMostChanges) keep(backend);
   return true;
 }
 
-bool KeptSelection::apply(const ChangedRow& change, Rows& rows) {
-  if (!select::may_match(statement_, change.id)) return false;
+std::optional<Rows> KeptSelection::with_change(const Rows& rows, const ChangedRow& change) {
+  if (!select::may_match(statement_, change.id)) return std::nullopt;
   const Row row{change.id, change.encoded.value_or("")};
   const bool belongs = change.encoded && select::matches(statement_, row);
-  const bool key_is_known = belongs || maker_.key_is_of_id();
+  const bool key_is_of_id = maker_.key_is_of_id();
   const std::string& key = maker_.key(row);
-  auto place = key_is_known ? rows.find(key, change.id) : std::nullopt;
-  const bool same_place = place.has_value();
-  if (!place && !maker_.key_is_of_id()) place = rows.find(change.id);
-  if (!belongs) {
-    if (place) rows = without(rows, *place);
-    return place.has_value();
-  }
+  auto place = belongs || key_is_of_id ? rows.find(key, change.id) : std::nullopt;
+  const bool stays = place.has_value();
+  if (!stays && !key_is_of_id) place = rows.find(change.id);
+  if (!belongs) return place ? std::optional(without(rows, *place)) : std::nullopt;
   text_.clear();
   maker_.append_text(row, text_);
-  if (same_place && rows.text_at(*place) == text_) return false;
-  if (place && !same_place) rows = without(rows, *place);
-  rows = with(rows, {change.id, text_, key}, maker_.starts_with_id());
-  return true;
+  if (stays && rows.text_at(*place) == text_) return std::nullopt;
+  const LooseRow now{change.id, text_, key};
+  const bool moves = place && !stays;
+  return with(moves ? without(rows, *place) : rows, now, maker_.starts_with_id());
 }
 
 std::string KeptSelection::name() const {

@@ -34,8 +34,8 @@ class KeptSelection {
  private:
   void select(Backend& backend);
   bool patch(Backend& backend);
-  // Takes into the rows what has become of a record; whether that makes a difference.
-  bool apply(const ChangedRow& change, Rows& rows);
+  // The rows with what has become of a record; nothing where that makes no difference to them.
+  std::optional<Rows> with_change(const Rows& rows, const ChangedRow& change);
   // What the backend keeps the rows under: the same for the same selection, by whichever words it was asked.
   std::string name() const;
   void take_what_was_kept(Backend& backend);

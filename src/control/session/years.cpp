@@ -11,8 +11,9 @@ void YearTable::ChargerExtractions(const Procedure& procedure) {
       procedure.select("SSELECT VELANORO PAR CodeAsso PAR-DECR Annee", "VELANORO", "0");
   table_ = {};
   int n = 0;
-  // The statement's order brings the entities together, each with its most recent year first.
-  for (int i = 1; !ids(i).empty(); ++i) {
+  // The statement's order brings the entities together, each with its most recent year first; one id tells
+  // of all that have both alike.
+  for (int i = 1; i <= ids.DCount(); i = ids.run_end(i)) {
     const std::string_view entity = card::entity_of(ids(i));
     const std::string_view year = text::left(card::year_of(ids(i)), kLongestYear);
     // An id that is no card's would end the table, which every reader takes up to its first empty value.

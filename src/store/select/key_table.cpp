@@ -41,6 +41,11 @@ std::uint32_t hash_of(std::string_view key) {
 
 std::uint64_t packed_prefix(std::string_view key) {
   std::uint64_t prefix = 0;
+  if (key.size() >= kWord) {
+    // Without a look at the end in between this is one instruction.
+    for (std::size_t i = 0; i < kWord; ++i) prefix = prefix << 8 | static_cast<unsigned char>(key[i]);
+    return prefix;
+  }
   for (std::size_t i = 0; i < kWord; ++i) {
     prefix = prefix << 8 | (i < key.size() ? static_cast<unsigned char>(key[i]) : 0u);
   }
