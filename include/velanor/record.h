@@ -3,9 +3,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <utility>
 
 namespace velanor::store {
 
@@ -40,11 +41,20 @@ inline constexpr int kMaxNumber = 1'000'000;
 class DbRecord {
  public:
   DbRecord() = default;
+  DbRecord(const DbRecord&) = default;
+  DbRecord(DbRecord&&) noexcept = default;
+  // Nothing has changed where there is no memory for it.
+  DbRecord& operator=(const DbRecord& other);
+  DbRecord& operator=(DbRecord&&) noexcept = default;
+  ~DbRecord() = default;
   // The record of an encoded string. Marks are structure; other bytes that are not UTF-8 and
   // NULs are replaced.
   static DbRecord from_encoded(std::string_view encoded);
   // The same for a string that `encoded` once gave, whose bytes need no look. Any other must not come here.
   static DbRecord from_trusted(std::string encoded);
+  // The same for one record after the other in the memory of this one. Nothing has changed where they throw.
+  void assign_encoded(std::string_view encoded);
+  void assign_trusted(std::string_view encoded);
 
   // The whole record in its encoded form.
   const std::string& encoded() const { return bytes_; }
@@ -89,18 +99,52 @@ class DbRecord {
   friend bool operator==(const DbRecord& a, const DbRecord& b) { return a.bytes_ == b.bytes_; }
 
  private:
-  // Leaves are the texts between two marks of any kind; an element is a run of them, `first` to
-  // before `last`. An element that is not there is an empty run.
+  // Where each leaf starts in the bytes, with which leaf each value starts, with which value each attribute
+  // starts; each list closed by one entry more. A leaf is a text between two marks of any kind. All three
+  // stand in one piece of memory, with as much room for each; without elements they are not there.
+  class Index {
+   public:
+    Index() = default;
+    Index(const Index& other);
+    Index(Index&& other) noexcept { swap(other); }
+    Index& operator=(const Index&) = delete;
+    Index& operator=(Index&& other) noexcept {
+      Index taken(std::move(other));
+      swap(taken);
+      return *this;
+    }
+    ~Index() = default;
+
+    std::uint32_t* leaf_starts() const { return entries_.get(); }
+    std::uint32_t* value_leaves() const { return entries_.get() + room_; }
+    std::uint32_t* attribute_values() const { return entries_.get() + 2 * room_; }
+    // Elements of each level.
+    std::uint32_t leaves = 0, values = 0, attributes = 0;
+
+    // Room for so many leaves, twice as much as before where there is less. What there is stays.
+    void make_room(std::size_t leaves);
+    // Within the room that there is.
+    void copy(const Index& other);
+    void clear() { leaves = values = attributes = 0; }
+
+   private:
+    void swap(Index& other) noexcept;
+
+    std::unique_ptr<std::uint32_t[]> entries_;
+    std::uint32_t room_ = 0;
+  };
+
+  // An element is a run of leaves, `first` to before `last`. One that is not there is an empty run.
   struct Leaves {
     std::uint32_t first = 0, last = 0;
     bool exist() const { return first != last; }
   };
   Leaves leaves(int attribute, int value, int subvalue) const;
-  std::size_t begin(Leaves run) const { return leaf_starts_[run.first]; }
-  std::size_t end(Leaves run) const { return leaf_starts_[run.last] - 1; }
+  std::size_t begin(Leaves run) const { return index_.leaf_starts()[run.first]; }
+  std::size_t end(Leaves run) const { return index_.leaf_starts()[run.last] - 1; }
   bool empty(Leaves run) const { return !run.exist() || begin(run) == end(run); }
   // Elements in the structure, where an empty attribute holds one empty value.
-  int attributes() const;
+  int attributes() const { return static_cast<int>(index_.attributes); }
   int values(int attribute) const;
   int subvalues(int attribute, int value) const;
 
@@ -110,16 +154,37 @@ class DbRecord {
   void insert_before(int attribute, Leaves next, Leaves parent, char mark, std::string_view clean);
   // Replaces the bytes `begin` to before `end`, which lie in or behind the attribute.
   void splice(int attribute, std::size_t begin, std::size_t end, std::string_view bytes);
-  // Indexes the attribute and all behind it; what stands before it has not changed.
-  void index_from(int attribute);
+  // What of the index belongs to attributes that are looked at anew.
+  struct Changed;
+  Changed changed(int attribute, std::size_t end) const;
+  void index_all();
+  void index_again(const Changed& changed, std::size_t bytes_before);
+  // Indexes the bytes from `from` to before `end`, behind so many elements of each level.
+  struct Reached;
+  Reached index_bytes(std::size_t from, std::size_t end, Reached at);
 
   std::string bytes_;
-  // Where each leaf starts in the bytes, with which leaf each value starts, with which value each
-  // attribute starts; each list closed by one entry more. All are empty for an empty record.
-  std::vector<std::uint32_t> leaf_starts_;
-  std::vector<std::uint32_t> value_leaves_;
-  std::vector<std::uint32_t> attribute_values_;
+  Index index_;
 };
+
+inline DbRecord::Leaves DbRecord::leaves(int attribute, int value, int subvalue) const {
+  if (attribute < 1 || static_cast<std::uint32_t>(attribute) > index_.attributes) return {};
+  const std::uint32_t* const at_value = index_.attribute_values() + (attribute - 1);
+  const std::uint32_t* const value_leaves = index_.value_leaves();
+  if (value == kWhole) return {value_leaves[at_value[0]], value_leaves[at_value[1]]};
+  if (value < 1 || static_cast<std::uint32_t>(value) > at_value[1] - at_value[0]) return {};
+  const std::uint32_t* const at_leaf = value_leaves + at_value[0] + (value - 1);
+  if (subvalue == kWhole) return {at_leaf[0], at_leaf[1]};
+  if (subvalue < 1 || static_cast<std::uint32_t>(subvalue) > at_leaf[1] - at_leaf[0]) return {};
+  const std::uint32_t leaf = at_leaf[0] + static_cast<std::uint32_t>(subvalue) - 1;
+  return {leaf, leaf + 1};
+}
+
+inline std::string_view DbRecord::operator()(int attribute, int value, int subvalue) const {
+  const Leaves found = leaves(attribute, value, subvalue);
+  if (!found.exist()) return {};
+  return {bytes_.data() + begin(found), end(found) - begin(found)};
+}
 
 // Text as it may enter a record: every mark byte, NUL and byte that is not part of valid UTF-8
 // becomes U+FFFD. Valid text comes back as it is.

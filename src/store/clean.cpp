@@ -59,19 +59,27 @@ std::size_t plain_run(std::string_view text, std::size_t at, Marks marks) {
 
 #endif
 
-std::string clean(std::string_view text, Marks marks) {
-  std::string result;
-  // Copied so far, and looked at so far: what is clean is copied in one piece.
-  std::size_t copied = 0, at = 0;
+// The first byte from `at` that is to be replaced; the size of the text where there is none.
+std::size_t next_foreign(std::string_view text, std::size_t at, Marks marks) {
   while ((at += plain_run(text, at, marks)) < text.size()) {
-    if (const std::size_t length = utf8::sequence_length(text, at)) {
-      at += length;
-      continue;
-    }
-    result.append(text, copied, at - copied).append(kReplacement);
-    copied = ++at;
+    const std::size_t length = utf8::sequence_length(text, at);
+    if (length == 0) break;
+    at += length;
   }
-  return copied == 0 ? std::string(text) : result.append(text, copied);
+  return at;
+}
+
+std::string clean(std::string_view text, Marks marks) {
+  std::size_t foreign = next_foreign(text, 0, marks);
+  if (foreign == text.size()) return std::string(text);
+  std::string result;
+  // What is clean is copied in one piece.
+  std::size_t copied = 0;
+  for (; foreign < text.size(); foreign = next_foreign(text, copied, marks)) {
+    result.append(text, copied, foreign - copied).append(kReplacement);
+    copied = foreign + 1;
+  }
+  return result.append(text, copied);
 }
 
 }  // namespace
@@ -79,5 +87,9 @@ std::string clean(std::string_view text, Marks marks) {
 std::string clean_text(std::string_view text) { return clean(text, Marks::kAreForeign); }
 
 std::string clean_encoded(std::string_view encoded) { return clean(encoded, Marks::kAreStructure); }
+
+bool is_clean_encoded(std::string_view encoded) {
+  return next_foreign(encoded, 0, Marks::kAreStructure) == encoded.size();
+}
 
 }  // namespace velanor::store

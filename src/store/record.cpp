@@ -1,6 +1,7 @@
 #include "velanor/record.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <stdexcept>
 
@@ -28,55 +29,82 @@ int place(int number) {
   return number;
 }
 
-std::size_t count_marks(std::string_view bytes) { return MarkScanner(bytes, 0, kSubvalueMark).count(); }
-
-// As a list grows by itself, so that many small changes stay cheap.
-void make_room(std::vector<std::uint32_t>& list, std::size_t size) {
-  if (size > list.capacity()) list.reserve(std::max(size, 2 * list.capacity()));
-}
-
 std::string run_of(char mark, int count) {
   return std::string(static_cast<std::size_t>(std::max(count, 0)), mark);
 }
 
 }  // namespace
 
+DbRecord::Index::Index(const Index& other) {
+  if (other.leaves == 0) return;
+  make_room(other.leaves);
+  copy(other);
+}
+
+void DbRecord::Index::swap(Index& other) noexcept {
+  std::swap(leaves, other.leaves);
+  std::swap(values, other.values);
+  std::swap(attributes, other.attributes);
+  std::swap(entries_, other.entries_);
+  std::swap(room_, other.room_);
+}
+
+void DbRecord::Index::make_room(std::size_t wanted) {
+  // An entry more closes each list, and one is written before it is known to be needed.
+  if (wanted + 2 <= room_) return;
+  Index larger;
+  larger.room_ = static_cast<std::uint32_t>(std::max<std::size_t>(wanted + 2, 2 * std::size_t{room_}));
+  larger.entries_ = std::make_unique_for_overwrite<std::uint32_t[]>(3 * std::size_t{larger.room_});
+  if (leaves > 0) larger.copy(*this);
+  swap(larger);
+}
+
+void DbRecord::Index::copy(const Index& other) {
+  leaves = other.leaves;
+  values = other.values;
+  attributes = other.attributes;
+  if (leaves == 0) return;
+  std::copy_n(other.leaf_starts(), leaves + 1, leaf_starts());
+  std::copy_n(other.value_leaves(), values + 1, value_leaves());
+  std::copy_n(other.attribute_values(), attributes + 1, attribute_values());
+}
+
+DbRecord& DbRecord::operator=(const DbRecord& other) {
+  if (this == &other) return *this;
+  bytes_.reserve(other.bytes_.size());
+  if (other.index_.leaves > 0) index_.make_room(other.index_.leaves);
+  bytes_ = other.bytes_;
+  index_.copy(other.index_);
+  return *this;
+}
+
 DbRecord DbRecord::from_encoded(std::string_view encoded) { return from_trusted(clean_encoded(encoded)); }
 
 DbRecord DbRecord::from_trusted(std::string encoded) {
   if (encoded.size() > kMaxBytes) throw std::length_error("record too long");
   DbRecord record;
+  record.index_.make_room(count_marks(encoded) + 1);
   record.bytes_ = std::move(encoded);
-  record.index_from(1);
+  record.index_all();
   return record;
 }
 
-DbRecord::Leaves DbRecord::leaves(int attribute, int value, int subvalue) const {
-  if (attribute < 1 || attribute > attributes()) return {};
-  const std::uint32_t* at_value = &attribute_values_[static_cast<std::size_t>(attribute) - 1];
-  if (value == kWhole) return {value_leaves_[at_value[0]], value_leaves_[at_value[1]]};
-  if (value < 1 || static_cast<std::uint32_t>(value) > at_value[1] - at_value[0]) return {};
-  const std::uint32_t* at_leaf = &value_leaves_[at_value[0] + static_cast<std::uint32_t>(value) - 1];
-  if (subvalue == kWhole) return {at_leaf[0], at_leaf[1]};
-  if (subvalue < 1 || static_cast<std::uint32_t>(subvalue) > at_leaf[1] - at_leaf[0]) return {};
-  const std::uint32_t leaf = at_leaf[0] + static_cast<std::uint32_t>(subvalue) - 1;
-  return {leaf, leaf + 1};
+void DbRecord::assign_encoded(std::string_view encoded) {
+  if (is_clean_encoded(encoded)) return assign_trusted(encoded);
+  assign_trusted(clean_encoded(encoded));
 }
 
-std::string_view DbRecord::operator()(int attribute, int value, int subvalue) const {
-  const Leaves found = leaves(attribute, value, subvalue);
-  if (!found.exist()) return {};
-  return std::string_view(bytes_).substr(begin(found), end(found) - begin(found));
-}
-
-int DbRecord::attributes() const {
-  return attribute_values_.empty() ? 0 : static_cast<int>(attribute_values_.size() - 1);
+void DbRecord::assign_trusted(std::string_view encoded) {
+  if (encoded.size() > kMaxBytes) throw std::length_error("record too long");
+  index_.make_room(count_marks(encoded) + 1);
+  bytes_ = encoded;
+  index_all();
 }
 
 int DbRecord::values(int attribute) const {
   if (attribute < 1 || attribute > attributes()) return 0;
-  const auto at = static_cast<std::size_t>(attribute);
-  return static_cast<int>(attribute_values_[at] - attribute_values_[at - 1]);
+  const std::uint32_t* const at = index_.attribute_values() + attribute;
+  return static_cast<int>(at[0] - at[-1]);
 }
 
 int DbRecord::subvalues(int attribute, int value) const {
@@ -140,7 +168,7 @@ void DbRecord::Delete(int attribute, int value, int subvalue) {
   if (value == kWhole) subvalue = kWhole;
   const Leaves parent = subvalue != kWhole ? leaves(attribute, value, kWhole)
                         : value != kWhole  ? leaves(attribute, kWhole, kWhole)
-                                           : Leaves{0, static_cast<std::uint32_t>(leaf_starts_.size() - 1)};
+                                           : Leaves{0, index_.leaves};
   // One of the two marks beside the element goes with it.
   const bool mark_before = found.first != parent.first;
   const bool mark_behind = !mark_before && found.last != parent.last;
@@ -179,55 +207,107 @@ void DbRecord::insert_before(int attribute, Leaves next, Leaves parent, char mar
   splice(attribute, end(parent), end(parent), bytes.insert(0, 1, mark));
 }
 
-// Nothing has changed where there is no memory for it.
-void DbRecord::splice(int attribute, std::size_t begin, std::size_t end, std::string_view bytes) {
-  const std::size_t size = bytes_.size() - (end - begin) + bytes.size();
-  if (size > kMaxBytes) throw std::length_error("record too long");
-  bytes_.reserve(size);
-  const std::size_t marks = leaf_starts_.size() + count_marks(bytes) + 2;
-  for (std::vector<std::uint32_t>* list : {&leaf_starts_, &value_leaves_, &attribute_values_})
-    make_room(*list, list->size() + marks);
-  bytes_.replace(begin, end - begin, bytes);
-  index_from(attribute);
+struct DbRecord::Reached {
+  std::uint32_t leaf = 0, value = 0, attribute = 0;
+};
+
+// Attributes between what is kept before them and what is kept behind them, with where the first begins and
+// where the last ends.
+struct DbRecord::Changed {
+  Reached first, last;
+  std::size_t begin = 0, end = 0;
+};
+
+DbRecord::Changed DbRecord::changed(int attribute, std::size_t end) const {
+  const std::uint32_t* const values = index_.attribute_values();
+  const std::uint32_t* const leaves = index_.value_leaves();
+  const std::uint32_t* const starts = index_.leaf_starts();
+  const auto reached = [&](int attributes_before) {
+    const std::uint32_t value = values[attributes_before];
+    return Reached{leaves[value], value, static_cast<std::uint32_t>(attributes_before)};
+  };
+  Changed changed;
+  // A new attribute is found by looking at the last one again.
+  int last = std::max(std::min(attribute, attributes()), 1);
+  changed.first = reached(last - 1);
+  while (last < attributes() && starts[reached(last).leaf] - std::size_t{1} < end) ++last;
+  changed.last = reached(last);
+  changed.begin = starts[changed.first.leaf];
+  changed.end = starts[changed.last.leaf] - std::size_t{1};
+  return changed;
 }
 
-void DbRecord::index_from(int attribute) {
-  if (bytes_.empty()) {
-    leaf_starts_.clear();
-    value_leaves_.clear();
-    attribute_values_.clear();
-    return;
+// Nothing has changed where there is no memory for it.
+void DbRecord::splice(int attribute, std::size_t begin, std::size_t end, std::string_view bytes) {
+  const std::size_t before = bytes_.size(), size = before - (end - begin) + bytes.size();
+  if (size > kMaxBytes) throw std::length_error("record too long");
+  bytes_.reserve(size);
+  index_.make_room(index_.leaves + count_marks(bytes) + 1);
+  if (before == 0 || size == 0) {
+    bytes_.replace(begin, end - begin, bytes);
+    return index_all();
   }
-  // What is kept of each list; a new attribute is found by looking at the last one again.
-  const auto kept = static_cast<std::size_t>(std::max(std::min(attribute, attributes()) - 1, 0));
-  std::size_t value = kept == 0 ? 0 : attribute_values_[kept];
-  std::size_t leaf = kept == 0 ? 0 : value_leaves_[value];
-  const std::size_t from = kept == 0 ? 0 : leaf_starts_[leaf];
-  const std::size_t marks = MarkScanner(bytes_, from, kSubvalueMark).count();
-  leaf_starts_.resize(leaf + marks + 2);
-  value_leaves_.resize(value + marks + 2);
-  attribute_values_.resize(kept + marks + 2);
-  std::size_t at_attribute = kept;
-  // Written without branches: the next entry is written at every mark and stays where the mark
-  // opens an element of that level.
-  leaf_starts_[leaf] = static_cast<std::uint32_t>(from);
-  value_leaves_[value] = static_cast<std::uint32_t>(leaf);
-  attribute_values_[at_attribute] = static_cast<std::uint32_t>(value);
-  MarkScanner scanner(bytes_, from, kSubvalueMark);
-  for (std::size_t at = scanner.next(); at != MarkScanner::kEnd; at = scanner.next()) {
-    const char mark = bytes_[at];
-    leaf_starts_[++leaf] = static_cast<std::uint32_t>(at + 1);
-    value_leaves_[value + 1] = static_cast<std::uint32_t>(leaf);
+  const Changed region = changed(attribute, end);
+  bytes_.replace(begin, end - begin, bytes);
+  index_again(region, before);
+}
+
+void DbRecord::index_all() {
+  index_.clear();
+  if (bytes_.empty()) return;
+  const Reached all = index_bytes(0, bytes_.size(), {});
+  index_.leaves = all.leaf;
+  index_.values = all.value;
+  index_.attributes = all.attribute;
+}
+
+void DbRecord::index_again(const Changed& region, std::size_t bytes_before) {
+  // Unsigned, they go down as well as up.
+  const auto moved = static_cast<std::uint32_t>(bytes_.size() - bytes_before);
+  const std::size_t end = region.end + (bytes_.size() - bytes_before);
+  const MarkCounts marks = count_each_mark(std::string_view(bytes_).substr(region.begin, end - region.begin));
+  const Reached behind{region.first.leaf + marks.all + 1, region.first.value + marks.values + 1,
+                       region.first.attribute + marks.attributes + 1};
+  const auto shift = [](std::uint32_t* list, std::uint32_t from, std::uint32_t to, std::uint32_t last,
+                        std::uint32_t difference) {
+    const std::uint32_t count = last + 1 - from;
+    if (from != to) std::memmove(list + to, list + from, count * sizeof *list);
+    if (difference == 0) return;
+    for (std::uint32_t i = 0; i < count; ++i) list[to + i] += difference;
+  };
+  shift(index_.leaf_starts(), region.last.leaf, behind.leaf, index_.leaves, moved);
+  shift(index_.value_leaves(), region.last.value, behind.value, index_.values, behind.leaf - region.last.leaf);
+  shift(index_.attribute_values(), region.last.attribute, behind.attribute, index_.attributes,
+        behind.value - region.last.value);
+  index_.leaves += behind.leaf - region.last.leaf;
+  index_.values += behind.value - region.last.value;
+  index_.attributes += behind.attribute - region.last.attribute;
+  index_bytes(region.begin, end, region.first);
+}
+
+DbRecord::Reached DbRecord::index_bytes(std::size_t from, std::size_t end, Reached at) {
+  std::uint32_t* const starts = index_.leaf_starts();
+  std::uint32_t* const leaves = index_.value_leaves();
+  std::uint32_t* const values = index_.attribute_values();
+  auto [leaf, value, attribute] = at;
+  // Written without branches: the next entry is written at every mark and stays where the mark opens an
+  // element of that level.
+  starts[leaf] = static_cast<std::uint32_t>(from);
+  leaves[value] = leaf;
+  values[attribute] = value;
+  MarkScanner scanner(std::string_view(bytes_.data(), end), from, kSubvalueMark);
+  for (std::size_t mark_at = scanner.next(); mark_at != MarkScanner::kEnd; mark_at = scanner.next()) {
+    const char mark = bytes_[mark_at];
+    starts[++leaf] = static_cast<std::uint32_t>(mark_at + 1);
+    leaves[value + 1] = leaf;
     value += mark != kSubvalueMark;
-    attribute_values_[at_attribute + 1] = static_cast<std::uint32_t>(value);
-    at_attribute += mark == kAttributeMark;
+    values[attribute + 1] = value;
+    attribute += mark == kAttributeMark;
   }
-  leaf_starts_[++leaf] = static_cast<std::uint32_t>(bytes_.size() + 1);
-  value_leaves_[++value] = static_cast<std::uint32_t>(leaf);
-  attribute_values_[++at_attribute] = static_cast<std::uint32_t>(value);
-  leaf_starts_.resize(leaf + 1);
-  value_leaves_.resize(value + 1);
-  attribute_values_.resize(at_attribute + 1);
+  starts[++leaf] = static_cast<std::uint32_t>(end + 1);
+  leaves[++value] = leaf;
+  values[++attribute] = value;
+  return {leaf, value, attribute};
 }
 
 }  // namespace velanor::store
