@@ -92,7 +92,7 @@ class DbRecord {
   // Values of the attribute (value kWhole), or subvalues of that value. An empty one counts 0.
   int Count(int attribute, int value = kWhole) const;
   // Attributes of the record (0 when it is empty); values of one attribute.
-  int DCount() const;
+  int DCount() const { return attributes(); }
   int DCount(int attribute) const { return Count(attribute); }
 
   // By their encoded forms: an empty element at the end makes a difference.
@@ -138,6 +138,7 @@ class DbRecord {
   struct Leaves {
     std::uint32_t first = 0, last = 0;
     bool exist() const { return first != last; }
+    int size() const { return static_cast<int>(last - first); }
   };
   Leaves leaves(int attribute, int value, int subvalue) const;
   std::size_t begin(Leaves run) const { return index_.leaf_starts()[run.first]; }
@@ -146,7 +147,7 @@ class DbRecord {
   // Elements in the structure, where an empty attribute holds one empty value.
   int attributes() const { return static_cast<int>(index_.attributes); }
   int values(int attribute) const;
-  int subvalues(int attribute, int value) const;
+  int subvalues(int attribute, int value) const { return leaves(attribute, value, kWhole).size(); }
 
   void replace(int attribute, int value, int subvalue, std::string_view clean);
   void insert_value(int attribute, int value, std::string_view clean);
@@ -159,9 +160,6 @@ class DbRecord {
   Changed changed(int attribute, std::size_t end) const;
   void index_all();
   void index_again(const Changed& changed, std::size_t bytes_before);
-  // Indexes the bytes from `from` to before `end`, behind so many elements of each level.
-  struct Reached;
-  Reached index_bytes(std::size_t from, std::size_t end, Reached at);
 
   std::string bytes_;
   Index index_;
@@ -184,6 +182,18 @@ inline std::string_view DbRecord::operator()(int attribute, int value, int subva
   const Leaves found = leaves(attribute, value, subvalue);
   if (!found.exist()) return {};
   return {bytes_.data() + begin(found), end(found) - begin(found)};
+}
+
+inline int DbRecord::values(int attribute) const {
+  if (attribute < 1 || attribute > attributes()) return 0;
+  const std::uint32_t* const at_value = index_.attribute_values() + (attribute - 1);
+  return static_cast<int>(at_value[1] - at_value[0]);
+}
+
+inline int DbRecord::Count(int attribute, int value) const {
+  const Leaves found = leaves(attribute, value, kWhole);
+  if (empty(found)) return 0;
+  return value == kWhole ? values(attribute) : found.size();
 }
 
 // Text as it may enter a record: every mark byte, NUL and byte that is not part of valid UTF-8

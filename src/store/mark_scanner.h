@@ -15,6 +15,41 @@
 
 namespace velanor::store {
 
+// 64 bytes, of which it tells by one bit each whether they are marks from one upwards.
+class MarkBlock {
+ public:
+  static constexpr std::size_t kSize = 64;
+
+#if defined(__SSE2__)
+  explicit MarkBlock(const char* bytes)
+      : parts_{part(bytes), part(bytes + 16), part(bytes + 32), part(bytes + 48)} {}
+  std::uint64_t from(char lowest) const {
+    const __m128i least = _mm_set1_epi8(lowest);
+    return bits(parts_[0], least) | bits(parts_[1], least) << 16 | bits(parts_[2], least) << 32 |
+           bits(parts_[3], least) << 48;
+  }
+
+ private:
+  static __m128i part(const char* bytes) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)); }
+  static std::uint64_t bits(__m128i bytes, __m128i least) {
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_max_epu8(bytes, least), bytes)));
+  }
+  __m128i parts_[4];
+#else
+  explicit MarkBlock(const char* bytes) : bytes_(bytes) {}
+  std::uint64_t from(char lowest) const {
+    const auto least = static_cast<unsigned char>(lowest);
+    std::uint64_t found = 0;
+    for (std::size_t i = 0; i < kSize; ++i)
+      found |= static_cast<std::uint64_t>(static_cast<unsigned char>(bytes_[i]) >= least) << i;
+    return found;
+  }
+
+ private:
+  const char* bytes_;
+#endif
+};
+
 // Yields the positions of all bytes from the mark `lowest` upwards, in order. The bytes must
 // outlive it.
 class MarkScanner {
@@ -36,7 +71,7 @@ class MarkScanner {
   }
 
  private:
-  static constexpr std::size_t kBlock = 64;
+  static constexpr std::size_t kBlock = MarkBlock::kSize;
 
   void load() {
     block_ = next_block_;
@@ -51,27 +86,7 @@ class MarkScanner {
     found_ = marks_of(rest);
   }
 
-#if defined(__SSE2__)
-  std::uint64_t marks_of(const char* block) const {
-    const __m128i lowest = _mm_set1_epi8(lowest_);
-    std::uint64_t found = 0;
-    for (int part = 0; part < 4; ++part) {
-      const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(block + 16 * part));
-      const __m128i is_mark = _mm_cmpeq_epi8(_mm_max_epu8(bytes, lowest), bytes);
-      found |= static_cast<std::uint64_t>(_mm_movemask_epi8(is_mark)) << (16 * part);
-    }
-    return found;
-  }
-#else
-  std::uint64_t marks_of(const char* block) const {
-    const auto lowest = static_cast<unsigned char>(lowest_);
-    std::uint64_t found = 0;
-    for (std::size_t i = 0; i < kBlock; ++i) {
-      found |= static_cast<std::uint64_t>(static_cast<unsigned char>(block[i]) >= lowest) << i;
-    }
-    return found;
-  }
-#endif
+  std::uint64_t marks_of(const char* block) const { return MarkBlock(block).from(lowest_); }
 
   std::string_view bytes_;
   std::size_t block_ = 0;
@@ -100,18 +115,22 @@ inline MarkCounts count_each_mark(std::string_view bytes) {
 inline std::size_t count_marks(std::string_view bytes) {
   std::size_t marks = 0, at = 0;
 #if defined(__SSE2__)
-  // In each of sixteen places, up to what a byte holds.
   const __m128i lowest = _mm_set1_epi8(kSubvalueMark), none = _mm_setzero_si128();
-  while (at + sizeof lowest <= bytes.size()) {
-    __m128i found = none;
-    for (int block = 0; block < 255 && at + sizeof lowest <= bytes.size(); ++block, at += sizeof lowest) {
-      const __m128i block_bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes.data() + at));
-      found = _mm_sub_epi8(found, _mm_cmpeq_epi8(_mm_max_epu8(block_bytes, lowest), block_bytes));
-    }
-    const __m128i sums = _mm_sad_epu8(found, none);
-    marks += static_cast<std::size_t>(_mm_cvtsi128_si32(sums)) +
-             static_cast<std::size_t>(_mm_cvtsi128_si32(_mm_srli_si128(sums, 8)));
+  const auto is_mark = [&](const char* sixteen) {
+    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(sixteen));
+    return _mm_cmpeq_epi8(_mm_max_epu8(block, lowest), block);
+  };
+  const auto count = [&](__m128i found) {
+    // A mark is -1 in its place.
+    const __m128i sums = _mm_sad_epu8(_mm_sub_epi8(none, found), none);
+    marks += static_cast<std::size_t>(_mm_cvtsi128_si32(_mm_add_epi32(sums, _mm_srli_si128(sums, 8))));
+  };
+  for (; at + 64 <= bytes.size(); at += 64) {
+    const char* const block = bytes.data() + at;
+    count(_mm_add_epi8(_mm_add_epi8(is_mark(block), is_mark(block + 16)),
+                       _mm_add_epi8(is_mark(block + 32), is_mark(block + 48))));
   }
+  for (; at + 16 <= bytes.size(); at += 16) count(is_mark(bytes.data() + at));
 #endif
   for (; at < bytes.size(); ++at)
     marks += static_cast<unsigned char>(bytes[at]) >= static_cast<unsigned char>(kSubvalueMark);

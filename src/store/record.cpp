@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "store/clean.h"
+#include "store/mark_lists.h"
 #include "store/mark_scanner.h"
 
 namespace velanor::store {
@@ -27,6 +28,11 @@ int place(int number) {
   if (number == kAppend) return kPastEnd;
   if (number < 1) check_number(number);
   return number;
+}
+
+template <class Index>
+MarkLists lists(const Index& index) {
+  return {index.leaf_starts(), index.value_leaves(), index.attribute_values()};
 }
 
 std::string run_of(char mark, int count) {
@@ -99,24 +105,6 @@ void DbRecord::assign_trusted(std::string_view encoded) {
   index_.make_room(count_marks(encoded) + 1);
   bytes_ = encoded;
   index_all();
-}
-
-int DbRecord::values(int attribute) const {
-  if (attribute < 1 || attribute > attributes()) return 0;
-  const std::uint32_t* const at = index_.attribute_values() + attribute;
-  return static_cast<int>(at[0] - at[-1]);
-}
-
-int DbRecord::subvalues(int attribute, int value) const {
-  const Leaves found = leaves(attribute, value, kWhole);
-  return static_cast<int>(found.last - found.first);
-}
-
-int DbRecord::DCount() const { return attributes(); }
-
-int DbRecord::Count(int attribute, int value) const {
-  if ((*this)(attribute, value).empty()) return 0;
-  return value == kWhole ? values(attribute) : subvalues(attribute, value);
 }
 
 void DbRecord::set(int attribute, std::string_view text) {
@@ -207,10 +195,6 @@ void DbRecord::insert_before(int attribute, Leaves next, Leaves parent, char mar
   splice(attribute, end(parent), end(parent), bytes.insert(0, 1, mark));
 }
 
-struct DbRecord::Reached {
-  std::uint32_t leaf = 0, value = 0, attribute = 0;
-};
-
 // Attributes between what is kept before them and what is kept behind them, with where the first begins and
 // where the last ends.
 struct DbRecord::Changed {
@@ -255,7 +239,7 @@ void DbRecord::splice(int attribute, std::size_t begin, std::size_t end, std::st
 void DbRecord::index_all() {
   index_.clear();
   if (bytes_.empty()) return;
-  const Reached all = index_bytes(0, bytes_.size(), {});
+  const Reached all = list_elements(bytes_, 0, {}, lists(index_));
   index_.leaves = all.leaf;
   index_.values = all.value;
   index_.attributes = all.attribute;
@@ -282,32 +266,7 @@ void DbRecord::index_again(const Changed& region, std::size_t bytes_before) {
   index_.leaves += behind.leaf - region.last.leaf;
   index_.values += behind.value - region.last.value;
   index_.attributes += behind.attribute - region.last.attribute;
-  index_bytes(region.begin, end, region.first);
-}
-
-DbRecord::Reached DbRecord::index_bytes(std::size_t from, std::size_t end, Reached at) {
-  std::uint32_t* const starts = index_.leaf_starts();
-  std::uint32_t* const leaves = index_.value_leaves();
-  std::uint32_t* const values = index_.attribute_values();
-  auto [leaf, value, attribute] = at;
-  // Written without branches: the next entry is written at every mark and stays where the mark opens an
-  // element of that level.
-  starts[leaf] = static_cast<std::uint32_t>(from);
-  leaves[value] = leaf;
-  values[attribute] = value;
-  MarkScanner scanner(std::string_view(bytes_.data(), end), from, kSubvalueMark);
-  for (std::size_t mark_at = scanner.next(); mark_at != MarkScanner::kEnd; mark_at = scanner.next()) {
-    const char mark = bytes_[mark_at];
-    starts[++leaf] = static_cast<std::uint32_t>(mark_at + 1);
-    leaves[value + 1] = leaf;
-    value += mark != kSubvalueMark;
-    values[attribute + 1] = value;
-    attribute += mark == kAttributeMark;
-  }
-  starts[++leaf] = static_cast<std::uint32_t>(end + 1);
-  leaves[++value] = leaf;
-  values[++attribute] = value;
-  return {leaf, value, attribute};
+  list_elements(std::string_view(bytes_.data(), end), region.begin, region.first, lists(index_));
 }
 
 }  // namespace velanor::store
