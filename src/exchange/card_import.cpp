@@ -61,18 +61,32 @@ std::string card_id(std::string_view whole, std::string& wrong) {
 
 CardImport::CardImport(store::Database& database, const std::vector<Column>& columns,
                        const entry::Clock& clock)
-    : references_(database), columns_(columns), today_(*entry::day_number(clock())) {}
+    : references_(database), columns_(columns), today_(*entry::day_number(clock())) {
+  for (const Column& column : columns_) {
+    const int attribute = column.position.attribute;
+    const bool is_id = column.id != IdPart::kNone;
+    const card::Field* field = is_id ? nullptr : card::card_field(attribute);
+    if (!is_id) attributes_.insert(attribute);
+    known_of_column_.push_back(
+        field == nullptr ? nullptr : &known_.try_emplace(attribute, Known{field, {}}).first->second);
+  }
+}
 
-CardImport::Findings CardImport::finish(std::string_view id, const DbRecord* before, DbRecord& card) const {
+CardImport::Findings CardImport::finish(std::string_view id, const DbRecord* before,
+                                        const std::vector<std::size_t>& filled, DbRecord& card) {
   Findings findings;
   if (const auto entity = card::entity_of(id); before == nullptr && !references_.has("ASSOCIATION", entity))
     findings.unknown_codes.push_back(card::unknown_entity(entity));
-  if (has_column(card::kName)) set_element(card, card::kName, text::upper(element(card, card::kName)));
-  for (const Column& column : columns_) {
-    const card::Field* field = card::card_field(column.position.attribute);
-    if (column.id != IdPart::kNone || field == nullptr) continue;
-    each_position(card, column.position, [&](const store::Position& position) {
-      finish_element(*field, position, id, before, card, findings);
+  if (has_column(card::kName)) {
+    const std::string name = text::upper(element(card, card::kName));
+    if (name != element(card, card::kName)) set_element(card, card::kName, name);
+  }
+  for (const std::size_t column : filled) {
+    Known* known = known_of_column_[column];
+    const store::Position& at = columns_[column].position;
+    if (known == nullptr || known->good.has(element(card, at))) continue;
+    each_position(card, at, [&](const store::Position& position) {
+      finish_element(*known, position, id, before, card, findings);
     });
   }
   const auto dates = [](const DbRecord& record) {
@@ -89,16 +103,19 @@ CardImport::Findings CardImport::finish(std::string_view id, const DbRecord* bef
 }
 
 // What was stored stays, whatever the reference files hold today.
-void CardImport::finish_element(const card::Field& field, const store::Position& position,
-                                std::string_view id, const DbRecord* before, DbRecord& card,
-                                Findings& findings) const {
+void CardImport::finish_element(Known& known, const store::Position& position, std::string_view id,
+                                const DbRecord* before, DbRecord& card, Findings& findings) const {
+  const card::Field& field = *known.field;
   const std::string given(element(card, position));
   const auto stood = [&](std::string_view text) {
     return before != nullptr && element(*before, position) == text;
   };
   if (given.empty() || stood(given)) return;
   if (field.list.empty()) {
-    if (auto fault = card::fault_of(field, given)) findings.faults.push_back(std::move(*fault));
+    if (auto fault = card::fault_of(field, given))
+      findings.faults.push_back(std::move(*fault));
+    else
+      known.good.add(given);
     return;
   }
   const std::string code = references_.completed(field.list, given, card::entity_of(id));
@@ -110,14 +127,12 @@ void CardImport::finish_element(const card::Field& field, const store::Position&
     findings.unknown_codes.push_back(card::unknown_code(field, code));
   } else if (!references_.fits(field.list, code)) {
     findings.faults.push_back(card::unfit_code(field, code));
+  } else if (code == given) {
+    known.good.add(code);
   }
 }
 
-bool CardImport::has_column(const card::Field& field) const {
-  return std::any_of(columns_.begin(), columns_.end(), [=](const Column& column) {
-    return column.id == IdPart::kNone && column.position.attribute == field.number;
-  });
-}
+bool CardImport::has_column(const card::Field& field) const { return attributes_.contains(field.number); }
 
 // A column of the table has the last word.
 void CardImport::follow_saving(const DbRecord* before, DbRecord& card) const {

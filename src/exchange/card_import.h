@@ -1,13 +1,16 @@
 // What an import makes of a card, and what it refuses.
 #pragma once
 
-#include <optional>
+#include <cstddef>
+#include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "card/record/references.h"
 #include "exchange/columns.h"
+#include "exchange/judged_texts.h"
 #include "velanor/date.h"
 
 namespace velanor::exchange {
@@ -31,17 +34,26 @@ class CardImport {
   CardImport(store::Database& database, const std::vector<Column>& columns, const entry::Clock& clock);
 
   // Completes what stands in the columns, follows what saving does to a card, and judges what is not
-  // as it was. `before` is nullptr for a new card.
-  Findings finish(std::string_view id, const store::DbRecord* before, store::DbRecord& card) const;
+  // as it was. `before` is nullptr for a new card. `filled` are the columns, in their order, that had a text.
+  Findings finish(std::string_view id, const store::DbRecord* before, const std::vector<std::size_t>& filled,
+                  store::DbRecord& card);
 
  private:
-  void finish_element(const card::Field& field, const store::Position& position, std::string_view id,
+  // A field of the card, and texts of it that need neither completion nor fault.
+  struct Known {
+    const card::Field* field;
+    JudgedTexts good;
+  };
+  void finish_element(Known& known, const store::Position& position, std::string_view id,
                       const store::DbRecord* before, store::DbRecord& card, Findings& findings) const;
   bool has_column(const card::Field& field) const;
   void follow_saving(const store::DbRecord* before, store::DbRecord& card) const;
 
   card::References references_;
   const std::vector<Column>& columns_;
+  std::set<int> attributes_;             // of the columns
+  std::map<int, Known> known_;           // by attribute
+  std::vector<Known*> known_of_column_;  // nullptr: no field of the card
   int today_;
 };
 

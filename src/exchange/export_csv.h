@@ -19,7 +19,8 @@ struct ExportOptions {
 
 // Writes a row a record in ascending order of ids, with a column for every element that any of
 // them has, headed by its position and what stands there. Returns the number of records.
-// `record_read` is called twice a record.
+// `record_read` is called when a record has been read, and when it has been written; between the two the
+// records wait beside the memory (see Spool).
 int export_csv(
     std::ostream& out, store::Database& database, std::string_view file, const ExportOptions& options = {},
     const std::function<void()>& record_read = [] {});

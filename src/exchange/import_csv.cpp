@@ -1,21 +1,21 @@
 #include "exchange/import_csv.h"
 
-#include <iterator>
-#include <sstream>
+#include <memory>
 
+#include "exchange/change_list.h"
 #include "exchange/import_rows.h"
+#include "exchange/table_text.h"
 
 namespace velanor::exchange {
 namespace {
 
-using store::DbRecord;
-
-void write(const std::vector<RecordChange>& changes, store::Database& database, std::string_view file_name) {
+void write(ChangeList& changes, store::Database& database, std::string_view file_name) {
   const auto file = database.OpenFile(file_name);
-  for (const RecordChange& change : changes) {
-    const auto expected = change.before ? store::Expected::record(DbRecord::from_trusted(*change.before))
-                                        : store::Expected::absent();
-    file->write(change.id, DbRecord::from_trusted(change.content), expected);
+  changes.rewind();
+  while (const auto change = changes.take()) {
+    const auto expected =
+        change->before ? store::Expected::record(*change->before) : store::Expected::absent();
+    file->write(change->id, change->record, expected);
   }
 }
 
@@ -23,15 +23,14 @@ void write(const std::vector<RecordChange>& changes, store::Database& database, 
 
 ImportReport import_csv(std::istream& in, store::Database& database, std::string_view file,
                         const ImportOptions& options, const std::function<void()>& row_read) {
-  const std::string table(std::istreambuf_iterator<char>(in), {});
+  const auto source = std::make_shared<TableSource>(in);
   for (int tries = 1;; ++tries) {
-    std::istringstream rows(table);
-    ImportRows reading(rows, database, file, options);
+    ImportRows reading(source, database, file, options);
     database.in_one_view([&] { reading.read(row_read); });
-    if (!reading.report().faults.empty() || options.rehearsal) return reading.report();
+    if (!reading.report().faults.empty() || options.rehearsal) return reading.take_report();
     try {
       database.in_one_change([&] { write(reading.changes(), database, file); });
-      return reading.report();
+      return reading.take_report();
     } catch (const store::DbError& error) {
       // Somebody has saved one of the records that the table was compared with.
       constexpr int kTries = 3;

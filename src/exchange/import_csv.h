@@ -67,7 +67,9 @@ struct ImportReport {
 // saves it.
 //
 // The table is read and checked in a view of the database, and written in one change that finds every record
-// as it was read; where somebody has saved one meanwhile, all of it is read anew, three times at most.
+// as it was read; where somebody has saved one meanwhile, all of it is read anew, three times at most. What
+// is to be written waits beside the memory (see Spool), and so does a table whose stream cannot go back to
+// where it stood.
 //
 // `row_read` is called once a row, and again for what is read anew. Failures of the store are DbError, and
 // leave nothing either.

@@ -1,8 +1,12 @@
 #include "exchange/import_rows.h"
 
 #include <algorithm>
+#include <numeric>
+#include <tuple>
+#include <utility>
 
 #include "card/record/known_files.h"
+#include "demo/table.h"
 #include "text/utf8.h"
 
 namespace velanor::exchange {
@@ -20,10 +24,10 @@ bool overlap(const store::Position& a, const store::Position& b) {
 
 }  // namespace
 
-ImportRows::ImportRows(std::istream& in, store::Database& database, std::string_view file,
+ImportRows::ImportRows(std::shared_ptr<TableSource> source, store::Database& database, std::string_view file,
                        const ImportOptions& options)
     : options_(options),
-      reader_(in, static_cast<std::size_t>(options.limits.columns)),
+      reader_(std::move(source), static_cast<std::size_t>(options.limits.columns)),
       database_(database),
       file_name_(file),
       file_(database.OpenFile(file)),
@@ -32,7 +36,8 @@ ImportRows::ImportRows(std::istream& in, store::Database& database, std::string_
 void ImportRows::read(const std::function<void()>& row_read) {
   if (!read_header()) return;
   if (is_cards()) cards_.emplace(database_, columns_, options_.clock);
-  CsvRow row;
+  plan_columns();
+  CsvRowView row;
   while (reader_.next(row)) {
     if (++rows_ > options_.limits.rows)
       pass_limit(row.line, "le tableau a plus de " + std::to_string(options_.limits.rows) + " lignes");
@@ -112,6 +117,25 @@ bool ImportRows::may_be_spelt_out() const {
          });
 }
 
+void ImportRows::plan_columns() {
+  std::vector<std::size_t> in_order(columns_.size());
+  std::iota(in_order.begin(), in_order.end(), std::size_t{0});
+  const auto position = [this](std::size_t column) {
+    const store::Position& at = columns_[column].position;
+    return std::tuple(at.attribute, at.value, at.subvalue);
+  };
+  std::sort(in_order.begin(), in_order.end(),
+            [&](std::size_t a, std::size_t b) { return position(a) < position(b); });
+  places_.resize(columns_.size());
+  for (std::size_t place = 0; place < in_order.size(); ++place) places_[in_order[place]] = place;
+  for (std::size_t i = 0; i < columns_.size(); ++i) {
+    completed_.push_back(card::has_codes(file_name_, columns_[i].position.attribute));
+    if (columns_[i].id != IdPart::kNone) id_columns_.push_back(i);
+  }
+  texts_.reserve(columns_.size());
+  filled_.reserve(columns_.size());
+}
+
 // ---- The other rows.
 
 // A table that is too large is told once, and read no further.
@@ -120,7 +144,7 @@ void ImportRows::pass_limit(int line, const std::string& sentence) {
   report_.too_large = true;
 }
 
-void ImportRows::read_row(CsvRow& row) {
+void ImportRows::read_row(CsvRowView& row) {
   if (!row.fault.empty()) return fault(row.line, row.fault);
   if (!fits_columns(row)) return;
   std::string id;
@@ -129,7 +153,7 @@ void ImportRows::read_row(CsvRow& row) {
   fill(row);
 }
 
-bool ImportRows::fits_columns(CsvRow& row) {
+bool ImportRows::fits_columns(CsvRowView& row) {
   while (row.fields.size() > columns_.size() && text::trim(row.fields.back()).empty()) row.fields.pop_back();
   const std::size_t fields = row.fields.size();
   if (fields == columns_.size()) return true;
@@ -138,26 +162,24 @@ bool ImportRows::fits_columns(CsvRow& row) {
   return false;
 }
 
-bool ImportRows::find_id(const CsvRow& row, std::string& id) {
+bool ImportRows::find_id(const CsvRowView& row, std::string& id) {
   std::string wrong;
   id = id_of(row, wrong);
   if (id.empty()) fault(row.line, wrong);
   return !id.empty();
 }
 
-std::string ImportRows::id_of(const CsvRow& row, std::string& wrong) const {
+std::string ImportRows::id_of(const CsvRowView& row, std::string& wrong) const {
   std::string whole;
   CardIdParts parts;
-  for (std::size_t i = 0; i < columns_.size(); ++i) {
+  for (const std::size_t i : id_columns_) {
     const std::string_view field = text::trim(row.fields[i]);
     if (columns_[i].id == IdPart::kWhole) whole = row.fields[i];
     if (columns_[i].id == IdPart::kEmployee) parts.employee = field;
     if (columns_[i].id == IdPart::kEntity) parts.entity = field;
     if (columns_[i].id == IdPart::kYear) parts.year = field;
   }
-  const bool in_parts = std::any_of(columns_.begin(), columns_.end(),
-                                    [](const Column& column) { return column.id == IdPart::kYear; });
-  if (in_parts) return card_id(parts, wrong);
+  if (id_columns_.size() > 1) return card_id(parts, wrong);
   if (text::trim(whole).empty()) {
     wrong = "l'identifiant est vide";
     return {};
@@ -181,36 +203,89 @@ bool ImportRows::begin_record(int line, const std::string& id) {
   return true;
 }
 
-void ImportRows::fill(const CsvRow& row) {
+void ImportRows::fill(const CsvRowView& row) {
   ++pending_->rows;
+  read_texts(row);
+  if (!pending_->good) return;
+  if (!pending_->before && pending_->rows == 1) return build_record();
+  change_record();
+}
+
+void ImportRows::read_texts(const CsvRowView& row) {
+  texts_.clear();
+  filled_.clear();
+  made_.clear();
   for (std::size_t i = 0; i < columns_.size(); ++i) {
-    const Column& column = columns_[i];
-    if (column.id != IdPart::kNone) continue;
-    if (column.holds_values()) {
-      fill_values(column, row.fields[i]);
+    if (columns_[i].id != IdPart::kNone) continue;
+    if (row.fields[i].empty()) {
+      // Of what is new nothing is to be emptied.
+      if (pending_->before || pending_->rows > 1) texts_.push_back({i, {}});
       continue;
     }
-    const std::string field = card::completed_cell(file_name_, column.position.attribute, row.fields[i]);
-    std::string stored;
-    if (const std::string wrong = read_field(codec_, column, field, stored); !wrong.empty()) {
-      fault(row.line, name_of(column.position, file_name_) + " : " + wrong);
-      pending_->good = false;
-    } else if (element(pending_->record, column.position) != stored) {
-      set_element(pending_->record, column.position, stored);
-    }
+    filled_.push_back(i);
+    texts_.push_back({i, text_of(row.line, i, row.fields[i])});
   }
 }
 
-void ImportRows::fill_values(const Column& column, std::string_view field) {
+// What is stored for a field; of several values between bars still.
+std::string_view ImportRows::text_of(int line, std::size_t at, std::string_view field) {
+  const Column& column = columns_[at];
+  if (completed_[at]) field = made_.emplace_back(completed(column, field));
+  if (column.named == nullptr) return field;
+  std::string& stored = made_.emplace_back();
+  if (const std::string wrong = read_field(codec_, column, field, stored); !wrong.empty()) {
+    fault(line, name_of(column.position, file_name_) + " : " + wrong);
+    pending_->good = false;
+  }
+  return stored;
+}
+
+std::string ImportRows::completed(const Column& column, std::string_view field) const {
+  const int attribute = column.position.attribute;
+  if (!column.holds_values()) return card::completed_cell(file_name_, attribute, field);
+  std::string values;
+  for (const std::string_view value : demo::split(field, kValueSeparator)) {
+    if (value.data() != field.data()) values += kValueSeparator;
+    values += card::completed_cell(file_name_, attribute, value);
+  }
+  return values;
+}
+
+void ImportRows::build_record() {
+  const auto before = [this](const ColumnText& a, const ColumnText& b) {
+    return places_[a.column] < places_[b.column];
+  };
+  if (!std::is_sorted(texts_.begin(), texts_.end(), before)) std::sort(texts_.begin(), texts_.end(), before);
+  for (const auto& [at, text] : texts_) {
+    const Column& column = columns_[at];
+    if (!column.holds_values()) {
+      if (!text.empty()) builder_.add(column.position, text);
+      continue;
+    }
+    store::Position position{column.position.attribute};
+    for (std::size_t begin = 0; begin <= text.size();) {
+      const std::size_t end = std::min(text.find(kValueSeparator, begin), text.size());
+      ++position.value;
+      if (end > begin) builder_.add(position, text.substr(begin, end - begin));
+      begin = end + 1;
+    }
+  }
+  pending_->record = builder_.take();
+}
+
+void ImportRows::change_record() {
+  for (const auto& [at, text] : texts_) {
+    const Column& column = columns_[at];
+    if (column.holds_values())
+      fill_values(column, text);
+    else if (element(pending_->record, column.position) != text)
+      set_element(pending_->record, column.position, text);
+  }
+}
+
+void ImportRows::fill_values(const Column& column, std::string_view values) {
   DbRecord& record = pending_->record;
   const int attribute = column.position.attribute;
-  std::string values;
-  for (std::size_t at = 0; at <= field.size();) {
-    const std::size_t end = std::min(field.find(kValueSeparator, at), field.size());
-    if (at > 0) values += kValueSeparator;
-    values += card::completed_cell(file_name_, attribute, field.substr(at, end - at));
-    at = end + 1;
-  }
   if (pending_->rows == 1 && !record(attribute).empty()) record.set(attribute, {});
   set_values(record, attribute, pending_->rows, values);
 }
@@ -225,9 +300,8 @@ void ImportRows::take_record() {
     ++report_.unchanged;
   } else {
     (is_new ? report_.created : report_.changed).push_back({pending_->id, changes_of_record()});
-    changes_.push_back({pending_->id, {}, pending_->record.encoded()});
-    if (!is_new) changes_.back().before = pending_->before->encoded();
-    bytes_ += changes_.back().content.size();
+    changes_.add(pending_->id, pending_->before, pending_->record);
+    bytes_ += pending_->record.encoded().size();
     if (bytes_ > options_.limits.bytes) {
       pass_limit(pending_->line, "jusqu'ici, les enregistrements prennent plus de " +
                                      std::to_string(options_.limits.bytes >> 20) + " Mo");
@@ -238,7 +312,7 @@ void ImportRows::take_record() {
 
 void ImportRows::finish_card() {
   const DbRecord* before = pending_->before ? &*pending_->before : nullptr;
-  const auto findings = cards_->finish(pending_->id, before, pending_->record);
+  const auto findings = cards_->finish(pending_->id, before, filled_, pending_->record);
   for (const card::Fault& found : findings.faults) fault(pending_->line, found.sentence());
   auto& unknown = options_.accept_unknown ? report_.remarks : report_.faults;
   for (const card::Fault& found : findings.unknown_codes) note(unknown, pending_->line, found.sentence());

@@ -1,42 +1,42 @@
 // Reads the rows of a table into the records that they make.
 #pragma once
 
+#include <deque>
 #include <functional>
-#include <istream>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "exchange/card_import.h"
+#include "exchange/change_list.h"
 #include "exchange/columns.h"
 #include "exchange/csv.h"
 #include "exchange/import_csv.h"
+#include "exchange/record_builder.h"
 
 namespace velanor::exchange {
-
-// A record to be written. Both are encoded, which is smaller than records.
-struct RecordChange {
-  std::string id;
-  std::optional<std::string> before;  // nothing: it is new
-  std::string content;
-};
 
 // Writes nothing.
 class ImportRows {
  public:
   // Keeps the database and the options, which outlive it.
-  ImportRows(std::istream& in, store::Database& database, std::string_view file,
+  ImportRows(std::shared_ptr<TableSource> source, store::Database& database, std::string_view file,
              const ImportOptions& options);
 
   void read(const std::function<void()>& row_read);
   // What would be done; nothing where there is a fault.
   const ImportReport& report() const { return report_; }
-  const std::vector<RecordChange>& changes() const { return changes_; }
+  ImportReport take_report() { return std::move(report_); }
+  ChangeList& changes() { return changes_; }
 
  private:
+  struct ColumnText {
+    std::size_t column;
+    std::string_view text;
+  };
   // The record that rows are being read into.
   struct Pending {
     std::string id;
@@ -55,16 +55,22 @@ class ImportRows {
   bool read_header();
   void read_headings(const CsvRow& header);
   void add_column(int line, const std::string& heading);
+  void plan_columns();
   bool has_id() const;
   bool may_be_spelt_out() const;
   void pass_limit(int line, const std::string& sentence);
-  void read_row(CsvRow& row);
-  bool fits_columns(CsvRow& row);
-  bool find_id(const CsvRow& row, std::string& id);
-  std::string id_of(const CsvRow& row, std::string& wrong) const;
+  void read_row(CsvRowView& row);
+  bool fits_columns(CsvRowView& row);
+  bool find_id(const CsvRowView& row, std::string& id);
+  std::string id_of(const CsvRowView& row, std::string& wrong) const;
   bool begin_record(int line, const std::string& id);
-  void fill(const CsvRow& row);
-  void fill_values(const Column& column, std::string_view field);
+  void fill(const CsvRowView& row);
+  void read_texts(const CsvRowView& row);
+  std::string_view text_of(int line, std::size_t at, std::string_view field);
+  std::string completed(const Column& column, std::string_view field) const;
+  void build_record();
+  void change_record();
+  void fill_values(const Column& column, std::string_view values);
   void take_record();
   void finish_card();
   std::vector<std::string> changes_of_record() const;
@@ -77,10 +83,20 @@ class ImportRows {
   std::unique_ptr<entry::UtilSaisie> entry_;
   card::Codec codec_{*entry_};
   std::vector<Column> columns_;
+  // Of each column, whether its cells may be codes to be completed, and its place among the others in a
+  // record.
+  std::vector<bool> completed_;
+  std::vector<std::size_t> places_;
+  std::vector<std::size_t> id_columns_;  // one, or those of the three parts
   std::optional<CardImport> cards_;
-  std::set<std::string, std::less<>> ids_;
+  std::unordered_set<std::string> ids_;
   std::optional<Pending> pending_;
-  std::vector<RecordChange> changes_;
+  // What the row has to store, column by column; which fields held something; what was made of some.
+  std::vector<ColumnText> texts_;
+  std::vector<std::size_t> filled_;
+  std::deque<std::string> made_;
+  RecordBuilder builder_;
+  ChangeList changes_;
   int rows_ = 0;
   std::size_t bytes_ = 0;
   ImportReport report_;

@@ -24,32 +24,31 @@ bool is_control(unsigned char byte) {
 
 char32_t decoded(unsigned char byte) { return byte >= 0x80 && byte < 0xA0 ? kUpper[byte - 0x80] : byte; }
 
-bool makes_sense(unsigned char byte) {
+bool is_french(unsigned char byte) {
   const char32_t character = decoded(byte);
   return character != 0 && !is_control(byte) &&
          kForeign.find(static_cast<char16_t>(character)) == kForeign.npos;
 }
 
-// French in Windows-1252 hardly ever happens to be valid where it is not plain.
-bool is_damaged_utf8(std::string_view bytes) {
-  int valid = 0, invalid = 0;
-  for (std::size_t at = 0; at < bytes.size();) {
-    const std::size_t length = store::utf8::sequence_length(bytes, at);
-    if (length > 1) ++valid;
-    if (length == 0) ++invalid;
-    at += std::max<std::size_t>(length, 1);
-  }
-  return valid >= invalid;
-}
-
 }  // namespace
 
-std::optional<std::string> from_windows_1252(std::string_view bytes) {
-  if (is_damaged_utf8(bytes) || !std::all_of(bytes.begin(), bytes.end(), makes_sense)) return std::nullopt;
-  std::string text;
-  text.reserve(bytes.size() + bytes.size() / 8);
+bool Windows1252Judge::look_at(std::string_view piece) {
+  foreign_ = foreign_ || !std::all_of(piece.begin(), piece.end(), is_french);
+  for (std::size_t at = 0; at < piece.size();) {
+    const std::size_t length = store::utf8::sequence_length(piece, at);
+    if (length > 1) ++valid_;
+    if (length == 0) ++invalid_;
+    at += std::max<std::size_t>(length, 1);
+  }
+  return !foreign_;
+}
+
+// French in Windows-1252 hardly ever happens to be valid where it is not plain.
+bool Windows1252Judge::makes_sense() const { return !foreign_ && valid_ < invalid_; }
+
+void append_windows_1252(std::string& text, std::string_view bytes) {
+  text.reserve(text.size() + bytes.size() + bytes.size() / 8);
   for (const char byte : bytes) text::append(text, decoded(static_cast<unsigned char>(byte)));
-  return text;
 }
 
 }  // namespace velanor::exchange

@@ -4,6 +4,10 @@
 #include <bit>
 #include <cstring>
 
+#if defined(__x86_64__) && defined(__GNUC__)
+#include <nmmintrin.h>
+#endif
+
 namespace velanor::store {
 namespace {
 
@@ -43,15 +47,46 @@ std::uint32_t eight(std::uint32_t crc, const char* bytes) {
   return result;
 }
 
+#if defined(__x86_64__) && defined(__GNUC__)
+
+__attribute__((target("sse4.2"))) std::uint32_t by_instruction(std::string_view bytes, std::uint32_t before) {
+  std::uint64_t crc = ~before;
+  for (; bytes.size() >= kStride; bytes.remove_prefix(kStride)) {
+    std::uint64_t block;
+    std::memcpy(&block, bytes.data(), kStride);
+    crc = _mm_crc32_u64(crc, block);
+  }
+  auto rest = static_cast<std::uint32_t>(crc);
+  for (const char byte : bytes) rest = _mm_crc32_u8(rest, static_cast<unsigned char>(byte));
+  return ~rest;
+}
+
+bool has_instruction() { return __builtin_cpu_supports("sse4.2") != 0; }
+
+#else
+
+std::uint32_t by_instruction(std::string_view bytes, std::uint32_t before) {
+  return crc32c_by_tables(bytes, before);
+}
+
+bool has_instruction() { return false; }
+
+#endif
+
 }  // namespace
 
-std::uint32_t crc32c(std::string_view bytes, std::uint32_t before) {
+std::uint32_t crc32c_by_tables(std::string_view bytes, std::uint32_t before) {
   std::uint32_t crc = ~before;
   if constexpr (std::endian::native == std::endian::little) {
     for (; bytes.size() >= kStride; bytes.remove_prefix(kStride)) crc = eight(crc, bytes.data());
   }
   for (const char byte : bytes) crc = step(crc, byte);
   return ~crc;
+}
+
+std::uint32_t crc32c(std::string_view bytes, std::uint32_t before) {
+  static const bool kHasInstruction = has_instruction();
+  return kHasInstruction ? by_instruction(bytes, before) : crc32c_by_tables(bytes, before);
 }
 
 }  // namespace velanor::store

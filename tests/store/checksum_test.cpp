@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
+#include <string_view>
 
 namespace velanor::store {
 namespace {
@@ -26,6 +28,18 @@ TEST(Checksum, GoesOnWhereAnEarlierCallStopped) {
   const std::string text = "Fiche du personnel, avenant du 01/01/2026";
   for (std::size_t cut = 0; cut <= text.size(); ++cut)
     EXPECT_EQ(crc32c(text.substr(cut), crc32c(text.substr(0, cut))), crc32c(text)) << cut;
+}
+
+TEST(Checksum, IsTheSameWithAndWithoutTheInstructionOfTheProcessor) {
+  std::mt19937 random(1);
+  std::string bytes(300, '\0');
+  for (char& byte : bytes) byte = static_cast<char>(random());
+  for (std::size_t from = 0; from < 9; ++from) {
+    for (std::size_t size = 0; from + size <= bytes.size(); ++size) {
+      const std::string_view text = std::string_view(bytes).substr(from, size);
+      ASSERT_EQ(crc32c(text, 0xABCDu), crc32c_by_tables(text, 0xABCDu)) << from << " " << size;
+    }
+  }
 }
 
 }  // namespace

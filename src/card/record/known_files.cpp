@@ -69,6 +69,13 @@ const IdShape* shape_of(std::string_view file) {
   return found == std::end(kIds) ? nullptr : found;
 }
 
+const CodeColumn* code_column(std::string_view file, int attribute) {
+  const auto* const found = std::find_if(
+      std::begin(kCodeColumns), std::end(kCodeColumns),
+      [&](const CodeColumn& column) { return column.file == file && column.attribute == attribute; });
+  return found == std::end(kCodeColumns) ? nullptr : found;
+}
+
 }  // namespace
 
 bool is_known_file(std::string_view name) {
@@ -95,12 +102,12 @@ int list_code_length(std::string_view list) {
   return shape == nullptr ? kTableCodeLength : shape->length;
 }
 
+bool has_codes(std::string_view file, int attribute) { return code_column(file, attribute) != nullptr; }
+
 std::string completed_cell(std::string_view file, int attribute, std::string_view cell) {
-  const auto* const found = std::find_if(
-      std::begin(kCodeColumns), std::end(kCodeColumns),
-      [&](const CodeColumn& column) { return column.file == file && column.attribute == attribute; });
-  const bool code = found != std::end(kCodeColumns) && text::is_digits(cell);
-  return code ? text::pad_left(cell, found->length, '0') : std::string(cell);
+  const CodeColumn* column = code_column(file, attribute);
+  const bool code = column != nullptr && text::is_digits(cell);
+  return code ? text::pad_left(cell, column->length, '0') : std::string(cell);
 }
 
 bool is_list_file(std::string_view file) { return file == "TABLES" || file == "BUDGETTRAMESAISIE"; }

@@ -17,6 +17,8 @@ std::optional<std::string> completed_id(std::string_view file, std::string_view 
 // Characters of the codes of a list of References.
 int list_code_length(std::string_view list);
 
+// Whether a column of the file holds codes, which completed_cell completes.
+bool has_codes(std::string_view file, int attribute);
 // A code in a column of the file with the zeros that it has lost; any other text as it is.
 std::string completed_cell(std::string_view file, int attribute, std::string_view cell);
 
