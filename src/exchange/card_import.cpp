@@ -59,6 +59,10 @@ std::string card_id(std::string_view whole, std::string& wrong) {
   return {};
 }
 
+JudgedTexts texts_of(const card::Field& field) {
+  return JudgedTexts(card::decimals(field) > 0 ? JudgedTexts::Kind::kFigures : JudgedTexts::Kind::kAny);
+}
+
 CardImport::CardImport(store::Database& database, const std::vector<Column>& columns,
                        const entry::Clock& clock)
     : references_(database), columns_(columns), today_(*entry::day_number(clock())) {
@@ -68,7 +72,8 @@ CardImport::CardImport(store::Database& database, const std::vector<Column>& col
     const card::Field* field = is_id ? nullptr : card::card_field(attribute);
     if (!is_id) attributes_.insert(attribute);
     known_of_column_.push_back(
-        field == nullptr ? nullptr : &known_.try_emplace(attribute, Known{field, {}}).first->second);
+        field == nullptr ? nullptr
+                         : &known_.try_emplace(attribute, Known{field, texts_of(*field)}).first->second);
   }
 }
 

@@ -23,6 +23,9 @@ struct CardIdParts {
 std::string card_id(const CardIdParts& parts, std::string& wrong);
 std::string card_id(std::string_view whole, std::string& wrong);
 
+// Judged texts of a field, none yet.
+JudgedTexts texts_of(const card::Field& field);
+
 class CardImport {
  public:
   struct Findings {

@@ -46,6 +46,8 @@ void ImportRows::read(const std::function<void()>& row_read) {
     row_read();
   }
   take_record();
+  // Not needed while the records are written, which is when most memory is.
+  ids_ = {};
   // What a record has was found when the row behind it was read.
   std::stable_sort(report_.faults.begin(), report_.faults.end(),
                    [](const ImportRemark& a, const ImportRemark& b) { return a.line < b.line; });

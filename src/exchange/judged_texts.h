@@ -12,15 +12,26 @@ namespace velanor::exchange {
 
 // Remembers short texts that were found good, so that the codes and figures that stand on most cards are
 // judged once. It has room for a thousand, and forgets the others.
+//
+// Figures are judged by how they are shown, which goes by their digits: one without zeros in front tells of
+// all others that have as many.
 class JudgedTexts {
  public:
+  enum class Kind { kAny, kFigures };
+  explicit JudgedTexts(Kind kind = Kind::kAny) : kind_(kind) {}
+
   bool has(std::string_view text) const {
+    if (is_plain_figure(text)) return ((digits_ >> text.size()) & 1) != 0;
     const Key key(text);
     if (!key.fits || slots_.empty()) return false;
     const Bytes& known = slots_[key.slot()];
     return known[0] == key.bytes[0] && known[1] == key.bytes[1];
   }
   void add(std::string_view text) {
+    if (is_plain_figure(text)) {
+      digits_ |= 1U << text.size();
+      return;
+    }
     const Key key(text);
     if (!key.fits) return;
     if (slots_.empty()) slots_.resize(kSlots);
@@ -30,6 +41,16 @@ class JudgedTexts {
  private:
   static constexpr std::size_t kSlots = 1024;
   using Bytes = std::array<std::uint64_t, 2>;
+
+  bool is_plain_figure(std::string_view text) const {
+    constexpr std::size_t kMostDigits = 15;
+    if (kind_ != Kind::kFigures || text.empty() || text.size() > kMostDigits || text.front() == '0')
+      return false;
+    for (const char digit : text) {
+      if (digit < '0' || digit > '9') return false;
+    }
+    return true;
+  }
 
   // The text and its length, which no text shares with the empty slot.
   struct Key {
@@ -48,6 +69,8 @@ class JudgedTexts {
     bool fits;
     Bytes bytes{};
   };
+  Kind kind_;
+  std::uint32_t digits_ = 0;  // a bit for each number of them
   std::vector<Bytes> slots_;
 };
 

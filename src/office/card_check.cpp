@@ -11,6 +11,8 @@
 #include "card/record/named_fields.h"
 #include "card/record/record_compare.h"
 #include "card/record/rules.h"
+#include "exchange/card_import.h"
+#include "exchange/shapes.h"
 #include "text/number.h"
 #include "velanor/date.h"
 
@@ -19,20 +21,13 @@ namespace velanor::office {
 using store::DbRecord;
 namespace {
 
-template <typename Visit>
-void each_element(const DbRecord& card, const card::Field& field, const Visit& visit) {
-  for (int v = 1; v <= card.Count(field.number); ++v) {
-    for (int s = 1; s <= card.Count(field.number, v); ++s) {
-      if (const auto text = element(card, field, v, s); !text.empty()) visit(text, v);
-    }
-  }
-}
-
 class Examination {
  public:
-  Examination(const card::References& references, const card::Codec& codec, int today, std::string_view id,
-              const DbRecord& card)
-      : references_(references), codec_(codec), today_(today), id_(id), card_(card) {}
+  using Good = std::vector<exchange::JudgedTexts>;
+
+  Examination(const card::References& references, const card::Codec& codec, int today, Good& good,
+              std::string_view id, const DbRecord& card)
+      : references_(references), codec_(codec), today_(today), good_(good), id_(id), card_(card) {}
 
   std::vector<card::Fault> faults() {
     check_id();
@@ -55,11 +50,13 @@ class Examination {
   void check_id();
   void check_order();
   void check_fields();
+  void check_field(const card::Field& field, exchange::JudgedTexts& good, std::string_view texts);
   std::optional<card::Fault> fault_of(const card::Field& field, std::string_view text) const;
 
   const card::References& references_;
   const card::Codec& codec_;
   int today_;
+  Good& good_;
   std::string_view id_;
   const DbRecord& card_;
   std::vector<card::Fault> faults_;
@@ -90,24 +87,36 @@ std::optional<card::Fault> Examination::fault_of(const card::Field& field, std::
   return std::nullopt;
 }
 
-// A text that is met again in the same field is told once.
 void Examination::check_fields() {
-  for (const card::Field& field : card::card_fields()) {
-    std::set<std::string_view> told;
-    each_element(card_, field, [&](std::string_view text, int line) {
-      if (!told.insert(text).second) return;
-      if (auto found = fault_of(field, text)) faults_.push_back(about(field, std::move(*found), line));
-    });
+  const auto fields = card::card_fields();
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    const std::string_view texts = element(card_, fields[i]);
+    if (!texts.empty() && !good_[i].has(texts)) check_field(fields[i], good_[i], texts);
   }
+}
+
+// A text that is met again in the same field is told once.
+void Examination::check_field(const card::Field& field, exchange::JudgedTexts& good, std::string_view texts) {
+  std::set<std::string_view> told;
+  exchange::each_part(texts, store::kValueMark, [&](int line, std::string_view value) {
+    exchange::each_part(value, store::kSubvalueMark, [&](int, std::string_view text) {
+      if (text.empty() || good.has(text)) return;
+      auto found = fault_of(field, text);
+      if (!found) return good.add(text);
+      if (told.insert(text).second) faults_.push_back(about(field, std::move(*found), line));
+    });
+  });
 }
 
 }  // namespace
 
 CardCheck::CardCheck(store::Database& database, const entry::Clock& clock)
-    : references_(database), entry_(entry::make_util_saisie(clock)), today_(*entry::day_number(clock())) {}
+    : references_(database), entry_(entry::make_util_saisie(clock)), today_(*entry::day_number(clock())) {
+  for (const card::Field& field : card::card_fields()) good_.push_back(exchange::texts_of(field));
+}
 
-std::vector<card::Fault> CardCheck::faults_of(std::string_view id, const DbRecord& card) const {
-  return Examination(references_, card::Codec(*entry_), today_, id, card).faults();
+std::vector<card::Fault> CardCheck::faults_of(std::string_view id, const DbRecord& card) {
+  return Examination(references_, card::Codec(*entry_), today_, good_, id, card).faults();
 }
 
 }  // namespace velanor::office

@@ -11,14 +11,16 @@ namespace velanor::office {
 using store::DbRecord;
 
 Checking::Checking(store::Database& database, std::string_view id_suffix, const entry::Clock& clock,
-                   int days_ahead)
+                   int days_ahead, Search search)
     : database_(database),
       suffix_(id_suffix),
+      search_(search),
       check_(database, clock),
       warnings_(database, check_.today(), check_.reference_day(), days_ahead),
       found_(select(exchange::kCardFile)),
       cards_(database.OpenFile(exchange::kCardFile)),
       aside_file_(database.OpenFile(kAsidesFile)) {
+  ids_.reserve(static_cast<std::size_t>(found_.DCount()));
   for (int i = 1; i <= found_.DCount(); ++i) ids_.emplace_back(found_(i));
   std::sort(ids_.begin(), ids_.end());
   const store::DbResult with_asides = select(kAsidesFile);
@@ -81,6 +83,7 @@ void Checking::look_at(const std::string& id) {
   const std::vector<card::Fault> faults = check_.faults_of(id, *card);
   if (faults.empty()) incomplete_.erase(id);
   for (const card::Fault& fault : faults) findings_.push_back({id, name, fault});
+  if (search_ == Search::kFaults) return;
   for (const Warning& warning : warnings_.of(id, *card)) findings_.push_back(finding(id, name, warning));
   namesakes_.note(id, *card);
 }

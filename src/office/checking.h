@@ -25,12 +25,16 @@ struct Finding {
   bool is_fault() const { return !warning; }
 };
 
+// What is looked for.
+enum class Search { kFaults, kFaultsAndWarnings };
+
 class Checking {
  public:
   // The cards whose ids end so: an entity and a year; "" for all. The database outlives this.
   // Throws store::DbError, as `step` and `renew` do. `days_ahead`: see Warnings.
   Checking(store::Database& database, std::string_view id_suffix,
-           const entry::Clock& clock = entry::system_clock(), int days_ahead = Warnings::kDaysAhead);
+           const entry::Clock& clock = entry::system_clock(), int days_ahead = Warnings::kDaysAhead,
+           Search search = Search::kFaultsAndWarnings);
 
   // What is wrong with the reference files, so that no card could be right.
   const std::vector<card::Fault>& faults_of_references() const { return check_.faults_of_references(); }
@@ -66,6 +70,7 @@ class Checking {
 
   store::Database& database_;
   std::string suffix_;
+  Search search_;
   CardCheck check_;
   Warnings warnings_;
   Namesakes namesakes_;

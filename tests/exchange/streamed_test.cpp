@@ -4,6 +4,7 @@
 #include <random>
 #include <sstream>
 
+#include "exchange/card_import.h"
 #include "exchange/csv.h"
 #include "exchange/import_csv.h"
 #include "exchange/judged_texts.h"
@@ -226,6 +227,20 @@ TEST(JudgedTexts, KnowsNoTextThatItWasNotTold) {
     EXPECT_FALSE(good.has(text));
   }
   EXPECT_GT(known, 2000) << "all that is short is known when it has just been told";
+}
+
+// What the box of a field has room for goes by the digits of a figure.
+TEST(JudgedTexts, AFigureTellsOfThoseWithAsManyDigits) {
+  for (const card::Field& field : card::card_fields()) {
+    JudgedTexts good = texts_of(field);
+    for (const char* text : {"1", "12", "123", "1234", "12345", "123456", "1234567", "12345678", "123456789"})
+      if (!card::fault_of(field, text)) good.add(text);
+    for (const char* text : {"9", "98", "987", "9876", "98765", "987654", "9876543", "98765432", "987654321",
+                             "0", "01", "00001", "-1", "-12345", "1,5", "a", "12a", "1234567890123456"}) {
+      EXPECT_FALSE(good.has(text) && card::fault_of(field, text)) << field.name << " " << text;
+    }
+    EXPECT_EQ(good.has("987"), decimals(field) > 0 && !card::fault_of(field, "987")) << field.name;
+  }
 }
 
 }  // namespace

@@ -90,7 +90,8 @@ void print_warnings(const office::Checking& checking, const std::vector<office::
 }
 
 int check_records(store::Database& database, const Options& options) {
-  office::Checking checking(database, {}, entry::system_clock(), options.days_ahead);
+  const auto search = options.warnings ? office::Search::kFaultsAndWarnings : office::Search::kFaults;
+  office::Checking checking(database, {}, entry::system_clock(), options.days_ahead, search);
   for (const card::Fault& fault : checking.faults_of_references()) std::cout << fault.sentence() << "\n";
   look_at_all(checking);
   const std::vector<office::Finding> findings = checking.take_findings();
