@@ -115,7 +115,7 @@ CardCheck::CardCheck(store::Database& database, const entry::Clock& clock)
   for (const card::Field& field : card::card_fields()) good_.push_back(exchange::texts_of(field));
 }
 
-std::vector<card::Fault> CardCheck::faults_of(std::string_view id, const DbRecord& card) {
+std::vector<card::Fault> CardCheck::faults_of(std::string_view id, const DbRecord& card) const {
   return Examination(references_, card::Codec(*entry_), today_, good_, id, card).faults();
 }
 

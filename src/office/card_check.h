@@ -21,7 +21,7 @@ class CardCheck {
   // What is wrong with the reference files themselves, so that no card could be right.
   const std::vector<card::Fault>& faults_of_references() const { return references_.faults(); }
   // Every fault of a card; the rules of saving in the words of the screen.
-  std::vector<card::Fault> faults_of(std::string_view id, const store::DbRecord& card);
+  std::vector<card::Fault> faults_of(std::string_view id, const store::DbRecord& card) const;
 
   // Day numbers: the reference date of the budget (0: none), and today.
   int reference_day() const { return references_.reference_day(); }
@@ -31,7 +31,7 @@ class CardCheck {
   card::References references_;
   std::unique_ptr<entry::UtilSaisie> entry_;
   int today_;
-  std::vector<exchange::JudgedTexts> good_;  // of each field of a card, in the order of card_fields
+  mutable std::vector<exchange::JudgedTexts> good_;  // of each field of a card, in the order of card_fields
 };
 
 }  // namespace velanor::office
