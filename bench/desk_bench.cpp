@@ -1,77 +1,22 @@
-// What the work on the cards of one entity and year costs in a large SQLite file. VELANOR_BENCH_CARDS: all
-// cards of the file, a tenth of them of the entity and year that is worked on; 100,000 without it.
+// What the work on the cards of one entity and year costs in a large SQLite file (desk_base.h).
 #include <benchmark/benchmark.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <memory>
 
-#include "demo/demo.h"
+#include "desk_base.h"
 #include "office/checking.h"
 #include "office/employee_filter.h"
 #include "office/employees.h"
 #include "velanor/controle_velanor.h"
-#include "velanor/sqlite_database.h"
 
 namespace velanor::office {
 namespace {
 
-const Employees::Reach kReach{"001", "2030"};
+const Employees::Reach kReach{bench::DeskBase::kEntity, bench::DeskBase::kYear};
 
-int all_cards() {
-  const char* const wanted = std::getenv("VELANOR_BENCH_CARDS");
-  return wanted ? std::atoi(wanted) : 100'000;
-}
-
-std::string padded(int number) {
-  const std::string digits = std::to_string(number);
-  return std::string(5 - digits.size(), '0') + digits;
-}
-
-class Sink : public demo::Sink {
- public:
-  explicit Sink(store::Database& database) : database_(database) {}
-  void put(std::string_view file, std::string_view id, const store::DbRecord& record) override {
-    database_.OpenFile(file)->write(id, record);
-  }
-
- private:
-  store::Database& database_;
-};
-
-// Removed with the program.
-struct Base {
-  std::filesystem::path path = std::filesystem::temp_directory_path() / "velanor_desk_bench.db";
-  std::unique_ptr<store::SqliteDatabase> database;
-
-  Base() {
-    std::filesystem::remove(path);
-    database = std::make_unique<store::SqliteDatabase>(
-        path.string(), store::SqliteDatabase::Options{.missing = store::SqliteDatabase::Missing::kCreate});
-    database->in_one_change([this] { fill(); });
-  }
-  ~Base() {
-    database.reset();
-    std::filesystem::remove(path);
-  }
-
-  // Cards of the demonstration under new codes, in ten years of the entity.
-  void fill() const {
-    Sink sink(*database);
-    demo::fill(sink);
-    const auto cards = database->OpenFile("VELANORO");
-    const auto ids =
-        database->Select(store::DbQuery("SSELECT VELANORO AVEC 0 = \"[0012026\"", "VELANORO", "0").encoded());
-    for (int i = 0; i < all_cards(); ++i) {
-      store::DbRecord card = cards->Read(ids(1 + i % ids.DCount()));
-      card.set(1, std::string(card(1)) + " " + padded(i * 7919 % 100'000));
-      cards->write(padded(i / 10) + "001" + std::to_string(2030 - i % 10), card);
-    }
-  }
-};
 store::SqliteDatabase& database() {
-  static const Base base;
-  return *base.database;
+  static bench::DeskBase base;
+  return base.database();
 }
 
 void TableAfterTheYearIsChosen(benchmark::State& state) {
@@ -120,8 +65,8 @@ void NextCard(benchmark::State& state) {
   component.init();
   int card = 0;
   for (auto _ : state) {
-    card = (card + 1) % (all_cards() / 10);
-    if (!component.open(kReach.entity, kReach.year, padded(card)).is_open())
+    card = (card + 1) % (bench::all_cards() / 10);
+    if (!component.open(kReach.entity, kReach.year, bench::DeskBase::code(card)).is_open())
       return state.SkipWithError("the card did not open");
   }
 }

@@ -208,10 +208,20 @@ class Lines {
   std::string_view line(int position) const;
   // First line equal to the text, or -1.
   int find(std::string_view text) const;
+  // Grows at every change of the lines or of what stands beside them.
+  std::uint64_t lines_revision() const { return lines_revision_; }
 
  protected:
-  std::vector<std::string> items_;
+  void lines_changed() { ++lines_revision_; }
+  std::vector<std::string>& changing_items() {
+    lines_changed();
+    return items_;
+  }
   int index_ = -1;
+
+ private:
+  std::vector<std::string> items_;
+  std::uint64_t lines_revision_ = 0;
 };
 
 // An editable text with a list to choose from. Setting the text leaves no line selected, unless

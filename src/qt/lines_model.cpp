@@ -7,6 +7,7 @@
 #include <QSize>
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 #include "qt/strings.h"
 
@@ -22,7 +23,7 @@ int line_height() { return QFontMetrics(QGuiApplication::font()).height() + 5; }
 LinesModel::LinesModel(std::vector<const screen::Lines*> lists, QObject* parent)
     : QAbstractTableModel(parent), lists_(std::move(lists)) {}
 
-// The controls do not tell a change of their lines from one of their text, which comes at every key.
+// Lines that were replaced by the same ones have not changed for who looks at them.
 std::size_t LinesModel::fingerprint() const {
   std::size_t sum = 0;
   for (const screen::Lines* list : lists_) {
@@ -35,7 +36,14 @@ std::size_t LinesModel::fingerprint() const {
   return sum;
 }
 
+std::uint64_t LinesModel::lines_revision() const {
+  std::uint64_t sum = 0;
+  for (const screen::Lines* list : lists_) sum += list->lines_revision();
+  return sum;
+}
+
 bool LinesModel::update() {
+  if (std::exchange(looked_at_, lines_revision()) == lines_revision()) return false;
   const std::size_t now = fingerprint();
   if (now == known_) return false;
   beginResetModel();

@@ -36,13 +36,16 @@ class LinesModel : public QAbstractTableModel {
   QString note(int row) const;
   QString hint(const QModelIndex& index, const QString& line) const;
   std::size_t fingerprint() const;
+  std::uint64_t lines_revision() const;
   const screen::TableColumn* column_at(int column) const;
 
   std::vector<const screen::Lines*> lists_;
   const screen::TableColumns* columns_ = nullptr;
   const std::vector<std::string>* notes_ = nullptr;
   int rows_ = 0;
+  // Of the lines that are shown.
   std::size_t known_ = 0;
+  std::uint64_t looked_at_ = 0;
 };
 
 }  // namespace velanor::qt

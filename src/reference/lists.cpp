@@ -89,17 +89,25 @@ void ReferenceLists::renew_employees() {
   const store::DbResult now = employees_now();
   if (kept_.employees.same_rows(now)) return;
   kept_.employees = now;
-  const bool any = !now(1, kId).empty();
-  ui_.Cbo_Aidant.refill(any ? labels_of(now) : std::vector<std::string>(),
-                        chosen.empty() ? -1 : find_entry(now, kId, chosen) - 1);
-  if (any) ui_.Cbo_Aidant.annotate(employee_codes(now));
+  put_employees(chosen.empty() ? -1 : find_entry(now, kId, chosen) - 1);
+}
+
+void ReferenceLists::put_employees(int index) {
+  const store::DbResult& found = kept_.employees;
+  const bool any = !found(1, kId).empty();
+  ui_.Cbo_Aidant.refill(any ? labels_of(found) : std::vector<std::string>(), index);
+  if (any) ui_.Cbo_Aidant.annotate(employee_codes(found));
+  employees_in_box_ = found;
 }
 
 void ReferenceLists::RemplirAidant() {
-  ui_.Cbo_Aidant.clear();
-  if (!kept_.employees(1, kId).empty()) {
-    ui_.Cbo_Aidant.refill(labels_of(kept_.employees));
-    ui_.Cbo_Aidant.annotate(employee_codes(kept_.employees));
+  // A save that changes no name finds the box filled: 50,000 lines need not be made again.
+  const bool filled = employees_in_box_.same_rows(kept_.employees) &&
+                      ui_.Cbo_Aidant.count() == kept_.employees.DCount() && ui_.Cbo_Aidant.count() > 0;
+  if (filled) ui_.Cbo_Aidant.set_text({});
+  if (!filled || ui_.Cbo_Aidant.index() >= 0) {
+    ui_.Cbo_Aidant.clear();
+    put_employees();
   }
   ui_.Txt_Aidant.set_enabled(true);
   ui_.Txt_Aidant.set_text({});

@@ -66,6 +66,8 @@ class ReferenceLists {
                     const store::DbResult& fresh, int code_from = 1);
 
   store::DbResult employees_now() const;
+  // The kept employees into their box, whose text stays.
+  void put_employees(int index = -1);
   // Those of a field that not every code of its list fits.
   store::DbResult fit_codes(const card::Field& field) const;
 
@@ -73,6 +75,7 @@ class ReferenceLists {
   card::CardState& card_;
   const control::Procedure& procedure_;
   KeptResults kept_;
+  store::DbResult employees_in_box_;
 };
 
 // The first entry of a result whose field k reads `text`, from 1; 0 when there is none.

@@ -165,13 +165,13 @@ void ComboBox::choose(int index) {
 }
 
 void ComboBox::add(std::string_view item) {
-  items_.emplace_back(item);
+  changing_items().emplace_back(item);
   notes_.clear();
   touch();
 }
 
 void ComboBox::clear() {
-  items_.clear();
+  changing_items().clear();
   notes_.clear();
   index_ = -1;
   touch();
@@ -179,7 +179,7 @@ void ComboBox::clear() {
 }
 
 void ComboBox::refill(std::vector<std::string> items, int index) {
-  items_ = std::move(items);
+  changing_items() = std::move(items);
   notes_.clear();
   index_ = index >= 0 && index < count() && line(index) == text() ? index : -1;
   touch();
@@ -187,6 +187,7 @@ void ComboBox::refill(std::vector<std::string> items, int index) {
 
 void ComboBox::annotate(std::vector<std::string> notes) {
   notes_ = std::move(notes);
+  lines_changed();
   touch();
 }
 
@@ -203,27 +204,29 @@ void ListBox::set_index(int index) {
 
 void ListBox::insert(int position, std::string_view item) {
   position = std::clamp(position, 0, count());
-  items_.emplace(items_.begin() + position, item);
+  auto& items = changing_items();
+  items.emplace(items.begin() + position, item);
   if (index_ >= position) ++index_;
   touch();
 }
 
 void ListBox::replace(int position, std::string_view item) {
   if (position < 0 || position >= count()) return;
-  items_[static_cast<std::size_t>(position)] = item;
+  changing_items()[static_cast<std::size_t>(position)] = item;
   touch();
 }
 
 void ListBox::remove(int position) {
   if (position < 0 || position >= count()) return;
-  items_.erase(items_.begin() + position);
+  auto& items = changing_items();
+  items.erase(items.begin() + position);
   if (index_ == position) index_ = -1;
   if (index_ > position) --index_;
   touch();
 }
 
 void ListBox::clear() {
-  items_.clear();
+  changing_items().clear();
   index_ = -1;
   touch();
 }
