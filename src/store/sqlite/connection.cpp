@@ -67,30 +67,33 @@ bool create_private(const std::string& path) {
 
 void Statement::Finalize::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 
-Statement::Statement(Connection& connection, std::string_view sql) : connection_(&connection) {
-  sqlite3_stmt* statement = nullptr;
-  check(sqlite3_prepare_v3(connection.handle(), sql.data(), static_cast<int>(sql.size()),
-                           SQLITE_PREPARE_PERSISTENT, &statement, nullptr));
-  statement_.reset(statement);
+sqlite3_stmt* Statement::prepared() {
+  if (!statement_) {
+    sqlite3_stmt* statement = nullptr;
+    check(sqlite3_prepare_v3(connection_->handle(), sql_.data(), static_cast<int>(sql_.size()),
+                             SQLITE_PREPARE_PERSISTENT, &statement, nullptr));
+    statement_.reset(statement);
+  }
+  return statement_.get();
 }
 
 void Statement::check(int code) { connection_->check(code); }
 
 void Statement::bind(int parameter, std::int64_t number) {
-  check(sqlite3_bind_int64(statement_.get(), parameter, number));
+  check(sqlite3_bind_int64(prepared(), parameter, number));
 }
 
 void Statement::bind_text(int parameter, std::string_view text) {
-  check(sqlite3_bind_text64(statement_.get(), parameter, start_of(text), text.size(), SQLITE_STATIC,
+  check(sqlite3_bind_text64(prepared(), parameter, start_of(text), text.size(), SQLITE_STATIC,
                             SQLITE_UTF8));
 }
 
 void Statement::bind_blob(int parameter, std::string_view bytes) {
-  check(sqlite3_bind_blob64(statement_.get(), parameter, start_of(bytes), bytes.size(), SQLITE_STATIC));
+  check(sqlite3_bind_blob64(prepared(), parameter, start_of(bytes), bytes.size(), SQLITE_STATIC));
 }
 
 bool Statement::step() {
-  const int code = sqlite3_step(statement_.get());
+  const int code = sqlite3_step(prepared());
   if (code != SQLITE_ROW && code != SQLITE_DONE) check(code);
   return code == SQLITE_ROW;
 }
@@ -109,6 +112,7 @@ bool Statement::is_null(int column) const {
 
 // What it returns has been said by the step already.
 void Statement::reset() {
+  if (!statement_) return;
   sqlite3_reset(statement_.get());
   // What the next run does not bind is null, not what the last one had.
   sqlite3_clear_bindings(statement_.get());

@@ -14,11 +14,11 @@ namespace velanor::store::sqlite {
 
 class Connection;
 
-// A prepared statement, used again and again: bind, step, and reset through Run.
+// A statement, used again and again: bind, step, and reset through Run. It is prepared when it is first used.
 class Statement {
  public:
   // The connection must outlive it.
-  Statement(Connection& connection, std::string_view sql);
+  Statement(Connection& connection, std::string_view sql) : connection_(&connection), sql_(sql) {}
 
   // Parameters count from 1. Texts and blobs are not copied: they must outlive the run.
   void bind(int parameter, std::int64_t number);
@@ -33,12 +33,14 @@ class Statement {
   void reset();
 
  private:
+  sqlite3_stmt* prepared();
   void check(int code);
 
   struct Finalize {
     void operator()(sqlite3_stmt* statement) const;
   };
   Connection* connection_;
+  std::string sql_;
   std::unique_ptr<sqlite3_stmt, Finalize> statement_;
 };
 

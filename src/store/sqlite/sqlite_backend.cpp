@@ -95,8 +95,13 @@ SqliteBackend::SqliteBackend(std::string path, Missing missing, int patience, Cl
     : path_(std::move(path)),
       patience_(patience),
       shelf_(std::make_shared<Shelf>(path_, missing, patience)),
-      clock_(std::move(clock)),
-      author_(user_of_the_system()) {}
+      clock_(std::move(clock)) {}
+
+// Looking up the user takes as long as opening the file.
+const std::string& SqliteBackend::author() {
+  if (!author_) author_ = user_of_the_system();
+  return *author_;
+}
 
 const std::shared_ptr<SqliteBackend::Shelf>& SqliteBackend::shelf() {
   if (shelf_->connection.outdated()) {

@@ -53,7 +53,8 @@ class SqliteBackend : public Backend {
   // What to tell of a record whose checksum does not hold: that, and which version is sound.
   DamagedRecord damaged(std::string_view file, std::string_view id);
   void set_author(std::string_view name) { author_ = clean_text(name); }
-  const std::string& author() const { return author_; }
+  // The user of the system, where nobody was named.
+  const std::string& author();
   // See History::restore.
   void lay_down(std::string_view file, std::string_view id, const std::vector<Version>& versions);
 
@@ -75,7 +76,7 @@ class SqliteBackend : public Backend {
   void write(const std::function<void(RecordWriter&)>& act);
   void run_change(const std::function<void()>& writes);
   std::int64_t number_for_writing(RecordWriter& writer, std::string_view file);
-  RecordWriter::Hand hand() const { return {author_, clock_()}; }
+  RecordWriter::Hand hand() { return {author(), clock_()}; }
   void have_checkpoints(Shelf& shelf) {
     if (!shelf.checkpointer) shelf.checkpointer = std::make_unique<Checkpointer>(shelf.connection);
   }
@@ -99,7 +100,7 @@ class SqliteBackend : public Backend {
   std::shared_ptr<Shelf> shelf_;  // a scan keeps the one it began on
   std::map<std::string, std::int64_t, std::less<>> numbers_;
   Clock clock_;
-  std::string author_;
+  std::optional<std::string> author_;
   // A change of several writes is under way; one of them has failed, and with it the change.
   bool in_change_ = false, broken_ = false;
   bool in_view_ = false;
