@@ -4,10 +4,6 @@
 #include <bit>
 #include <cstring>
 
-#if defined(__x86_64__) && defined(__GNUC__)
-#include <nmmintrin.h>
-#endif
-
 namespace velanor::store {
 namespace {
 
@@ -54,10 +50,10 @@ __attribute__((target("sse4.2"))) std::uint32_t by_instruction(std::string_view 
   for (; bytes.size() >= kStride; bytes.remove_prefix(kStride)) {
     std::uint64_t block;
     std::memcpy(&block, bytes.data(), kStride);
-    crc = _mm_crc32_u64(crc, block);
+    crc = __builtin_ia32_crc32di(crc, block);
   }
   auto rest = static_cast<std::uint32_t>(crc);
-  for (const char byte : bytes) rest = _mm_crc32_u8(rest, static_cast<unsigned char>(byte));
+  for (const char byte : bytes) rest = __builtin_ia32_crc32qi(rest, static_cast<unsigned char>(byte));
   return ~rest;
 }
 

@@ -84,8 +84,7 @@ void Statement::bind(int parameter, std::int64_t number) {
 }
 
 void Statement::bind_text(int parameter, std::string_view text) {
-  check(sqlite3_bind_text64(prepared(), parameter, start_of(text), text.size(), SQLITE_STATIC,
-                            SQLITE_UTF8));
+  check(sqlite3_bind_text64(prepared(), parameter, start_of(text), text.size(), SQLITE_STATIC, SQLITE_UTF8));
 }
 
 void Statement::bind_blob(int parameter, std::string_view bytes) {
