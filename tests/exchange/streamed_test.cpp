@@ -128,6 +128,7 @@ TEST(Streamed, WhatIsPutAsideComesBackFewOrMany) {
   for (const int count : {0, 1, 10, 3000}) {
     SpooledTexts spool;
     std::vector<std::string> texts;
+    texts.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) texts.emplace_back(random() % 2000, static_cast<char>(random()));
     for (const std::string& text : texts) spool.add(text);
     for (int times = 0; times < 2; ++times) {
@@ -142,24 +143,16 @@ TEST(Streamed, WhatIsPutAsideComesBackFewOrMany) {
 
 TEST(RecordBuilder, MakesWhatSettingTheElementsMakes) {
   std::mt19937 random(11);
-  const char* const texts[] = {"a",
-                               "12",
-                               "é",
-                               "\xFD",
-                               "a\xFE"
-                               "b",
-                               std::string_view("\0", 1).data(),
-                               "\xC3"};
+  const std::string marked = std::string("a") + store::kAttributeMark + "b", nul(1, '\0');
+  const std::string_view texts[] = {"a", "12", "é", "\xFD", marked, nul, "\xC3"};
   RecordBuilder builder;
   for (int times = 0; times < 3000; ++times) {
     store::DbRecord set;
     store::Position at{1 + static_cast<int>(random() % 3), 0, 0};
     for (int elements = static_cast<int>(random() % 8); elements > 0; --elements) {
       const std::string_view text = texts[random() % std::size(texts)];
-      if (!text.empty()) {
-        builder.add(at, text);
-        set_element(set, at, text);
-      }
+      builder.add(at, text);
+      set_element(set, at, text);
       switch (at.value == 0 ? 0 : random() % 3) {
         case 0:
           at = {at.attribute + 1 + static_cast<int>(random() % 3), static_cast<int>(random() % 3), 0};
