@@ -23,8 +23,8 @@ using store::DbRecord, store::SqliteDatabase;
 class Raw {
  public:
   explicit Raw(const std::string& path) {
-    check(sqlite3_open_v2(path.c_str(), &base_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX,
-                          nullptr));
+    check(sqlite3_open_v2(path.c_str(), &base_,
+                          SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr));
   }
   ~Raw() {
     for (auto& [sql, statement] : statements_) sqlite3_finalize(statement);
@@ -163,9 +163,7 @@ Files& files(Spread spread) {
   return *kept;
 }
 
-DbRecord read(SqliteDatabase& database, const std::string& id) {
-  return database.OpenFile(kFile)->Read(id);
-}
+DbRecord read(SqliteDatabase& database, const std::string& id) { return database.OpenFile(kFile)->Read(id); }
 
 // ---- A save. Both have just read the card, as a clerk has who saves it.
 
@@ -286,7 +284,7 @@ class Lists {
     Files::name_parts(*database_);
     raw_ = std::make_unique<Raw>(files_.raw());
   }
-  void select() { benchmark::DoNotOptimize(rows_ = database_->Select(request_).DCount()); }
+  void select() { rows_ = database_->Select(request_).DCount(); }
   void select_raw() {
     RawList list;
     const std::string suffix = card_id(0, 1, kYears - 1).substr(5);
@@ -321,7 +319,8 @@ enum class Before { kOpening, kNothing, kOwnSave, kOthersSave };
 void list_race(benchmark::State& state, Before before, double goal, Lists& lists, Lists& others) {
   Runner peer{.run = [&] { lists.select_raw(); }}, ours{.run = [&] { lists.select(); }};
   if (before == Before::kOpening) peer.prepare = ours.prepare = [&] { lists.reopen(); };
-  if (before == Before::kOwnSave) peer.prepare = [&] { lists.save_raw(); }, ours.prepare = [&] { lists.save(); };
+  if (before == Before::kOwnSave)
+    peer.prepare = [&] { lists.save_raw(); }, ours.prepare = [&] { lists.save(); };
   if (before == Before::kOthersSave)
     peer.prepare = [&] { others.save_raw(); }, ours.prepare = [&] { others.save(); };
   race(state, {.goal = goal}, peer, ours);
@@ -343,16 +342,21 @@ void YearTable(benchmark::State& state) {
   list_race(state, B, B == Before::kOpening ? 1 : 10, lists, others);
 }
 
-VELANOR_RACE((EmployeeList<Spread::kOneEntity, Before::kOpening>))->Name("EmployeeListOf50000FirstAfterOpening");
+VELANOR_RACE((EmployeeList<Spread::kOneEntity, Before::kOpening>))
+    ->Name("EmployeeListOf50000FirstAfterOpening");
 VELANOR_RACE((EmployeeList<Spread::kOneEntity, Before::kNothing>))->Name("EmployeeListOf50000Repeated");
 VELANOR_RACE((EmployeeList<Spread::kOneEntity, Before::kOwnSave>))->Name("EmployeeListOf50000AfterAnOwnSave");
-VELANOR_RACE((EmployeeList<Spread::kOneEntity, Before::kOthersSave>))->Name("EmployeeListOf50000AfterAnothersSave");
+VELANOR_RACE((EmployeeList<Spread::kOneEntity, Before::kOthersSave>))
+    ->Name("EmployeeListOf50000AfterAnothersSave");
 VELANOR_RACE((YearTable<Spread::kOneEntity, Before::kOpening>))->Name("YearTableOf10FirstAfterOpening");
 VELANOR_RACE((YearTable<Spread::kOneEntity, Before::kOwnSave>))->Name("YearTableOf10AfterASave");
-VELANOR_RACE((EmployeeList<Spread::kTwentyEntities, Before::kOpening>))->Name("EmployeeListOf2500FirstAfterOpening");
+VELANOR_RACE((EmployeeList<Spread::kTwentyEntities, Before::kOpening>))
+    ->Name("EmployeeListOf2500FirstAfterOpening");
 VELANOR_RACE((EmployeeList<Spread::kTwentyEntities, Before::kNothing>))->Name("EmployeeListOf2500Repeated");
-VELANOR_RACE((EmployeeList<Spread::kTwentyEntities, Before::kOwnSave>))->Name("EmployeeListOf2500AfterAnOwnSave");
-VELANOR_RACE((EmployeeList<Spread::kTwentyEntities, Before::kOthersSave>))->Name("EmployeeListOf2500AfterAnothersSave");
+VELANOR_RACE((EmployeeList<Spread::kTwentyEntities, Before::kOwnSave>))
+    ->Name("EmployeeListOf2500AfterAnOwnSave");
+VELANOR_RACE((EmployeeList<Spread::kTwentyEntities, Before::kOthersSave>))
+    ->Name("EmployeeListOf2500AfterAnothersSave");
 VELANOR_RACE((YearTable<Spread::kTwentyEntities, Before::kOpening>))->Name("YearTableOf200FirstAfterOpening");
 VELANOR_RACE((YearTable<Spread::kTwentyEntities, Before::kOwnSave>))->Name("YearTableOf200AfterASave");
 
