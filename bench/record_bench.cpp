@@ -172,7 +172,8 @@ void decode(benchmark::State& state, double goal, From from,
   Seen peers, our;
   std::size_t allocated = 0;
   race(state, {.goal = goal, .times = kTimes},
-       {.prepare = [&] { peers = {}; }, .run = [&] { each_card([&](std::size_t i) { decode_peer(i, peers); }); }},
+       {.prepare = [&] { peers = {}; },
+        .run = [&] { each_card([&](std::size_t i) { decode_peer(i, peers); }); }},
        {.prepare =
             [&] {
               our = {};
@@ -285,8 +286,7 @@ void change(benchmark::State& state, double goal, const Runner& peer, const std:
   std::vector<DbRecord> records = cards().records;
   std::string encoded;
   std::size_t bytes = 0, turn = 0;
-  race(state, {.goal = goal, .times = kTimes}, peer,
-       {.run = [&] {
+  race(state, {.goal = goal, .times = kTimes}, peer, {.run = [&] {
          each_card([&](std::size_t i) {
            records[i].set(kChanged, kTexts[turn++ % std::size(kTexts)]);
            encoded = records[i].encoded();
@@ -307,15 +307,17 @@ void ChangeAgainstMsgpack(benchmark::State& state) {
     objects.push_back(msgpack::unpack(zone, bytes.data(), bytes.size(), stay));
   msgpack::sbuffer buffer;
   std::size_t turn = 0;
-  change(state, 3, {.run = [&] {
-           each_card([&](std::size_t i) {
-             const std::string& text = kTexts[turn++ % std::size(kTexts)];
-             msgpack::object& changed = objects[i].via.array.ptr[kChanged - 1];
-             changed.via.str = {static_cast<std::uint32_t>(text.size()), text.data()};
-             buffer.clear();
-             msgpack::pack(buffer, objects[i]);
-           });
-         }},
+  change(state, 3,
+         {.run =
+              [&] {
+                each_card([&](std::size_t i) {
+                  const std::string& text = kTexts[turn++ % std::size(kTexts)];
+                  msgpack::object& changed = objects[i].via.array.ptr[kChanged - 1];
+                  changed.via.str = {static_cast<std::uint32_t>(text.size()), text.data()};
+                  buffer.clear();
+                  msgpack::pack(buffer, objects[i]);
+                });
+              }},
          [&] {
            msgpack::zone other;
            Seen seen, wanted;
@@ -333,15 +335,17 @@ void ChangeAgainstRapidjson(benchmark::State& state) {
   for (std::size_t i = 0; i < kCards; ++i) documents[i].Parse(cards().json[i].c_str());
   rapidjson::StringBuffer buffer;
   std::size_t turn = 0;
-  change(state, 9, {.run = [&] {
-           each_card([&](std::size_t i) {
-             const std::string& text = kTexts[turn++ % std::size(kTexts)];
-             documents[i][kChanged - 1].SetString(rapidjson::StringRef(text.data(), text.size()));
-             buffer.Clear();
-             rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
-             documents[i].Accept(writer);
-           });
-         }},
+  change(state, 9,
+         {.run =
+              [&] {
+                each_card([&](std::size_t i) {
+                  const std::string& text = kTexts[turn++ % std::size(kTexts)];
+                  documents[i][kChanged - 1].SetString(rapidjson::StringRef(text.data(), text.size()));
+                  buffer.Clear();
+                  rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+                  documents[i].Accept(writer);
+                });
+              }},
          [&] {
            DbRecord record = cards().records.back();
            record.set(kChanged, kTexts[(turn - 1) % std::size(kTexts)]);
@@ -355,12 +359,14 @@ void ChangeAgainstProtobuf(benchmark::State& state) {
   for (std::size_t i = 0; i < kCards; ++i) messages[i].ParseFromString(cards().protobuf[i]);
   std::string buffer;
   std::size_t turn = 0;
-  change(state, 15, {.run = [&] {
-           each_card([&](std::size_t i) {
-             messages[i].set_fields(kChanged - 1, kTexts[turn++ % std::size(kTexts)]);
-             messages[i].SerializeToString(&buffer);
-           });
-         }},
+  change(state, 15,
+         {.run =
+              [&] {
+                each_card([&](std::size_t i) {
+                  messages[i].set_fields(kChanged - 1, kTexts[turn++ % std::size(kTexts)]);
+                  messages[i].SerializeToString(&buffer);
+                });
+              }},
          [&] {
            DbRecord record = cards().records.back();
            record.set(kChanged, kTexts[(turn - 1) % std::size(kTexts)]);

@@ -13,6 +13,19 @@
 namespace velanor::store {
 namespace {
 
+void open_lists(std::size_t from, const Reached& behind, const MarkLists& lists) {
+  lists.leaf_starts[behind.leaf] = static_cast<std::uint32_t>(from);
+  lists.value_leaves[behind.value] = behind.leaf;
+  lists.attribute_values[behind.attribute] = behind.value;
+}
+
+Reached close_lists(std::string_view bytes, Reached at, const MarkLists& lists) {
+  lists.leaf_starts[++at.leaf] = static_cast<std::uint32_t>(bytes.size() + 1);
+  lists.value_leaves[++at.value] = at.leaf;
+  lists.attribute_values[++at.attribute] = at.value;
+  return at;
+}
+
 // Lists what the marks of the bytes from `from` on open. Written without branches: the next entry is written
 // at every mark and stays where the mark opens an element of that level.
 Reached list_by_bits(std::string_view bytes, std::size_t from, Reached at, const MarkLists& lists) {
@@ -74,7 +87,8 @@ VELANOR_COMPRESSES Reached list_by_compressing(std::string_view bytes, std::size
   auto [leaf, value, attribute] = at;
   for (std::size_t block_at = from; block_at < bytes.size(); block_at += MarkBlock::kSize) {
     const std::size_t left = bytes.size() - block_at;
-    const __mmask64 inside = _bzhi_u64(~std::uint64_t{0}, static_cast<unsigned>(std::min<std::size_t>(left, 64)));
+    const __mmask64 inside =
+        _bzhi_u64(~std::uint64_t{0}, static_cast<unsigned>(std::min<std::size_t>(left, 64)));
     const __m512i block = _mm512_maskz_loadu_epi8(inside, bytes.data() + block_at);
     const std::uint64_t marks = _mm512_cmpge_epu8_mask(block, _mm512_set1_epi8(kSubvalueMark));
     const std::uint64_t open_values = _mm512_cmpge_epu8_mask(block, _mm512_set1_epi8(kValueMark));
@@ -104,15 +118,16 @@ Reached list_by_compressing(std::string_view, std::size_t, Reached at, const Mar
 
 }  // namespace
 
-Reached list_elements(std::string_view bytes, std::size_t from, Reached at, const MarkLists& lists) {
-  lists.leaf_starts[at.leaf] = static_cast<std::uint32_t>(from);
-  lists.value_leaves[at.value] = at.leaf;
-  lists.attribute_values[at.attribute] = at.value;
-  at = kCompresses ? list_by_compressing(bytes, from, at, lists) : list_by_bits(bytes, from, at, lists);
-  lists.leaf_starts[++at.leaf] = static_cast<std::uint32_t>(bytes.size() + 1);
-  lists.value_leaves[++at.value] = at.leaf;
-  lists.attribute_values[++at.attribute] = at.value;
-  return at;
+Reached list_elements(std::string_view bytes, std::size_t from, Reached behind, const MarkLists& lists) {
+  if (!kCompresses) return list_elements_one_by_one(bytes, from, behind, lists);
+  open_lists(from, behind, lists);
+  return close_lists(bytes, list_by_compressing(bytes, from, behind, lists), lists);
+}
+
+Reached list_elements_one_by_one(std::string_view bytes, std::size_t from, Reached behind,
+                                 const MarkLists& lists) {
+  open_lists(from, behind, lists);
+  return close_lists(bytes, list_by_bits(bytes, from, behind, lists), lists);
 }
 
 }  // namespace velanor::store

@@ -24,5 +24,8 @@ struct Reached {
 // entry more: where a next leaf, value and attribute would start. No list is written behind that entry.
 // The bytes before `from` are not read, those behind the end neither.
 Reached list_elements(std::string_view bytes, std::size_t from, Reached behind, const MarkLists& lists);
+// The same on any processor.
+Reached list_elements_one_by_one(std::string_view bytes, std::size_t from, Reached behind,
+                                 const MarkLists& lists);
 
 }  // namespace velanor::store

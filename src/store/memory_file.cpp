@@ -17,15 +17,16 @@ constexpr std::size_t kPrefetched = 12;
 // With each change strings of so many bytes are moved: some more than what a change leaves as a hole.
 constexpr std::size_t kTidied = 6 * 1024;
 
+constexpr int kLine = 64;
+
+// So many bytes are fetched from memory at once, where one access after the other would wait each time.
+void prefetch([[maybe_unused]] const char* bytes, [[maybe_unused]] int size) {
 #if defined(__GNUC__)
-// The lines where a record begins and its first attributes stand; the processor fetches what follows.
-void prefetch(const char* bytes) {
-  __builtin_prefetch(bytes);
-  __builtin_prefetch(bytes + 64);
-}
-#else
-void prefetch(const char*) {}
+  for (int at = 0; at < size; at += kLine) __builtin_prefetch(bytes + at);
 #endif
+}
+// Where a record begins, with its first attributes; and a whole record, of the usual size.
+constexpr int kBeginning = 2 * kLine, kRecord = 18 * kLine;
 
 std::size_t hash_of_id(std::string_view id) { return std::hash<std::string_view>{}(id); }
 
@@ -282,7 +283,7 @@ void MemoryFile::scan_ids(const std::vector<RowNumber>& rows, const Backend::Vis
 // Rows lie a record or more apart: what is visited soon is fetched meanwhile.
 void MemoryFile::scan_records(const std::vector<RowNumber>& rows, const Backend::Visit& visit) const {
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    if (i + kPrefetched < rows.size()) prefetch(arena_.bytes(rows_.place(rows[i + kPrefetched])));
+    if (i + kPrefetched < rows.size()) prefetch(arena_.bytes(rows_.place(rows[i + kPrefetched])), kBeginning);
     visit(row_at(rows_.place(rows[i])));
   }
 }

@@ -260,7 +260,8 @@ void DbRecord::index_again(const Changed& region, std::size_t bytes_before) {
     for (std::uint32_t i = 0; i < count; ++i) list[to + i] += difference;
   };
   shift(index_.leaf_starts(), region.last.leaf, behind.leaf, index_.leaves, moved);
-  shift(index_.value_leaves(), region.last.value, behind.value, index_.values, behind.leaf - region.last.leaf);
+  shift(index_.value_leaves(), region.last.value, behind.value, index_.values,
+        behind.leaf - region.last.leaf);
   shift(index_.attribute_values(), region.last.attribute, behind.attribute, index_.attributes,
         behind.value - region.last.value);
   index_.leaves += behind.leaf - region.last.leaf;

@@ -4,6 +4,7 @@
 
 #include <map>
 #include <random>
+#include <set>
 
 #include "store/arena.h"
 #include "store/contract.h"
@@ -51,6 +52,14 @@ TEST(MemoryDatabase, ListsItsFilesAndWalksThemInOrderOfIds) {
   database.for_each("ABSENT", [](std::string_view, const DbRecord&) { ADD_FAILURE(); });
 }
 
+// Short ids, ids that are told apart only by their middle, and long ones.
+std::string id_of(unsigned number) {
+  const std::string digits = std::to_string(number);
+  if (number % 4 == 1) return "card " + digits + " of some year";
+  if (number % 4 == 2) return "a very long id, " + digits + ", and some more behind it, ending in " + digits;
+  return digits;
+}
+
 // Every way into a file must show the same records, whatever was written before.
 TEST(MemoryFile, AgreesWithAPlainMapThroughRandomWrites) {
   std::mt19937 random(7);
@@ -75,7 +84,7 @@ TEST(MemoryFile, AgreesWithAPlainMapThroughRandomWrites) {
     return found;
   };
   for (int step = 0; step < 60'000; ++step) {
-    const std::string id = std::to_string(random() % 4000);
+    const std::string id = id_of(random() % 4000);
     if (random() % 3 == 0) {
       file.erase(id);
       plain.erase(id);
@@ -87,7 +96,12 @@ TEST(MemoryFile, AgreesWithAPlainMapThroughRandomWrites) {
     if (step % 3000 != 0) continue;
     ASSERT_EQ(file.size(), plain.size());
     ASSERT_EQ(scanned(Narrowing::Kind::kNone, ""), plain);
-    for (const std::string text : {"7", "12", "999", "3999"}) {
+    std::set<std::string> ids;
+    file.scan({}, Content::kIdsOnly, [&](const Row& row) { ids.emplace(row.id); });
+    ASSERT_EQ(ids.size(), plain.size());
+    ASSERT_TRUE(std::equal(ids.begin(), ids.end(), plain.begin(),
+                           [](const std::string& told, const auto& known) { return told == known.first; }));
+    for (const std::string text : {"7", "12", "999", "3999", "card", "ending in 3", "a very long id, 12"}) {
       ASSERT_EQ(scanned(Narrowing::Kind::kId, text), expected([&](auto& known) { return known == text; }));
       ASSERT_EQ(scanned(Narrowing::Kind::kIdPrefix, text),
                 expected([&](auto& known) { return known.starts_with(text); }));

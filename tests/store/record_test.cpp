@@ -2,11 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <random>
 #include <stdexcept>
+#include <utility>
+#include <vector>
 
 #include "../../fuzz/record_target.h"
+#include "store/mark_lists.h"
+#include "store/mark_scanner.h"
 #include "store/notation.h"
 #include "velanor/database.h"
 
@@ -174,6 +179,144 @@ TEST(DbRecord, RandomOperationsAgreeWithListsOfLists) {
     for (auto& byte : operations) byte = static_cast<std::uint8_t>(random());
     fuzz::run_record_operations(operations.data(), operations.size());
   }
+}
+
+// Bytes with many marks or few, and pieces that end anywhere in a block.
+std::string random_encoded(std::mt19937& random, std::size_t size) {
+  const unsigned marks = 1 + random() % 12;
+  std::string bytes(size, 'x');
+  for (char& byte : bytes) {
+    if (random() % marks == 0) byte = static_cast<char>(kSubvalueMark + static_cast<int>(random() % 3));
+  }
+  return bytes;
+}
+
+void expect_same_elements(const DbRecord& record, const DbRecord& wanted) {
+  ASSERT_EQ(record.encoded(), wanted.encoded());
+  ASSERT_EQ(record.DCount(), wanted.DCount());
+  for (int a = 0; a <= wanted.DCount() + 1; ++a) {
+    ASSERT_EQ(record(a), wanted(a)) << a;
+    ASSERT_EQ(record.Count(a), wanted.Count(a)) << a;
+    for (int v = 0; v <= wanted.Count(a) + 1; ++v) {
+      ASSERT_EQ(record(a, v), wanted(a, v)) << a << "," << v;
+      ASSERT_EQ(record.Count(a, v), wanted.Count(a, v)) << a << "," << v;
+      for (int s = 0; s <= wanted.Count(a, v) + 1; ++s) ASSERT_EQ(record(a, v, s), wanted(a, v, s));
+    }
+  }
+}
+
+TEST(MarkLists, AreTheSameOnAnyProcessorAndLeaveWhatStandsBehindThem) {
+  constexpr std::uint32_t kUntouched = 0xABCDABCD;
+  std::mt19937 random(64);
+  for (int round = 0; round < 2000; ++round) {
+    const std::string bytes = random_encoded(random, random() % 400);
+    const std::size_t from = random() % (bytes.size() + 1);
+    const Reached behind{static_cast<std::uint32_t>(random() % 5), static_cast<std::uint32_t>(random() % 5),
+                         static_cast<std::uint32_t>(random() % 5)};
+    std::vector<std::uint32_t> lists[2][3];
+    Reached reached[2];
+    for (int way = 0; way < 2; ++way) {
+      for (auto& list : lists[way]) list.assign(bytes.size() + 30, kUntouched);
+      const MarkLists written{lists[way][0].data(), lists[way][1].data(), lists[way][2].data()};
+      reached[way] = (way == 0 ? list_elements : list_elements_one_by_one)(bytes, from, behind, written);
+    }
+    ASSERT_EQ(lists[0][0], lists[1][0]);
+    ASSERT_EQ(reached[0].leaf, reached[1].leaf);
+    // Written one by one an entry is provisional until the next mark: up to the closing one they agree.
+    const std::uint32_t last[] = {reached[0].leaf, reached[0].value, reached[0].attribute};
+    for (int list = 0; list < 3; ++list) {
+      for (int way = 0; way < 2; ++way) {
+        const auto& entries = lists[way][list];
+        ASSERT_TRUE(std::equal(entries.begin(), entries.begin() + last[list] + 1, lists[0][list].begin()));
+        ASSERT_TRUE(std::all_of(entries.begin() + last[list] + 1, entries.end(),
+                                [](std::uint32_t entry) { return entry == kUntouched; }))
+            << "list " << list << " way " << way;
+      }
+    }
+  }
+}
+
+TEST(MarkScanner, CountsWhatItFinds) {
+  std::mt19937 random(5);
+  for (int round = 0; round < 500; ++round) {
+    const std::string bytes = random_encoded(random, random() % 300);
+    const auto from = [&](char lowest) {
+      return std::count_if(bytes.begin(), bytes.end(), [&](char byte) { return byte < 0 && byte >= lowest; });
+    };
+    const MarkCounts counts = count_each_mark(bytes);
+    EXPECT_EQ(counts.all, from(kSubvalueMark));
+    EXPECT_EQ(counts.values, from(kValueMark));
+    EXPECT_EQ(counts.attributes, from(kAttributeMark));
+    EXPECT_EQ(count_marks(bytes), counts.all);
+  }
+}
+
+// Changes anywhere in records of some size, each against the same bytes read afresh.
+TEST(DbRecord, ReadsAfterAChangeAsIfItWereReadAfresh) {
+  std::mt19937 random(46);
+  DbRecord again;
+  for (int round = 0; round < 300; ++round) {
+    DbRecord changed = DbRecord::from_trusted(random_encoded(random, random() % 600));
+    for (int change = 0; change < 12; ++change) {
+      const int a = 1 + static_cast<int>(random()) % (changed.DCount() + 2) % 50;
+      const auto number = [&] { return 1 + static_cast<int>(random() % 4); };
+      const int attribute = std::max(a, 1);
+      const std::string text(random() % 20, 'y');
+      switch (random() % 6) {
+        case 0:
+          changed.set(attribute, number(), text);
+          break;
+        case 1:
+          changed.set(attribute, number(), number(), text);
+          break;
+        case 2:
+          changed.Insert(attribute, number(), text);
+          break;
+        case 3:
+          changed.Delete(attribute, random() % 2 == 0 ? static_cast<int>(kWhole) : number());
+          break;
+        case 4:
+          changed.copy_attribute(attribute, DbRecord::from_trusted(random_encoded(random, random() % 80)),
+                                 number());
+          break;
+        default:
+          changed.set(attribute, changed(1 + static_cast<int>(random() % 9)));
+      }
+      expect_same_elements(changed, DbRecord::from_trusted(changed.encoded()));
+      again.assign_trusted(changed.encoded());
+      expect_same_elements(again, changed);
+    }
+  }
+}
+
+TEST(DbRecord, IsReadIntoCopiedAndMovedWhateverItHeldBefore) {
+  const DbRecord kRecords[] = {DbRecord(), record("a"), record("a|b~c^d"), record("^^|~"),
+                               record(std::string(5000, '^') + "x")};
+  for (const DbRecord& before : kRecords) {
+    for (const DbRecord& after : kRecords) {
+      DbRecord assigned = before, decoded = before, cleaned = before, moved = before;
+      assigned = after;
+      expect_same_elements(assigned, after);
+      decoded.assign_trusted(after.encoded());
+      expect_same_elements(decoded, after);
+      cleaned.assign_encoded(after.encoded());
+      expect_same_elements(cleaned, after);
+      DbRecord source = after;
+      moved = std::move(source);
+      expect_same_elements(moved, after);
+      source = before;
+      expect_same_elements(source, before);
+    }
+  }
+  // Also from a view of its own.
+  DbRecord own = record("a^b|c~d^e");
+  own.assign_trusted(own(2));
+  EXPECT_EQ(shown(own), "b|c~d");
+  DbRecord foreign;
+  foreign.assign_encoded(std::string("a\xFE\xFF") + std::string("b\0", 2));
+  EXPECT_EQ(shown(foreign),
+            "a^\xEF\xBF\xBD"
+            "b\xEF\xBF\xBD");
 }
 
 TEST(DbResult, AnEmptyOneReadsAsNothing) {
