@@ -264,6 +264,16 @@ void read_msgpack(const msgpack::object& value, Seen& seen) {
   for (std::uint32_t i = 0; i < value.via.array.size; ++i) read_msgpack(value.via.array.ptr[i], seen);
 }
 
+void write_msgpack(const msgpack::object& value, msgpack::packer<msgpack::sbuffer>& packer) {
+  if (value.type == msgpack::type::STR) {
+    packer.pack_str(value.via.str.size);
+    packer.pack_str_body(value.via.str.ptr, value.via.str.size);
+    return;
+  }
+  packer.pack_array(value.via.array.size);
+  for (std::uint32_t i = 0; i < value.via.array.size; ++i) write_msgpack(value.via.array.ptr[i], packer);
+}
+
 // Texts stay where they are read.
 bool stay(msgpack::type::object_type, std::size_t, void*) { return true; }
 
