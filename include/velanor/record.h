@@ -131,7 +131,7 @@ class DbRecord {
     void swap(Index& other) noexcept;
 
     std::unique_ptr<std::uint32_t[]> entries_;
-    std::uint32_t room_ = 0;
+    std::size_t room_ = 0;
   };
 
   // An element is a run of leaves, `first` to before `last`. One that is not there is an empty run.

@@ -30,20 +30,24 @@ constexpr int kBeginning = 2 * kLine, kRecord = 18 * kLine;
 
 std::size_t hash_of_id(std::string_view id) { return std::hash<std::string_view>{}(id); }
 
-// Up to eight bytes at the beginning or the end of eight, the others 0.
+// Up to eight bytes of a text, at the beginning or the end of eight; the others are 0.
+std::uint64_t as_number(const std::array<char, kEnd>& bytes) {
+  std::uint64_t number;
+  std::memcpy(&number, bytes.data(), kEnd);
+  return number;
+}
+
 std::uint64_t at_beginning(std::string_view text) {
-  std::uint64_t bytes = 0;
-  std::memcpy(&bytes, text.data(), std::min(text.size(), kEnd));
-  return bytes;
+  std::array<char, kEnd> bytes{};
+  text.copy(bytes.data(), kEnd);
+  return as_number(bytes);
 }
 
 std::uint64_t at_end(std::string_view text) {
   std::array<char, kEnd> bytes{};
   const std::size_t size = std::min(text.size(), kEnd);
-  std::memcpy(bytes.data() + kEnd - size, text.data() + text.size() - size, size);
-  std::uint64_t result;
-  std::memcpy(&result, bytes.data(), kEnd);
-  return result;
+  text.copy(bytes.data() + kEnd - size, size, text.size() - size);
+  return as_number(bytes);
 }
 
 }  // namespace

@@ -59,8 +59,8 @@ void DbRecord::Index::make_room(std::size_t wanted) {
   // An entry more closes each list, and one is written before it is known to be needed.
   if (wanted + 2 <= room_) return;
   Index larger;
-  larger.room_ = static_cast<std::uint32_t>(std::max<std::size_t>(wanted + 2, 2 * std::size_t{room_}));
-  larger.entries_ = std::make_unique_for_overwrite<std::uint32_t[]>(3 * std::size_t{larger.room_});
+  larger.room_ = std::max(wanted + 2, 2 * room_);
+  larger.entries_ = std::make_unique_for_overwrite<std::uint32_t[]>(3 * larger.room_);
   if (leaves > 0) larger.copy(*this);
   swap(larger);
 }
