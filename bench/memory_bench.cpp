@@ -1,8 +1,8 @@
 // The in-memory store against SQLite in memory and a hash table of strings, on the cards of bench/cards.h.
 #include <malloc.h>
 #include <sqlite3.h>
-#include <time.h>
 
+#include <ctime>
 #include <map>
 #include <memory>
 #include <set>
@@ -204,6 +204,7 @@ struct Base {
   const std::string& any_id() { return ids[random() % ids.size()]; }
   std::vector<std::string> any_ids(int count) {
     std::vector<std::string> some;
+    some.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) some.push_back(any_id());
     return some;
   }
