@@ -325,7 +325,8 @@ void ChangeAgainstMsgpack(benchmark::State& state) {
                   msgpack::object& changed = objects[i].via.array.ptr[kChanged - 1];
                   changed.via.str = {static_cast<std::uint32_t>(text.size()), text.data()};
                   buffer.clear();
-                  msgpack::pack(buffer, objects[i]);
+                  msgpack::packer<msgpack::sbuffer> packer(buffer);
+                  write_msgpack(objects[i], packer);
                 });
               }},
          [&] {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <random>
 #include <set>
@@ -24,7 +25,8 @@ class ContraryBackend : public MemoryBackend {
     std::vector<std::pair<std::string, std::string>> rows;
     MemoryBackend::scan(file, {}, Content::kRecords,
                         [&](const Row& row) { rows.emplace_back(row.id, row.encoded); });
-    for (auto row = rows.rbegin(); row != rows.rend(); ++row) visit({row->first, row->second});
+    std::reverse(rows.begin(), rows.end());
+    for (const auto& [id, text] : rows) visit({id, text});
   }
 };
 
@@ -54,7 +56,7 @@ TEST(MemoryDatabase, ListsItsFilesAndWalksThemInOrderOfIds) {
 
 // Short ids, ids that are told apart only by their middle, and long ones.
 std::string id_of(unsigned number) {
-  const std::string digits = std::to_string(number);
+  std::string digits = std::to_string(number);
   if (number % 4 == 1) return "card " + digits + " of some year";
   if (number % 4 == 2) return "a very long id, " + digits + ", and some more behind it, ending in " + digits;
   return digits;
