@@ -54,10 +54,13 @@ class DeskBase {
     const auto cards = database_->OpenFile("VELANORO");
     const auto ids = database_->Select(
         store::DbQuery("SSELECT VELANORO AVEC 0 = \"[0012026\"", "VELANORO", "0").encoded());
-    for (int i = 0; i < all_cards(); ++i) {
-      store::DbRecord card = cards->Read(ids(1 + i % ids.DCount()));
-      card.set(1, std::string(card(1)) + " " + code(i * 7919 % 100'000));
-      cards->write(code(i / 10) + kEntity + std::to_string(2030 - i % 10), card);
+    // Year by year, so that the ends of ids come together.
+    for (int year = 0; year < kYears; ++year) {
+      for (int i = 0; i < all_cards() / kYears; ++i) {
+        store::DbRecord card = cards->Read(ids(1 + i % ids.DCount()));
+        card.set(1, std::string(card(1)) + " " + code(i * 7919 % 100'000));
+        cards->write(code(i) + kEntity + std::to_string(2030 - year), card);
+      }
     }
   }
 

@@ -1,6 +1,6 @@
-// What a clerk waits for at a window on a large base (desk_base.h): from the file to a window that takes keys,
-// the list of every town, choosing an employee, saving. Each ends when the window is drawn, on the display that
-// is there (QT_QPA_PLATFORM=offscreen without).
+// What a clerk waits for at a window on a large base (desk_base.h): from the file to a window that takes
+// keys, the list of every town, choosing an employee, saving. Each ends when the window is drawn, on the
+// display that is there (QT_QPA_PLATFORM=offscreen without).
 #include <benchmark/benchmark.h>
 
 #include <QAbstractItemView>
@@ -116,6 +116,7 @@ class Window : private control::UserRights {
 
 // The peer of a start is a window with nothing on it.
 void Start(benchmark::State& state) {
+  base();
   std::unique_ptr<QWidget> empty;
   std::unique_ptr<Window> window;
   bench::race(state, {.goal = 23.0 / 150},
@@ -126,7 +127,8 @@ void Start(benchmark::State& state) {
                      empty->resize(1250, 620);
                      empty->show();
                      empty->activateWindow();
-                     while (!empty->isActiveWindow()) QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+                     while (!empty->isActiveWindow())
+                       QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
                      empty->repaint();
                    }},
               {.prepare = [&] { window.reset(), empty.reset(); },

@@ -26,8 +26,11 @@ class Completion : public QCompleter {
       : QCompleter(&matches, &box), box_(box), matches_(matches) {}
 
   QStringList splitPath(const QString& typed) const override {
-    matches_.look_for(typed);
-    box_.size_list(*popup());
+    // The box also asks for every text that the program writes, with nobody there to be offered anything.
+    if (box_.hasFocus()) {
+      matches_.look_for(typed);
+      box_.size_list(*popup());
+    }
     return {QString()};
   }
 

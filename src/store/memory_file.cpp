@@ -52,21 +52,22 @@ std::uint64_t at_end(std::string_view text) {
 
 }  // namespace
 
-void RevisionLog::note(std::string_view id) {
-  const auto at = static_cast<std::size_t>(revision_ % kRevisions);
-  if (at == ids_.size()) {
-    ids_.emplace_back(id);
-  } else {
-    ids_[at] = id;
-  }
+void RevisionLog::note(std::string_view id) noexcept {
   ++revision_;
+  const std::size_t at = place(revision_);
+  try {
+    if (at == ids_.size()) ids_.emplace_back();
+    ids_[at] = id;
+  } catch (const std::bad_alloc&) {
+    ids_.clear();
+    forgotten_ = revision_;
+  }
 }
 
 std::optional<std::vector<std::string_view>> RevisionLog::ids_since(std::uint64_t revision) const {
-  if (revision > revision_ || revision_ - revision > kRevisions) return std::nullopt;
+  if (revision > revision_ || revision < forgotten_ || revision_ - revision > kRevisions) return std::nullopt;
   std::vector<std::string_view> ids;
-  for (; revision < revision_; ++revision)
-    ids.push_back(ids_[static_cast<std::size_t>(revision % kRevisions)]);
+  while (revision < revision_) ids.push_back(ids_[place(++revision)]);
   std::sort(ids.begin(), ids.end());
   ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
   return ids;

@@ -20,16 +20,20 @@ class RevisionLog {
  public:
   static constexpr std::size_t kRevisions = 1024;
 
-  // As the next revision.
-  void note(std::string_view id);
+  // As the next revision. Without memory what was noted is forgotten: a change can be undone all the same.
+  void note(std::string_view id) noexcept;
   std::uint64_t revision() const { return revision_; }
   // Each id that was noted since the revision, once; nothing where the log does not reach back so far.
   std::optional<std::vector<std::string_view>> ids_since(std::uint64_t revision) const;
 
  private:
-  // A ring, made as it fills; revision r stands at (r - 1) % kRevisions.
+  std::size_t place(std::uint64_t revision) const {
+    return static_cast<std::size_t>((revision - forgotten_ - 1) % kRevisions);
+  }
+
+  // A ring, made as it fills, of the revisions behind those that are forgotten.
   std::vector<std::string> ids_;
-  std::uint64_t revision_ = 0;
+  std::uint64_t revision_ = 0, forgotten_ = 0;
 };
 
 // What is at hand of each row: where it stands in the arena, and of its id the first and the last eight
