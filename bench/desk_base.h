@@ -1,7 +1,9 @@
 // A large base of the demonstration in an SQLite file: ten years of one entity, a tenth of the cards each.
-// Removed with the program.
+// Made in the temporary folder and removed with the program, or, where VELANOR_BENCH_BASE names a file, made
+// there once and kept, so that a run can begin with nothing of it in memory.
 #pragma once
 
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -18,14 +20,15 @@ class DeskBase {
   static constexpr const char* kYear = "2030";
 
   DeskBase() {
-    std::filesystem::remove(path_);
+    if (!kept()) std::filesystem::remove(path_);
+    const bool is_new = !std::filesystem::exists(path_);
     database_ = std::make_unique<store::SqliteDatabase>(
         path(), store::SqliteDatabase::Options{.missing = store::SqliteDatabase::Missing::kCreate});
-    database_->in_one_change([this] { fill(); });
+    if (is_new) database_->in_one_change([this] { fill(); });
   }
   ~DeskBase() {
     database_.reset();
-    std::filesystem::remove(path_);
+    if (!kept()) std::filesystem::remove(path_);
   }
   DeskBase(const DeskBase&) = delete;
   DeskBase& operator=(const DeskBase&) = delete;
@@ -64,7 +67,10 @@ class DeskBase {
     }
   }
 
-  std::filesystem::path path_ = std::filesystem::temp_directory_path() / "velanor_desk_bench.db";
+  static const char* kept() { return std::getenv("VELANOR_BENCH_BASE"); }
+
+  std::filesystem::path path_ =
+      kept() ? kept() : std::filesystem::temp_directory_path() / "velanor_desk_bench.db";
   std::unique_ptr<store::SqliteDatabase> database_;
 };
 

@@ -479,11 +479,11 @@ void FiveAttributesAfterASave(benchmark::State& state) {
 }
 VELANOR_RACE(FiveAttributesAfterASave);
 
+// The years of each entity, as the component reads them: one id for all that have both alike.
 void year_table_after_a_save(benchmark::State& state, Spread spread) {
   Base& all = base(spread);
   const std::string request = year_table();
-  std::vector<std::string> peers;
-  DbResult our;
+  std::vector<std::string> peers, ours;
   race(state, {.goal = 10},
        {.prepare =
             [&] {
@@ -496,14 +496,17 @@ void year_table_after_a_save(benchmark::State& state, Spread spread) {
                 peers.emplace_back(all.sqlite.years->text(0)).append(all.sqlite.years->text(1));
               all.sqlite.years->reset();
             }},
-       {.prepare = [&] { all.ours.save(listed_id()); },
-        .run = [&] { our = all.ours.database->Select(request); }});
-  std::vector<std::string> years;
-  for (int i = 1; i <= our.DCount(); ++i) {
-    const std::string_view year = our(i, 1).substr(5);
-    if (years.empty() || years.back() != year) years.emplace_back(year);
-  }
-  expect(state, peers == years && our.DCount() == static_cast<int>(all.ids.size()));
+       {.prepare =
+            [&] {
+              ours.clear();
+              all.ours.save(listed_id());
+            },
+        .run =
+            [&] {
+              const DbResult ids = all.ours.database->Select(request);
+              for (int i = 1; i <= ids.DCount(); i = ids.run_end(i)) ours.emplace_back(ids(i, 1).substr(5));
+            }});
+  expect(state, peers == ours && !ours.empty());
 }
 void YearTableAfterASave(benchmark::State& state) { year_table_after_a_save(state, Spread::kOneEntity); }
 void YearTableOfTwentyAfterASave(benchmark::State& state) {
