@@ -343,22 +343,26 @@ void YearTable(benchmark::State& state) {
 }
 
 VELANOR_RACE((EmployeeList<Spread::kOneEntity, Before::kOpening>))
-    ->Name("EmployeeListOf50000FirstAfterOpening");
-VELANOR_RACE((EmployeeList<Spread::kOneEntity, Before::kNothing>))->Name("EmployeeListOf50000Repeated");
-VELANOR_RACE((EmployeeList<Spread::kOneEntity, Before::kOwnSave>))->Name("EmployeeListOf50000AfterAnOwnSave");
+    ->Name("EmployeeListOfOneEntityFirstAfterOpening");
+VELANOR_RACE((EmployeeList<Spread::kOneEntity, Before::kNothing>))->Name("EmployeeListOfOneEntityRepeated");
+VELANOR_RACE((EmployeeList<Spread::kOneEntity, Before::kOwnSave>))
+    ->Name("EmployeeListOfOneEntityAfterAnOwnSave");
 VELANOR_RACE((EmployeeList<Spread::kOneEntity, Before::kOthersSave>))
-    ->Name("EmployeeListOf50000AfterAnothersSave");
-VELANOR_RACE((YearTable<Spread::kOneEntity, Before::kOpening>))->Name("YearTableOf10FirstAfterOpening");
-VELANOR_RACE((YearTable<Spread::kOneEntity, Before::kOwnSave>))->Name("YearTableOf10AfterASave");
+    ->Name("EmployeeListOfOneEntityAfterAnothersSave");
+VELANOR_RACE((YearTable<Spread::kOneEntity, Before::kOpening>))
+    ->Name("YearTableOfOneEntityFirstAfterOpening");
+VELANOR_RACE((YearTable<Spread::kOneEntity, Before::kOwnSave>))->Name("YearTableOfOneEntityAfterASave");
 VELANOR_RACE((EmployeeList<Spread::kTwentyEntities, Before::kOpening>))
-    ->Name("EmployeeListOf2500FirstAfterOpening");
-VELANOR_RACE((EmployeeList<Spread::kTwentyEntities, Before::kNothing>))->Name("EmployeeListOf2500Repeated");
+    ->Name("EmployeeListOfOneOfTwentyFirstAfterOpening");
+VELANOR_RACE((EmployeeList<Spread::kTwentyEntities, Before::kNothing>))
+    ->Name("EmployeeListOfOneOfTwentyRepeated");
 VELANOR_RACE((EmployeeList<Spread::kTwentyEntities, Before::kOwnSave>))
-    ->Name("EmployeeListOf2500AfterAnOwnSave");
+    ->Name("EmployeeListOfOneOfTwentyAfterAnOwnSave");
 VELANOR_RACE((EmployeeList<Spread::kTwentyEntities, Before::kOthersSave>))
-    ->Name("EmployeeListOf2500AfterAnothersSave");
-VELANOR_RACE((YearTable<Spread::kTwentyEntities, Before::kOpening>))->Name("YearTableOf200FirstAfterOpening");
-VELANOR_RACE((YearTable<Spread::kTwentyEntities, Before::kOwnSave>))->Name("YearTableOf200AfterASave");
+    ->Name("EmployeeListOfOneOfTwentyAfterAnothersSave");
+VELANOR_RACE((YearTable<Spread::kTwentyEntities, Before::kOpening>))
+    ->Name("YearTableOfTwentyFirstAfterOpening");
+VELANOR_RACE((YearTable<Spread::kTwentyEntities, Before::kOwnSave>))->Name("YearTableOfTwentyAfterASave");
 
 }  // namespace
 }  // namespace velanor::bench

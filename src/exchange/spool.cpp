@@ -18,6 +18,7 @@ constexpr std::size_t kMostInMemory = std::size_t{1} << 20;
 }  // namespace
 
 void Spool::write(std::string_view bytes) {
+  if (bytes.empty()) return;  // which may be nowhere
   if (!file_ && memory_.size() + bytes.size() > kMostInMemory) move_to_file();
   if (!file_) {
     memory_.append(bytes);

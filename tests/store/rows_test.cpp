@@ -1,3 +1,5 @@
+#include "store/rows.h"
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -5,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "store/rows.h"
 #include "velanor/query.h"
 
 namespace velanor::store {

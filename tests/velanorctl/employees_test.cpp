@@ -20,6 +20,11 @@ TEST_F(EmployeesCommand, PrintsTheRowsThatAreAskedForInTheirOrder) {
   EXPECT_EQ(some.output.find("FABIENNE"), std::string::npos);
   EXPECT_NE(some.output.find("Entité  Année\n"), std::string::npos) << some.output;
   EXPECT_NE(some.output.find("\n2 sur 979 fiches\n"), std::string::npos) << some.output;
+  const Outcome none = run("employees --demo --entite 999 --annee 2026");
+  EXPECT_EQ(none.status, 1);
+  EXPECT_NE(none.output.find("Il n'y a pas de fiche de l'entité « 999 » pour l'année « 2026 »"),
+            std::string::npos)
+      << none.output;
 }
 
 // Read back by another program: kinds of cells, formats, the heading, and no formula.

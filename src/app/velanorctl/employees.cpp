@@ -70,6 +70,11 @@ int employees(const Options& options) {
   const auto database = open_named_store(options.store);
   Employees employees(*database);
   database->in_one_view([&] { read(employees, {options.entity, options.year}); });
+  if (!employees.reach().is_all() && employees.count() == 0) {
+    throw store::DbError(store::kStoreFailure, "Il n'y a pas de fiche de l'entité « " + options.entity +
+                                                   " » pour l'année « " + options.year +
+                                                   " » dans cette base.");
+  }
   const office::Filter filter(CLI::detail::join(options.words, " "), employees.today());
   for (const std::string& word : filter.misread()) {
     std::cerr << "Remarque : « " << word

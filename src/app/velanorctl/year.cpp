@@ -46,8 +46,8 @@ void print(const CardYear& year) {
 }
 
 int year(const Options& options) {
-  const std::string id = id_of(options.card);
   const auto database = open_named_store(options.store);
+  const std::string id = id_of(options.card);
   const office::CardReading reading(*database);
   const auto record = reading.file(control::File::kCards).find(id);
   const auto year = office::budget_year(card::year_of(id));
