@@ -12,6 +12,7 @@
 #include "cards.h"
 #include "race.h"
 #include "store/memory_backend.h"
+#include "store/select/parser.h"
 #include "velanor/backend.h"
 
 namespace velanor::bench {
@@ -522,6 +523,31 @@ double processor_us() {
   clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
   return static_cast<double>(now.tv_sec) * 1e6 + static_cast<double>(now.tv_nsec) / 1e3;
 }
+
+// The list as a statement, against the same in SQL on a table with the index for it.
+void ParseAStatement(benchmark::State& state) {
+  constexpr int kTurn = 1000;
+  sqlite3* base = nullptr;
+  sqlite3_open(":memory:", &base);
+  sqlite3_exec(base,
+               "CREATE TABLE card (id TEXT PRIMARY KEY, suffix TEXT, name TEXT);"
+               "CREATE INDEX list ON card (suffix, name, id)",
+               nullptr, nullptr, nullptr);
+  const store::select::Dictionary dictionary;
+  const auto prepare = [base] {
+    for (int i = 0; i < kTurn; ++i)
+      Statement(base, "SELECT id, name FROM card WHERE suffix = '0012030' ORDER BY name, id");
+  };
+  const auto parse = [&] {
+    for (int i = 0; i < kTurn; ++i) {
+      benchmark::DoNotOptimize(
+          store::select::parse_statement("SSELECT VELANORO AVEC 0 = \"[0012030\" PAR 1", kFile, dictionary));
+    }
+  };
+  race(state, {.goal = 7, .times = kTurn}, {.run = prepare}, {.run = parse});
+  sqlite3_close(base);
+}
+VELANOR_RACE(ParseAStatement);
 
 // Memory for each byte of ids and contents, and what the slowest of many replacements takes meanwhile.
 void Memory(benchmark::State& state) {
