@@ -25,8 +25,8 @@ void prefetch([[maybe_unused]] const char* bytes, [[maybe_unused]] int size) {
   for (int at = 0; at < size; at += kLine) __builtin_prefetch(bytes + at);
 #endif
 }
-// Where a record begins, with its first attributes; and a whole record, of the usual size.
-constexpr int kBeginning = 2 * kLine, kRecord = 18 * kLine;
+// Where a record begins, with its first attributes.
+constexpr int kBeginning = 2 * kLine;
 
 std::size_t hash_of_id(std::string_view id) { return std::hash<std::string_view>{}(id); }
 

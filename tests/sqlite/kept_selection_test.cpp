@@ -46,6 +46,7 @@ TEST_F(KeptSelections, SayWhatALookAtEveryRecordSaysWhoeverWrites) {
   std::unique_ptr<SqliteDatabase> clerks[] = {open(), open()};
   std::map<std::string, DbRecord> stored;
   std::vector<PlainStatement> statements;
+  statements.reserve(25);
   for (int i = 0; i < 25; ++i) statements.push_back(dice.statement());
   const auto write = [&](Database& database, std::map<std::string, DbRecord>& records) {
     const std::string id = dice.id();
@@ -84,7 +85,7 @@ TEST_F(KeptSelections, SayWhatALookAtEveryRecordSaysWhoeverWrites) {
     for (const std::string& id : selected(statement, cards)) {
       std::string text(stored.at(id)(2));
       std::replace(text.begin(), text.end(), kValueMark, kSubvalueMark);
-      rows.push_back(id + kValueMark + text);
+      rows.push_back(std::string(id).append(1, kValueMark).append(text));
     }
     for (const auto& clerk : clerks) ASSERT_EQ(found(*clerk, written(statement)), rows) << written(statement);
   }
