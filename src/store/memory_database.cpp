@@ -59,12 +59,13 @@ void MemoryBackend::in_one_change(const std::function<void()>& writes) {
 void MemoryBackend::undo() {
   in_change_ = false;
   // Nothing of it is left for the next change, whatever gives out here.
-  const std::vector<Before> journal = std::exchange(journal_, {});
-  for (auto before = journal.rbegin(); before != journal.rend(); ++before) {
-    if (before->record) {
-      put(before->file, before->id, *before->record, Expected::anything());
+  std::vector<Before> journal = std::exchange(journal_, {});
+  std::reverse(journal.begin(), journal.end());
+  for (const Before& before : journal) {
+    if (before.record) {
+      put(before.file, before.id, *before.record, Expected::anything());
     } else {
-      erase(before->file, before->id, Expected::anything());
+      erase(before.file, before.id, Expected::anything());
     }
   }
 }
